@@ -1,0 +1,11 @@
+# One place for the flags that every target of the project is built with.
+add_library(bmcfru_warnings INTERFACE)
+target_compile_options(bmcfru_warnings INTERFACE -Wall -Wextra -Wconversion -Wshadow -Werror)
+# GCC says by a note that 7.1 once passed some structures differently on ARM; nothing here spans compilers of that age.
+target_compile_options(bmcfru_warnings INTERFACE $<$<CXX_COMPILER_ID:GNU>:-Wno-psabi>)
+
+set(BMCFRU_SANITIZE "" CACHE STRING "sanitizers for every target, e.g. address,undefined")
+if(BMCFRU_SANITIZE)
+  add_compile_options(-fsanitize=${BMCFRU_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  add_link_options(-fsanitize=${BMCFRU_SANITIZE})
+endif()

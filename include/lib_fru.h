@@ -1,0 +1,22 @@
+/*
+ * libbmcfru: a server's FRU inventory, for management controllers. The whole public interface.
+ *
+ * Calls run on the caller's thread; there is no start-up call. Results are u32 status codes (lib_fru_types.h)
+ * unless said otherwise. Every failure is also told in the diagnostic log, in words.
+ */
+#ifndef LIB_FRU_H
+#define LIB_FRU_H
+
+#include "lib_fru_types.h"
+
+#include "lib_fru_access.h"
+#include "lib_fru_assembly.h"
+#include "lib_fru_cache.h"
+#include "lib_fru_codec.h"
+#include "lib_fru_diagnostics.h"
+#include "lib_fru_hardware.h"
+#include "lib_fru_labels.h"
+#include "lib_fru_multirecord.h"
+#include "lib_fru_oem.h"
+
+#endif

@@ -1,0 +1,13 @@
+/* Platform: the integer names that all contract headers use. */
+#ifndef BMC_TYPES_H
+#define BMC_TYPES_H
+
+#include <stddef.h>
+#include <stdint.h>
+
+typedef uint8_t u8;
+typedef uint16_t u16;
+typedef uint32_t u32;
+typedef int32_t i32;
+
+#endif
