@@ -1,0 +1,41 @@
+// Diagnostic messages. Include this through a module's private header, which says under which file name it
+// reports.
+#ifndef FRU_COMMON_DIAG_H
+#define FRU_COMMON_DIAG_H
+
+#include "bmc_support.h"
+#include "lib_fru_types.h"
+
+#ifndef FRU_DIAG_FILE
+#error "define FRU_DIAG_FILE (the module's name in its messages) before including common/diag.h"
+#endif
+
+#define FRU_DIAG_MODULE 24U
+
+// Categories; which message has which is part of the interface.
+#define FRU_CAT_GENERAL 0U
+#define FRU_CAT_DEVICE 4U
+#define FRU_CAT_DATA 5U
+
+// One message: category, severity, then a format (a literal) and its arguments.
+#define FRU_LOG(uiCategory, uiSeverity, ...)                                                                 \
+    BMC_DiagLogOut(FRU_DIAG_MODULE, (uiCategory), (uiSeverity), __LINE__, FRU_DIAG_FILE, __VA_ARGS__)
+
+// Reports a null pointer under the name that callers know; the second form names the function that they
+// called.
+#define FRU_LOG_NULL(pcName) FRU_LOG_NULL_IN(pcName, __func__)
+#define FRU_LOG_NULL_IN(pcName, pcFunction)                                                                  \
+    BMC_DiagLogOut(0U, 0U, BMC_DIAG_DEBUG, __LINE__, FRU_DIAG_FILE,                                          \
+                   "Pointer " pcName " is Null, File:%s Func:%s Line:%d", FRU_DIAG_FILE, (pcFunction),       \
+                   __LINE__)
+
+// A message out of one of the library's own tables of texts, so not a literal where it is logged.
+#define FRU_LOG_TABLE(uiCategory, uiSeverity, ...)                                                           \
+    do {                                                                                                     \
+        _Pragma("GCC diagnostic push") _Pragma("GCC diagnostic ignored \"-Wformat-nonliteral\"")             \
+            _Pragma("GCC diagnostic ignored \"-Wformat-security\"")                                          \
+                FRU_LOG((uiCategory), (uiSeverity), __VA_ARGS__);                                            \
+        _Pragma("GCC diagnostic pop")                                                                        \
+    } while (0)
+
+#endif

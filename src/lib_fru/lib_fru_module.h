@@ -1,0 +1,11 @@
+// Private to lib_fru.
+#ifndef LIB_FRU_MODULE_H
+#define LIB_FRU_MODULE_H
+
+#define FRU_DIAG_FILE "lib_fru.c"
+
+#include "common/alloc.h"
+#include "common/diag.h"
+#include "lib_fru_types.h"
+
+#endif
