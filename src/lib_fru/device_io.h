@@ -1,0 +1,48 @@
+// Private to lib_fru: FRU bytes from and to the EEPROMs, and one device's cached image and cache status.
+//
+// Results of type i32 are a byte count or a negative value; the 0x81000000 codes are negative as i32.
+#ifndef LIB_FRU_DEVICE_IO_H
+#define LIB_FRU_DEVICE_IO_H
+
+#include "lib_fru_types.h"
+
+// The cached image could not be read. It is a count as well, which the callers do not tell apart: a transfer
+// of exactly this many bytes counts as a failure. That is meant.
+#define FRU_RESULT_NOT_PRESENT 203
+
+#define FRU_CACHE_UNTRUSTED 0x01U // cache status: the cached image is not to be trusted
+
+// uiLength bytes from EEPROM offset usOffset (start offset included) into pucBuf. Bytes read;
+// FRU_ERR_NULL_POINTER (pucBuf or pstFRUInfo), FRU_ERR_FAILED (EEPROM type), FRU_ERR_OUT_OF_RANGE (bus
+// number), or the negative result of the EEPROM call.
+i32 FRU_ReadFRUDevice(const FRU_DEVICE_INFO_S *pstFRUInfo, u16 usOffset, u32 uiLength, u8 *pucBuf);
+
+// The way back, with the same results; pstFRUInfo is not checked.
+i32 FRU_WriteFRUDevice(const FRU_DEVICE_INFO_S *pstFRUInfo, u16 usOffset, u32 uiLength, const u8 *pucBuf);
+
+// uiCount bytes from usOffset of the device's cached image. The count; FRU_RESULT_NOT_PRESENT when the cached
+// image cannot be read or ends before them; FRU_ERR_NULL_POINTER (pucBuf).
+i32 FRU_ResFRUData(const FRU_DEVICE_INFO_S *pstFRUInfo, u16 usOffset, u32 uiCount, u8 *pucBuf);
+
+// Puts uiLength bytes at usOffset of the device's cached image. FRU_OK; FRU_ERR_NO_MEMORY (also for a FRU
+// size of 0); FRU_ERR_FAILED (image not readable, not writable, or ending before the bytes do).
+u32 FRU_WriteFRUDataDB(const FRU_DEVICE_INFO_S *pstFRUInfo, u16 usOffset, u32 uiLength, const u8 *pucData);
+
+// A device's cache status byte; 1 (untrusted) when it cannot be read, which is reported.
+u8 FRU_ReadCacheStatus(u8 ucDeviceID);
+
+// Texts of a device record, which comes from the database and may lack its NUL.
+struct FRU_NAME_TEXT_S
+{
+    char acText[sizeof(FRU_DEVICE_INFO_S::acFRUName) + 1U];
+};
+struct FRU_PATH_TEXT_S
+{
+    char acText[sizeof(FRU_DEVICE_INFO_S::acImageFilePath) + 1U];
+};
+
+// The text in the 16 bytes of a FRU name, and in the 128 bytes of an image file path.
+FRU_NAME_TEXT_S FRU_NameText(const char *pcName);
+FRU_PATH_TEXT_S FRU_PathText(const char *pcPath);
+
+#endif
