@@ -1,8 +1,8 @@
 // Console dumps for engineers. Labels are part of the interface, their misspellings too.
 #include <cstdio>
 
-#include "lib_fru/lib_fru_module.h"
 #include "lib_fru_diagnostics.h"
+#include "lib_fru_module.h"
 
 namespace {
 

@@ -2,8 +2,8 @@
 #include <cstdio>
 #include <ctime>
 
-#include "lib_fru/lib_fru_module.h"
 #include "lib_fru_diagnostics.h"
+#include "lib_fru_module.h"
 
 namespace {
 

@@ -1,10 +1,12 @@
-// Small services: feature list and update, FRU events.
+// Small services: test result, feature list and update, FRU events.
 #include <cstdio>
 #include <cstring>
 
 #include "bmc_mrpc.h"
-#include "lib_fru/lib_fru_module.h"
+#include "device_io.h"
+#include "lib_fru_access.h"
 #include "lib_fru_diagnostics.h"
+#include "lib_fru_module.h"
 
 namespace {
 
@@ -16,12 +18,42 @@ constexpr u32 g_uiFeatureUpdateTimeoutMs = 10000U;
 constexpr u32 g_uiEventService = 630U;
 constexpr u32 g_uiEventMethod = 0U;
 
+// A fault mark of a device's cache status, and the bit of the test-result byte that it sets.
+struct FAULT_BIT_S
+{
+    u32 uiStatusBit;
+    u32 uiResultBit;
+};
+constexpr FAULT_BIT_S g_astFaultBit[] = {{0x02U, 0x20U}, {0x04U, 0x04U}};
+
 bool IsSuccess(const char *pcText)
 {
     return pcText != nullptr && strcmp(pcText, "success") == 0;
 }
 
 } // namespace
+
+void LIB_FRU_GetTestResult(u8 *pucTestResultByte)
+{
+    if (pucTestResultByte == nullptr) {
+        FRU_LOG_NULL("pucTestResultByte");
+        return;
+    }
+    FRU_DEVICE_TBL_S stTable = {};
+    if (LIB_FRU_GetFRUDeviceTbl(&stTable) != FRU_OK) {
+        FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_WARNING, "Fail to find fru device tbl!");
+        return;
+    }
+    // The count is believed as far as the record goes.
+    u32 uiResult = *pucTestResultByte;
+    for (u32 i = 0; i < stTable.ucCount && i < FRU_DEVICE_TBL_MAX; ++i) {
+        const u32 uiStatus = FRU_ReadCacheStatus(stTable.astEntry[i].ucDeviceID);
+        for (const FAULT_BIT_S &stBit : g_astFaultBit) {
+            uiResult |= (uiStatus & stBit.uiStatusBit) != 0U ? stBit.uiResultBit : 0U;
+        }
+    }
+    *pucTestResultByte = static_cast<u8>(uiResult);
+}
 
 u32 LIB_FRU_GetFeatureInfoList(void)
 {
