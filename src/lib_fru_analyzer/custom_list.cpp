@@ -1,0 +1,93 @@
+#include "lib_fru_analyzer/custom_list.h"
+
+#include "lib_fru_analyzer/lib_fru_analyzer_module.h"
+#include "lib_fru_analyzer/type_length.h"
+
+u32 FRU_GetCustomerFieldCount(const u8 *pucStartBuff, u32 uiSize, u8 *pucCount)
+{
+    if (pucStartBuff == nullptr) {
+        FRU_LOG_NULL("pucStartBuff");
+        return FRU_ERR_NULL_POINTER;
+    }
+    *pucCount = 0U;
+    for (u32 uiAt = 0; uiAt < uiSize; uiAt += (pucStartBuff[uiAt] & FRU_FIELD_LENGTH_MASK) + 1U) {
+        if (pucStartBuff[uiAt] == FRU_FIELD_END) {
+            return FRU_OK;
+        }
+        // Counts a field that runs past the area, too; 8 bits, so 256 fields are none.
+        ++*pucCount;
+    }
+    FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_WARNING, "Get customer field count failed! Size:%#x.", uiSize);
+    return FRU_ERR_FAILED;
+}
+
+namespace {
+
+u32 DecodeFields(const FRU_AREA_S &stArea, FRU_READER_S &stReader, u32 uiFrom, u32 uiTo, u8 **ppucFields)
+{
+    for (u32 i = uiFrom; i < uiTo; ++i) {
+        u8 ucSize = 0;
+        if (FRU_ReadField(stReader, &ppucFields[i], &ucSize) != FRU_OK) {
+            FRU_FREE(ppucFields[i]);
+            FRU_LOG_TABLE(FRU_CAT_GENERAL, BMC_DIAG_ERROR, stArea.stDecode.pcCustomField, i);
+            if (stArea.stDecode.pcCustomRet != nullptr) {
+                FRU_LOG_TABLE(FRU_CAT_GENERAL, BMC_DIAG_ERROR, stArea.stDecode.pcCustomRet, FRU_ERR_FAILED);
+            }
+            return FRU_ERR_FAILED;
+        }
+    }
+    return FRU_OK;
+}
+
+// The slots behind the last field become empty texts.
+u32 FillSlots(const FRU_AREA_S &stArea, u32 uiFrom, u8 **ppucFields)
+{
+    u8 aucEmpty[FRU_CHASSIS_FIXED_SLOTS];
+    (void)memset(aucEmpty, FRU_FIELD_EMPTY, sizeof(aucEmpty));
+    FRU_READER_S stEmpty = FRU_ReaderOver(aucEmpty, sizeof(aucEmpty));
+    return DecodeFields(stArea, stEmpty, uiFrom, stArea.ucFixedSlots, ppucFields);
+}
+
+} // namespace
+
+u32 FRU_GetCustomFields(const FRU_AREA_S &stArea, FRU_READER_S stReader, u32 uiUsed, u32 uiAreaSize,
+                        FRU_DATA_S *pstFRUData)
+{
+    if (uiUsed >= uiAreaSize) {
+        FRU_LOG_TABLE(FRU_CAT_GENERAL, BMC_DIAG_ERROR, stArea.stDecode.pcCustomAddress);
+        return FRU_ERR_FAILED;
+    }
+    const u32 uiLeft = uiAreaSize - uiUsed;
+    u8 *pucCount = FRU_MemberAt(pstFRUData, stArea.usCustomCount);
+    const u32 uiPreset = *pucCount;
+    if (FRU_GetCustomerFieldCount(stReader.pucCursor, uiLeft, pucCount) != FRU_OK) {
+        FRU_LOG_TABLE(FRU_CAT_GENERAL, BMC_DIAG_ERROR, stArea.stDecode.pcCustomCount);
+        return FRU_ERR_FAILED;
+    }
+    const u32 uiCount = *pucCount;
+    FRU_LOG_TABLE(FRU_CAT_GENERAL, BMC_DIAG_DEBUG, stArea.stDecode.pcCustomDebug, uiCount, uiLeft);
+
+    const bool bFixed = stArea.ucFixedSlots != 0U && uiPreset == stArea.ucFixedSlots && uiCount != uiPreset;
+    if (uiCount == 0U && !bFixed) {
+        return FRU_OK;
+    }
+    u8 **ppucFields =
+        static_cast<u8 **>(FRU_CALLOC(bFixed ? stArea.ucFixedSlots : uiCount, sizeof(*ppucFields)));
+    if (ppucFields == nullptr) {
+        FRU_LOG_TABLE(FRU_CAT_GENERAL, BMC_DIAG_ERROR, stArea.stDecode.pcCustomMemory);
+        return FRU_ERR_FAILED;
+    }
+    if (bFixed && uiCount > stArea.ucFixedSlots) {
+        // The record keeps the count but not the array: the release would walk past its slots.
+        FRU_FREE(ppucFields);
+        FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_ERROR, "CustomField is ovr than calloc, customfield= %d!", uiCount);
+        return FRU_ERR_FAILED;
+    }
+    FRU_StorePointer(pstFRUData, stArea.usCustomFields, ppucFields);
+    const u32 uiRet = DecodeFields(stArea, stReader, 0U, uiCount, ppucFields);
+    if (uiRet != FRU_OK || !bFixed) {
+        return uiRet;
+    }
+    *pucCount = stArea.ucFixedSlots;
+    return FillSlots(stArea, uiCount, ppucFields);
+}
