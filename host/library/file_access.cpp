@@ -1,7 +1,6 @@
 // The library's two file calls on the desk: the controller's root goes in front of the path.
 #include "common/file_access.h"
 
-#include <cerrno>
 #include <climits>
 #include <unistd.h>
 
@@ -10,11 +9,8 @@
 FILE *FRU_OpenFile(const char *pcPath, const char *pcMode)
 {
     char acPath[PATH_MAX];
-    if (BMCHOST_ResolvePath(pcPath, sizeof(acPath), acPath) != 0U) {
-        errno = ENAMETOOLONG;
-        return nullptr;
-    }
-    return fopen(acPath, pcMode);
+    // errno says why a path was refused, as it does after a failing fopen().
+    return BMCHOST_ResolvePath(pcPath, sizeof(acPath), acPath) == 0U ? fopen(acPath, pcMode) : nullptr;
 }
 
 bool FRU_FileExists(const char *pcPath)
