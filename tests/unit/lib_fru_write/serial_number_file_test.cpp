@@ -1,35 +1,23 @@
 #include <cerrno>
 #include <cstring>
-#include <memory>
 
 #include <gtest/gtest.h>
 
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "fake/fake_platform.h"
+#include "label_texts.h"
 #include "lib_fru_labels.h"
 
 namespace {
 
-using LINES = std::vector<std::string>;
+using label::Bytes;
+using label::Exactly;
+using label::LINES;
 
 const char g_acPrimary[] = "/mnt/sdmmc0p4/board/ProductSerialNumber";
 const char g_acCopy[] = "/var/network/ProductSerialNumber";
 const char g_acFile[] = "lib_fru_write.c";
-
-fake::BYTES Bytes(const std::string &strText)
-{
-    return {strText.begin(), strText.end()};
-}
-
-// The bytes in a buffer of exactly their size, so that a read past them shows.
-std::unique_ptr<char[]> Exactly(const std::string &strText)
-{
-    auto upBuffer = std::make_unique<char[]>(strText.size());
-    (void)std::copy(strText.begin(), strText.end(), upBuffer.get());
-    return upBuffer;
-}
 
 void MakeDirectories()
 {
