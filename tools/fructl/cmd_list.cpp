@@ -1,0 +1,76 @@
+// fructl list: the controller's devices and the state of their images.
+#include "commands.h"
+#include "console.h"
+#include "error.h"
+#include "image_layout.h"
+#include "json_out.h"
+#include "text.h"
+
+namespace {
+
+struct STATE_S
+{
+    const char *pcImage; // "sound", "damaged", "erased", "unreadable", "no record"
+    const char *pcCache; // "none", "same", "differs", "not trusted", "only"
+};
+
+STATE_S StateOf(const DEVICE_S &stDevice)
+{
+    if (!stDevice.bHasInfo) {
+        return {"no record", "none"};
+    }
+    const std::optional<IMAGE_S> optCached = ReadCache(stDevice);
+    std::optional<IMAGE_S> optImage = optCached;
+    const char *pcCache = "only";
+    if (!stDevice.IsDatabaseOnly()) {
+        try {
+            optImage = ReadChip(stDevice);
+        } catch (const FRUCTL_ERROR &) {
+            optImage.reset();
+        }
+        const bool bSame = optImage.has_value() && optCached.has_value() && optImage->vecBytes == optCached->vecBytes;
+        pcCache = !optCached.has_value() ? "none" : !IsCacheTrusted(stDevice) ? "not trusted" : bSame ? "same" : "differs";
+    }
+    if (!optImage.has_value()) {
+        return {"unreadable", pcCache};
+    }
+    const IMAGE_LAYOUT_S stLayout = LayoutOf(*optImage, stDevice.HasFixedSlots());
+    return {stLayout.bErased ? "erased" : stLayout.IsSound() ? "sound" : "damaged", pcCache};
+}
+
+void RunList(const SESSION_S &stSession)
+{
+    const std::vector<DEVICE_S> vecDevices = LoadDevices(stSession);
+    TABLE stTable({">ID", "NAME", ">TYPE", ">INST", ">BUS", ">ADDR", ">SIZE", "IMAGE", "CACHE"});
+    JSON stList = JSON::array();
+    for (const DEVICE_S &stDevice : vecDevices) {
+        const FRU_DEVICE_INFO_S &stInfo = stDevice.stInfo;
+        const STATE_S stState = StateOf(stDevice);
+        const std::string strImage = stState.pcImage;
+        const std::string strCache = stState.pcCache;
+        JSON stJson = DeviceJson(stDevice);
+        stJson.update({{"bus", stInfo.ucBusNumber}, {"address", stInfo.ucAddress}, {"switchLevel", stInfo.ucSwitchLevel}, {"startOffset", u16{stInfo.usStartOffset}}, {"size", u16{stInfo.usSize}},
+                       {"databaseOnly", stDevice.IsDatabaseOnly()}, {"image", strImage}, {"cache", strCache}});
+        stList.push_back(stJson);
+        stTable.Row({Format("%u", stDevice.stEntry.ucDeviceID), EscapeText(stDevice.strName), Format("0x%02x", stDevice.stEntry.ucComponentType),
+                     Format("%u", stDevice.stEntry.ucInstance), Format("%u", stInfo.ucBusNumber), Format("0x%02x", stInfo.ucAddress),
+                     Format("%u", stInfo.usSize), strImage, strCache},
+                    {COLOUR::None, COLOUR::Cyan, COLOUR::None, COLOUR::None, COLOUR::None, COLOUR::None, COLOUR::None,
+                     strImage == "sound" ? COLOUR::Green : COLOUR::Red,
+                     strCache == "differs" ? COLOUR::Yellow : COLOUR::Dim});
+    }
+    if (stSession.bJson) {
+        PrintJson({{"devices", stList}});
+    } else {
+        Print(stTable.Text());
+    }
+}
+
+} // namespace
+
+void AddListCommand(CLI::App &stParent, SESSION_S &stSession)
+{
+    CLI::App *pstCommand = AddCommand(stParent, "list", "List the devices and the state of their images",
+                                      "fructl list\nfructl --root /tmp/lab list --json");
+    pstCommand->callback([&stSession] { stSession.fnRun = [&stSession] { RunList(stSession); }; });
+}

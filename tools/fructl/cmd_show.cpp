@@ -1,0 +1,147 @@
+// fructl show: a device or an image file, decoded.
+#include <map>
+
+#include "commands.h"
+#include "console.h"
+#include "json_out.h"
+#include "record.h"
+#include "text.h"
+
+namespace {
+
+using NOTES = std::map<std::pair<AREA, std::string>, std::string>;
+
+// How texts are stored, where that is not plain, by area and field name.
+NOTES StorageNotes(const TARGET_S &stTarget)
+{
+    NOTES mapNotes;
+    const IMAGE_LAYOUT_S stLayout = LayoutOf(ReadTarget(stTarget), stTarget.HasFixedSlots());
+    for (const SPAN_S &stSpan : stLayout.vecSpans) {
+        if (!stSpan.strNote.empty() && stSpan.strNote != "empty") {
+            mapNotes[{stSpan.enArea, stSpan.strField}] = stSpan.strNote;
+        }
+    }
+    return mapNotes;
+}
+
+std::string Heading(AREA enArea)
+{
+    std::string strName = AreaName(enArea);
+    strName[0] = static_cast<char>(toupper(strName[0]));
+    return Paint(COLOUR::Bold, strName) + "\n";
+}
+
+std::string Row(const std::string &strName, const std::string &strText, const std::string &strNote)
+{
+    const std::string strShown = strText.empty() ? Paint(COLOUR::Dim, "-") : EscapeText(strText);
+    return Format("  %-19s ", strName.c_str()) + strShown + (strNote.empty() ? "" : Paint(COLOUR::Dim, "  (" + strNote + ")")) + "\n";
+}
+
+std::string AreaText(const AREA_VIEW_S &stArea, const NOTES &mapNotes)
+{
+    const auto fnNote = [&](const std::string &strName) {
+        const auto itNote = mapNotes.find({stArea.enArea, strName});
+        return itNote != mapNotes.end() ? itNote->second : std::string();
+    };
+    std::string strOut = Heading(stArea.enArea);
+    for (const FIELD_VIEW_S &stField : stArea.vecFields) {
+        strOut += Row(stField.strName, stField.strText, fnNote(stField.strName));
+    }
+    for (size_t i = 0; i < stArea.vecCustomFields.size(); i++) {
+        const std::string strName = Format("custom field %zu", i + 1U);
+        strOut += Row(strName, stArea.vecCustomFields[i], fnNote(strName));
+    }
+    return strOut;
+}
+
+std::string MultiRecordsText(const RECORD_VIEW_S &stView)
+{
+    if (!stView.bMultiRecordArea) {
+        return "";
+    }
+    std::string strOut = Heading(AREA::MultiRecord);
+    if (stView.vecMultiRecords.empty()) {
+        return strOut + "  " + Paint(COLOUR::Red, "damaged: no record can be read") + " ('fructl verify' tells why)\n";
+    }
+    for (const MULTIRECORD_VIEW_S &stRecord : stView.vecMultiRecords) {
+        strOut += "  " + stRecord.strName + Paint(COLOUR::Dim, Format(" (type 0x%02x, %zu bytes)", stRecord.ucType, stRecord.vecData.size())) + "\n";
+        strOut += "    " + EscapeText(stRecord.strText) + "\n";
+    }
+    return strOut;
+}
+
+std::string TitleText(const TARGET_S &stTarget)
+{
+    const std::string strTitle = Paint(COLOUR::Bold, stTarget.Title());
+    if (!stTarget.optDevice.has_value()) {
+        return strTitle + "\n";
+    }
+    const FRU_DEVICE_INFO_S &stInfo = stTarget.optDevice->stInfo;
+    return strTitle + Format("  FRU device ID %u, %u bytes at 0x%04x of the EEPROM on bus %u, address 0x%02x\n", stTarget.optDevice->stEntry.ucDeviceID,
+                             stInfo.usSize, stInfo.usStartOffset, stInfo.ucBusNumber, stInfo.ucAddress);
+}
+
+JSON AreaJson(const AREA_VIEW_S &stArea)
+{
+    JSON stJson = JSON::object();
+    for (const FIELD_VIEW_S &stField : stArea.vecFields) {
+        stJson[stField.strKey] = Latin1ToUtf8(stField.strText);
+    }
+    if (stArea.enArea != AREA::InternalUse) {
+        stJson["customFields"] = JSON::array();
+    }
+    for (const std::string &strField : stArea.vecCustomFields) {
+        stJson["customFields"].push_back(Latin1ToUtf8(strField));
+    }
+    return stJson;
+}
+
+JSON RecordJson(const RECORD_VIEW_S &stView)
+{
+    JSON stJson = JSON::object();
+    for (const AREA_VIEW_S &stArea : stView.vecAreas) {
+        stJson[AreaKey(stArea.enArea)] = AreaJson(stArea);
+    }
+    stJson["multiRecords"] = JSON::array();
+    for (const MULTIRECORD_VIEW_S &stRecord : stView.vecMultiRecords) {
+        stJson["multiRecords"].push_back({{"type", stRecord.ucType}, {"formatVersion", stRecord.ucFormatVersion}, {"name", stRecord.strName},
+                                          {"text", Latin1ToUtf8(stRecord.strText)}, {"data", HexBytes(stRecord.vecData)}});
+    }
+    if (stView.bMultiRecordArea && stView.vecMultiRecords.empty()) {
+        stJson["multiRecordsDamaged"] = true;
+    }
+    return stJson;
+}
+
+void RunShow(const SESSION_S &stSession, const TARGET_OPTIONS_S &stOptions)
+{
+    const TARGET_S stTarget = ResolveTarget(stSession, stOptions);
+    RECORD stRecord;
+    DecodeTarget(stTarget, stRecord);
+    const RECORD_VIEW_S stView = ViewRecord(*stRecord.Data());
+    if (stSession.bJson) {
+        JSON stJson = TargetJson(stTarget);
+        stJson.update(RecordJson(stView));
+        PrintJson(stJson);
+        return;
+    }
+    const NOTES mapNotes = StorageNotes(stTarget);
+    std::string strOut = TitleText(stTarget);
+    for (const AREA_VIEW_S &stArea : stView.vecAreas) {
+        strOut += "\n" + AreaText(stArea, mapNotes);
+    }
+    Print(strOut + (stView.bMultiRecordArea ? "\n" : "") + MultiRecordsText(stView));
+}
+
+} // namespace
+
+void AddShowCommand(CLI::App &stParent, SESSION_S &stSession)
+{
+    const auto pstOptions = std::make_shared<TARGET_OPTIONS_S>();
+    CLI::App *pstCommand = AddCommand(stParent, "show", "Show a device or an image file, decoded",
+                                      "fructl show baseboard\nfructl show 0x30:0\nfructl show --id 1 --json\nfructl show dump.bin");
+    AddTargetOptions(pstCommand, *pstOptions, true);
+    pstCommand->callback([&stSession, pstOptions] {
+        stSession.fnRun = [&stSession, pstOptions] { RunShow(stSession, *pstOptions); };
+    });
+}

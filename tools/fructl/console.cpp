@@ -1,0 +1,75 @@
+#include "console.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <unistd.h>
+
+static bool g_bColour = false;
+
+bool WantsColour(int iFd)
+{
+    // no-color.org: any non-empty value says no.
+    const char *pcNoColor = getenv("NO_COLOR");
+    return isatty(iFd) == 1 && (pcNoColor == nullptr || pcNoColor[0] == '\0');
+}
+
+void SetColour(bool bColour)
+{
+    g_bColour = bColour;
+}
+
+std::string Paint(COLOUR enColour, const std::string &strText)
+{
+    static const char *const apcCodes[] = {"", "1", "2", "31", "32", "33", "34", "35", "36"};
+    if (!g_bColour || enColour == COLOUR::None || strText.empty()) {
+        return strText;
+    }
+    return std::string("\x1b[") + apcCodes[static_cast<size_t>(enColour)] + "m" + strText + "\x1b[0m";
+}
+
+TABLE::TABLE(const std::vector<const char *> &vecHeadings)
+{
+    std::vector<std::string> vecCells;
+    for (const char *pcHeading : vecHeadings) {
+        const bool bRight = pcHeading[0] == '>';
+        m_vecRight.push_back(bRight);
+        vecCells.emplace_back(bRight ? pcHeading + 1 : pcHeading);
+    }
+    Row(vecCells, std::vector<COLOUR>(vecCells.size(), COLOUR::Bold));
+}
+
+void TABLE::Row(std::vector<std::string> vecCells, std::vector<COLOUR> vecColours)
+{
+    vecCells.resize(m_vecRight.size());
+    vecColours.resize(m_vecRight.size(), COLOUR::None);
+    m_vecRows.push_back({std::move(vecCells), std::move(vecColours)});
+}
+
+std::string TABLE::Text() const
+{
+    std::vector<size_t> vecWidths(m_vecRight.size(), 0U);
+    for (const ROW_S &stRow : m_vecRows) {
+        for (size_t i = 0; i < vecWidths.size(); i++) {
+            vecWidths[i] = std::max(vecWidths[i], stRow.vecCells[i].size());
+        }
+    }
+    std::string strOut;
+    for (const ROW_S &stRow : m_vecRows) {
+        std::string strLine;
+        for (size_t i = 0; i < vecWidths.size(); i++) {
+            const std::string strGap(vecWidths[i] - stRow.vecCells[i].size(), ' ');
+            const std::string strCell = Paint(stRow.vecColours[i], stRow.vecCells[i]);
+            strLine += (i == 0U) ? "" : "  ";
+            strLine += m_vecRight[i] ? strGap + strCell : strCell + strGap;
+        }
+        strLine.erase(strLine.find_last_not_of(' ') + 1U);
+        strOut += strLine + "\n";
+    }
+    return strOut;
+}
+
+void Print(const std::string &strText)
+{
+    fwrite(strText.data(), 1U, strText.size(), stdout);
+}

@@ -1,0 +1,42 @@
+// What a command shows people: colour only on a terminal, and aligned tables.
+#ifndef FRUCTL_CONSOLE_H
+#define FRUCTL_CONSOLE_H
+
+#include <string>
+#include <vector>
+
+enum class COLOUR { None, Bold, Dim, Red, Green, Yellow, Blue, Magenta, Cyan };
+
+// True when the stream is a terminal and NO_COLOR is not set.
+bool WantsColour(int iFd);
+
+// Decides for Paint() below, once, from standard output.
+void SetColour(bool bColour);
+
+// The text in a colour, or as it is when there is none to be.
+std::string Paint(COLOUR enColour, const std::string &strText);
+
+// A table for people. Cells are plain ASCII; colours do not count into the widths.
+class TABLE
+{
+public:
+    // One heading for each column; a '>' in front aligns the column to the right.
+    explicit TABLE(const std::vector<const char *> &vecHeadings);
+    void Row(std::vector<std::string> vecCells, std::vector<COLOUR> vecColours = {});
+    // Two blanks between columns, none after the last.
+    std::string Text() const;
+
+private:
+    struct ROW_S
+    {
+        std::vector<std::string> vecCells;
+        std::vector<COLOUR> vecColours;
+    };
+    std::vector<bool> m_vecRight;
+    std::vector<ROW_S> m_vecRows;
+};
+
+// Writes to standard output.
+void Print(const std::string &strText);
+
+#endif

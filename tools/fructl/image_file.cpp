@@ -1,0 +1,150 @@
+#include "image_file.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <filesystem>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "error.h"
+#include "text.h"
+
+std::vector<u8> ReadFileBytes(const std::string &strPath)
+{
+    struct stat stStat = {};
+    if (stat(strPath.c_str(), &stStat) != 0) {
+        Fail("cannot read " + strPath + ": " + strerror(errno));
+    }
+    if (!S_ISREG(stStat.st_mode)) {
+        Fail("cannot read " + strPath + ": not a regular file");
+    }
+    if (stStat.st_size > static_cast<off_t>(IMAGE_FILE_MAX)) {
+        Fail("cannot read " + strPath + ": larger than 1 MiB, which no FRU image is");
+    }
+    FILE *pstFile = fopen(strPath.c_str(), "rb");
+    if (pstFile == nullptr) {
+        Fail("cannot read " + strPath + ": " + strerror(errno));
+    }
+    std::vector<u8> vecBytes(static_cast<size_t>(stStat.st_size));
+    const size_t uiRead = vecBytes.empty() ? 0U : fread(vecBytes.data(), 1U, vecBytes.size(), pstFile);
+    fclose(pstFile);
+    if (uiRead != vecBytes.size()) {
+        Fail("cannot read " + strPath + ": it ended early");
+    }
+    return vecBytes;
+}
+
+namespace {
+
+bool IsBlank(char cChar)
+{
+    return cChar == ' ' || cChar == '\t' || cChar == '\r';
+}
+
+// The words of a line, its comment left out.
+std::vector<std::string> Words(const std::string &strLine)
+{
+    std::vector<std::string> vecWords;
+    bool bInWord = false;
+    for (const char cChar : strLine) {
+        if (cChar == '#') {
+            break;
+        }
+        if (IsBlank(cChar)) {
+            bInWord = false;
+            continue;
+        }
+        if (!bInWord) {
+            vecWords.emplace_back();
+        }
+        bInWord = true;
+        vecWords.back() += cChar;
+    }
+    return vecWords;
+}
+
+void TakeOffset(const std::string &strWord, const std::string &strWhere, std::vector<u8> &vecBytes)
+{
+    std::string strDigits = strWord.substr(0, strWord.size() - 1U);
+    if (strDigits.compare(0, 2, "0x") != 0 && strDigits.compare(0, 2, "0X") != 0) {
+        strDigits.insert(0, "0x");
+    }
+    const std::optional<u32> optOffset = ParseNumber(strDigits, IMAGE_FILE_MAX);
+    if (!optOffset.has_value()) {
+        Fail(strWhere + "'" + EscapeText(strWord) + "' is not an offset; accepted: hex digits and a colon, such as 0040:");
+    }
+    if (*optOffset < vecBytes.size()) {
+        Fail(strWhere + Format("offset 0x%x lies behind the bytes before it, which end at 0x%zx; offsets only grow",
+                               *optOffset, vecBytes.size()));
+    }
+    vecBytes.resize(*optOffset, 0xFFU); // a gap is erased EEPROM
+}
+
+} // namespace
+
+std::vector<u8> ParseHexText(const std::string &strText, const std::string &strName)
+{
+    std::vector<u8> vecBytes;
+    size_t uiLine = 0;
+    size_t uiStart = 0;
+    while (uiStart < strText.size()) {
+        const size_t uiEnd = std::min(strText.find('\n', uiStart), strText.size());
+        const std::vector<std::string> vecWords = Words(strText.substr(uiStart, uiEnd - uiStart));
+        uiStart = uiEnd + 1U;
+        uiLine++;
+        const std::string strWhere = strName + ":" + std::to_string(uiLine) + ": ";
+        for (size_t i = 0; i < vecWords.size(); i++) {
+            if (i == 0U && vecWords[i].back() == ':') {
+                TakeOffset(vecWords[i], strWhere, vecBytes);
+                continue;
+            }
+            const std::optional<u32> optByte = ParseNumber("0x" + vecWords[i], 0xFFU);
+            if (vecWords[i].size() != 2U || !optByte.has_value()) {
+                Fail(strWhere + "'" + EscapeText(vecWords[i]) +
+                     "' is not a byte; accepted: two hex digits, 'OFFSET:' at the line's start, '# comment'");
+            }
+            vecBytes.push_back(static_cast<u8>(*optByte));
+        }
+    }
+    return vecBytes;
+}
+
+std::vector<u8> ReadImageFile(const std::string &strPath)
+{
+    std::vector<u8> vecBytes = ReadFileBytes(strPath);
+    if (std::filesystem::path(strPath).extension() == ".hex") {
+        return ParseHexText(std::string(vecBytes.begin(), vecBytes.end()), strPath);
+    }
+    return vecBytes;
+}
+
+void MakeParentDirectory(const std::string &strPath)
+{
+    std::error_code stError;
+    const std::filesystem::path stParent = std::filesystem::path(strPath).parent_path();
+    if (!stParent.empty() && !std::filesystem::is_directory(stParent, stError)) {
+        std::filesystem::create_directories(stParent, stError);
+        if (stError) {
+            Fail("cannot create the directory " + stParent.string() + ": " + stError.message());
+        }
+    }
+}
+
+void WriteFileBytes(const std::string &strPath, const std::vector<u8> &vecBytes)
+{
+    MakeParentDirectory(strPath);
+    const std::string strNew = strPath + ".new";
+    FILE *pstFile = fopen(strNew.c_str(), "wb");
+    if (pstFile == nullptr) {
+        Fail("cannot write " + strNew + ": " + strerror(errno));
+    }
+    const bool bWritten = vecBytes.empty() || fwrite(vecBytes.data(), 1U, vecBytes.size(), pstFile) == vecBytes.size();
+    const bool bFlushed = fflush(pstFile) == 0 && fsync(fileno(pstFile)) == 0;
+    const bool bClosed = fclose(pstFile) == 0;
+    if (!bWritten || !bFlushed || !bClosed || rename(strNew.c_str(), strPath.c_str()) != 0) {
+        const std::string strWhy = strerror(errno);
+        unlink(strNew.c_str());
+        Fail("cannot write " + strPath + ": " + strWhy);
+    }
+}

@@ -1,0 +1,28 @@
+// Image files: plain bytes, or readable hex (*.hex, described in examples/README.md).
+#ifndef FRUCTL_IMAGE_FILE_H
+#define FRUCTL_IMAGE_FILE_H
+
+#include <string>
+#include <vector>
+
+#include "lib_fru_types.h"
+
+// Nothing larger is a FRU image: offsets and lengths in an image reach little beyond 4 KiB.
+constexpr size_t IMAGE_FILE_MAX = 1024U * 1024U;
+
+// A file's bytes as they are. Throws FRUCTL_ERROR when it is missing, unreadable or longer than IMAGE_FILE_MAX.
+std::vector<u8> ReadFileBytes(const std::string &strPath);
+
+// The image that a file holds: readable hex when the name ends in ".hex", else the bytes as they are.
+std::vector<u8> ReadImageFile(const std::string &strPath);
+
+// Readable hex to bytes; strName stands in front of the line number in the error.
+std::vector<u8> ParseHexText(const std::string &strText, const std::string &strName);
+
+// Writes a file whole or not at all (a new file takes the old one's place).
+void WriteFileBytes(const std::string &strPath, const std::vector<u8> &vecBytes);
+
+// mkdir -p for the directory that the path's file lies in.
+void MakeParentDirectory(const std::string &strPath);
+
+#endif

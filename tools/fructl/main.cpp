@@ -1,0 +1,106 @@
+// fructl: a server's FRU inventory on the command line.
+#include <cstdio>
+#include <cstdlib>
+#include <unistd.h>
+
+#include "commands.h"
+#include "console.h"
+#include "error.h"
+#include "session.h"
+#include "text.h"
+
+namespace {
+
+constexpr const char *EXAMPLES = R"(Examples:
+  fructl provision examples/controller.json    make a controller on your desk
+  fructl list                                  its devices
+  fructl show baseboard                        one device, decoded
+  fructl show examples/psu.hex                 the same for an image file
+  fructl COMMAND --help                        what a command takes
+
+A DEVICE is TYPE:INSTANCE (such as 0x30:0), a device's name or, where no --id is given, an image file.
+Exit code: 0 done, 1 the operation failed, 2 wrong usage.)";
+
+void Complain(const std::string &strLine)
+{
+    // Whatever was printed so far comes first.
+    fflush(stdout);
+    std::string strOut = strLine;
+    for (char &cChar : strOut) {
+        cChar = (cChar == '\n') ? ' ' : cChar;
+    }
+    const bool bColour = WantsColour(STDERR_FILENO);
+    fprintf(stderr, "%sfructl:%s %s\n", bColour ? "\x1b[1;31m" : "", bColour ? "\x1b[0m" : "", strOut.c_str());
+}
+
+void AddGlobalOptions(CLI::App &stApp, SESSION_S &stSession)
+{
+    stApp.add_option("--root", stSession.strRoot,
+                     "the controller's directory (else $FRUCTL_ROOT, else ~/.local/state/fructl)")
+        ->type_name("DIR");
+    stApp.add_flag("-v,--verbose", stSession.bVerbose, "print the library's diagnostics to stderr");
+    stApp.add_flag("--json", stSession.bJson, "print JSON, for programs");
+    stApp.set_version_flag("--version", "fructl " FRUCTL_VERSION);
+    stApp.require_subcommand(1);
+    stApp.footer(EXAMPLES);
+    stApp.get_formatter()->column_width(34);
+    stApp.failure_message([](const CLI::App *, const CLI::Error &) { return std::string(); });
+}
+
+// The command that the user got as far as naming, for the hint.
+std::string NamedCommand(const CLI::App &stApp)
+{
+    std::string strName = "fructl";
+    const CLI::App *pstApp = &stApp;
+    while (!pstApp->get_subcommands().empty()) {
+        pstApp = pstApp->get_subcommands().front();
+        strName += " " + pstApp->get_name();
+    }
+    return strName;
+}
+
+int Run(int iArgc, char **ppcArgv)
+{
+    SESSION_S stSession;
+    for (int i = 0; i < iArgc; i++) {
+        stSession.strCommandLine += (i == 0) ? "fructl" : " " + EscapeText(ppcArgv[i]);
+    }
+    CLI::App stApp("Shows, checks and edits the FRU inventory of a server's management controller.", "fructl");
+    AddGlobalOptions(stApp, stSession);
+    AddCommands(stApp, stSession);
+    try {
+        stApp.parse(iArgc, ppcArgv);
+        OpenSession(stSession);
+        stSession.fnRun();
+        fflush(stdout);
+        if (ferror(stdout) != 0) {
+            Fail("standard output could not be written");
+        }
+        return EXIT_CODE_OK;
+    } catch (const CLI::ParseError &stError) {
+        if (stError.get_exit_code() == static_cast<int>(CLI::ExitCodes::Success)) {
+            stApp.exit(stError); // help or version
+            return EXIT_CODE_OK;
+        }
+        Complain(std::string(stError.what()) + "; '" + NamedCommand(stApp) + " --help' shows what is accepted");
+        return EXIT_CODE_USAGE;
+    } catch (const FRUCTL_ERROR &stError) {
+        Complain(stError.what());
+        return stError.Code();
+    }
+}
+
+} // namespace
+
+int main(int iArgc, char **ppcArgv)
+{
+    // The bytes of a date must not depend on where the desk stands: controllers run in UTC.
+    setenv("TZ", "UTC0", 1);
+    SetColour(WantsColour(STDOUT_FILENO));
+    try {
+        return Run(iArgc, ppcArgv);
+    } catch (const std::exception &stError) {
+        Complain(std::string("failed: ") + stError.what());
+        return EXIT_CODE_FAILED;
+    }
+}
