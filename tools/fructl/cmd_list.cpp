@@ -28,8 +28,12 @@ STATE_S StateOf(const DEVICE_S &stDevice)
         } catch (const FRUCTL_ERROR &) {
             optImage.reset();
         }
-        const bool bSame = optImage.has_value() && optCached.has_value() && optImage->vecBytes == optCached->vecBytes;
-        pcCache = !optCached.has_value() ? "none" : !IsCacheTrusted(stDevice) ? "not trusted" : bSame ? "same" : "differs";
+        const bool bSame =
+            optImage.has_value() && optCached.has_value() && optImage->vecBytes == optCached->vecBytes;
+        pcCache = !optCached.has_value()      ? "none"
+                  : !IsCacheTrusted(stDevice) ? "not trusted"
+                  : bSame                     ? "same"
+                                              : "differs";
     }
     if (!optImage.has_value()) {
         return {"unreadable", pcCache};
@@ -49,14 +53,21 @@ void RunList(const SESSION_S &stSession)
         const std::string strImage = stState.pcImage;
         const std::string strCache = stState.pcCache;
         JSON stJson = DeviceJson(stDevice);
-        stJson.update({{"bus", stInfo.ucBusNumber}, {"address", stInfo.ucAddress}, {"switchLevel", stInfo.ucSwitchLevel}, {"startOffset", u16{stInfo.usStartOffset}}, {"size", u16{stInfo.usSize}},
-                       {"databaseOnly", stDevice.IsDatabaseOnly()}, {"image", strImage}, {"cache", strCache}});
+        stJson.update({{"bus", stInfo.ucBusNumber},
+                       {"address", stInfo.ucAddress},
+                       {"switchLevel", stInfo.ucSwitchLevel},
+                       {"startOffset", u16{stInfo.usStartOffset}},
+                       {"size", u16{stInfo.usSize}},
+                       {"databaseOnly", stDevice.IsDatabaseOnly()},
+                       {"image", strImage},
+                       {"cache", strCache}});
         stList.push_back(stJson);
-        stTable.Row({Format("%u", stDevice.stEntry.ucDeviceID), EscapeText(stDevice.strName), Format("0x%02x", stDevice.stEntry.ucComponentType),
-                     Format("%u", stDevice.stEntry.ucInstance), Format("%u", stInfo.ucBusNumber), Format("0x%02x", stInfo.ucAddress),
-                     Format("%u", stInfo.usSize), strImage, strCache},
-                    {COLOUR::None, COLOUR::Cyan, COLOUR::None, COLOUR::None, COLOUR::None, COLOUR::None, COLOUR::None,
-                     strImage == "sound" ? COLOUR::Green : COLOUR::Red,
+        stTable.Row({Format("%u", stDevice.stEntry.ucDeviceID), EscapeText(stDevice.strName),
+                     Format("0x%02x", stDevice.stEntry.ucComponentType),
+                     Format("%u", stDevice.stEntry.ucInstance), Format("%u", stInfo.ucBusNumber),
+                     Format("0x%02x", stInfo.ucAddress), Format("%u", stInfo.usSize), strImage, strCache},
+                    {COLOUR::None, COLOUR::Cyan, COLOUR::None, COLOUR::None, COLOUR::None, COLOUR::None,
+                     COLOUR::None, strImage == "sound" ? COLOUR::Green : COLOUR::Red,
                      strCache == "differs" ? COLOUR::Yellow : COLOUR::Dim});
     }
     if (stSession.bJson) {

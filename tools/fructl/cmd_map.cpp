@@ -7,6 +7,7 @@
 namespace {
 
 constexpr size_t BYTES_PER_LINE = 16U;
+constexpr size_t HEX_WIDTH = 3U * BYTES_PER_LINE + 1U;
 constexpr size_t UNITS_PER_LINE = 64U;
 
 struct AREA_STYLE_S
@@ -17,8 +18,9 @@ struct AREA_STYLE_S
 
 AREA_STYLE_S StyleOf(AREA enArea)
 {
-    static const AREA_STYLE_S astStyles[] = {{'H', COLOUR::Bold}, {'I', COLOUR::Magenta}, {'C', COLOUR::Green}, {'B', COLOUR::Cyan},
-                                             {'P', COLOUR::Yellow}, {'M', COLOUR::Blue}, {'.', COLOUR::Dim}};
+    static const AREA_STYLE_S astStyles[] = {
+        {'H', COLOUR::Bold},   {'I', COLOUR::Magenta}, {'C', COLOUR::Green}, {'B', COLOUR::Cyan},
+        {'P', COLOUR::Yellow}, {'M', COLOUR::Blue},    {'.', COLOUR::Dim}};
     return astStyles[static_cast<size_t>(enArea)];
 }
 
@@ -27,7 +29,10 @@ std::string Overview(const std::vector<SPAN_S> &vecSpans, size_t uiLength)
 {
     std::vector<AREA> vecUnits((uiLength + FRU_AREA_UNIT - 1U) / FRU_AREA_UNIT, AREA::Unused);
     for (const SPAN_S &stSpan : vecSpans) {
-        for (size_t i = stSpan.uiOffset / FRU_AREA_UNIT; stSpan.enArea != AREA::Unused && i <= (stSpan.uiOffset + stSpan.uiLength - 1U) / FRU_AREA_UNIT && i < vecUnits.size(); i++) {
+        for (size_t i = stSpan.uiOffset / FRU_AREA_UNIT;
+             stSpan.enArea != AREA::Unused && i <= (stSpan.uiOffset + stSpan.uiLength - 1U) / FRU_AREA_UNIT &&
+             i < vecUnits.size();
+             i++) {
             vecUnits[i] = stSpan.enArea;
         }
     }
@@ -52,7 +57,8 @@ std::string Legend(const std::vector<SPAN_S> &vecSpans)
     for (size_t i = 0; i < std::size(auiBytes); i++) {
         if (auiBytes[i] != 0U) {
             const AREA enArea = static_cast<AREA>(i);
-            vecParts.push_back(Paint(StyleOf(enArea).enColour, std::string(1U, StyleOf(enArea).cLetter)) + Format(" %s %zu", AreaName(enArea), auiBytes[i]));
+            vecParts.push_back(Paint(StyleOf(enArea).enColour, std::string(1U, StyleOf(enArea).cLetter)) +
+                               Format(" %s %zu", AreaName(enArea), auiBytes[i]));
         }
     }
     return "  One letter is 8 bytes. Bytes in each area: " + Join(vecParts, ", ") + "\n";
@@ -67,17 +73,20 @@ std::string Meaning(const SPAN_S &stSpan)
     return strOut;
 }
 
-// The span's bytes, sixteen a line, its meaning beside the first of them. A long run of one value is told, not shown.
+// The span's bytes, sixteen a line, its meaning beside the first of them. A long run of one value is told,
+// not shown.
 std::string SpanText(const SPAN_S &stSpan, const std::vector<u8> &vecBytes)
 {
     const COLOUR enColour = StyleOf(stSpan.enArea).enColour;
     const size_t uiEnd = stSpan.uiOffset + stSpan.uiLength;
-    const bool bRun = stSpan.enArea == AREA::Unused && stSpan.uiLength > BYTES_PER_LINE && stSpan.strNote.compare(0, 3, "all") == 0;
+    const bool bRun = stSpan.enArea == AREA::Unused && stSpan.uiLength > BYTES_PER_LINE &&
+                      stSpan.strNote.compare(0, 3, "all") == 0;
     std::string strOut;
     for (size_t i = stSpan.uiOffset; i < uiEnd; i += BYTES_PER_LINE) {
         const size_t uiCount = std::min(BYTES_PER_LINE, uiEnd - i);
-        const std::string strHex = bRun ? Format("%02x ... (%u bytes)", vecBytes[i], stSpan.uiLength) : HexBytes(&vecBytes[i], uiCount);
-        const std::string strPad(strHex.size() < 3U * BYTES_PER_LINE ? 3U * BYTES_PER_LINE - strHex.size() : 1U, ' ');
+        const std::string strHex = bRun ? Format("%02x ... (%u bytes)", vecBytes[i], stSpan.uiLength)
+                                        : HexBytes(&vecBytes[i], uiCount);
+        const std::string strPad(strHex.size() < HEX_WIDTH ? HEX_WIDTH - strHex.size() : 1U, ' ');
         strOut += Paint(COLOUR::Dim, Format("  %04zx  ", i)) + Paint(enColour, strHex);
         strOut += (i == stSpan.uiOffset) ? strPad + Meaning(stSpan) : "";
         strOut += "\n";
@@ -96,8 +105,12 @@ JSON MapJson(const TARGET_S &stTarget, const IMAGE_S &stImage, const IMAGE_LAYOU
     stJson.update(FindingsJson(stLayout));
     stJson["spans"] = JSON::array();
     for (const SPAN_S &stSpan : stLayout.vecSpans) {
-        JSON stOut = {{"offset", stSpan.uiOffset}, {"length", stSpan.uiLength}, {"area", AreaKey(stSpan.enArea)}, {"field", stSpan.strField},
-                      {"text", Latin1ToUtf8(stSpan.strText)}, {"bytes", HexBytes(&stImage.vecBytes[stSpan.uiOffset], stSpan.uiLength)}};
+        JSON stOut = {{"offset", stSpan.uiOffset},
+                      {"length", stSpan.uiLength},
+                      {"area", AreaKey(stSpan.enArea)},
+                      {"field", stSpan.strField},
+                      {"text", Latin1ToUtf8(stSpan.strText)},
+                      {"bytes", HexBytes(&stImage.vecBytes[stSpan.uiOffset], stSpan.uiLength)}};
         if (!stSpan.strNote.empty()) {
             stOut["note"] = stSpan.strNote;
         }
@@ -118,7 +131,8 @@ void RunMap(const SESSION_S &stSession, const TARGET_OPTIONS_S &stOptions)
         PrintJson(MapJson(stTarget, stImage, stLayout));
         return;
     }
-    std::string strOut = Paint(COLOUR::Bold, stTarget.Title()) + Format("  %s, %zu bytes\n\n", stImage.strSource.c_str(), stImage.uiStored);
+    std::string strOut = Paint(COLOUR::Bold, stTarget.Title()) +
+                         Format("  %s, %zu bytes\n\n", stImage.strSource.c_str(), stImage.uiStored);
     strOut += Overview(stLayout.vecSpans, stImage.uiStored) + Legend(stLayout.vecSpans);
     const SPAN_S *pstBefore = nullptr;
     for (const SPAN_S &stSpan : stLayout.vecSpans) {
@@ -140,8 +154,9 @@ void RunMap(const SESSION_S &stSession, const TARGET_OPTIONS_S &stOptions)
 void AddMapCommand(CLI::App &stParent, SESSION_S &stSession)
 {
     const auto pstOptions = std::make_shared<TARGET_OPTIONS_S>();
-    CLI::App *pstCommand = AddCommand(stParent, "map", "Show which byte of an image belongs to which area and field",
-                                      "fructl map baseboard\nfructl map dump.bin\nfructl map examples/psu1.hex --json");
+    CLI::App *pstCommand =
+        AddCommand(stParent, "map", "Show which byte of an image belongs to which area and field",
+                   "fructl map baseboard\nfructl map dump.bin\nfructl map examples/psu1.hex --json");
     AddTargetOptions(pstCommand, *pstOptions, true);
     pstCommand->callback([&stSession, pstOptions] {
         stSession.fnRun = [&stSession, pstOptions] { RunMap(stSession, *pstOptions); };

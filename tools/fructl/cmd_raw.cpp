@@ -24,7 +24,8 @@ void RunInfo(const SESSION_S &stSession, const TARGET_OPTIONS_S &stOptions)
     std::vector<u8> vecResponse(RESPONSE_MAX);
     // This request opens an update sequence in the database, so it counts as writing.
     const ROOT_LOCK stLock(stSession);
-    vecResponse.resize(LIB_FRU_GetFRUAreaInfo(vecRequest.data(), static_cast<u32>(vecRequest.size()), vecResponse.data()));
+    vecResponse.resize(
+        LIB_FRU_GetFRUAreaInfo(vecRequest.data(), static_cast<u32>(vecRequest.size()), vecResponse.data()));
     ReportExchange(stSession, "Get FRU Inventory Area Info", vecRequest, vecResponse);
 }
 
@@ -32,10 +33,12 @@ void RunRead(const SESSION_S &stSession, const RAW_READ_S &stOptions)
 {
     const u32 uiOffset = NumberOption("--offset", stOptions.strOffset, 0xFFFFU);
     const u32 uiCount = NumberOption("--count", stOptions.strCount, 0xFFU);
-    const std::vector<u8> vecRequest = {ResolveDeviceID(stSession, stOptions.stTarget), static_cast<u8>(uiOffset),
-                                        static_cast<u8>(uiOffset >> 8U), static_cast<u8>(uiCount)};
+    const std::vector<u8> vecRequest = {ResolveDeviceID(stSession, stOptions.stTarget),
+                                        static_cast<u8>(uiOffset), static_cast<u8>(uiOffset >> 8U),
+                                        static_cast<u8>(uiCount)};
     std::vector<u8> vecResponse(RESPONSE_MAX);
-    vecResponse.resize(LIB_FRU_ReadFRUData(vecRequest.data(), static_cast<u8>(vecRequest.size()), vecResponse.data(), 0U));
+    vecResponse.resize(
+        LIB_FRU_ReadFRUData(vecRequest.data(), static_cast<u8>(vecRequest.size()), vecResponse.data(), 0U));
     ReportExchange(stSession, "Read FRU Data", vecRequest, vecResponse);
 }
 
@@ -45,7 +48,8 @@ u32 NumberOption(const char *pcOption, const std::string &strText, u32 uiMax)
 {
     const std::optional<u32> optNumber = ParseNumber(strText, uiMax);
     if (!optNumber.has_value()) {
-        FailUsage(Format("%s %s is refused; accepted: 0 to %u, decimal or 0x", pcOption, EscapeText(strText).c_str(), uiMax));
+        FailUsage(Format("%s %s is refused; accepted: 0 to %u, decimal or 0x", pcOption,
+                         EscapeText(strText).c_str(), uiMax));
     }
     return *optNumber;
 }
@@ -56,10 +60,15 @@ void ReportExchange(const SESSION_S &stSession, const char *pcCommand, const std
     const u8 ucCode = vecResponse.empty() ? 0xFFU : vecResponse[0];
     const std::string strCode = Format("0x%02x (%s)", ucCode, CompletionCodeName(ucCode));
     if (stSession.bJson) {
-        PrintJson({{"command", pcCommand}, {"request", HexBytes(vecRequest)}, {"response", HexBytes(vecResponse)}, {"completionCode", ucCode}, {"meaning", CompletionCodeName(ucCode)}});
+        PrintJson({{"command", pcCommand},
+                   {"request", HexBytes(vecRequest)},
+                   {"response", HexBytes(vecResponse)},
+                   {"completionCode", ucCode},
+                   {"meaning", CompletionCodeName(ucCode)}});
     } else {
-        Print(Paint(COLOUR::Bold, pcCommand) + "\n  request   " + HexBytes(vecRequest) + "\n  response  " + HexBytes(vecResponse) +
-              "\n  code      " + Paint(ucCode == 0U ? COLOUR::Green : COLOUR::Red, strCode) + "\n");
+        Print(Paint(COLOUR::Bold, pcCommand) + "\n  request   " + HexBytes(vecRequest) + "\n  response  " +
+              HexBytes(vecResponse) + "\n  code      " +
+              Paint(ucCode == 0U ? COLOUR::Green : COLOUR::Red, strCode) + "\n");
     }
     if (ucCode != 0U) {
         Fail(std::string(pcCommand) + " ended with completion code " + strCode + DiagnosticHint());
@@ -72,14 +81,24 @@ void AddRawCommand(CLI::App &stParent, SESSION_S &stSession)
                                   "fructl raw info --id 0\nfructl raw read baseboard --offset 0 --count 8");
     pstRaw->require_subcommand(1);
     const auto pstInfo = std::make_shared<TARGET_OPTIONS_S>();
-    CLI::App *pstInfoCommand = AddCommand(*pstRaw, "info", "Get FRU Inventory Area Info: size and access type", "fructl raw info baseboard\nfructl raw info --id 1 --json");
+    CLI::App *pstInfoCommand =
+        AddCommand(*pstRaw, "info", "Get FRU Inventory Area Info: size and access type",
+                   "fructl raw info baseboard\nfructl raw info --id 1 --json");
     AddTargetOptions(pstInfoCommand, *pstInfo, false);
-    pstInfoCommand->callback([&stSession, pstInfo] { stSession.fnRun = [&stSession, pstInfo] { RunInfo(stSession, *pstInfo); }; });
+    pstInfoCommand->callback(
+        [&stSession, pstInfo] { stSession.fnRun = [&stSession, pstInfo] { RunInfo(stSession, *pstInfo); }; });
 
     const auto pstRead = std::make_shared<RAW_READ_S>();
-    CLI::App *pstReadCommand = AddCommand(*pstRaw, "read", "Read FRU Data", "fructl raw read baseboard --offset 8 --count 32\nfructl raw read --id 0x02");
+    CLI::App *pstReadCommand =
+        AddCommand(*pstRaw, "read", "Read FRU Data",
+                   "fructl raw read baseboard --offset 8 --count 32\nfructl raw read --id 0x02");
     AddTargetOptions(pstReadCommand, pstRead->stTarget, false);
-    pstReadCommand->add_option("--offset", pstRead->strOffset, "first byte, 0 to 0xffff")->type_name("N")->capture_default_str();
-    pstReadCommand->add_option("--count", pstRead->strCount, "how many bytes, 0 to 255")->type_name("N")->capture_default_str();
-    pstReadCommand->callback([&stSession, pstRead] { stSession.fnRun = [&stSession, pstRead] { RunRead(stSession, *pstRead); }; });
+    pstReadCommand->add_option("--offset", pstRead->strOffset, "first byte, 0 to 0xffff")
+        ->type_name("N")
+        ->capture_default_str();
+    pstReadCommand->add_option("--count", pstRead->strCount, "how many bytes, 0 to 255")
+        ->type_name("N")
+        ->capture_default_str();
+    pstReadCommand->callback(
+        [&stSession, pstRead] { stSession.fnRun = [&stSession, pstRead] { RunRead(stSession, *pstRead); }; });
 }

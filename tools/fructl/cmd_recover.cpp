@@ -17,7 +17,7 @@ constexpr u8 CACHE_NOT_TRUSTED = 1U;
 // Sends reads to the EEPROM for as long as it lives: a good cached image would hide a damaged EEPROM.
 class CACHE_BYPASS
 {
-public:
+  public:
     explicit CACHE_BYPASS(u8 ucDeviceID) : m_ucDeviceID(ucDeviceID)
     {
         m_bKnown = FRU_DB_GetFRUDataCacheStatus(ucDeviceID, &m_ucStatus) == FRU_OK;
@@ -38,7 +38,7 @@ public:
     CACHE_BYPASS(const CACHE_BYPASS &) = delete;
     CACHE_BYPASS &operator=(const CACHE_BYPASS &) = delete;
 
-private:
+  private:
     const u8 m_ucDeviceID;
     u8 m_ucStatus = CACHE_NOT_TRUSTED;
     bool m_bKnown;
@@ -46,7 +46,8 @@ private:
 
 bool HasValidHeader(const std::vector<u8> &vecBytes)
 {
-    return vecBytes.size() >= FRU_COMMON_HEADER_LEN && FRU_ANALYZER_CheckValidHeader(vecBytes.data()) == FRU_OK;
+    return vecBytes.size() >= FRU_COMMON_HEADER_LEN &&
+           FRU_ANALYZER_CheckValidHeader(vecBytes.data()) == FRU_OK;
 }
 
 // Why the stored image could not help, in the order in which the recovery meets the reasons.
@@ -65,13 +66,18 @@ std::string WhyNot(const DEVICE_S &stDevice)
         return "its stored image " + EscapeText(strPath) + " is empty";
     }
     std::string strWhy = "its stored image " + EscapeText(strPath) + " did not help";
-    return Diagnostics().empty() ? strWhy : strWhy + " (the library says: " + Join(Diagnostics(), " | ") + ")";
+    return Diagnostics().empty() ? strWhy
+                                 : strWhy + " (the library says: " + Join(Diagnostics(), " | ") + ")";
 }
 
-void Report(const SESSION_S &stSession, const DEVICE_S &stDevice, const char *pcOutcome, const std::string &strText)
+void Report(const SESSION_S &stSession, const DEVICE_S &stDevice, const char *pcOutcome,
+            const std::string &strText)
 {
     if (stSession.bJson) {
-        PrintJson({{"device", DeviceJson(stDevice)}, {"outcome", pcOutcome}, {"storedImage", stDevice.ImagePath()}, {"text", strText}});
+        PrintJson({{"device", DeviceJson(stDevice)},
+                   {"outcome", pcOutcome},
+                   {"storedImage", stDevice.ImagePath()},
+                   {"text", strText}});
     } else {
         Print(Paint(COLOUR::Green, stDevice.Title()) + " " + strText + "\n");
     }
@@ -88,22 +94,29 @@ void RunRecover(const SESSION_S &stSession, const TARGET_OPTIONS_S &stOptions)
     {
         const CACHE_BYPASS stBypass(stDevice.stEntry.ucDeviceID);
         ClearDiagnostics();
-        uiRet = LIB_FRU_GetFRUData(stDevice.stEntry.ucComponentType, stDevice.stEntry.ucInstance, READ_WITH_RECOVERY, 0U, stRecord.Data());
+        uiRet = LIB_FRU_GetFRUData(stDevice.stEntry.ucComponentType, stDevice.stEntry.ucInstance,
+                                   READ_WITH_RECOVERY, 0U, stRecord.Data());
     }
     const std::string strStatus = uiRet == FRU_OK ? "" : StatusText(uiRet);
     const std::string strCannot = stDevice.Title() + " could not be restored: ";
     const IMAGE_S stAfter = ReadTarget({stDevice, ""});
     if (bWasValid && uiRet != FRU_OK) {
         const IMAGE_LAYOUT_S stLayout = LayoutOf(stAfter, stDevice.HasFixedSlots());
-        const std::string strFirst = stLayout.vecFindings.empty() ? strStatus : FindingText(stLayout.vecFindings.front());
-        Fail(stDevice.Title() + " is damaged but was not restored: the stored image is used only when the common header is invalid, and this one is valid; " + strFirst);
+        const std::string strFirst =
+            stLayout.vecFindings.empty() ? strStatus : FindingText(stLayout.vecFindings.front());
+        Fail(stDevice.Title() +
+             " is damaged but was not restored: the stored image is used only when the common header is "
+             "invalid, and this one is valid; " +
+             strFirst);
     }
     if (uiRet == FRU_OK && bWasValid) {
         Report(stSession, stDevice, "fine", "was fine; nothing was written");
     } else if (uiRet == FRU_OK) {
-        Report(stSession, stDevice, "restored", "was damaged and is restored from " + EscapeText(stDevice.ImagePath()));
+        Report(stSession, stDevice, "restored",
+               "was damaged and is restored from " + EscapeText(stDevice.ImagePath()));
     } else if (HasValidHeader(stAfter.vecBytes)) {
-        Fail(stDevice.Title() + " was restored from " + EscapeText(stDevice.ImagePath()) + ", but that image is itself damaged: " + strStatus);
+        Fail(stDevice.Title() + " was restored from " + EscapeText(stDevice.ImagePath()) +
+             ", but that image is itself damaged: " + strStatus);
     } else if (stDevice.IsDatabaseOnly()) {
         Fail(strCannot + "it is served from the cache only; " + strStatus);
     } else {
@@ -116,8 +129,9 @@ void RunRecover(const SESSION_S &stSession, const TARGET_OPTIONS_S &stOptions)
 void AddRecoverCommand(CLI::App &stParent, SESSION_S &stSession)
 {
     const auto pstOptions = std::make_shared<TARGET_OPTIONS_S>();
-    CLI::App *pstCommand = AddCommand(stParent, "recover", "Restore a device with a damaged header from its stored image",
-                                      "fructl recover baseboard\nfructl recover --id 0 --json");
+    CLI::App *pstCommand =
+        AddCommand(stParent, "recover", "Restore a device with a damaged header from its stored image",
+                   "fructl recover baseboard\nfructl recover --id 0 --json");
     AddTargetOptions(pstCommand, *pstOptions, false);
     pstCommand->callback([&stSession, pstOptions] {
         stSession.fnRun = [&stSession, pstOptions] { RunRecover(stSession, *pstOptions); };

@@ -34,7 +34,8 @@ std::string Heading(AREA enArea)
 std::string Row(const std::string &strName, const std::string &strText, const std::string &strNote)
 {
     const std::string strShown = strText.empty() ? Paint(COLOUR::Dim, "-") : EscapeText(strText);
-    return Format("  %-19s ", strName.c_str()) + strShown + (strNote.empty() ? "" : Paint(COLOUR::Dim, "  (" + strNote + ")")) + "\n";
+    return Format("  %-19s ", strName.c_str()) + strShown +
+           (strNote.empty() ? "" : Paint(COLOUR::Dim, "  (" + strNote + ")")) + "\n";
 }
 
 std::string AreaText(const AREA_VIEW_S &stArea, const NOTES &mapNotes)
@@ -61,10 +62,14 @@ std::string MultiRecordsText(const RECORD_VIEW_S &stView)
     }
     std::string strOut = Heading(AREA::MultiRecord);
     if (stView.vecMultiRecords.empty()) {
-        return strOut + "  " + Paint(COLOUR::Red, "damaged: no record can be read") + " ('fructl verify' tells why)\n";
+        return strOut + "  " + Paint(COLOUR::Red, "damaged: no record can be read") +
+               " ('fructl verify' tells why)\n";
     }
     for (const MULTIRECORD_VIEW_S &stRecord : stView.vecMultiRecords) {
-        strOut += "  " + stRecord.strName + Paint(COLOUR::Dim, Format(" (type 0x%02x, %zu bytes)", stRecord.ucType, stRecord.vecData.size())) + "\n";
+        strOut += "  " + stRecord.strName +
+                  Paint(COLOUR::Dim,
+                        Format(" (type 0x%02x, %zu bytes)", stRecord.ucType, stRecord.vecData.size())) +
+                  "\n";
         strOut += "    " + EscapeText(stRecord.strText) + "\n";
     }
     return strOut;
@@ -77,8 +82,10 @@ std::string TitleText(const TARGET_S &stTarget)
         return strTitle + "\n";
     }
     const FRU_DEVICE_INFO_S &stInfo = stTarget.optDevice->stInfo;
-    return strTitle + Format("  FRU device ID %u, %u bytes at 0x%04x of the EEPROM on bus %u, address 0x%02x\n", stTarget.optDevice->stEntry.ucDeviceID,
-                             stInfo.usSize, stInfo.usStartOffset, stInfo.ucBusNumber, stInfo.ucAddress);
+    return strTitle +
+           Format("  FRU device ID %u, %u bytes at 0x%04x of the EEPROM on bus %u, address 0x%02x\n",
+                  stTarget.optDevice->stEntry.ucDeviceID, stInfo.usSize, stInfo.usStartOffset,
+                  stInfo.ucBusNumber, stInfo.ucAddress);
 }
 
 JSON AreaJson(const AREA_VIEW_S &stArea)
@@ -104,8 +111,11 @@ JSON RecordJson(const RECORD_VIEW_S &stView)
     }
     stJson["multiRecords"] = JSON::array();
     for (const MULTIRECORD_VIEW_S &stRecord : stView.vecMultiRecords) {
-        stJson["multiRecords"].push_back({{"type", stRecord.ucType}, {"formatVersion", stRecord.ucFormatVersion}, {"name", stRecord.strName},
-                                          {"text", Latin1ToUtf8(stRecord.strText)}, {"data", HexBytes(stRecord.vecData)}});
+        stJson["multiRecords"].push_back({{"type", stRecord.ucType},
+                                          {"formatVersion", stRecord.ucFormatVersion},
+                                          {"name", stRecord.strName},
+                                          {"text", Latin1ToUtf8(stRecord.strText)},
+                                          {"data", HexBytes(stRecord.vecData)}});
     }
     if (stView.bMultiRecordArea && stView.vecMultiRecords.empty()) {
         stJson["multiRecordsDamaged"] = true;
@@ -138,8 +148,9 @@ void RunShow(const SESSION_S &stSession, const TARGET_OPTIONS_S &stOptions)
 void AddShowCommand(CLI::App &stParent, SESSION_S &stSession)
 {
     const auto pstOptions = std::make_shared<TARGET_OPTIONS_S>();
-    CLI::App *pstCommand = AddCommand(stParent, "show", "Show a device or an image file, decoded",
-                                      "fructl show baseboard\nfructl show 0x30:0\nfructl show --id 1 --json\nfructl show dump.bin");
+    CLI::App *pstCommand = AddCommand(
+        stParent, "show", "Show a device or an image file, decoded",
+        "fructl show baseboard\nfructl show 0x30:0\nfructl show --id 1 --json\nfructl show dump.bin");
     AddTargetOptions(pstCommand, *pstOptions, true);
     pstCommand->callback([&stSession, pstOptions] {
         stSession.fnRun = [&stSession, pstOptions] { RunShow(stSession, *pstOptions); };

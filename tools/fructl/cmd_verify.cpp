@@ -17,12 +17,16 @@ struct CHECK_S
     std::string strFailure; // not empty: there are no bytes to look at, or the library disagrees
     bool bCheckedLibrary;
 
-    bool IsGood() const { return strFailure.empty() && stLayout.IsSound(); }
+    bool IsGood() const
+    {
+        return strFailure.empty() && stLayout.IsSound();
+    }
 };
 
 CHECK_S CheckImage(const TARGET_S &stTarget, const IMAGE_S &stImage)
 {
-    CHECK_S stCheck = {stTarget.Title(), TargetJson(stTarget), LayoutOf(stImage, stTarget.HasFixedSlots()), "", true};
+    CHECK_S stCheck = {stTarget.Title(), TargetJson(stTarget), LayoutOf(stImage, stTarget.HasFixedSlots()),
+                       "", true};
     if (stImage.strSource == "cache") {
         stCheck.strTitle += ", cached image";
     }
@@ -52,9 +56,11 @@ void CheckTarget(const TARGET_S &stTarget, std::vector<CHECK_S> &vecChecks)
         optImage = ReadTarget(stTarget);
         vecChecks.push_back(CheckImage(stTarget, *optImage));
     } catch (const FRUCTL_ERROR &stError) {
-        vecChecks.push_back(Unreadable(stTarget, stTarget.optDevice.has_value() ? "EEPROM" : "file", stError.what()));
+        vecChecks.push_back(
+            Unreadable(stTarget, stTarget.optDevice.has_value() ? "EEPROM" : "file", stError.what()));
     }
-    if (!stTarget.optDevice.has_value() || stTarget.optDevice->IsDatabaseOnly() || !IsCacheTrusted(*stTarget.optDevice)) {
+    if (!stTarget.optDevice.has_value() || stTarget.optDevice->IsDatabaseOnly() ||
+        !IsCacheTrusted(*stTarget.optDevice)) {
         return;
     }
     const std::optional<IMAGE_S> optCached = ReadCache(*stTarget.optDevice);
@@ -64,7 +70,9 @@ void CheckTarget(const TARGET_S &stTarget, std::vector<CHECK_S> &vecChecks)
     for (size_t i = 0; i < optImage->vecBytes.size(); i++) {
         if (optCached->vecBytes[i] != optImage->vecBytes[i]) {
             CHECK_S stCheck = CheckImage(stTarget, *optCached);
-            stCheck.strFailure = Format("differs from the EEPROM from byte 0x%04zx on (0x%02x in the EEPROM, 0x%02x cached)", i, optImage->vecBytes[i], optCached->vecBytes[i]);
+            stCheck.strFailure =
+                Format("differs from the EEPROM from byte 0x%04zx on (0x%02x in the EEPROM, 0x%02x cached)",
+                       i, optImage->vecBytes[i], optCached->vecBytes[i]);
             vecChecks.push_back(stCheck);
             return;
         }
@@ -75,7 +83,8 @@ std::string GoodText(const IMAGE_LAYOUT_S &stLayout)
 {
     std::vector<std::string> vecParts = {"header"};
     for (const AREA enArea : stLayout.vecAreas) {
-        vecParts.push_back(enArea == AREA::MultiRecord ? Count(stLayout.uiMultiRecords, "MultiRecord") : AreaKey(enArea));
+        vecParts.push_back(enArea == AREA::MultiRecord ? Count(stLayout.uiMultiRecords, "MultiRecord")
+                                                       : AreaKey(enArea));
     }
     return Join(vecParts, ", ");
 }
@@ -89,7 +98,8 @@ std::string CheckText(const CHECK_S &stCheck)
         strOut += "         " + stCheck.strFailure + "\n";
     }
     for (const FINDING_S &stFinding : stCheck.stLayout.vecFindings) {
-        strOut += "         " + FindingText(stFinding) + (stFinding.bWarning ? Paint(COLOUR::Yellow, " (a warning only)") : "") + "\n";
+        strOut += "         " + FindingText(stFinding) +
+                  (stFinding.bWarning ? Paint(COLOUR::Yellow, " (a warning only)") : "") + "\n";
     }
     return strOut;
 }
@@ -115,7 +125,8 @@ void PrintChecks(const SESSION_S &stSession, const std::vector<CHECK_S> &vecChec
     }
 }
 
-void RunVerify(const SESSION_S &stSession, const std::vector<std::string> &vecTargets, const std::string &strDeviceID)
+void RunVerify(const SESSION_S &stSession, const std::vector<std::string> &vecTargets,
+               const std::string &strDeviceID)
 {
     std::vector<CHECK_S> vecChecks;
     for (const std::string &strTarget : vecTargets) {
@@ -135,7 +146,8 @@ void RunVerify(const SESSION_S &stSession, const std::vector<std::string> &vecTa
         uiWrong += stCheck.IsGood() ? 0U : 1U;
     }
     if (uiWrong != 0U) {
-        Fail(Format("verify: %zu of %s %s not in order", uiWrong, Count(vecChecks.size(), "image").c_str(), uiWrong == 1U ? "is" : "are"));
+        Fail(Format("verify: %zu of %s %s not in order", uiWrong, Count(vecChecks.size(), "image").c_str(),
+                    uiWrong == 1U ? "is" : "are"));
     }
 }
 
@@ -145,12 +157,16 @@ void AddVerifyCommand(CLI::App &stParent, SESSION_S &stSession)
 {
     const auto pvecTargets = std::make_shared<std::vector<std::string>>();
     const auto pstrDeviceID = std::make_shared<std::string>();
-    CLI::App *pstCommand =
-        AddCommand(stParent, "verify", "Check images byte by byte; exit 1 when anything is wrong",
-                   "fructl verify\nfructl verify baseboard 0x30:0\nfructl verify dump.bin examples/*.hex --json");
-    pstCommand->add_option("DEVICE|FILE", *pvecTargets, "devices or image files; none: all devices, their EEPROMs and the cached images that differ from them");
+    CLI::App *pstCommand = AddCommand(
+        stParent, "verify", "Check images byte by byte; exit 1 when anything is wrong",
+        "fructl verify\nfructl verify baseboard 0x30:0\nfructl verify dump.bin examples/*.hex --json");
+    pstCommand->add_option("DEVICE|FILE", *pvecTargets,
+                           "devices or image files; none: all devices, their EEPROMs and the cached images "
+                           "that differ from them");
     pstCommand->add_option("--id", *pstrDeviceID, "a device by its FRU device ID, 0 to 255")->type_name("N");
     pstCommand->callback([&stSession, pvecTargets, pstrDeviceID] {
-        stSession.fnRun = [&stSession, pvecTargets, pstrDeviceID] { RunVerify(stSession, *pvecTargets, *pstrDeviceID); };
+        stSession.fnRun = [&stSession, pvecTargets, pstrDeviceID] {
+            RunVerify(stSession, *pvecTargets, *pstrDeviceID);
+        };
     });
 }

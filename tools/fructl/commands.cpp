@@ -3,8 +3,7 @@
 namespace {
 
 constexpr void (*g_apfnCommands[])(CLI::App &stParent, SESSION_S &stSession) = {
-    AddProvisionCommand, AddListCommand, AddShowCommand, AddVerifyCommand, AddMapCommand, AddRecoverCommand,
-    AddRawCommand,
+    AddListCommand, AddShowCommand, AddVerifyCommand, AddMapCommand, AddRecoverCommand, AddRawCommand,
 };
 
 } // namespace
@@ -24,7 +23,7 @@ CLI::App *AddCommand(CLI::App &stParent, const char *pcName, const char *pcWhat,
         strFooter += *pcChar;
         strFooter += (*pcChar == '\n') ? "  " : "";
     }
-    pstCommand->footer(strFooter);
+    pstCommand->footer(strFooter + "\n");
     // Lets --json and its like stand behind the command as well.
     pstCommand->fallthrough();
     return pstCommand;
@@ -32,7 +31,10 @@ CLI::App *AddCommand(CLI::App &stParent, const char *pcName, const char *pcWhat,
 
 void AddTargetOptions(CLI::App *pstCommand, TARGET_OPTIONS_S &stOptions, bool bFiles)
 {
-    pstCommand->add_option(bFiles ? "DEVICE|FILE" : "DEVICE", stOptions.strTarget, bFiles ? "TYPE:INSTANCE (such as 0x30:0), a device's name, or an image file (*.hex: readable hex)"
-                                                               : "TYPE:INSTANCE (such as 0x30:0) or a device's name");
-    pstCommand->add_option("--id", stOptions.strDeviceID, "the device by its FRU device ID instead, 0 to 255")->type_name("N");
+    pstCommand->add_option(
+        bFiles ? "DEVICE|FILE" : "DEVICE", stOptions.strTarget,
+        bFiles ? "TYPE:INSTANCE (such as 0x30:0), a device's name, or an image file (*.hex: readable hex)"
+               : "TYPE:INSTANCE (such as 0x30:0) or a device's name");
+    pstCommand->add_option("--id", stOptions.strDeviceID, "the device by its FRU device ID instead, 0 to 255")
+        ->type_name("N");
 }

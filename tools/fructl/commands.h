@@ -1,5 +1,5 @@
-// The subcommands. Each lives in its own cmd_*.cpp, which adds it to the command line; the table in commands.cpp names
-// them all, in the order in which the help shows them.
+// The subcommands. Each lives in its own cmd_*.cpp, which adds it to the command line; the table in
+// commands.cpp names them all, in the order in which the help shows them.
 #ifndef FRUCTL_COMMANDS_H
 #define FRUCTL_COMMANDS_H
 
@@ -11,7 +11,8 @@
 // Adds every command of the table.
 void AddCommands(CLI::App &stApp, SESSION_S &stSession);
 
-// A subcommand with its description and, under its options, examples: one a line, each beginning with "fructl ".
+// A subcommand with its description and, under its options, examples: one a line, each beginning with "fructl
+// ".
 CLI::App *AddCommand(CLI::App &stParent, const char *pcName, const char *pcWhat, const char *pcExamples);
 
 // DEVICE and --id for commands that work on one device, or with bFiles also on an image file.

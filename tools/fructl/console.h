@@ -5,7 +5,18 @@
 #include <string>
 #include <vector>
 
-enum class COLOUR { None, Bold, Dim, Red, Green, Yellow, Blue, Magenta, Cyan };
+enum class COLOUR
+{
+    None,
+    Bold,
+    Dim,
+    Red,
+    Green,
+    Yellow,
+    Blue,
+    Magenta,
+    Cyan
+};
 
 // True when the stream is a terminal and NO_COLOR is not set.
 bool WantsColour(int iFd);
@@ -19,14 +30,14 @@ std::string Paint(COLOUR enColour, const std::string &strText);
 // A table for people. Cells are plain ASCII; colours do not count into the widths.
 class TABLE
 {
-public:
+  public:
     // One heading for each column; a '>' in front aligns the column to the right.
     explicit TABLE(const std::vector<const char *> &vecHeadings);
     void Row(std::vector<std::string> vecCells, std::vector<COLOUR> vecColours = {});
     // Two blanks between columns, none after the last.
     std::string Text() const;
 
-private:
+  private:
     struct ROW_S
     {
         std::vector<std::string> vecCells;

@@ -33,13 +33,16 @@ struct COMPONENT_S
 std::optional<COMPONENT_S> ParseComponent(const std::string &strText)
 {
     const size_t uiColon = strText.find(':');
-    if (uiColon == std::string::npos || strText.find_first_not_of("0123456789abcdefABCDEFxX:") != std::string::npos) {
+    if (uiColon == std::string::npos ||
+        strText.find_first_not_of("0123456789abcdefABCDEFxX:") != std::string::npos) {
         return std::nullopt;
     }
     const std::optional<u32> optType = ParseNumber(strText.substr(0, uiColon), 255U);
     const std::optional<u32> optInstance = ParseNumber(strText.substr(uiColon + 1U), 255U);
     if (!optType.has_value() || !optInstance.has_value()) {
-        FailUsage("'" + EscapeText(strText) + "' is not a TYPE:INSTANCE; accepted: two numbers of 0 to 255, decimal or 0x, such as 0x30:0");
+        FailUsage(
+            "'" + EscapeText(strText) +
+            "' is not a TYPE:INSTANCE; accepted: two numbers of 0 to 255, decimal or 0x, such as 0x30:0");
     }
     return COMPONENT_S{static_cast<u8>(*optType), static_cast<u8>(*optInstance)};
 }
@@ -53,13 +56,15 @@ std::string NamesOf(const std::vector<DEVICE_S> &vecDevices)
     return vecNames.empty() ? "it has no devices" : "it has " + Join(vecNames, ", ");
 }
 
-template <typename FN> DEVICE_S FindDevice(const SESSION_S &stSession, const std::string &strWhat, FN fnMatches)
+template <typename FN>
+DEVICE_S FindDevice(const SESSION_S &stSession, const std::string &strWhat, FN fnMatches)
 {
     const std::vector<DEVICE_S> vecDevices = LoadDevices(stSession);
     for (const DEVICE_S &stDevice : vecDevices) {
         if (fnMatches(stDevice)) {
             if (!stDevice.bHasInfo) {
-                Fail("the controller in " + stSession.strRoot + " lists " + strWhat + " but has no record of it; 'fructl provision --force' writes one");
+                Fail("the controller in " + stSession.strRoot + " lists " + strWhat +
+                     " but has no record of it; 'fructl provision --force' writes one");
             }
             return stDevice;
         }
@@ -71,7 +76,8 @@ DEVICE_S FindByID(const SESSION_S &stSession, const std::string &strDeviceID)
 {
     const std::optional<u32> optID = ParseNumber(strDeviceID, 255U);
     if (!optID.has_value()) {
-        FailUsage("--id " + EscapeText(strDeviceID) + " is not a FRU device ID; accepted: 0 to 255, decimal or 0x");
+        FailUsage("--id " + EscapeText(strDeviceID) +
+                  " is not a FRU device ID; accepted: 0 to 255, decimal or 0x");
     }
     return FindDevice(stSession, Format("FRU device ID %u", *optID),
                       [&](const DEVICE_S &stDevice) { return stDevice.stEntry.ucDeviceID == *optID; });
@@ -80,8 +86,9 @@ DEVICE_S FindByID(const SESSION_S &stSession, const std::string &strDeviceID)
 void CheckOptions(const TARGET_OPTIONS_S &stOptions)
 {
     if (stOptions.strTarget.empty() == stOptions.strDeviceID.empty()) {
-        FailUsage(stOptions.strTarget.empty() ? std::string("no device is named; ") + ACCEPTED + ", or --id N"
-                                              : std::string("a device is named twice, by --id and without; give one of them"));
+        FailUsage(stOptions.strTarget.empty()
+                      ? std::string("no device is named; ") + ACCEPTED + ", or --id N"
+                      : std::string("a device is named twice, by --id and without; give one of them"));
     }
 }
 
@@ -152,7 +159,8 @@ TARGET_S ResolveTarget(const SESSION_S &stSession, const TARGET_OPTIONS_S &stOpt
         return {FindByID(stSession, stOptions.strDeviceID), ""};
     }
     const std::string &strTarget = stOptions.strTarget;
-    // A slash or a file of this name decides for a file; a device is always to be had as TYPE:INSTANCE or by --id.
+    // A slash or a file of this name decides for a file; a device is always to be had as TYPE:INSTANCE or by
+    // --id.
     if (IsFile(strTarget)) {
         return {std::nullopt, strTarget};
     }
@@ -172,7 +180,8 @@ DEVICE_S ResolveDevice(const SESSION_S &stSession, const TARGET_OPTIONS_S &stOpt
     const std::optional<COMPONENT_S> optComponent = ParseComponent(strTarget);
     if (optComponent.has_value()) {
         return FindDevice(stSession, "device " + strTarget, [&](const DEVICE_S &stDevice) {
-            return stDevice.stEntry.ucComponentType == optComponent->ucType && stDevice.stEntry.ucInstance == optComponent->ucInstance;
+            return stDevice.stEntry.ucComponentType == optComponent->ucType &&
+                   stDevice.stEntry.ucInstance == optComponent->ucInstance;
         });
     }
     return FindDevice(stSession, "device named '" + EscapeText(strTarget) + "'",
@@ -187,7 +196,8 @@ u8 ResolveDeviceID(const SESSION_S &stSession, const TARGET_OPTIONS_S &stOptions
     }
     const std::optional<u32> optID = ParseNumber(stOptions.strDeviceID, 255U);
     if (!optID.has_value()) {
-        FailUsage("--id " + EscapeText(stOptions.strDeviceID) + " is not a FRU device ID; accepted: 0 to 255, decimal or 0x");
+        FailUsage("--id " + EscapeText(stOptions.strDeviceID) +
+                  " is not a FRU device ID; accepted: 0 to 255, decimal or 0x");
     }
     RequireController(stSession);
     return static_cast<u8>(*optID);
@@ -197,12 +207,14 @@ IMAGE_S ReadChip(const DEVICE_S &stDevice)
 {
     IMAGE_S stImage = {"EEPROM", std::vector<u8>(stDevice.stInfo.usSize), stDevice.stInfo.usSize};
     ClearDiagnostics();
-    const i32 iRead = LIB_FRU_ReadFromEEPROM(&stDevice.stInfo, stDevice.stInfo.usStartOffset, stDevice.stInfo.usSize, stImage.vecBytes.data());
+    const i32 iRead = LIB_FRU_ReadFromEEPROM(&stDevice.stInfo, stDevice.stInfo.usStartOffset,
+                                             stDevice.stInfo.usSize, stImage.vecBytes.data());
     if (iRead < 0) {
         Fail("the EEPROM of " + stDevice.Title() + " does not answer" + DiagnosticHint());
     }
     if (static_cast<size_t>(iRead) != stImage.vecBytes.size()) {
-        Fail(Format("the EEPROM of %s gave %d of %zu bytes", stDevice.Title().c_str(), iRead, stImage.vecBytes.size()));
+        Fail(Format("the EEPROM of %s gave %d of %zu bytes", stDevice.Title().c_str(), iRead,
+                    stImage.vecBytes.size()));
     }
     return stImage;
 }
@@ -210,7 +222,8 @@ IMAGE_S ReadChip(const DEVICE_S &stDevice)
 std::optional<IMAGE_S> ReadCache(const DEVICE_S &stDevice)
 {
     IMAGE_S stImage = {"cache", std::vector<u8>(stDevice.stInfo.usSize), stDevice.stInfo.usSize};
-    if (stImage.vecBytes.empty() || FRU_DB_GetFRUData(stDevice.stEntry.ucDeviceID, stDevice.stInfo.usSize, stImage.vecBytes.data()) != FRU_OK) {
+    if (stImage.vecBytes.empty() || FRU_DB_GetFRUData(stDevice.stEntry.ucDeviceID, stDevice.stInfo.usSize,
+                                                      stImage.vecBytes.data()) != FRU_OK) {
         return std::nullopt;
     }
     return stImage;

@@ -30,7 +30,8 @@ struct IMAGE_S
 {
     std::string strSource; // "EEPROM", "cache" or "file"
     std::vector<u8> vecBytes;
-    size_t uiStored; // bytes that are really there; after them a file has 8 bytes of 0xFF, as a larger EEPROM would
+    size_t uiStored; // bytes that are really there; after them a file has 8 bytes of 0xFF, as a larger EEPROM
+                     // would
 };
 
 // What the user named: a device of the controller or an image file.
@@ -46,8 +47,8 @@ struct TARGET_S
 // How the user names it.
 struct TARGET_OPTIONS_S
 {
-    std::string strTarget;     // TYPE:INSTANCE, a name, or a file
-    std::string strDeviceID;   // --id
+    std::string strTarget;   // TYPE:INSTANCE, a name, or a file
+    std::string strDeviceID; // --id
 };
 
 // All devices in table order. Fails when there is no device table.
@@ -72,7 +73,8 @@ IMAGE_LAYOUT_S LayoutOf(const IMAGE_S &stImage, bool bFixedSlots);
 
 IMAGE_S ReadImage(const std::string &strFile);
 
-// What belongs to the target first of all: a file's image, the EEPROM's, or the cache's when the device has no other.
+// What belongs to the target first of all: a file's image, the EEPROM's, or the cache's when the device has
+// no other.
 IMAGE_S ReadTarget(const TARGET_S &stTarget);
 
 #endif

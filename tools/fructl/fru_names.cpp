@@ -9,9 +9,17 @@
 const char *MultiRecordTypeName(u8 ucType)
 {
     static const char *const apcNames[] = {
-        "Power Supply Information", "DC Output", "DC Load", "Management Access", "Base Compatibility",
-        "Extended Compatibility", "ASF Fixed SMBus Device", "ASF Legacy-Device Alerts", "ASF Remote Control",
-        "Extended DC Output", "Extended DC Load",
+        "Power Supply Information",
+        "DC Output",
+        "DC Load",
+        "Management Access",
+        "Base Compatibility",
+        "Extended Compatibility",
+        "ASF Fixed SMBus Device",
+        "ASF Legacy-Device Alerts",
+        "ASF Remote Control",
+        "Extended DC Output",
+        "Extended DC Load",
     };
     if (ucType < std::size(apcNames)) {
         return apcNames[ucType];
@@ -22,8 +30,14 @@ const char *MultiRecordTypeName(u8 ucType)
 const char *ManagementAccessName(u8 ucSubType)
 {
     static const char *const apcNames[] = {
-        nullptr, "System URL", "System Name", "System Ping Address", "Component URL", "Component Name",
-        "Component Ping Address", "System Unique ID",
+        nullptr,
+        "System URL",
+        "System Name",
+        "System Ping Address",
+        "Component URL",
+        "Component Name",
+        "Component Ping Address",
+        "System Unique ID",
     };
     return ucSubType < std::size(apcNames) ? apcNames[ucSubType] : nullptr;
 }
@@ -41,7 +55,8 @@ std::string GuidText(const u8 *pucStored)
 
 std::string MultiRecordText(u8 ucType, const u8 *pucData, u8 ucLength)
 {
-    const bool bKnown = ucType == MR_MANAGEMENT_ACCESS && ucLength > 0U && ManagementAccessName(pucData[0]) != nullptr;
+    const bool bKnown =
+        ucType == MR_MANAGEMENT_ACCESS && ucLength > 0U && ManagementAccessName(pucData[0]) != nullptr;
     if (!bKnown) {
         return HexBytes(pucData, ucLength);
     }

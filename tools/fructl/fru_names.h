@@ -14,12 +14,12 @@ const char *ManagementAccessName(u8 ucSubType);
 constexpr u8 MR_MANAGEMENT_ACCESS = 0x03U;
 constexpr u8 MR_SUBTYPE_GUID = 0x07U;
 
-// What a record's data says: a text, a GUID in its usual form, or hex for whatever is not known. Raw bytes of the
-// device may be in it.
+// What a record's data says: a text, a GUID in its usual form, or hex for whatever is not known. Raw bytes of
+// the device may be in it.
 std::string MultiRecordText(u8 ucType, const u8 *pucData, u8 ucLength);
 
-// 16 stored bytes as 33221100-5544-7766-8899-aabbccddeeff: the first three groups are stored least significant byte
-// first.
+// 16 stored bytes as 33221100-5544-7766-8899-aabbccddeeff: the first three groups are stored least
+// significant byte first.
 std::string GuidText(const u8 *pucStored);
 
 // "Rack Mount Chassis" for 0x17, as the library decodes it; empty when it knows no such type.

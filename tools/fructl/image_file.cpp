@@ -72,11 +72,13 @@ void TakeOffset(const std::string &strWord, const std::string &strWhere, std::ve
     }
     const std::optional<u32> optOffset = ParseNumber(strDigits, IMAGE_FILE_MAX);
     if (!optOffset.has_value()) {
-        Fail(strWhere + "'" + EscapeText(strWord) + "' is not an offset; accepted: hex digits and a colon, such as 0040:");
+        Fail(strWhere + "'" + EscapeText(strWord) +
+             "' is not an offset; accepted: hex digits and a colon, such as 0040:");
     }
     if (*optOffset < vecBytes.size()) {
-        Fail(strWhere + Format("offset 0x%x lies behind the bytes before it, which end at 0x%zx; offsets only grow",
-                               *optOffset, vecBytes.size()));
+        Fail(strWhere +
+             Format("offset 0x%x lies behind the bytes before it, which end at 0x%zx; offsets only grow",
+                    *optOffset, vecBytes.size()));
     }
     vecBytes.resize(*optOffset, 0xFFU); // a gap is erased EEPROM
 }
@@ -139,7 +141,8 @@ void WriteFileBytes(const std::string &strPath, const std::vector<u8> &vecBytes)
     if (pstFile == nullptr) {
         Fail("cannot write " + strNew + ": " + strerror(errno));
     }
-    const bool bWritten = vecBytes.empty() || fwrite(vecBytes.data(), 1U, vecBytes.size(), pstFile) == vecBytes.size();
+    const bool bWritten =
+        vecBytes.empty() || fwrite(vecBytes.data(), 1U, vecBytes.size(), pstFile) == vecBytes.size();
     const bool bFlushed = fflush(pstFile) == 0 && fsync(fileno(pstFile)) == 0;
     const bool bClosed = fclose(pstFile) == 0;
     if (!bWritten || !bFlushed || !bClosed || rename(strNew.c_str(), strPath.c_str()) != 0) {

@@ -11,7 +11,8 @@ constexpr u8 FIELD_END = 0xC1U;
 constexpr u8 MR_END_OF_LIST = 0x80U;
 
 // The areas in the order in which the header names them, from its byte 1 on.
-constexpr AREA HEADER_AREAS[] = {AREA::InternalUse, AREA::Chassis, AREA::Board, AREA::Product, AREA::MultiRecord};
+constexpr AREA HEADER_AREAS[] = {AREA::InternalUse, AREA::Chassis, AREA::Board, AREA::Product,
+                                 AREA::MultiRecord};
 
 // What differs between the three info areas: the bytes before the first field, and the fields.
 struct INFO_AREA_S
@@ -38,7 +39,8 @@ const INFO_AREA_S &InfoArea(AREA enArea)
          false,
          true,
          false,
-         {"manufacturer", "product name", "part number", "version", "serial number", "asset tag", "FRU file ID"},
+         {"manufacturer", "product name", "part number", "version", "serial number", "asset tag",
+          "FRU file ID"},
          FRU_PRODUCT_FIXED_SLOTS},
     };
     return *std::find_if(std::begin(astAreas), std::end(astAreas),
@@ -104,18 +106,17 @@ FIELD_TEXT_S FieldText(u8 ucTypeLength, const u8 *pucData, u32 uiLength)
 
 class WALKER
 {
-public:
+  public:
     WALKER(const std::vector<u8> &vecImage, size_t uiStored, bool bFixedSlots)
         : m_vecImage(vecImage), m_uiLength(static_cast<u32>(vecImage.size())),
           m_uiStored(static_cast<u32>(uiStored)), m_bFixedSlots(bFixedSlots)
-    {
-    }
+    {}
     IMAGE_LAYOUT_S Walk();
 
-private:
+  private:
     // Problem texts go to the span that they are about and to the list of findings.
-    void Span(u32 uiOffset, u32 uiLength, AREA enArea, const std::string &strField, const std::string &strText,
-              const std::string &strProblem = "");
+    void Span(u32 uiOffset, u32 uiLength, AREA enArea, const std::string &strField,
+              const std::string &strText, const std::string &strProblem = "");
     void Finding(u32 uiOffset, AREA enArea, const std::string &strWhat, bool bWarning = false);
     bool Header();
     void InternalUse(u32 uiStart, u32 uiNextArea);
@@ -142,8 +143,8 @@ void WALKER::Finding(u32 uiOffset, AREA enArea, const std::string &strWhat, bool
     m_stLayout.vecFindings.push_back({uiOffset, enArea, strWhat, bWarning});
 }
 
-void WALKER::Span(u32 uiOffset, u32 uiLength, AREA enArea, const std::string &strField, const std::string &strText,
-                  const std::string &strProblem)
+void WALKER::Span(u32 uiOffset, u32 uiLength, AREA enArea, const std::string &strField,
+                  const std::string &strText, const std::string &strProblem)
 {
     if (uiOffset < m_uiStored) {
         const u32 uiShown = std::min(uiLength, m_uiStored - uiOffset);
@@ -160,7 +161,8 @@ bool WALKER::Header()
                                            "board info area offset", "product info area offset",
                                            "MultiRecord area offset"};
     if (m_uiStored < FRU_COMMON_HEADER_LEN) {
-        Span(0U, m_uiStored, AREA::Header, "common header", "", Format("cut short: %u of 8 bytes", m_uiStored));
+        Span(0U, m_uiStored, AREA::Header, "common header", "",
+             Format("cut short: %u of 8 bytes", m_uiStored));
         return false;
     }
     const u8 *pucHeader = m_vecImage.data();
@@ -177,7 +179,9 @@ bool WALKER::Header()
         Finding(6U, AREA::Header, Format("pad: 0x%02x, should be 0", pucHeader[6]), true);
     }
     Span(7U, 1U, AREA::Header, "checksum", ucSum == 0U ? "good" : "",
-         ucSum == 0U ? "" : Format("0x%02x is wrong; the other bytes want 0x%02x", pucHeader[7], static_cast<u8>(pucHeader[7] - ucSum)));
+         ucSum == 0U ? ""
+                     : Format("0x%02x is wrong; the other bytes want 0x%02x", pucHeader[7],
+                              static_cast<u8>(pucHeader[7] - ucSum)));
     return pucHeader[0] == 1U && ucSum == 0U;
 }
 
@@ -187,7 +191,8 @@ u32 WALKER::Field(AREA enArea, const std::string &strName, u32 uiOffset, u32 uiE
     const u32 uiLength = ucTypeLength & 0x3FU;
     if (uiOffset + 1U + uiLength > uiEnd) {
         Span(uiOffset, uiEnd - uiOffset, enArea, strName, "",
-             Format("%u bytes long by its length byte 0x%02x, but the area ends at 0x%04x", uiLength, ucTypeLength, uiEnd));
+             Format("%u bytes long by its length byte 0x%02x, but the area ends at 0x%04x", uiLength,
+                    ucTypeLength, uiEnd));
         *pbGood = false;
         return uiEnd;
     }
@@ -207,9 +212,18 @@ void WALKER::InternalUse(u32 uiStart, u32 uiNextArea)
     }
     bool bGood = true;
     const u32 uiAfter = Field(AREA::InternalUse, "data", uiStart + 1U, m_uiLength, &bGood);
-    if (bGood && uiAfter < uiNextArea) {
+    SPAN_S &stData = m_stLayout.vecSpans.back();
+    if (uiAfter > uiNextArea) {
+        // Elsewhere this area is opaque; here it is one length-coded field, and then says nothing sensible.
+        stData.uiLength = uiNextArea - stData.uiOffset;
+        Finding(uiStart + 1U, AREA::InternalUse,
+                Format("data: its length byte 0x%02x reaches into the next area; not written by this system?",
+                       m_vecImage[uiStart + 1U]),
+                true);
+    } else if (bGood && uiAfter < uiNextArea) {
         const bool bEnd = m_vecImage[uiAfter] == FIELD_END;
-        Span(uiAfter, bEnd ? 1U : uiNextArea - uiAfter, AREA::InternalUse, bEnd ? "end mark" : "more data, not decoded", "");
+        Span(uiAfter, bEnd ? 1U : uiNextArea - uiAfter, AREA::InternalUse,
+             bEnd ? "end mark" : "more, not decoded", "");
     }
 }
 
@@ -251,7 +265,10 @@ void WALKER::Info(const INFO_AREA_S &stArea, u32 uiStart)
     // An area that ends with the image's last byte is refused by every reader of this system.
     const bool bFits = uiEnd < m_uiLength;
     Span(uiStart + 1U, 1U, stArea.enArea, "area length", Format("%u bytes (%u x 8)", uiArea, uiArea / 8U),
-         bFits ? "" : Format("the area ends at 0x%04x, the image at 0x%04x; an area must end before the image does", uiEnd, m_uiStored));
+         bFits
+             ? ""
+             : Format("the area ends at 0x%04x, the image at 0x%04x; an area must end before the image does",
+                      uiEnd, m_uiStored));
     if (!bFits) {
         return;
     }
@@ -264,7 +281,9 @@ void WALKER::Info(const INFO_AREA_S &stArea, u32 uiStart)
             bGood = false;
         }
         if (bGood && m_vecImage[uiOffset] == FIELD_END) {
-            Finding(uiOffset, stArea.enArea, std::string(pcField) + ": the end mark 0xc1 in its place reads as a text of one byte", true);
+            Finding(uiOffset, stArea.enArea,
+                    std::string(pcField) + ": the end mark 0xc1 in its place reads as a text of one byte",
+                    true);
         }
         if (bGood) {
             uiOffset = Field(stArea.enArea, pcField, uiOffset, uiEnd, &bGood);
@@ -276,7 +295,9 @@ void WALKER::Info(const INFO_AREA_S &stArea, u32 uiStart)
     if (uiArea > 0U) {
         const u8 ucChecksum = m_vecImage[uiEnd - 1U];
         Span(uiEnd - 1U, 1U, stArea.enArea, "checksum", ucSum == 0U ? "good" : "",
-             ucSum == 0U ? "" : Format("0x%02x is wrong; the area's bytes want 0x%02x", ucChecksum, static_cast<u8>(ucChecksum - ucSum)));
+             ucSum == 0U ? ""
+                         : Format("0x%02x is wrong; the area's bytes want 0x%02x", ucChecksum,
+                                  static_cast<u8>(ucChecksum - ucSum)));
     }
 }
 
@@ -305,7 +326,8 @@ void WALKER::CustomFields(const INFO_AREA_S &stArea, u32 uiOffset, u32 uiEnd)
 void WALKER::CheckSlots(const INFO_AREA_S &stArea, u32 uiOffset, u32 uiCount)
 {
     if (m_bFixedSlots && stArea.uiFixedSlots != 0U && uiCount > stArea.uiFixedSlots) {
-        Finding(uiOffset, stArea.enArea, Format("%u custom fields; a baseboard has room for %u", uiCount, stArea.uiFixedSlots));
+        Finding(uiOffset, stArea.enArea,
+                Format("%u custom fields; a baseboard has room for %u", uiCount, stArea.uiFixedSlots));
     }
 }
 
@@ -313,7 +335,8 @@ bool WALKER::MultiRecord(u32 uiOffset, u32 *puiNext)
 {
     const std::string strRecord = Format("record %u ", m_stLayout.uiMultiRecords + 1U);
     if (uiOffset + FRU_MULTIRECORD_HEADER_LEN > m_uiLength) {
-        Span(uiOffset, m_uiLength - uiOffset, AREA::MultiRecord, strRecord + "header", "", "the image ends inside it (no record before it says that it is the last)");
+        Span(uiOffset, m_uiLength - uiOffset, AREA::MultiRecord, strRecord + "header", "",
+             "the image ends inside it (no record before it says that it is the last)");
         return false;
     }
     const u8 *pucRecord = &m_vecImage[uiOffset];
@@ -321,7 +344,9 @@ bool WALKER::MultiRecord(u32 uiOffset, u32 *puiNext)
     Span(uiOffset, FRU_MULTIRECORD_HEADER_LEN, AREA::MultiRecord, strRecord + "header",
          Format("type 0x%02x %s, %u bytes%s", pucRecord[0], MultiRecordTypeName(pucRecord[0]), pucRecord[2],
                 (pucRecord[1] & MR_END_OF_LIST) != 0U ? ", last record" : ""),
-         ucSum == 0U ? "" : Format("header checksum 0x%02x is wrong; the bytes want 0x%02x", pucRecord[4], static_cast<u8>(pucRecord[4] - ucSum)));
+         ucSum == 0U ? ""
+                     : Format("header checksum 0x%02x is wrong; the bytes want 0x%02x", pucRecord[4],
+                              static_cast<u8>(pucRecord[4] - ucSum)));
     if (ucSum != 0U) {
         return false;
     }
@@ -329,7 +354,8 @@ bool WALKER::MultiRecord(u32 uiOffset, u32 *puiNext)
     const u8 ucLength = pucRecord[2];
     *puiNext = uiData + ucLength;
     if (*puiNext > m_uiLength) {
-        Span(uiData, m_uiLength - uiData, AREA::MultiRecord, strRecord + "data", "", Format("%u bytes long, but the image ends at 0x%04x", ucLength, m_uiStored));
+        Span(uiData, m_uiLength - uiData, AREA::MultiRecord, strRecord + "data", "",
+             Format("%u bytes long, but the image ends at 0x%04x", ucLength, m_uiStored));
         return false;
     }
     if (ucLength == 0U) {
@@ -340,8 +366,11 @@ bool WALKER::MultiRecord(u32 uiOffset, u32 *puiNext)
     const u8 *pucData = pucRecord + FRU_MULTIRECORD_HEADER_LEN;
     const char *pcSubType = pucRecord[0] == MR_MANAGEMENT_ACCESS ? ManagementAccessName(pucData[0]) : nullptr;
     const std::string strText = MultiRecordText(pucRecord[0], pucData, ucLength);
-    Span(uiData, ucLength, AREA::MultiRecord, strRecord + "data", pcSubType != nullptr ? std::string(pcSubType) + ": " + strText : "",
-         ucWanted == pucRecord[3] ? "" : Format("the data's checksum is 0x%02x, but the header says 0x%02x", ucWanted, pucRecord[3]));
+    Span(uiData, ucLength, AREA::MultiRecord, strRecord + "data",
+         pcSubType != nullptr ? std::string(pcSubType) + ": " + strText : "",
+         ucWanted == pucRecord[3]
+             ? ""
+             : Format("the data's checksum is 0x%02x, but the header says 0x%02x", ucWanted, pucRecord[3]));
     m_stLayout.uiMultiRecords++;
     return ucWanted == pucRecord[3] && (pucRecord[1] & MR_END_OF_LIST) == 0U;
 }
@@ -356,12 +385,14 @@ void WALKER::MultiRecords(u32 uiStart)
         }
         uiOffset = uiNext;
     }
-    Finding(uiOffset, AREA::MultiRecord, Format("%u records and none says that it is the last; no more are read", FRU_MULTIRECORD_MAX));
+    Finding(uiOffset, AREA::MultiRecord,
+            Format("%u records and none says that it is the last; no more are read", FRU_MULTIRECORD_MAX));
 }
 
 void WALKER::CheckOverlaps()
 {
-    // Spans are sorted by now: two that share bytes and belong to different areas stand next to each other somewhere.
+    // Spans are sorted by now: two that share bytes and belong to different areas stand next to each other
+    // somewhere.
     for (size_t i = 1; i < m_stLayout.vecSpans.size(); i++) {
         const SPAN_S &stBefore = m_stLayout.vecSpans[i - 1U];
         const SPAN_S &stSpan = m_stLayout.vecSpans[i];
@@ -381,8 +412,8 @@ void WALKER::FillUnused()
             const auto itFirst = m_vecImage.begin() + uiEnd;
             const auto itLast = m_vecImage.begin() + uiUntil;
             const bool bSame = std::all_of(itFirst, itLast, [&](u8 ucByte) { return ucByte == *itFirst; });
-            vecUnused.push_back({uiEnd, uiUntil - uiEnd, AREA::Unused, "unused",
-                                 "", bSame ? Format("all 0x%02x", *itFirst) : "not in any area", ""});
+            vecUnused.push_back({uiEnd, uiUntil - uiEnd, AREA::Unused, "unused", "",
+                                 bSame ? Format("all 0x%02x", *itFirst) : "not in any area", ""});
         }
     };
     for (const SPAN_S &stSpan : m_stLayout.vecSpans) {
@@ -399,8 +430,9 @@ void WALKER::Areas()
     for (u32 i = 0; i < std::size(HEADER_AREAS); i++) {
         const u32 uiStart = m_vecImage[i + 1U] * FRU_AREA_UNIT;
         if (uiStart >= m_uiLength) {
-            Finding(i + 1U, AREA::Header, Format("%s: starts at 0x%04x, but the image ends at 0x%04x",
-                                                 AreaName(HEADER_AREAS[i]), uiStart, m_uiStored));
+            Finding(i + 1U, AREA::Header,
+                    Format("%s: starts at 0x%04x, but the image ends at 0x%04x", AreaName(HEADER_AREAS[i]),
+                           uiStart, m_uiStored));
         } else if (uiStart != 0U) {
             vecStarts.emplace_back(uiStart, HEADER_AREAS[i]);
         }
@@ -421,8 +453,11 @@ void WALKER::Areas()
 
 IMAGE_LAYOUT_S WALKER::Walk()
 {
-    const auto fnByOffset = [](const auto &stLeft, const auto &stRight) { return stLeft.uiOffset < stRight.uiOffset; };
-    m_stLayout.bErased = std::all_of(m_vecImage.begin(), m_vecImage.end(), [](u8 ucByte) { return ucByte == 0xFFU; });
+    const auto fnByOffset = [](const auto &stLeft, const auto &stRight) {
+        return stLeft.uiOffset < stRight.uiOffset;
+    };
+    m_stLayout.bErased =
+        std::all_of(m_vecImage.begin(), m_vecImage.end(), [](u8 ucByte) { return ucByte == 0xFFU; });
     if (m_stLayout.bErased) {
         Finding(0U, AREA::Header, "erased: every byte is 0xff");
     } else if (Header()) {
@@ -440,25 +475,29 @@ IMAGE_LAYOUT_S WALKER::Walk()
 
 bool IMAGE_LAYOUT_S::IsSound() const
 {
-    return std::all_of(vecFindings.begin(), vecFindings.end(), [](const FINDING_S &stFinding) { return stFinding.bWarning; });
+    return std::all_of(vecFindings.begin(), vecFindings.end(),
+                       [](const FINDING_S &stFinding) { return stFinding.bWarning; });
 }
 
 const char *AreaName(AREA enArea)
 {
-    static const char *const apcNames[] = {"common header", "internal use area", "chassis info area", "board info area",
-                                           "product info area", "MultiRecord area", "unused"};
+    static const char *const apcNames[] = {"common header",   "internal use area", "chassis info area",
+                                           "board info area", "product info area", "MultiRecord area",
+                                           "unused"};
     return apcNames[static_cast<size_t>(enArea)];
 }
 
 const char *AreaKey(AREA enArea)
 {
-    static const char *const apcKeys[] = {"header", "internalUse", "chassis", "board", "product", "multiRecord", "unused"};
+    static const char *const apcKeys[] = {"header",  "internalUse", "chassis", "board",
+                                          "product", "multiRecord", "unused"};
     return apcKeys[static_cast<size_t>(enArea)];
 }
 
 std::string FindingText(const FINDING_S &stFinding)
 {
-    return Format("byte 0x%04x  %s: %s", stFinding.uiOffset, AreaName(stFinding.enArea), stFinding.strWhat.c_str());
+    return Format("byte 0x%04x  %s: %s", stFinding.uiOffset, AreaName(stFinding.enArea),
+                  stFinding.strWhat.c_str());
 }
 
 IMAGE_LAYOUT_S WalkImage(const std::vector<u8> &vecImage, size_t uiStored, bool bFixedSlots)

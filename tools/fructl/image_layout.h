@@ -1,5 +1,5 @@
-// Walks an image's bytes: which byte belongs to which area and field, what it says, and what is wrong with it.
-// The decoder only tells that an area is bad; this tells where and why. verify, show and map share it.
+// Walks an image's bytes: which byte belongs to which area and field, what it says, and what is wrong with
+// it. The decoder only tells that an area is bad; this tells where and why. verify, show and map share it.
 #ifndef FRUCTL_IMAGE_LAYOUT_H
 #define FRUCTL_IMAGE_LAYOUT_H
 
@@ -8,7 +8,16 @@
 
 #include "lib_fru_types.h"
 
-enum class AREA { Header, InternalUse, Chassis, Board, Product, MultiRecord, Unused };
+enum class AREA
+{
+    Header,
+    InternalUse,
+    Chassis,
+    Board,
+    Product,
+    MultiRecord,
+    Unused
+};
 
 // A run of bytes with one meaning.
 struct SPAN_S
@@ -49,8 +58,9 @@ const char *AreaKey(AREA enArea);
 // "byte 0x0007  common header: checksum: ..."
 std::string FindingText(const FINDING_S &stFinding);
 
-// Of vecImage the first uiStored bytes are the image's own and are told of; the rest lies behind it in the EEPROM and
-// bounds the decoder only. bFixedSlots: the image is read with exactly 5 chassis and 4 product custom fields, as a baseboard's is.
+// Of vecImage the first uiStored bytes are the image's own and are told of; the rest lies behind it in the
+// EEPROM and bounds the decoder only. bFixedSlots: the image is read with exactly 5 chassis and 4 product
+// custom fields, as a baseboard's is.
 IMAGE_LAYOUT_S WalkImage(const std::vector<u8> &vecImage, size_t uiStored, bool bFixedSlots);
 
 #endif

@@ -32,7 +32,9 @@ JSON FindingsJson(const IMAGE_LAYOUT_S &stLayout)
     JSON stWarnings = JSON::array();
     for (const FINDING_S &stFinding : stLayout.vecFindings) {
         JSON &stList = stFinding.bWarning ? stWarnings : stProblems;
-        stList.push_back({{"offset", stFinding.uiOffset}, {"area", AreaKey(stFinding.enArea)}, {"what", stFinding.strWhat}});
+        stList.push_back({{"offset", stFinding.uiOffset},
+                          {"area", AreaKey(stFinding.enArea)},
+                          {"what", stFinding.strWhat}});
     }
     return {{"sound", stLayout.IsSound()}, {"problems", stProblems}, {"warnings", stWarnings}};
 }

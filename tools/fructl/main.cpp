@@ -19,7 +19,8 @@ constexpr const char *EXAMPLES = R"(Examples:
   fructl COMMAND --help                        what a command takes
 
 A DEVICE is TYPE:INSTANCE (such as 0x30:0), a device's name or, where no --id is given, an image file.
-Exit code: 0 done, 1 the operation failed, 2 wrong usage.)";
+Exit code: 0 done, 1 the operation failed, 2 wrong usage.
+)";
 
 void Complain(const std::string &strLine)
 {
@@ -30,13 +31,15 @@ void Complain(const std::string &strLine)
         cChar = (cChar == '\n') ? ' ' : cChar;
     }
     const bool bColour = WantsColour(STDERR_FILENO);
-    fprintf(stderr, "%sfructl:%s %s\n", bColour ? "\x1b[1;31m" : "", bColour ? "\x1b[0m" : "", strOut.c_str());
+    fprintf(stderr, "%sfructl:%s %s\n", bColour ? "\x1b[1;31m" : "", bColour ? "\x1b[0m" : "",
+            strOut.c_str());
 }
 
 void AddGlobalOptions(CLI::App &stApp, SESSION_S &stSession)
 {
-    stApp.add_option("--root", stSession.strRoot,
-                     "the controller's directory (else $FRUCTL_ROOT, else ~/.local/state/fructl)")
+    stApp
+        .add_option("--root", stSession.strRoot,
+                    "the controller's directory (else $FRUCTL_ROOT, else ~/.local/state/fructl)")
         ->type_name("DIR");
     stApp.add_flag("-v,--verbose", stSession.bVerbose, "print the library's diagnostics to stderr");
     stApp.add_flag("--json", stSession.bJson, "print JSON, for programs");
@@ -47,8 +50,8 @@ void AddGlobalOptions(CLI::App &stApp, SESSION_S &stSession)
     stApp.failure_message([](const CLI::App *, const CLI::Error &) { return std::string(); });
 }
 
-// The command that the user got as far as naming, for the hint.
-std::string NamedCommand(const CLI::App &stApp)
+// What was wrong with the command line, and where to read what is right.
+std::string UsageText(const CLI::App &stApp, const CLI::ParseError &stError)
 {
     std::string strName = "fructl";
     const CLI::App *pstApp = &stApp;
@@ -56,7 +59,19 @@ std::string NamedCommand(const CLI::App &stApp)
         pstApp = pstApp->get_subcommands().front();
         strName += " " + pstApp->get_name();
     }
-    return strName;
+    std::string strWhat = stError.what();
+    if (dynamic_cast<const CLI::RequiredError *>(&stError) != nullptr &&
+        pstApp->get_require_subcommand_min() > 0U) {
+        std::vector<std::string> vecNames;
+        for (const CLI::App *pstCommand : pstApp->get_subcommands([](const CLI::App *) { return true; })) {
+            vecNames.push_back(pstCommand->get_name());
+        }
+        const std::vector<std::string> vecRest = stApp.remaining(true);
+        strWhat = vecRest.empty() ? "no command is named"
+                                  : "there is no command '" + EscapeText(vecRest.front()) + "'";
+        strWhat += "; accepted: " + Join(vecNames, ", ");
+    }
+    return strWhat + "; '" + strName + " --help' tells more";
 }
 
 int Run(int iArgc, char **ppcArgv)
@@ -65,7 +80,8 @@ int Run(int iArgc, char **ppcArgv)
     for (int i = 0; i < iArgc; i++) {
         stSession.strCommandLine += (i == 0) ? "fructl" : " " + EscapeText(ppcArgv[i]);
     }
-    CLI::App stApp("Shows, checks and edits the FRU inventory of a server's management controller.", "fructl");
+    CLI::App stApp("Shows, checks and edits the FRU inventory of a server's management controller.",
+                   "fructl");
     AddGlobalOptions(stApp, stSession);
     AddCommands(stApp, stSession);
     try {
@@ -82,7 +98,7 @@ int Run(int iArgc, char **ppcArgv)
             stApp.exit(stError); // help or version
             return EXIT_CODE_OK;
         }
-        Complain(std::string(stError.what()) + "; '" + NamedCommand(stApp) + " --help' shows what is accepted");
+        Complain(UsageText(stApp, stError));
         return EXIT_CODE_USAGE;
     } catch (const FRUCTL_ERROR &stError) {
         Complain(stError.what());

@@ -77,7 +77,8 @@ RECORD_VIEW_S ViewRecord(const FRU_DATA_S &stData)
 {
     RECORD_VIEW_S stView = {{}, {}, stData.stCommonHeader.ucMultiRecordAreaStartOffset != 0U};
     if (stData.stCommonHeader.ucInternalUseAreaStartOffset != 0U) {
-        stView.vecAreas.push_back({AREA::InternalUse, {{"data", "data", Text(stData.stInternalUseArea.pucData)}}, {}});
+        stView.vecAreas.push_back(
+            {AREA::InternalUse, {{"data", "data", Text(stData.stInternalUseArea.pucData)}}, {}});
     }
     if (stData.stCommonHeader.ucChassisInfoAreaStartOffset != 0U) {
         stView.vecAreas.push_back(ViewChassis(stData.stChassisInfo));
@@ -100,7 +101,8 @@ u32 DecodeImage(const IMAGE_S &stImage, bool bFixedSlots, RECORD &stRecord)
         stRecord.Data()->stChassisInfo.ucCustomFieldCount = FRU_CHASSIS_FIXED_SLOTS;
         stRecord.Data()->stProductInfo.ucCustomFieldCount = FRU_PRODUCT_FIXED_SLOTS;
     }
-    return FRU_ANALYZER_InterpretFRUData(stImage.vecBytes.data(), static_cast<u32>(stImage.vecBytes.size()), stRecord.Data());
+    return FRU_ANALYZER_InterpretFRUData(stImage.vecBytes.data(), static_cast<u32>(stImage.vecBytes.size()),
+                                         stRecord.Data());
 }
 
 void DecodeTarget(const TARGET_S &stTarget, RECORD &stRecord)

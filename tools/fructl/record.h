@@ -12,15 +12,24 @@
 // A FRU_DATA_S that releases what it owns. Never copied, as the record says.
 class RECORD
 {
-public:
+  public:
     RECORD() = default;
-    ~RECORD() { FRU_ANALYZER_SafeFree(&m_stData); }
+    ~RECORD()
+    {
+        FRU_ANALYZER_SafeFree(&m_stData);
+    }
     RECORD(const RECORD &) = delete;
     RECORD &operator=(const RECORD &) = delete;
-    FRU_DATA_S *Data() { return &m_stData; }
-    const FRU_DATA_S *Data() const { return &m_stData; }
+    FRU_DATA_S *Data()
+    {
+        return &m_stData;
+    }
+    const FRU_DATA_S *Data() const
+    {
+        return &m_stData;
+    }
 
-private:
+  private:
     FRU_DATA_S m_stData = {};
 };
 
@@ -57,11 +66,12 @@ struct RECORD_VIEW_S
 
 RECORD_VIEW_S ViewRecord(const FRU_DATA_S &stData);
 
-// Decodes an image's bytes, with the custom-field counts preset for a baseboard's. A status code of the library.
+// Decodes an image's bytes, with the custom-field counts preset for a baseboard's. A status code of the
+// library.
 u32 DecodeImage(const IMAGE_S &stImage, bool bFixedSlots, RECORD &stRecord);
 
-// Decodes a target as the library's other callers see it: a device through the cache where that is trusted, a file's
-// image as it is. Fails with what is wrong where.
+// Decodes a target as the library's other callers see it: a device through the cache where that is trusted, a
+// file's image as it is. Fails with what is wrong where.
 void DecodeTarget(const TARGET_S &stTarget, RECORD &stRecord);
 
 #endif

@@ -29,7 +29,8 @@ void TakeDiagnostic(const BMCHOST_DIAG_S *pstDiag, void *pContext)
         strText.erase(strText.size() - 4U);
     }
     if (static_cast<const SESSION_S *>(pContext)->bVerbose) {
-        fprintf(stderr, "[%u] %s:%u: %s\n", pstDiag->uiSeverity, pstDiag->pcFile, pstDiag->uiLine, strText.c_str());
+        fprintf(stderr, "[%u] %s:%u: %s\n", pstDiag->uiSeverity, pstDiag->pcFile, pstDiag->uiLine,
+                strText.c_str());
     }
     if (pstDiag->uiSeverity <= SEVERITY_WARNING) {
         g_vecDiagnostics.push_back(strText);
@@ -94,7 +95,8 @@ ROOT_LOCK::ROOT_LOCK(const SESSION_S &stSession)
         if (std::chrono::steady_clock::now() >= stUntil) {
             const std::string strHolder = ReadHolder(m_iFd);
             close(m_iFd);
-            Fail("another command is writing to " + stSession.strRoot + ": " + strHolder + "; try again when it is done");
+            Fail("another command is writing to " + stSession.strRoot + ": " + strHolder +
+                 "; try again when it is done");
         }
         std::this_thread::sleep_for(std::chrono::milliseconds(50));
     }

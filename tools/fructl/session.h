@@ -1,4 +1,5 @@
-// One run of fructl: the options that all commands share, the controller it works on, and what the library said.
+// One run of fructl: the options that all commands share, the controller it works on, and what the library
+// said.
 #ifndef FRUCTL_SESSION_H
 #define FRUCTL_SESSION_H
 
@@ -11,8 +12,8 @@ struct SESSION_S
     std::string strRoot; // empty: $FRUCTL_ROOT, else ~/.local/state/fructl
     bool bVerbose = false;
     bool bJson = false;
-    std::string strCommandLine;   // as typed, for the lock file
-    std::function<void()> fnRun;  // set by the command that was named
+    std::string strCommandLine;  // as typed, for the lock file
+    std::function<void()> fnRun; // set by the command that was named
 };
 
 // Points the platform to the root directory, and its diagnostics to Diagnostics() (and stderr when verbose).
@@ -21,25 +22,26 @@ void OpenSession(SESSION_S &stSession);
 // Fails with a helpful line when there is no controller in the root.
 void RequireController(const SESSION_S &stSession);
 
-// What the library reported as failures and warnings (severity 4 or worse) since the last ClearDiagnostics(), in
-// order.
+// What the library reported as failures and warnings (severity 4 or worse) since the last ClearDiagnostics(),
+// in order.
 const std::vector<std::string> &Diagnostics();
 void ClearDiagnostics();
 
-// The first of them, as " (the library says: ...)", or nothing: the first failure is the cause of those after it.
+// The first of them, as " (the library says: ...)", or nothing: the first failure is the cause of those after
+// it.
 std::string DiagnosticHint();
 
 // Held while a command writes to the controller. Its file names the holder.
 class ROOT_LOCK
 {
-public:
+  public:
     // Waits two seconds for another writer, then fails with who holds it.
     explicit ROOT_LOCK(const SESSION_S &stSession);
     ~ROOT_LOCK();
     ROOT_LOCK(const ROOT_LOCK &) = delete;
     ROOT_LOCK &operator=(const ROOT_LOCK &) = delete;
 
-private:
+  private:
     int m_iFd = -1;
 };
 
