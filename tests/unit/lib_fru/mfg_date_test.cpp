@@ -325,8 +325,8 @@ TEST_F(MfgDate, EveryMonthsEndsGoThereAndBack)
         for (i32 iMonth = 1; iMonth <= 12; ++iMonth) {
             const i32 iNext = iMonth == 12 ? MinutesTo(iYear + 1, 1, 1) : MinutesTo(iYear, iMonth + 1, 1);
             const i32 iLastDay = (iNext - MinutesTo(iYear, iMonth, 1)) / (24 * 60);
-            for (const i32 iDay : {1, 2, 15, iLastDay - 1, iLastDay}) {
-                for (const i32 iMinute : {0, 1, 12 * 60, 24 * 60 - 1}) {
+            for (const i32 iDay : {1, 15, iLastDay}) {
+                for (const i32 iMinute : {0, 24 * 60 - 1}) {
                     char acText[64];
                     (void)snprintf(acText, sizeof(acText), "%04d-%02d-%02d %02d:%02d:59", iYear, iMonth, iDay,
                                    iMinute / 60, iMinute % 60);

@@ -1,0 +1,9 @@
+// Private to lib_fru: facts about OEM mode.
+#ifndef LIB_FRU_OEM_CONF_H
+#define LIB_FRU_OEM_CONF_H
+
+#include "lib_fru_types.h"
+
+#define FRU_OEM_MODE 3U // BMC_GetOemFlag() and HW_LIB_GetOemFlag()
+
+#endif
