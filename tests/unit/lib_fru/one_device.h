@@ -3,6 +3,8 @@
 #define TESTS_UNIT_LIB_FRU_ONE_DEVICE_H
 
 #include <cstring>
+#include <string>
+#include <vector>
 
 #include "fake/fake_platform.h"
 #include "lib_fru_types.h"
@@ -48,6 +50,18 @@ inline void Put(u8 ucDeviceID, u8 ucComponentType, u8 ucInstance, const fake::BY
     PutInfo(Info(ucDeviceID, static_cast<u16>(vecImage.size())));
     fake::Db()[0x10810400U | ucDeviceID] = {1};
     fake::Eeprom(g_ucBus, g_ucAddress) = vecImage;
+}
+
+// The messages of lib_fru itself, without those of the decoder below it.
+inline std::vector<std::string> OwnMessages()
+{
+    std::vector<std::string> vecOwn;
+    for (const std::string &strMessage : fake::Messages()) {
+        if (strMessage.find(" lib_fru.c: ") != std::string::npos) {
+            vecOwn.push_back(strMessage);
+        }
+    }
+    return vecOwn;
 }
 
 } // namespace one_device
