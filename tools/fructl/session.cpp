@@ -57,11 +57,15 @@ void OpenSession(SESSION_S &stSession)
     stSession.strRoot = BMCHOST_GetRoot();
 }
 
-void RequireController(const SESSION_S &stSession)
+bool HasController(const SESSION_S &stSession)
 {
     struct stat stStat = {};
-    // Asked before the database is opened, which would make it.
-    if (stat((stSession.strRoot + BMCHOST_DB_DIR).c_str(), &stStat) != 0) {
+    return stat((stSession.strRoot + BMCHOST_DB_DIR).c_str(), &stStat) == 0;
+}
+
+void RequireController(const SESSION_S &stSession)
+{
+    if (!HasController(stSession)) {
         Fail("there is no controller in " + stSession.strRoot +
              "; 'fructl provision FILE' makes one, --root or $FRUCTL_ROOT names another");
     }

@@ -19,7 +19,10 @@ struct SESSION_S
 // Points the platform to the root directory, and its diagnostics to Diagnostics() (and stderr when verbose).
 void OpenSession(SESSION_S &stSession);
 
-// Fails with a helpful line when there is no controller in the root.
+// True when the root holds a controller's database. Asked before the database is opened, which would make it.
+bool HasController(const SESSION_S &stSession);
+
+// Fails with a helpful line when there is none.
 void RequireController(const SESSION_S &stSession);
 
 // What the library reported as failures and warnings (severity 4 or worse) since the last ClearDiagnostics(),
