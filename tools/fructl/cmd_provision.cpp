@@ -39,7 +39,8 @@ std::string RealPath(const std::string &strControllerPath)
 std::string EepromPath(const DEVICE_PLAN_S &stDevice)
 {
     char acPath[8192] = "";
-    if (BMCHOST_GetEepromPath(stDevice.stInfo.ucEEPROMType, &stDevice.stInfo.ucBusNumber, sizeof(acPath), acPath) != 0U) {
+    if (BMCHOST_GetEepromPath(stDevice.stInfo.ucEEPROMType, &stDevice.stInfo.ucBusNumber, sizeof(acPath),
+                              acPath) != 0U) {
         Fail(std::string("the EEPROM of ") + stDevice.stInfo.acFRUName + " has no file name");
     }
     return acPath;
@@ -73,14 +74,16 @@ void WriteFiles(const PLAN_S &stPlan)
     }
 }
 
-// A device that is no more: there is no call that deletes its record, so it is emptied; a FRU of no bytes cannot be read.
+// A device that is no more: there is no call that deletes its record, so it is emptied; a FRU of no bytes
+// cannot be read.
 void Forget(u8 ucDeviceID)
 {
     FRU_DEVICE_INFO_S stInfo = {};
     stInfo.ucDeviceID = ucDeviceID;
     Require(FRU_DB_PutFRUDeviceInfo(ucDeviceID, &stInfo), Format("the record of FRU device %u", ucDeviceID));
     (void)FRU_DB_DelFRUData(ucDeviceID); // fails when there was none
-    Require(FRU_DB_PutFRUDataCacheStatus(ucDeviceID, CACHE_NOT_TRUSTED), Format("the cache status of FRU device %u", ucDeviceID));
+    Require(FRU_DB_PutFRUDataCacheStatus(ucDeviceID, CACHE_NOT_TRUSTED),
+            Format("the cache status of FRU device %u", ucDeviceID));
 }
 
 void WriteRecords(const PLAN_S &stPlan, const std::vector<u8> &vecOldIDs)
@@ -98,11 +101,14 @@ void WriteRecords(const PLAN_S &stPlan, const std::vector<u8> &vecOldIDs)
         Require(FRU_DB_PutFRUDeviceInfo(ucDeviceID, &stDevice.stInfo), "the record" + strOf);
         Require(FRU_DB_PutFRUSDR(ucDeviceID, &stSdr), "the SDR" + strOf);
         if (stDevice.bCached) {
-            Require(FRU_DB_PutFRUData(ucDeviceID, stDevice.stInfo.usSize, stDevice.vecImage.data()), "the cached image" + strOf);
+            Require(FRU_DB_PutFRUData(ucDeviceID, stDevice.stInfo.usSize, stDevice.vecImage.data()),
+                    "the cached image" + strOf);
         } else {
             (void)FRU_DB_DelFRUData(ucDeviceID);
         }
-        Require(FRU_DB_PutFRUDataCacheStatus(ucDeviceID, stDevice.bCached ? CACHE_TRUSTED : CACHE_NOT_TRUSTED), "the cache status" + strOf);
+        Require(
+            FRU_DB_PutFRUDataCacheStatus(ucDeviceID, stDevice.bCached ? CACHE_TRUSTED : CACHE_NOT_TRUSTED),
+            "the cache status" + strOf);
         stTable.astEntry[stTable.ucCount++] = stDevice.stEntry;
     }
     Require(FRU_DB_PutOperateFlag(0U), "the operate flag");
@@ -116,12 +122,22 @@ void ReportPlan(const SESSION_S &stSession, const OPTIONS_S &stOptions, const PL
     const std::string strEepromDir = RealPath(BMCHOST_EEPROM_DIR) + "/";
     for (const DEVICE_PLAN_S &stDevice : stPlan.vecDevices) {
         const std::string strEeprom = stDevice.bHasEeprom ? EepromPath(stDevice) : "";
-        const std::string strShort = strEeprom.compare(0, strEepromDir.size(), strEepromDir) == 0 ? strEeprom.substr(strEepromDir.size()) : "-";
+        const std::string strShort = strEeprom.compare(0, strEepromDir.size(), strEepromDir) == 0
+                                         ? strEeprom.substr(strEepromDir.size())
+                                         : "-";
         const std::string strStored = stDevice.vecRecovery.empty() ? "" : stDevice.stInfo.acImageFilePath;
-        stTable.Row({Format("%u", stDevice.stEntry.ucDeviceID), stDevice.stInfo.acFRUName, Format("0x%02x", stDevice.stEntry.ucComponentType), Format("%u", stDevice.stEntry.ucInstance),
-                     strShort, Format("%u", stDevice.stInfo.usSize), stDevice.strImage.empty() ? "(erased)" : EscapeText(stDevice.strImage), strStored.empty() ? "-" : EscapeText(strStored)});
-        stDevices.push_back({{"id", stDevice.stEntry.ucDeviceID}, {"name", std::string(stDevice.stInfo.acFRUName)}, {"eeprom", strEeprom}, {"image", stDevice.strImage},
-                             {"cached", stDevice.bCached}, {"storedImage", strStored}});
+        stTable.Row({Format("%u", stDevice.stEntry.ucDeviceID), stDevice.stInfo.acFRUName,
+                     Format("0x%02x", stDevice.stEntry.ucComponentType),
+                     Format("%u", stDevice.stEntry.ucInstance), strShort,
+                     Format("%u", stDevice.stInfo.usSize),
+                     stDevice.strImage.empty() ? "(erased)" : EscapeText(stDevice.strImage),
+                     strStored.empty() ? "-" : EscapeText(strStored)});
+        stDevices.push_back({{"id", stDevice.stEntry.ucDeviceID},
+                             {"name", std::string(stDevice.stInfo.acFRUName)},
+                             {"eeprom", strEeprom},
+                             {"image", stDevice.strImage},
+                             {"cached", stDevice.bCached},
+                             {"storedImage", strStored}});
     }
     if (stSession.bJson) {
         PrintJson({{"root", stSession.strRoot}, {"written", !stOptions.bDryRun}, {"devices", stDevices}});
@@ -129,8 +145,10 @@ void ReportPlan(const SESSION_S &stSession, const OPTIONS_S &stOptions, const PL
     }
     const std::string strDevices = Count(stPlan.vecDevices.size(), "device");
     Print(stTable.Text() + "\n");
-    Print(stOptions.bDryRun ? "Nothing was written: the description is in order, and without --dry-run its " + strDevices + " would go into " + stSession.strRoot + "\n"
-                            : Paint(COLOUR::Green, "Done") + ": a controller with " + strDevices + " in " + stSession.strRoot + "\n");
+    Print(stOptions.bDryRun ? "Nothing was written: the description is in order, and without --dry-run its " +
+                                  strDevices + " would go into " + stSession.strRoot + "\n"
+                            : Paint(COLOUR::Green, "Done") + ": a controller with " + strDevices + " in " +
+                                  stSession.strRoot + "\n");
 }
 
 void RunProvision(const SESSION_S &stSession, const OPTIONS_S &stOptions)
@@ -142,7 +160,8 @@ void RunProvision(const SESSION_S &stSession, const OPTIONS_S &stOptions)
     }
     const std::vector<u8> vecOldIDs = ExistingIDs(stSession);
     if (!vecOldIDs.empty() && !stOptions.bForce) {
-        Fail("there is a controller with " + Count(vecOldIDs.size(), "device") + " in " + stSession.strRoot + " already; --force replaces it, --root names another place");
+        Fail("there is a controller with " + Count(vecOldIDs.size(), "device") + " in " + stSession.strRoot +
+             " already; --force replaces it, --root names another place");
     }
     if (!stOptions.bDryRun) {
         WriteFiles(stPlan);
@@ -156,10 +175,18 @@ void RunProvision(const SESSION_S &stSession, const OPTIONS_S &stOptions)
 void AddProvisionCommand(CLI::App &stParent, SESSION_S &stSession)
 {
     const auto pstOptions = std::make_shared<OPTIONS_S>();
-    CLI::App *pstCommand = AddCommand(stParent, "provision", "Make a controller from a description: device table, records, EEPROMs, stored images",
-                                      "fructl provision examples/controller.json\nfructl --root /tmp/lab provision controller.json --dry-run\nfructl provision controller.json --force");
-    pstCommand->add_option("FILE", pstOptions->strFile, "the description in JSON (examples/README.md tells what may stand in it)")->required();
+    CLI::App *pstCommand =
+        AddCommand(stParent, "provision",
+                   "Make a controller from a description: device table, records, EEPROMs, stored images",
+                   "fructl provision examples/controller.json\nfructl --root /tmp/lab provision "
+                   "controller.json --dry-run\nfructl provision controller.json --force");
+    pstCommand
+        ->add_option("FILE", pstOptions->strFile,
+                     "the description in JSON (examples/README.md tells what may stand in it)")
+        ->required();
     pstCommand->add_flag("--force", pstOptions->bForce, "replace the controller that is there");
     pstCommand->add_flag("-n,--dry-run", pstOptions->bDryRun, "check everything, write nothing");
-    pstCommand->callback([&stSession, pstOptions] { stSession.fnRun = [&stSession, pstOptions] { RunProvision(stSession, *pstOptions); }; });
+    pstCommand->callback([&stSession, pstOptions] {
+        stSession.fnRun = [&stSession, pstOptions] { RunProvision(stSession, *pstOptions); };
+    });
 }

@@ -71,8 +71,9 @@ void CheckTarget(const TARGET_S &stTarget, std::vector<CHECK_S> &vecChecks)
         if (optCached->vecBytes[i] != optImage->vecBytes[i]) {
             CHECK_S stCheck = CheckImage(stTarget, *optCached);
             stCheck.strFailure =
-                Format("differs from the EEPROM from byte 0x%04zx on (0x%02x in the EEPROM, 0x%02x cached)",
-                       i, optImage->vecBytes[i], optCached->vecBytes[i]);
+                Format("%s the EEPROM from byte 0x%04zx on (0x%02x in the EEPROM, 0x%02x cached)",
+                       stCheck.stLayout.IsSound() ? "sound in itself, but differs from" : "differs from", i,
+                       optImage->vecBytes[i], optCached->vecBytes[i]);
             vecChecks.push_back(stCheck);
             return;
         }

@@ -3,7 +3,8 @@
 namespace {
 
 constexpr void (*g_apfnCommands[])(CLI::App &stParent, SESSION_S &stSession) = {
-    AddListCommand, AddShowCommand, AddVerifyCommand, AddMapCommand, AddRecoverCommand, AddRawCommand,
+    AddProvisionCommand, AddListCommand,    AddShowCommand, AddVerifyCommand,
+    AddMapCommand,       AddRecoverCommand, AddRawCommand,
 };
 
 } // namespace

@@ -31,8 +31,10 @@ json ParseJsonFile(const std::string &strFile)
             vecSeen.emplace_back();
         } else if (enEvent == json::parse_event_t::object_end) {
             vecSeen.pop_back();
-        } else if (enEvent == json::parse_event_t::key && !vecSeen.back().insert(stValue.get<std::string>()).second) {
-            Fail(strFile + ": the member " + Shown(stValue) + " stands twice in one object; accepted: each member once");
+        } else if (enEvent == json::parse_event_t::key &&
+                   !vecSeen.back().insert(stValue.get<std::string>()).second) {
+            Fail(strFile + ": the member " + Shown(stValue) +
+                 " stands twice in one object; accepted: each member once");
         }
         return true;
     };
@@ -102,7 +104,8 @@ std::vector<JSON_NODE> JSON_NODE::Elements(const char *pcName) const
 
 u32 JSON_NODE::Number(const char *pcName, u32 uiMin, u32 uiMax, std::optional<u32> optDefault) const
 {
-    const std::string strAccepted = Format("accepted: %u to %u, as a number or as text such as \"0x%x\"", uiMin, uiMax, uiMax);
+    const std::string strAccepted =
+        Format("accepted: %u to %u, as a number or as text such as \"0x%x\"", uiMin, uiMax, uiMax);
     if (!Has(pcName)) {
         if (optDefault.has_value()) {
             return *optDefault;
@@ -129,11 +132,13 @@ std::string JSON_NODE::Text(const char *pcName, size_t uiMin, size_t uiMax) cons
         RefuseMember(pcName, "missing; " + strAccepted);
     }
     const json &stValue = m_stValue[pcName];
-    if (!stValue.is_string() || stValue.get_ref<const std::string &>().size() < uiMin || stValue.get_ref<const std::string &>().size() > uiMax) {
+    if (!stValue.is_string() || stValue.get_ref<const std::string &>().size() < uiMin ||
+        stValue.get_ref<const std::string &>().size() > uiMax) {
         RefuseMember(pcName, Shown(stValue) + " is refused; " + strAccepted);
     }
     const std::string strText = stValue.get<std::string>();
-    if (std::any_of(strText.begin(), strText.end(), [](char cChar) { return static_cast<u8>(cChar) < 0x20U || cChar == 0x7F; })) {
+    if (std::any_of(strText.begin(), strText.end(),
+                    [](char cChar) { return static_cast<u8>(cChar) < 0x20U || cChar == 0x7F; })) {
         RefuseMember(pcName, Shown(stValue) + " holds control characters; " + strAccepted + " without them");
     }
     return strText;

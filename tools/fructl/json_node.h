@@ -1,5 +1,5 @@
-// A value of a JSON description with the path that leads to it. Every accessor fails with that path and with what would
-// be accepted.
+// A value of a JSON description with the path that leads to it. Every accessor fails with that path and with
+// what would be accepted.
 #ifndef FRUCTL_JSON_NODE_H
 #define FRUCTL_JSON_NODE_H
 
@@ -17,12 +17,11 @@ nlohmann::json ParseJsonFile(const std::string &strFile);
 
 class JSON_NODE
 {
-public:
+  public:
     // strFile goes in front of every complaint.
     JSON_NODE(const nlohmann::json &stValue, std::string strFile, std::string strPath)
         : m_stValue(stValue), m_strFile(std::move(strFile)), m_strPath(std::move(strPath))
-    {
-    }
+    {}
 
     [[noreturn]] void Refuse(const std::string &strWhy) const;
     // The same for a member of this object.
@@ -39,7 +38,7 @@ public:
     std::string Text(const char *pcName, size_t uiMin, size_t uiMax) const;
     bool Flag(const char *pcName, bool bDefault) const;
 
-private:
+  private:
     std::string PathOf(const std::string &strName) const;
 
     const nlohmann::json &m_stValue;

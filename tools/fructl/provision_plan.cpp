@@ -50,13 +50,15 @@ std::vector<u8> ReadNamed(const JSON_NODE &stNode, const char *pcName, const std
     }
 }
 
-std::vector<u8> ReadSizedImage(const JSON_NODE &stNode, const char *pcName, const std::string &strFile, u32 uiSize)
+std::vector<u8> ReadSizedImage(const JSON_NODE &stNode, const char *pcName, const std::string &strFile,
+                               u32 uiSize)
 {
     std::vector<u8> vecImage = ReadNamed(stNode, pcName, strFile, ReadImageFile);
     if (vecImage.empty() || vecImage.size() > uiSize) {
-        stNode.RefuseMember(pcName, Format("the image has %zu bytes; accepted: 1 to %u, the FRU's size (a shorter one is "
-                                           "filled with 0xff)",
-                                           vecImage.size(), uiSize));
+        stNode.RefuseMember(
+            pcName, Format("the image has %zu bytes; accepted: 1 to %u, the FRU's size (a shorter one is "
+                           "filled with 0xff)",
+                           vecImage.size(), uiSize));
     }
     vecImage.resize(uiSize, 0xFFU);
     return vecImage;
@@ -66,13 +68,34 @@ void TakeName(const JSON_NODE &stNode, FRU_DEVICE_INFO_S &stInfo)
 {
     const std::string strName = stNode.Text("name", 1U, sizeof(stInfo.acFRUName) - 1U);
     const bool bPlain = std::all_of(strName.begin(), strName.end(), [](char cChar) {
-        return static_cast<u8>(cChar) > 0x20U && static_cast<u8>(cChar) < 0x7FU && cChar != ':' && cChar != '/';
+        return static_cast<u8>(cChar) > 0x20U && static_cast<u8>(cChar) < 0x7FU && cChar != ':' &&
+               cChar != '/';
     });
     if (!bPlain) {
-        stNode.RefuseMember("name", "'" + EscapeText(strName) + "' is refused; accepted: 1 to 15 printable ASCII characters "
-                                                                "without blanks, ':' and '/'");
+        stNode.RefuseMember("name", "'" + EscapeText(strName) +
+                                        "' is refused; accepted: 1 to 15 printable ASCII characters "
+                                        "without blanks, ':' and '/'");
     }
     memcpy(stInfo.acFRUName, strName.data(), strName.size());
+}
+
+// A stored image must not come to lie on what provisioning writes itself, or on the database.
+bool IsUsableStoredPath(const std::string &strPath)
+{
+    char acPath[8192] = "";
+    if (strPath[0] != '/' || strPath.back() == '/' ||
+        BMCHOST_ResolvePath(strPath.c_str(), sizeof(acPath), acPath) != 0U) {
+        return false;
+    }
+    for (const char *pcTaken : {BMCHOST_EEPROM_DIR, "/var/lib/fru", "/var/lock", "/var/log", "/conf"}) {
+        char acTaken[8192] = "";
+        const std::string strBelow = std::string(pcTaken) + "/";
+        if (BMCHOST_ResolvePath(strBelow.c_str(), sizeof(acTaken), acTaken) != 0U ||
+            (std::string(acPath) + "/").compare(0, strlen(acTaken) + 1U, std::string(acTaken) + "/") == 0) {
+            return false;
+        }
+    }
+    return true;
 }
 
 void TakeRecovery(const JSON_NODE &stNode, const std::string &strFile, DEVICE_PLAN_S &stDevice)
@@ -80,10 +103,11 @@ void TakeRecovery(const JSON_NODE &stNode, const std::string &strFile, DEVICE_PL
     const JSON_NODE stRecovery = stNode.Member("recoveryImage");
     stRecovery.RequireObject({"path", "file"});
     const std::string strPath = stRecovery.Text("path", 2U, sizeof(stDevice.stInfo.acImageFilePath) - 1U);
-    char acResolved[8192] = "";
-    if (strPath[0] != '/' || strPath.back() == '/' || BMCHOST_ResolvePath(strPath.c_str(), sizeof(acResolved), acResolved) != 0U) {
-        stRecovery.RefuseMember("path", "'" + EscapeText(strPath) + "' is refused; accepted: a file's absolute path on the "
-                                                                    "controller that stays inside its root");
+    if (!IsUsableStoredPath(strPath)) {
+        stRecovery.RefuseMember(
+            "path", "'" + EscapeText(strPath) +
+                        "' is refused; accepted: a file's absolute path on the controller, outside "
+                        "/eeprom, /conf, /var/lib/fru, /var/lock and /var/log");
     }
     memcpy(stDevice.stInfo.acImageFilePath, strPath.data(), strPath.size());
     stDevice.vecRecovery = ReadSizedImage(stRecovery, "file", strFile, stDevice.stInfo.usSize);
@@ -93,10 +117,13 @@ void TakeEeprom(const JSON_NODE &stNode, DEVICE_PLAN_S &stDevice)
 {
     FRU_DEVICE_INFO_S &stInfo = stDevice.stInfo;
     stDevice.bHasEeprom = !stDevice.stInfo.ucDatabaseOnly || stNode.Has("location");
-    stInfo.ucEEPROMType = static_cast<u8>(stNode.Number("eepromType", EEPROM_TYPE_MIN, EEPROM_TYPE_MAX, EEPROM_TYPE_MIN));
+    stInfo.ucEEPROMType =
+        static_cast<u8>(stNode.Number("eepromType", EEPROM_TYPE_MIN, EEPROM_TYPE_MAX, EEPROM_TYPE_MIN));
     const u32 uiEnd = u32{stInfo.usStartOffset} + stInfo.usSize;
     if (uiEnd > EEPROM_SPACE) {
-        stNode.RefuseMember("size", Format("startOffset and size end at 0x%x; accepted: an end of at most 0x%x", uiEnd, EEPROM_SPACE));
+        stNode.RefuseMember("size",
+                            Format("startOffset and size end at 0x%x; accepted: an end of at most 0x%x",
+                                   uiEnd, EEPROM_SPACE));
     }
     u32 uiUsual = 256U; // the smallest chip that holds it
     while (uiUsual < uiEnd) {
@@ -107,8 +134,9 @@ void TakeEeprom(const JSON_NODE &stNode, DEVICE_PLAN_S &stDevice)
         return;
     }
     if (!stNode.Has("location")) {
-        stNode.RefuseMember("location", "missing; accepted: {\"bus\", \"address\", \"switchLevel\"} (only a device that is "
-                                        "databaseOnly needs none)");
+        stNode.RefuseMember(
+            "location", "missing; accepted: {\"bus\", \"address\", \"switchLevel\"} (only a device that is "
+                        "databaseOnly needs none)");
     }
     const JSON_NODE stLocation = stNode.Member("location");
     stLocation.RequireObject({"bus", "address", "switchLevel"});
@@ -119,9 +147,9 @@ void TakeEeprom(const JSON_NODE &stNode, DEVICE_PLAN_S &stDevice)
 
 DEVICE_PLAN_S TakeDevice(const JSON_NODE &stNode, const std::string &strFile)
 {
-    stNode.RequireObject({"id", "name", "componentType", "instance", "sdrRecordId", "startOffset", "size", "accessType",
-                          "eepromType", "location", "eepromSize", "fieldFlag", "databaseOnly", "image", "recoveryImage",
-                          "cached"});
+    stNode.RequireObject({"id", "name", "componentType", "instance", "sdrRecordId", "startOffset", "size",
+                          "accessType", "eepromType", "location", "eepromSize", "fieldFlag", "databaseOnly",
+                          "image", "recoveryImage", "cached"});
     DEVICE_PLAN_S stDevice = {};
     FRU_DEVICE_INFO_S &stInfo = stDevice.stInfo;
     stInfo.ucDeviceID = static_cast<u8>(stNode.Number("id", 0U, 255U));
@@ -129,7 +157,8 @@ DEVICE_PLAN_S TakeDevice(const JSON_NODE &stNode, const std::string &strFile)
     TakeName(stNode, stInfo);
     stDevice.stEntry.ucComponentType = static_cast<u8>(stNode.Number("componentType", 0U, 255U));
     stDevice.stEntry.ucInstance = static_cast<u8>(stNode.Number("instance", 0U, 255U));
-    stDevice.stEntry.usSDRRecordID = static_cast<u16>(stNode.Number("sdrRecordId", 0U, 0xFFFFU, stInfo.ucDeviceID + 1U));
+    stDevice.stEntry.usSDRRecordID =
+        static_cast<u16>(stNode.Number("sdrRecordId", 0U, 0xFFFFU, stInfo.ucDeviceID + 1U));
     stInfo.usStartOffset = static_cast<u16>(stNode.Number("startOffset", 0U, 0xFFFFU, 0U));
     stInfo.usSize = static_cast<u16>(stNode.Number("size", FRU_COMMON_HEADER_LEN, 0xFFFFU));
     stInfo.ucAccessType = static_cast<u8>(stNode.Number("accessType", 0U, 255U, 0U));
@@ -146,7 +175,8 @@ DEVICE_PLAN_S TakeDevice(const JSON_NODE &stNode, const std::string &strFile)
     }
     stDevice.bCached = stNode.Flag("cached", stNode.Has("image"));
     if (stInfo.ucDatabaseOnly != 0U && !stDevice.bCached) {
-        stNode.RefuseMember("cached", "a databaseOnly device that is not cached could never be read; accepted: true");
+        stNode.RefuseMember("cached",
+                            "a databaseOnly device that is not cached could never be read; accepted: true");
     }
     return stDevice;
 }
@@ -158,44 +188,63 @@ std::string NameOf(const DEVICE_PLAN_S &stDevice)
 
 bool SameChip(const DEVICE_PLAN_S &stLeft, const DEVICE_PLAN_S &stRight)
 {
-    return stLeft.bHasEeprom && stRight.bHasEeprom && stLeft.stInfo.ucBusNumber == stRight.stInfo.ucBusNumber &&
-           stLeft.stInfo.ucAddress == stRight.stInfo.ucAddress && stLeft.stInfo.ucSwitchLevel == stRight.stInfo.ucSwitchLevel;
+    return stLeft.bHasEeprom && stRight.bHasEeprom &&
+           stLeft.stInfo.ucBusNumber == stRight.stInfo.ucBusNumber &&
+           stLeft.stInfo.ucAddress == stRight.stInfo.ucAddress &&
+           stLeft.stInfo.ucSwitchLevel == stRight.stInfo.ucSwitchLevel;
 }
 
 void CheckChip(const JSON_NODE &stNode, const DEVICE_PLAN_S &stDevice, const DEVICE_PLAN_S &stOther)
 {
     if (stDevice.uiEepromSize != stOther.uiEepromSize) {
-        stNode.RefuseMember("eepromSize", Format("%u, but device '%s' says %u of the same EEPROM", stDevice.uiEepromSize, NameOf(stOther).c_str(), stOther.uiEepromSize));
+        stNode.RefuseMember("eepromSize",
+                            Format("%u, but device '%s' says %u of the same EEPROM", stDevice.uiEepromSize,
+                                   NameOf(stOther).c_str(), stOther.uiEepromSize));
     }
     if (stDevice.stInfo.ucEEPROMType != stOther.stInfo.ucEEPROMType) {
-        stNode.RefuseMember("eepromType", Format("%u, but device '%s' says %u of the same EEPROM", stDevice.stInfo.ucEEPROMType, NameOf(stOther).c_str(), stOther.stInfo.ucEEPROMType));
+        stNode.RefuseMember("eepromType", Format("%u, but device '%s' says %u of the same EEPROM",
+                                                 stDevice.stInfo.ucEEPROMType, NameOf(stOther).c_str(),
+                                                 stOther.stInfo.ucEEPROMType));
     }
     const u32 uiStart = stDevice.stInfo.usStartOffset;
     const u32 uiOtherStart = stOther.stInfo.usStartOffset;
     if (uiStart < uiOtherStart + stOther.stInfo.usSize && uiOtherStart < uiStart + stDevice.stInfo.usSize) {
-        stNode.RefuseMember("startOffset", Format("0x%x to 0x%x overlaps device '%s' (0x%x to 0x%x) in the same EEPROM; accepted: ranges apart, or another location",
-                                                  uiStart, uiStart + stDevice.stInfo.usSize - 1U, NameOf(stOther).c_str(), uiOtherStart, uiOtherStart + stOther.stInfo.usSize - 1U));
+        stNode.RefuseMember("startOffset",
+                            Format("0x%x to 0x%x overlaps device '%s' (0x%x to 0x%x) in the same EEPROM; "
+                                   "accepted: ranges apart, or another location",
+                                   uiStart, uiStart + stDevice.stInfo.usSize - 1U, NameOf(stOther).c_str(),
+                                   uiOtherStart, uiOtherStart + stOther.stInfo.usSize - 1U));
     }
 }
 
 // Refuses what two devices may not share.
 void CheckAgainst(const JSON_NODE &stNode, const DEVICE_PLAN_S &stDevice, const DEVICE_PLAN_S &stOther)
 {
-    const std::string strOther = "already device '" + NameOf(stOther) + "'; accepted: one that no other device has";
+    const std::string strOther =
+        "already device '" + NameOf(stOther) + "'; accepted: one that no other device has";
     if (stDevice.stEntry.ucDeviceID == stOther.stEntry.ucDeviceID) {
         stNode.RefuseMember("id", Format("%u is ", stDevice.stEntry.ucDeviceID) + strOther);
     }
     if (NameOf(stDevice) == NameOf(stOther)) {
-        stNode.RefuseMember("name", "'" + NameOf(stDevice) + "' is taken by an earlier device; accepted: one that no other device has");
+        stNode.RefuseMember("name",
+                            "'" + NameOf(stDevice) +
+                                "' is taken by an earlier device; accepted: one that no other device has");
     }
-    if (stDevice.stEntry.ucComponentType == stOther.stEntry.ucComponentType && stDevice.stEntry.ucInstance == stOther.stEntry.ucInstance) {
-        stNode.RefuseMember("instance", Format("component type 0x%02x, instance %u is ", stDevice.stEntry.ucComponentType, stDevice.stEntry.ucInstance) + strOther);
+    if (stDevice.stEntry.ucComponentType == stOther.stEntry.ucComponentType &&
+        stDevice.stEntry.ucInstance == stOther.stEntry.ucInstance) {
+        stNode.RefuseMember("instance",
+                            Format("component type 0x%02x, instance %u is ", stDevice.stEntry.ucComponentType,
+                                   stDevice.stEntry.ucInstance) +
+                                strOther);
     }
     if (stDevice.stEntry.usSDRRecordID == stOther.stEntry.usSDRRecordID) {
         stNode.RefuseMember("sdrRecordId", Format("%u is ", stDevice.stEntry.usSDRRecordID) + strOther);
     }
-    if (strcmp(stDevice.stInfo.acImageFilePath, stOther.stInfo.acImageFilePath) == 0 && stDevice.vecRecovery != stOther.vecRecovery) {
-        stNode.RefuseMember("recoveryImage.path", "device '" + NameOf(stOther) + "' stores another image there; accepted: another path, or the same image");
+    if (strcmp(stDevice.stInfo.acImageFilePath, stOther.stInfo.acImageFilePath) == 0 &&
+        stDevice.vecRecovery != stOther.vecRecovery) {
+        stNode.RefuseMember("recoveryImage.path",
+                            "device '" + NameOf(stOther) +
+                                "' stores another image there; accepted: another path, or the same image");
     }
     if (SameChip(stDevice, stOther)) {
         CheckChip(stNode, stDevice, stOther);
@@ -213,11 +262,16 @@ void TakeConf(const JSON_NODE &stNode, const std::string &strFile, PLAN_S &stPla
         if (!stNode.Has(stMember.pcName)) {
             continue;
         }
-        stPlan.vecConfFiles.push_back({stMember.pcPath, ReadNamed(stNode, stMember.pcName, strFile, ReadFileBytes)});
+        stPlan.vecConfFiles.push_back(
+            {stMember.pcPath, ReadNamed(stNode, stMember.pcName, strFile, ReadFileBytes)});
         const std::vector<u8> &vecBytes = stPlan.vecConfFiles.back().vecBytes;
         if (strcmp(stMember.pcName, "features") == 0) {
-            const nlohmann::json stFeatures = nlohmann::json::parse(vecBytes.begin(), vecBytes.end(), nullptr, false);
-            const bool bTexts = stFeatures.is_array() && std::all_of(stFeatures.begin(), stFeatures.end(), [](const nlohmann::json &stValue) { return stValue.is_string(); });
+            const nlohmann::json stFeatures =
+                nlohmann::json::parse(vecBytes.begin(), vecBytes.end(), nullptr, false);
+            const bool bTexts = stFeatures.is_array() && std::all_of(stFeatures.begin(), stFeatures.end(),
+                                                                     [](const nlohmann::json &stValue) {
+                                                                         return stValue.is_string();
+                                                                     });
             if (!bTexts) {
                 stNode.RefuseMember(stMember.pcName, "the file is refused; accepted: a JSON array of texts");
             }
@@ -234,7 +288,8 @@ PLAN_S ReadPlan(const std::string &strFile)
     stRoot.RequireObject({"devices", "conf"});
     const std::vector<JSON_NODE> vecNodes = stRoot.Elements("devices");
     if (vecNodes.empty() || vecNodes.size() > FRU_DEVICE_TBL_MAX) {
-        stRoot.RefuseMember("devices", Format("%zu devices; accepted: 1 to %u", vecNodes.size(), FRU_DEVICE_TBL_MAX));
+        stRoot.RefuseMember("devices",
+                            Format("%zu devices; accepted: 1 to %u", vecNodes.size(), FRU_DEVICE_TBL_MAX));
     }
     PLAN_S stPlan;
     for (const JSON_NODE &stNode : vecNodes) {
@@ -255,7 +310,8 @@ std::vector<u8> EepromContents(const PLAN_S &stPlan, const DEVICE_PLAN_S &stDevi
     std::vector<u8> vecBytes(stDevice.uiEepromSize, 0xFFU);
     for (const DEVICE_PLAN_S &stOther : stPlan.vecDevices) {
         if (SameChip(stDevice, stOther)) {
-            std::copy(stOther.vecImage.begin(), stOther.vecImage.end(), vecBytes.begin() + stOther.stInfo.usStartOffset);
+            std::copy(stOther.vecImage.begin(), stOther.vecImage.end(),
+                      vecBytes.begin() + stOther.stInfo.usStartOffset);
         }
     }
     return vecBytes;
@@ -269,16 +325,17 @@ FRU_SDR_S LocatorRecord(const DEVICE_PLAN_S &stDevice)
     const std::string strName = NameOf(stDevice);
     pucData[0] = static_cast<u8>(usRecordID);
     pucData[1] = static_cast<u8>(usRecordID >> 8U);
-    pucData[2] = 0x51U;                                     // SDR version 1.5
-    pucData[3] = 0x11U;                                     // FRU Device Locator
-    pucData[4] = static_cast<u8>(11U + strName.size());     // bytes that follow
-    pucData[5] = 0x20U;                                     // the management controller
+    pucData[2] = 0x51U;                                 // SDR version 1.5
+    pucData[3] = 0x11U;                                 // FRU Device Locator
+    pucData[4] = static_cast<u8>(11U + strName.size()); // bytes that follow
+    pucData[5] = 0x20U;                                 // the management controller
     pucData[6] = stDevice.stEntry.ucDeviceID;
-    pucData[7] = 0x80U;                                     // a logical FRU device
-    pucData[10] = 0x10U;                                    // FRU inventory device
-    pucData[12] = stDevice.stEntry.ucComponentType == 0U ? 0x07U : 0x00U; // entity: system board, else unspecified
+    pucData[7] = 0x80U;  // a logical FRU device
+    pucData[10] = 0x10U; // FRU inventory device
+    pucData[12] =
+        stDevice.stEntry.ucComponentType == 0U ? 0x07U : 0x00U; // entity: system board, else unspecified
     pucData[13] = stDevice.stEntry.ucInstance;
-    pucData[15] = static_cast<u8>(0xC0U | strName.size());  // 8-bit text
+    pucData[15] = static_cast<u8>(0xC0U | strName.size()); // 8-bit text
     memcpy(pucData + 16, strName.data(), strName.size());
     return stSdr;
 }

@@ -1,5 +1,5 @@
-// The description of a controller (controller.json), checked whole before anything is written. examples/README.md
-// tells what may stand in it.
+// The description of a controller (controller.json), checked whole before anything is written.
+// examples/README.md tells what may stand in it.
 #ifndef FRUCTL_PROVISION_PLAN_H
 #define FRUCTL_PROVISION_PLAN_H
 
@@ -12,8 +12,8 @@ struct DEVICE_PLAN_S
 {
     FRU_DEVICE_TBL_ENTRY_S stEntry;
     FRU_DEVICE_INFO_S stInfo;
-    bool bHasEeprom;             // a device served from the cache only needs none
-    u32 uiEepromSize;            // bytes of the whole chip
+    bool bHasEeprom;  // a device served from the cache only needs none
+    u32 uiEepromSize; // bytes of the whole chip
     bool bCached;
     std::string strImage;        // where the image comes from; empty: erased
     std::vector<u8> vecImage;    // exactly the FRU's size
@@ -32,8 +32,8 @@ struct PLAN_S
     std::vector<CONF_FILE_S> vecConfFiles;
 };
 
-// Reads and checks the description and every file that it names. Fails with the path of the member at fault and what
-// would be accepted.
+// Reads and checks the description and every file that it names. Fails with the path of the member at fault
+// and what would be accepted.
 PLAN_S ReadPlan(const std::string &strFile);
 
 // The EEPROM's contents: erased, with the images of all devices that live in the chip of this one.
