@@ -57,7 +57,7 @@ TEST(SpanReader, ChunksAfterTheFirstHave128Bytes)
     EXPECT_EQ(stSpan.vecBytes, device::Part(device::Pattern(512), 10, 269));
     EXPECT_EQ(fake::Calls("EEPROM"), Chunks({{10, 8}, {18, 128}, {146, 128}, {274, 5}}));
     EXPECT_EQ(stSpan.stReq.ucDeviceID, device::g_ucID);
-    EXPECT_EQ(stSpan.stReq.usOffset, 279U);
+    EXPECT_EQ(u32{stSpan.stReq.usOffset}, 279U);
     EXPECT_EQ(stSpan.stReq.ucCount, 0U);
     EXPECT_TRUE(fake::Messages().empty());
 }
@@ -69,7 +69,7 @@ TEST(SpanReader, AFirstChunkOfTheWholeTotalIsTheOnlyOne)
     EXPECT_EQ(stSpan.uiRet, 0U);
     EXPECT_EQ(stSpan.vecBytes, device::Pattern(64));
     EXPECT_EQ(fake::Calls("EEPROM"), Chunks({{0, 64}}));
-    EXPECT_EQ(stSpan.stReq.usOffset, 64U);
+    EXPECT_EQ(u32{stSpan.stReq.usOffset}, 64U);
     EXPECT_EQ(stSpan.stReq.ucCount, 0U);
 }
 
@@ -80,7 +80,7 @@ TEST(SpanReader, AFirstChunkBeyondTheTotalIsReadWholeAndCopiedInPart)
     EXPECT_EQ(stSpan.uiRet, 0U);
     EXPECT_EQ(stSpan.vecBytes, device::Part(device::Pattern(300), 4, 10));
     EXPECT_EQ(fake::Calls("EEPROM"), Chunks({{4, 255}}));
-    EXPECT_EQ(stSpan.stReq.usOffset, 259U);
+    EXPECT_EQ(u32{stSpan.stReq.usOffset}, 259U);
     EXPECT_EQ(stSpan.stReq.ucCount, 0U);
 }
 
@@ -114,7 +114,7 @@ TEST(SpanReader, ATotalOfNothingFailsAfterTheAllocation)
     EXPECT_EQ(LIB_FRU_GetFRUDataFromEEPROM(0, &stReq, 4, &ucByte, 0), 0x81000004U);
     fake::Disarm();
     EXPECT_EQ(ucByte, 0xA5);
-    EXPECT_EQ(stReq.usOffset, 1U);
+    EXPECT_EQ(u32{stReq.usOffset}, 1U);
     EXPECT_EQ(stReq.ucCount, 2U);
     EXPECT_EQ(fake::Messages(), LINES{Line(5, 4, "Fail allocating memory!")});
     EXPECT_TRUE(fake::Calls().empty());
@@ -152,7 +152,7 @@ TEST(SpanReader, AFailingChunkLeavesTheRequestAtIt)
     EXPECT_EQ(stSpan.uiRet, 0x81000001U);
     EXPECT_EQ(fake::Messages(), (LINES{Line(4, 4, "Invalid read counts[0x65], exceeds[0x64]!"),
                                        Line(5, 4, "Read fru[0x21] data failed!")}));
-    EXPECT_EQ(stSpan.stReq.usOffset, 100U);
+    EXPECT_EQ(u32{stSpan.stReq.usOffset}, 100U);
     EXPECT_EQ(stSpan.stReq.ucCount, 101U);
     EXPECT_EQ(device::Part(stSpan.vecBytes, 0, 100), device::Part(device::Pattern(200), 0, 100));
     EXPECT_EQ(device::Part(stSpan.vecBytes, 100, 101), BYTES(101, 0xA5));
@@ -199,7 +199,7 @@ TEST(SpanReader, Sweep)
                                 stSpan.uiRet == 0x81000004U);
                     if (stSpan.uiRet == 0U) {
                         EXPECT_EQ(stSpan.vecBytes, device::Pattern(300));
-                        EXPECT_EQ(stSpan.stReq.usOffset, 300U);
+                        EXPECT_EQ(u32{stSpan.stReq.usOffset}, 300U);
                     } else {
                         EXPECT_NE(pstFault, nullptr);
                     }
