@@ -394,7 +394,7 @@ TEST(GetFRUDataFromDB, ADecodingFailureReleasesTheRecord)
     EXPECT_EQ(GetFromDB(stRecord), 0x29000006U);
     EXPECT_EQ(Messages(), LINES{Line(5, 4, "Interpret fru data failed! DeviceID:0x21.")});
     EXPECT_EQ(fake::LiveAllocations(), uiBefore);
-    EXPECT_EQ(stRecord->stBoardInfo.pucBoardMfr, nullptr);
+    EXPECT_EQ(device::Text(stRecord->stBoardInfo.pucBoardMfr), "(null)");
 }
 
 TEST(GetFRUDataFromDB, AnInvalidHeaderIsADecodingFailure)
