@@ -19,7 +19,7 @@ const char *Chars(const u8 *pucText)
 image::BYTES BoardOnly(const std::string &strSerial)
 {
     image::AREAS_S stAreas;
-    stAreas.vecBoard = image::BoardArea(25, {1, 2, 3}, image::Texts({"M", "N", strSerial, "P", "F"}));
+    stAreas.vecBoard = image::BoardArea(25, {1, 2, 3}, image::Texts({"MF", "NA", strSerial, "PN", "FI"}));
     return image::Image(stAreas);
 }
 

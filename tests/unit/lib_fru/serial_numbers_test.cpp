@@ -144,9 +144,18 @@ TEST_P(SerialNumbers, SurvivesEveryFailure)
     u32 uiRet = 0;
     fake::Sweep(
         [&] {
-            image::AREAS_S stAreas = image::FullAreas();
-            stAreas.vecInternal.clear();
-            stAreas.vecMultiRecord.clear();
+            // Small, for every 16 bytes are a chunk with calls of its own.
+            image::AREAS_S stAreas;
+            const std::string strSerial = GetParam().pcSerial;
+            if (strSerial == "CH-SN") {
+                stAreas.vecChassis = image::ChassisArea(0x17U, image::Texts({"PN", strSerial}));
+            } else if (strSerial == "B-SN") {
+                stAreas.vecBoard =
+                    image::BoardArea(25U, {1, 2, 3}, image::Texts({"", "", strSerial, "", ""}));
+            } else {
+                stAreas.vecProduct =
+                    image::ProductArea(25U, image::Texts({"", "", "", "", strSerial, "", ""}));
+            }
             PutImage(image::Image(stAreas));
             (void)memset(m_acOut, '?', sizeof(m_acOut));
         },
