@@ -1,7 +1,5 @@
 // The controller's software name and host-name prefix.
-#include <cstring>
-
-#include <pthread.h>
+#include "software_name.h"
 
 #include "bmc_capability.h"
 #include "bmc_hwdesc.h"
@@ -11,56 +9,57 @@
 
 namespace {
 
-constexpr u32 g_uiNameLen = 64U;
-
 // Callers keep the pointer that they got and read through it at any time, so a text that was given out never
-// changes: the default is a constant, and the cached name is written once, before the flag is raised.
-const char g_acDefaultName[g_uiNameLen] = "QBX";
-char g_acSoftWareName[g_uiNameLen];
-bool g_bCached;
-pthread_mutex_t g_stLock = PTHREAD_MUTEX_INITIALIZER; // guards the two above
+// changes: the default is a constant, and the kept name is written once.
+const char g_acDefaultName[FRU_SOFTWARE_NAME_LEN] = "QBX";
+SOFTWARE_NAME_S g_stSoftWareName = FRU_SOFTWARE_NAME_INIT;
 
-bool IsCached()
+bool IsCached(SOFTWARE_NAME_S *pstStore)
 {
-    (void)pthread_mutex_lock(&g_stLock);
-    const bool bCached = g_bCached;
-    (void)pthread_mutex_unlock(&g_stLock);
+    (void)pthread_mutex_lock(&pstStore->stLock);
+    const bool bCached = pstStore->bCached;
+    (void)pthread_mutex_unlock(&pstStore->stLock);
     return bCached;
 }
 
 // Publishes the name; of two that come at once the first stays.
-const char *Publish(const char *pcName)
+const char *Publish(SOFTWARE_NAME_S *pstStore, const char *pcName)
 {
-    (void)pthread_mutex_lock(&g_stLock);
-    if (!g_bCached) {
-        (void)BMC_Strlcpy(g_acSoftWareName, pcName, sizeof(g_acSoftWareName));
-        g_bCached = true;
+    (void)pthread_mutex_lock(&pstStore->stLock);
+    if (!pstStore->bCached) {
+        (void)BMC_Strlcpy(pstStore->acName, pcName, sizeof(pstStore->acName));
+        pstStore->bCached = true;
     }
-    (void)pthread_mutex_unlock(&g_stLock);
-    return g_acSoftWareName;
+    (void)pthread_mutex_unlock(&pstStore->stLock);
+    return pstStore->acName;
 }
 
 } // namespace
 
-const char *FRU_GetSoftWareName(void)
+const char *FRU_SoftWareNameOf(SOFTWARE_NAME_S *pstStore)
 {
-    if (IsCached()) {
-        return g_acSoftWareName;
+    if (IsCached(pstStore)) {
+        return pstStore->acName;
     }
     if (HW_LIB_GetOemFlag() == FRU_OEM_MODE) {
         FRU_OEM_CONF_S stConf = {};
         FRU_GetOEMConfBeforeDeal(&stConf);
-        return Publish(stConf.acQbx);
+        return Publish(pstStore, stConf.acQbx);
     }
-    char acName[g_uiNameLen] = {};
+    char acName[FRU_SOFTWARE_NAME_LEN] = {};
     const u32 uiRet = CAP_GetCommonCapabilityWithName("SPECS", "SoftwareName", sizeof(acName), acName);
     if (uiRet != FRU_OK) {
         FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_ERROR,
                 "Failed to get soft ware name from cap, iRet: %#x. so set default value", uiRet);
-        // Not cached: asked again next time.
+        // Not kept: asked again next time.
         return g_acDefaultName;
     }
-    return Publish(acName);
+    return Publish(pstStore, acName);
+}
+
+const char *FRU_GetSoftWareName(void)
+{
+    return FRU_SoftWareNameOf(&g_stSoftWareName);
 }
 
 void FRU_GetHostNamePrefix(u32 uiSize, char *pcHostName)
@@ -69,7 +68,7 @@ void FRU_GetHostNamePrefix(u32 uiSize, char *pcHostName)
         FRU_LOG_NULL("pcHostName");
         return;
     }
-    char acPrefix[g_uiNameLen] = {};
+    char acPrefix[FRU_SOFTWARE_NAME_LEN] = {};
     if (HW_LIB_GetOemFlag() == FRU_OEM_MODE) {
         FRU_OEM_CONF_S stConf = {};
         FRU_GetOEMConfBeforeDeal(&stConf);

@@ -183,7 +183,7 @@ TEST_F(DirectFru, AnImageThatDoesNotDecodeIsAnEmptyRecordAndASuccess)
     EXPECT_EQ(LIB_FRU_GetBaseboardFRUDataByI2C(0, &m_stData), FRU_OK);
     EXPECT_EQ(one_device::OwnMessages(),
               std::vector<std::string>{"0/4 lib_fru.c: Interpret FRU Data failed! Ret:0x29000002."});
-    EXPECT_EQ(m_stData.stBoardInfo.pucBoardSerialNum, nullptr);
+    EXPECT_TRUE(m_stData.stBoardInfo.pucBoardSerialNum == nullptr);
     EXPECT_EQ(fake::Calls("HW_FreeNameSpace").size(), 1U);
 }
 
@@ -196,8 +196,8 @@ TEST_F(DirectFru, WhatWasDecodedBeforeTheDamageIsReleased)
     const u32 uiBefore = fake::LiveAllocations();
     EXPECT_EQ(LIB_FRU_GetBaseboardFRUDataByI2C(0, &m_stData), FRU_OK);
     EXPECT_EQ(fake::LiveAllocations(), uiBefore);
-    EXPECT_EQ(m_stData.stBoardInfo.pucBoardSerialNum, nullptr);
-    EXPECT_EQ(m_stData.stProductInfo.pucProductSerialNum, nullptr);
+    EXPECT_TRUE(m_stData.stBoardInfo.pucBoardSerialNum == nullptr);
+    EXPECT_TRUE(m_stData.stProductInfo.pucProductSerialNum == nullptr);
     EXPECT_EQ(fake::Messages().back().rfind("0/4 lib_fru.c: Interpret FRU Data failed! Ret:", 0), 0U);
 }
 
