@@ -1,4 +1,4 @@
-// The OEM configuration file: read whole into one record, and written back from the FRU.
+// The OEM configuration file, read whole into one record.
 #include <cstring>
 
 #include "bmc_ini.h"
@@ -6,12 +6,9 @@
 #include "lib_fru_codec.h"
 #include "lib_fru_module.h"
 #include "lib_fru_oem.h"
+#include "oem_conf.h"
 
 namespace {
-
-constexpr const char *g_pcOemConfPath = "/conf/oempack/bmc/CID_OEM.conf";
-constexpr const char *g_pcSection = "oem_configure";
-constexpr u32 g_uiSetModule = 23U; // FRU_SetOEMConf() logs under a module of its own
 
 enum class OEM_TYPE_E : u8
 {
@@ -109,63 +106,19 @@ void StoreMissingFile(const OEM_KEY_S &stKey, u8 *pucMember)
 void StoreKey(void *hpd, const OEM_KEY_S &stKey, u8 *pucMember)
 {
     if (stKey.eType == OEM_TYPE_E::TEXT) {
-        const char *pcValue = BRIDGE_IniGetStr(hpd, g_pcSection, stKey.pcKey, stKey.pcMissingKey);
+        const char *pcValue = BRIDGE_IniGetStr(hpd, FRU_OEM_CONF_SECTION, stKey.pcKey, stKey.pcMissingKey);
         StoreText(pcValue == nullptr ? stKey.pcMissingKey : pcValue, stKey.usSize, pucMember);
         return;
     }
     const auto pfnGet = stKey.eType == OEM_TYPE_E::FLAG ? BRIDGE_IniGetBool : BRIDGE_IniGetUInt;
-    StoreNumber(pfnGet(hpd, g_pcSection, stKey.pcKey, stKey.uiMissingKey), stKey.usSize, pucMember);
-}
-
-const char *Chars(const u8 *pucText)
-{
-    return reinterpret_cast<const char *>(pucText);
-}
-
-// A key that FRU_SetOEMConf() writes: its value in the file and in the FRU.
-struct REPLACEMENT_S
-{
-    const char *pcKey;
-    const char *pcCurrent;
-    const u8 *pucValue;
-    u32 uiCustomField; // not 0: the value is the product area's custom field of this number, if there is one
-};
-
-// Replaces every key that has a value in the file by the FRU's; keys that are empty there are never created.
-void ReplaceKeys(void *hpd, const FRU_DATA_S &stData, const FRU_OEM_CONF_S &stConf)
-{
-    const FRU_PRODUCT_INFO_S &stProduct = stData.stProductInfo;
-    const REPLACEMENT_S astReplacement[] = {
-        {"productmanufacturer", stConf.acProductManufacturer, stProduct.pucMfrName, 0U},
-        {"productname", stConf.acProductName, stProduct.pucProductName, 0U},
-        {"productserialnumber", stConf.acProductSerialNumber, stProduct.pucProductSerialNum, 0U},
-        {"productassettag", stConf.acProductAssetTag, stProduct.pucAssetTag, 0U},
-        {"productpartnumber", stConf.acProductPartNumber, stProduct.pucProductPartNum, 0U},
-        {"productextra1", stConf.acProductExtra1, nullptr, 1U},
-        {"productextra2", stConf.acProductExtra2, nullptr, 2U},
-        {"productextra3", stConf.acProductExtra3, nullptr, 3U},
-        {"productextra4", stConf.acProductExtra4, nullptr, 4U},
-        {"chassispartnumber", stConf.acChassisPartNumber, stData.stChassisInfo.pucChassisPartNum, 0U},
-        {"boardproductname", stConf.acBoardProductName, stData.stBoardInfo.pucBoardProductName, 0U},
-        {"productversion", stConf.acProductVersion, stProduct.pucProductVersion, 0U},
-    };
-    u8 **const ppucCustom = stProduct.ppucCustomFields;
-    const u32 uiCustomCount = ppucCustom == nullptr ? 0U : stProduct.ucCustomFieldCount;
-    for (const REPLACEMENT_S &stReplacement : astReplacement) {
-        const u32 uiField = stReplacement.uiCustomField;
-        if (stReplacement.pcCurrent[0] == '\0' || uiField > uiCustomCount) {
-            continue;
-        }
-        const u8 *pucValue = uiField == 0U ? stReplacement.pucValue : ppucCustom[uiField - 1U];
-        FRU_ReplaceOemConf(hpd, Chars(pucValue), stReplacement.pcCurrent, stReplacement.pcKey);
-    }
+    StoreNumber(pfnGet(hpd, FRU_OEM_CONF_SECTION, stKey.pcKey, stKey.uiMissingKey), stKey.usSize, pucMember);
 }
 
 // Fills an empty name from the FRU.
 void FillIfEmpty(char *pcName, u32 uiSize, const u8 *pucValue)
 {
     if (pcName[0] == '\0') {
-        (void)BMC_Strlcpy(pcName, Chars(pucValue), uiSize);
+        (void)BMC_Strlcpy(pcName, reinterpret_cast<const char *>(pucValue), uiSize);
     }
 }
 
@@ -179,9 +132,9 @@ void FRU_GetOEMConfBeforeDeal(FRU_OEM_CONF_S *pstOemConf)
     }
     FRU_OEM_CONF_S stConf = {};
     u8 *const pucConf = reinterpret_cast<u8 *>(&stConf);
-    void *hpd = BRIDGE_IniLoadFile(g_pcOemConfPath);
+    void *hpd = BRIDGE_IniLoadFile(FRU_OEM_CONF_PATH);
     if (hpd == nullptr) {
-        FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_WARNING, "Unable to get oem conf file : %s", g_pcOemConfPath);
+        FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_WARNING, "Unable to get oem conf file : %s", FRU_OEM_CONF_PATH);
         for (const OEM_KEY_S &stKey : g_astOemKey) {
             StoreMissingFile(stKey, pucConf + stKey.usOffset);
         }
@@ -212,46 +165,4 @@ void FRU_GetOEMConf(FRU_OEM_CONF_S *pstOemConf)
     FillIfEmpty(pstOemConf->acBoardManufacturer, sizeof(pstOemConf->acBoardManufacturer),
                 stData.stBoardInfo.pucBoardMfr);
     FRU_ANALYZER_SafeFree(&stData);
-}
-
-void FRU_SetOEMConf(void)
-{
-    FRU_DATA_S stData = {};
-    if (LIB_FRU_GetFRUData(0U, 0U, 1U, 0U, &stData) != FRU_OK) {
-        BMC_DiagLogOut(g_uiSetModule, FRU_CAT_GENERAL, BMC_DIAG_ERROR, __LINE__, FRU_DIAG_FILE,
-                       "Get fru info failed!");
-        FRU_ANALYZER_SafeFree(&stData);
-        return;
-    }
-    void *hpd = BRIDGE_IniLoadFile(g_pcOemConfPath);
-    if (hpd == nullptr) {
-        BMC_DiagLogOut(g_uiSetModule, FRU_CAT_GENERAL, BMC_DIAG_ERROR, __LINE__, FRU_DIAG_FILE,
-                       "open file %s failed.", g_pcOemConfPath);
-        FRU_ANALYZER_SafeFree(&stData);
-        return;
-    }
-    FRU_OEM_CONF_S stConf = {};
-    FRU_GetOEMConfBeforeDeal(&stConf);
-    ReplaceKeys(hpd, stData, stConf);
-    FRU_ANALYZER_SafeFree(&stData);
-    (void)BRIDGE_IniSaveFile(hpd, g_pcOemConfPath);
-    BRIDGE_IniCloseFile(hpd);
-}
-
-void FRU_ReplaceOemConf(void *hpd, const char *pcStr1, const char *pcCurrent, const char *pcKey)
-{
-    if (hpd == nullptr) {
-        FRU_LOG_NULL("hpd");
-        return;
-    }
-    if (pcStr1 == nullptr) {
-        FRU_LOG_NULL("pcStr1");
-        return;
-    }
-    // No report for the other two: without a current value every new one differs, without a key there is
-    // nothing to set.
-    if (pcKey == nullptr || (pcCurrent != nullptr && strcmp(pcStr1, pcCurrent) == 0)) {
-        return;
-    }
-    (void)BRIDGE_IniSetStr(hpd, g_pcSection, pcKey, pcStr1);
 }
