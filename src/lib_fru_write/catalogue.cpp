@@ -88,22 +88,6 @@ const DIAG_FRU_LABEL_S *FRU_FindLabelByID(u32 uiLabelID)
     return nullptr;
 }
 
-u32 FRU_LabelIDOfBlock(const FRU_SET_PARA_S *pstFRUSetPara)
-{
-    const char *pcName = pstFRUSetPara->acLabelName;
-    if (memchr(pcName, '\0', sizeof(pstFRUSetPara->acLabelName)) == nullptr) {
-        return g_uiLabelNotFound;
-    }
-    return FindLabelIDByName(pcName);
-}
-
-void FRU_CopyMember(char *pcDest, const char *pcMember, size_t uiSize)
-{
-    const size_t uiLength = strnlen(pcMember, uiSize);
-    (void)memcpy(pcDest, pcMember, uiLength);
-    pcDest[uiLength] = '\0';
-}
-
 u32 FindLabelIDByName(const char *pcLableName)
 {
     if (pcLableName == nullptr) {

@@ -7,6 +7,7 @@
 #include <regex.h>
 
 #include "catalogue.h"
+#include "label_block.h"
 #include "lib_fru_analyzer/chassis_type.h"
 #include "lib_fru_labels.h"
 #include "lib_fru_write_module.h"

@@ -223,27 +223,6 @@ TEST(Catalogue, IdLookupFindsEveryRowAndNoOther)
     }
 }
 
-TEST(Catalogue, ABlocksNameIsLookedUpWithinTheBlock)
-{
-    FRU_SET_PARA_S stBlock = {};
-    (void)strcpy(stBlock.acLabelName, "FRU File ID");
-    EXPECT_EQ(FRU_LabelIDOfBlock(&stBlock), 15U);
-    (void)memset(stBlock.acLabelName, 'n', sizeof(stBlock.acLabelName));
-    EXPECT_EQ(FRU_LabelIDOfBlock(&stBlock), 36U);
-}
-
-TEST(Catalogue, AMemberIsCopiedUpToItsNulOrItsEnd)
-{
-    const auto upWhole = label::Exactly("0123456789ABCDEF");
-    char acCopy[17];
-    FRU_CopyMember(acCopy, upWhole.get(), 16U);
-    EXPECT_STREQ(acCopy, "0123456789ABCDEF");
-    FRU_CopyMember(acCopy, Text("name").get(), 16U);
-    EXPECT_STREQ(acCopy, "name");
-    FRU_CopyMember(acCopy, upWhole.get(), 0U);
-    EXPECT_STREQ(acCopy, "");
-}
-
 struct FIELD_ROW_S
 {
     u8 ucFieldFlag;

@@ -1,0 +1,205 @@
+// The steps of a label write: read the record, check the request, put the value in, write the record back.
+#include <cstring>
+
+#include "catalogue.h"
+#include "label_block.h"
+#include "lib_fru_access.h"
+#include "lib_fru_codec.h"
+#include "lib_fru_labels.h"
+#include "lib_fru_write_module.h"
+
+namespace {
+
+constexpr u8 g_ucReadAndRecover = 2U; // read mode that restores a damaged device from its stored image
+constexpr u32 g_uiProductSerialNumberID = 20U;
+
+// The texts of an empty product area in the order of their allocation.
+struct DEFAULT_TEXT_S
+{
+    size_t uiLen;
+    u8 ucLen;
+    size_t uiText;
+};
+
+#define FRU_DEFAULT_TEXT(LenMember, ucLen, TextMember)                                                       \
+    {                                                                                                        \
+        offsetof(FRU_DATA_S, stProductInfo.LenMember), (ucLen),                                              \
+            offsetof(FRU_DATA_S, stProductInfo.TextMember)                                                   \
+    }
+const DEFAULT_TEXT_S g_astDefaultTexts[] = {
+    // 0 on purpose; its buffer has one byte as the others have.
+    FRU_DEFAULT_TEXT(ucMfrNameLen, 0U, pucMfrName),
+    FRU_DEFAULT_TEXT(ucProductNameLen, 1U, pucProductName),
+    FRU_DEFAULT_TEXT(ucProductPartNumLen, 1U, pucProductPartNum),
+    FRU_DEFAULT_TEXT(ucProductVersionLen, 1U, pucProductVersion),
+    FRU_DEFAULT_TEXT(ucProductSerialNumLen, 1U, pucProductSerialNum),
+    FRU_DEFAULT_TEXT(ucAssetTagLen, 1U, pucAssetTag),
+    FRU_DEFAULT_TEXT(ucFRUFileIDLen, 1U, pucFRUFileID),
+};
+
+// An empty product area, so that product labels can be written on any device.
+u32 SetProductAreaDefault(FRU_DATA_S *pstFRUData)
+{
+    pstFRUData->stCommonHeader.ucProductInfoAreaStartOffset = 1U; // present; the encoder finds the place
+    pstFRUData->stProductInfo.ucFormatVersion = 1U;
+    pstFRUData->stProductInfo.ucAreaLength = 0U;
+    pstFRUData->stProductInfo.ucLanguage = 0U;
+    u8 *pucRecord = reinterpret_cast<u8 *>(pstFRUData);
+    for (const DEFAULT_TEXT_S &stText : g_astDefaultTexts) {
+        pucRecord[stText.uiLen] = stText.ucLen;
+        void *pEmptyText = FRU_MALLOC(1U);
+        if (pEmptyText == nullptr) {
+            return FRU_ERR_FAILED;
+        }
+        (void)memcpy(pucRecord + stText.uiText, &pEmptyText, sizeof(pEmptyText));
+    }
+    pstFRUData->stProductInfo.ucCustomFieldCount = 0U;
+    return FRU_OK;
+}
+
+// A copy of the value for the record to own; null when there is no memory.
+u8 *FRU_MallocLabelValue(const FRU_SET_PARA_S *pstFRUSetPara)
+{
+    const u32 uiLength = pstFRUSetPara->uiLabelValueLen;
+    const u32 uiSize = uiLength + 1U;
+    u8 *pucLabelValue = static_cast<u8 *>(FRU_MALLOC(uiSize));
+    if (pucLabelValue == nullptr) {
+        FRU_LOG_NULL("pucLabelValue");
+        return nullptr;
+    }
+    // A length that is not the text's own neither reads past the block nor costs the copy its terminator.
+    const size_t uiBlock = sizeof(pstFRUSetPara->acLabelValue);
+    (void)memcpy(pucLabelValue, pstFRUSetPara->acLabelValue, uiLength < uiBlock ? uiLength : uiBlock);
+    return pucLabelValue;
+}
+
+} // namespace
+
+u32 FRU_GetElectronicLabel(const FRU_SET_PARA_S *pstFRUSetPara, FRU_DATA_S *pstFRUData)
+{
+    if (pstFRUSetPara == nullptr) {
+        FRU_LOG_NULL("pstFRUSetPara");
+        return FRU_ERR_NULL_POINTER;
+    }
+    if (pstFRUData == nullptr) {
+        FRU_LOG_NULL("pstFRUData");
+        return FRU_ERR_NULL_POINTER;
+    }
+    u32 uiResult = LIB_FRU_GetFRUData(pstFRUSetPara->ucComponentType, pstFRUSetPara->ucInstance,
+                                      g_ucReadAndRecover, 1U, pstFRUData);
+    if (uiResult != FRU_OK) {
+        FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_ERROR, "Get FRU data failed! Ret:%#x.", uiResult);
+        FRU_ANALYZER_SafeFree(pstFRUData);
+        return FRU_ERR_FAILED;
+    }
+    if (pstFRUData->stCommonHeader.ucProductInfoAreaStartOffset != 0U) {
+        return FRU_OK;
+    }
+    uiResult = SetProductAreaDefault(pstFRUData);
+    if (uiResult != FRU_OK) {
+        FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_ERROR, "Set product area default value failed! Ret:%#x.", uiResult);
+        FRU_ANALYZER_SafeFree(pstFRUData);
+        return FRU_ERR_FAILED;
+    }
+    return FRU_OK;
+}
+
+u32 FRU_CheckElectronicLabel(FRU_SET_PARA_S *pstFRUSetPara)
+{
+    if (pstFRUSetPara == nullptr) {
+        FRU_LOG_NULL("pstFRUSetPara");
+        return FRU_ERR_NULL_POINTER;
+    }
+    if (isLabelNameValid(pstFRUSetPara) != 1U) {
+        char acName[sizeof(pstFRUSetPara->acLabelName) + 1U];
+        FRU_CopyMember(acName, pstFRUSetPara->acLabelName, sizeof(pstFRUSetPara->acLabelName));
+        FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_ERROR, "Label name[%s] is invalid!", acName);
+        return FRU_ERR_FAILED;
+    }
+    // A value without an end inside the block is never valid. The check sees a copy that has one, and says
+    // why it refuses the length.
+    char *pcValue = pstFRUSetPara->acLabelValue;
+    const bool bTerminated = FRU_IsTerminated(pcValue, sizeof(pstFRUSetPara->acLabelValue));
+    char acValue[sizeof(pstFRUSetPara->acLabelValue) + 1U];
+    FRU_CopyMember(acValue, pcValue, sizeof(pstFRUSetPara->acLabelValue));
+    const i32 iLength = static_cast<i32>(pstFRUSetPara->uiLabelValueLen);
+    const u32 uiValid = isLabelValueValid(pstFRUSetPara->acLabelName, bTerminated ? pcValue : acValue,
+                                          iLength, pstFRUSetPara->ucComponentType);
+    if (uiValid != 1U || !bTerminated) {
+        FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_ERROR, "Label value[%s] length[%d] is invalid!",
+                bTerminated ? pcValue : acValue, iLength);
+        return FRU_ERR_FAILED;
+    }
+    return FRU_OK;
+}
+
+u32 FRU_ReplaceElectronicLabel(const FRU_SET_PARA_S *pstFRUSetPara, FRU_DATA_S *pstFRUData)
+{
+    if (pstFRUSetPara == nullptr) {
+        FRU_LOG_NULL("pstFRUSetPara");
+        return FRU_ERR_NULL_POINTER;
+    }
+    if (pstFRUData == nullptr) {
+        FRU_LOG_NULL("pstFRUData");
+        return FRU_ERR_NULL_POINTER;
+    }
+    const DIAG_FRU_LABEL_S *pstLabel = FRU_FindLabelByID(pstFRUSetPara->uiLabelID);
+    if (pstLabel == nullptr) {
+        FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_ERROR, "Find fru label replace failed! Ret:%#x.", FRU_ERR_FAILED);
+        return FRU_ERR_FAILED;
+    }
+    const auto pfnSetLabel = pstLabel->pfnSetLabel;
+    if (pfnSetLabel == nullptr) {
+        // Nothing of the record changes, and the unchanged record is written back: the hardware label's case.
+        return FRU_OK;
+    }
+    FRU_BUFFER upLabelValue(FRU_MallocLabelValue(pstFRUSetPara));
+    if (upLabelValue == nullptr) {
+        FRU_LOG_NULL("pucLabelValue"); // a second time, under this function's name
+        return FRU_ERR_NULL_POINTER;
+    }
+    const u32 uiResult = pfnSetLabel(upLabelValue.get(), pstFRUData);
+    if (uiResult != FRU_OK) {
+        FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_ERROR, "Replace fru label failed! Ret:%#x.", uiResult);
+        return FRU_ERR_FAILED;
+    }
+    if (!FRU_SetterKeepsNothing(pfnSetLabel)) {
+        (void)upLabelValue.release(); // the record's now
+    }
+    return FRU_OK;
+}
+
+i32 FRU_SetElectronicLabel(const FRU_SET_PARA_S *pstFRUSetPara, const FRU_DATA_S *pstFRUData)
+{
+    if (pstFRUSetPara == nullptr) {
+        FRU_LOG_NULL("pstFRUSetPara");
+        return static_cast<i32>(FRU_ERR_NULL_POINTER);
+    }
+    if (pstFRUData == nullptr) {
+        FRU_LOG_NULL("pstFRUData");
+        return static_cast<i32>(FRU_ERR_NULL_POINTER);
+    }
+    const u32 uiResult =
+        LIB_FRU_WriteArrayFRUData(pstFRUSetPara->ucComponentType, pstFRUSetPara->ucInstance, pstFRUData, 1U);
+    if (uiResult != FRU_OK) {
+        FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_ERROR, "Write FRU array data failed! Ret:%#x.", uiResult);
+        return static_cast<i32>(FRU_ERR_FAILED);
+    }
+    return 0;
+}
+
+void FRU_UpdateFRUInfo(u32 uiLabelID, const char *pcLabelValue, u32 uiLabelValueLen)
+{
+    if (pcLabelValue == nullptr) {
+        FRU_LOG_NULL("pcLabelValue");
+        return;
+    }
+    if (uiLabelID != g_uiProductSerialNumberID) {
+        return;
+    }
+    const u32 uiResult = FRU_UpdateProductSN(pcLabelValue, uiLabelValueLen);
+    if (uiResult != FRU_OK) {
+        // The device holds the new value already: the mirror's failure is told and does not fail the write.
+        FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_WARNING, "Update Product SN failed! Ret:%#x.", uiResult);
+    }
+}

@@ -1,0 +1,86 @@
+// Writing one electronic label: read the whole image, change one field, write the whole image back.
+#include <cstring>
+
+#include "label_block.h"
+#include "lib_fru_codec.h"
+#include "lib_fru_diagnostics.h"
+#include "lib_fru_labels.h"
+#include "lib_fru_write_module.h"
+
+namespace {
+
+// One step after the other; each failure is told with the step's own result.
+u32 ReadChangeWrite(const FRU_SET_PARA_S *pstFRUSetPara, FRU_DATA_S *pstFRUData)
+{
+    u32 uiResult = FRU_GetElectronicLabel(pstFRUSetPara, pstFRUData);
+    if (uiResult != FRU_OK) {
+        FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_ERROR, "Get ElectronicLabel failed! Ret:%#x.", uiResult);
+        return uiResult;
+    }
+    uiResult = FRU_ReplaceElectronicLabel(pstFRUSetPara, pstFRUData);
+    if (uiResult != FRU_OK) {
+        FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_ERROR, "Replace ElectronicLabel failed! Ret:%#x.", uiResult);
+        return uiResult;
+    }
+    uiResult = static_cast<u32>(FRU_SetElectronicLabel(pstFRUSetPara, pstFRUData));
+    if (uiResult != FRU_OK) {
+        FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_ERROR, "Set ElectronicLabel failed! Ret:%#x.", uiResult);
+    }
+    return uiResult;
+}
+
+void LogRequest(const FRU_SET_PARA_S *pstFRUSetPara)
+{
+    char acValue[sizeof(pstFRUSetPara->acLabelValue) + 1U];
+    FRU_CopyMember(acValue, pstFRUSetPara->acLabelValue, sizeof(pstFRUSetPara->acLabelValue));
+    FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_INFO,
+            "ComponentType[%#x] Instance[%d] LabelName[%s] LabelValue[%s:%d] LabelID[%d].",
+            pstFRUSetPara->ucComponentType, pstFRUSetPara->ucInstance, pstFRUSetPara->acLabelName, acValue,
+            static_cast<i32>(pstFRUSetPara->uiLabelValueLen), static_cast<i32>(pstFRUSetPara->uiLabelID));
+}
+
+} // namespace
+
+u32 LIB_FRU_WriteElectronicLabel(FRU_SET_PARA_S *pstFRUSetPara)
+{
+    if (pstFRUSetPara == nullptr) {
+        FRU_LOG_NULL("pstFRUSetPara");
+        return LIB_FRU_ERR_NULL_POINTER;
+    }
+    pstFRUSetPara->uiLabelValueLen =
+        static_cast<u32>(strnlen(pstFRUSetPara->acLabelValue, sizeof(pstFRUSetPara->acLabelValue)));
+    FRU_DEVICE_INFO_S stFRUInfo;
+    if (FRU_FetchBlockDevice(pstFRUSetPara, &stFRUInfo) != FRU_OK) {
+        return LIB_FRU_ERR_NO_DEVICE;
+    }
+    pstFRUSetPara->ucFieldFlag = stFRUInfo.ucFieldFlag;
+    FRU_AddComOperateLog(g_iOperateFailure, pstFRUSetPara);
+    if (FRU_ResolveBlockLabel(pstFRUSetPara) != FRU_OK) {
+        return LIB_FRU_ERR_LABEL;
+    }
+    LogRequest(pstFRUSetPara);
+    u32 uiResult = FRU_CheckElectronicLabel(pstFRUSetPara);
+    if (uiResult != FRU_OK) {
+        FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_ERROR, "Check ElectronicLabel failed! Ret:%#x.", uiResult);
+        return LIB_FRU_ERR_LABEL;
+    }
+    FRU_DATA_S stFRUData = {};
+    uiResult = ReadChangeWrite(pstFRUSetPara, &stFRUData);
+    FRU_ANALYZER_SafeFree(&stFRUData);
+    if (uiResult != FRU_OK) {
+        return LIB_FRU_ERR_LABEL;
+    }
+    FRU_AddComOperateLog(g_iOperateSuccess, pstFRUSetPara);
+    if (pstFRUSetPara->ucComponentType == 0U) {
+        FRU_UpdateFRUInfo(pstFRUSetPara->uiLabelID, pstFRUSetPara->acLabelValue,
+                          pstFRUSetPara->uiLabelValueLen);
+    }
+    FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_INFO, "Write Electronic Label successfully!");
+    FRU_EVENT_S stEvent = {};
+    stEvent.uiKind = FRU_EVENT_KIND_LABEL;
+    stEvent.ucComponentType = pstFRUSetPara->ucComponentType;
+    stEvent.ucInstance = pstFRUSetPara->ucInstance;
+    stEvent.uiLabelID = pstFRUSetPara->uiLabelID;
+    (void)FRU_UpdateEventWithStruct(&stEvent);
+    return FRU_OK;
+}
