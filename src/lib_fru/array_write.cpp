@@ -1,4 +1,6 @@
 // Writes a whole record: encoded, to the device in chunks, then as the cached image.
+#include "array_write.h"
+
 #include <cstring>
 
 #include "ipmi_handlers.h"
@@ -11,9 +13,37 @@ namespace {
 
 constexpr u32 g_uiChunkMax = 127U;
 
-// Writes the first uiLength bytes of an image of uiFRUSize bytes. False: stopped, at a chunk that would cross
-// the end of the FRU (without a word) or that the device did not take.
-bool WriteChunks(u8 ucDeviceID, u32 uiFRUSize, u32 uiLength, const u8 *pucBuf)
+// A failed chunk or an image that could not be cached leave 0 as the result: they are in the log alone. That
+// is meant.
+u32 WriteArray(u8 ucDeviceID, u32 uiFRUSize, const FRU_DATA_S *pstFRUData, const char *pcFunction)
+{
+    if (uiFRUSize < FRU_COMMON_HEADER_LEN) {
+        FRU_LOG(FRU_CAT_DATA, BMC_DIAG_ERROR, "Invalid fru size: id=%#x, size=%#x", ucDeviceID, uiFRUSize);
+        return LIB_FRU_ERR_SIZE;
+    }
+    const FRU_BUFFER upBuf(static_cast<u8 *>(FRU_CALLOC_IN(1U, uiFRUSize, pcFunction)));
+    if (upBuf == nullptr) {
+        FRU_LOG(FRU_CAT_DATA, BMC_DIAG_ERROR, "Failed to calloc memory! DeviceID:%#x.", ucDeviceID);
+        return LIB_FRU_ERR_SIZE;
+    }
+    const i32 iLength = FRU_ANALYZER_ConvertToArray(pstFRUData, uiFRUSize, upBuf.get());
+    if (iLength < 0) {
+        FRU_LOG(FRU_CAT_DATA, BMC_DIAG_ERROR, "Failed to convert FRU data to array!");
+        return LIB_FRU_ERR_ENCODE;
+    }
+    if (!FRU_WriteImageChunks(ucDeviceID, uiFRUSize, static_cast<u32>(iLength), upBuf.get())) {
+        return FRU_OK;
+    }
+    const u32 uiRet = FRU_DB_PutFRUData(ucDeviceID, static_cast<u16>(uiFRUSize & 0xFFFFU), upBuf.get());
+    if (uiRet != FRU_OK) {
+        FRU_LOG(FRU_CAT_DATA, BMC_DIAG_WARNING, "Put FRU data to db failed! Ret:%#x.", uiRet);
+    }
+    return FRU_OK;
+}
+
+} // namespace
+
+bool FRU_WriteImageChunks(u8 ucDeviceID, u32 uiFRUSize, u32 uiLength, const u8 *pucBuf)
 {
     u8 aucReq[FRU_WRITE_REQ_HEADER_LEN + g_uiChunkMax];
     u32 uiPosition = 0;
@@ -37,36 +67,6 @@ bool WriteChunks(u8 ucDeviceID, u32 uiFRUSize, u32 uiLength, const u8 *pucBuf)
     }
     return true;
 }
-
-// A failed chunk or an image that could not be cached leave 0 as the result: they are in the log alone. That
-// is meant.
-u32 WriteArray(u8 ucDeviceID, u32 uiFRUSize, const FRU_DATA_S *pstFRUData, const char *pcFunction)
-{
-    if (uiFRUSize < FRU_COMMON_HEADER_LEN) {
-        FRU_LOG(FRU_CAT_DATA, BMC_DIAG_ERROR, "Invalid fru size: id=%#x, size=%#x", ucDeviceID, uiFRUSize);
-        return LIB_FRU_ERR_SIZE;
-    }
-    const FRU_BUFFER upBuf(static_cast<u8 *>(FRU_CALLOC_IN(1U, uiFRUSize, pcFunction)));
-    if (upBuf == nullptr) {
-        FRU_LOG(FRU_CAT_DATA, BMC_DIAG_ERROR, "Failed to calloc memory! DeviceID:%#x.", ucDeviceID);
-        return LIB_FRU_ERR_SIZE;
-    }
-    const i32 iLength = FRU_ANALYZER_ConvertToArray(pstFRUData, uiFRUSize, upBuf.get());
-    if (iLength < 0) {
-        FRU_LOG(FRU_CAT_DATA, BMC_DIAG_ERROR, "Failed to convert FRU data to array!");
-        return LIB_FRU_ERR_ENCODE;
-    }
-    if (!WriteChunks(ucDeviceID, uiFRUSize, static_cast<u32>(iLength), upBuf.get())) {
-        return FRU_OK;
-    }
-    const u32 uiRet = FRU_DB_PutFRUData(ucDeviceID, static_cast<u16>(uiFRUSize & 0xFFFFU), upBuf.get());
-    if (uiRet != FRU_OK) {
-        FRU_LOG(FRU_CAT_DATA, BMC_DIAG_WARNING, "Put FRU data to db failed! Ret:%#x.", uiRet);
-    }
-    return FRU_OK;
-}
-
-} // namespace
 
 u32 LIB_FRU_WriteArrayFRUData(u8 ucComponentType, u8 ucInstance, const FRU_DATA_S *pstFRUData, u32 uiArg)
 {
