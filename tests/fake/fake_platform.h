@@ -116,6 +116,20 @@ u32 LiveAllocations();
 void Sweep(const std::function<void()> &fnSetup, const std::function<void()> &fnRun,
            const std::function<void(const FAULT_S *)> &fnCheck);
 
+// ---- clock and semaphores
+// -------------------------------------------------------------------------------------
+
+// What the library's clock_gettime says from now on; until then the real time.
+void SetTime(int64_t iSeconds, int64_t iNanoseconds);
+
+// How long the library's sem_timedwait really waits for a semaphore that is taken, whatever its deadline
+// says; until then as long as the deadline says.
+void SetPatience(u32 uiMilliseconds);
+
+// What each sem_timedwait asked for: its deadline less the time that its thread last read from the clock, in
+// nanoseconds.
+std::vector<int64_t> Waits();
+
 // ---- what the platform holds
 // ----------------------------------------------------------------------------------
 

@@ -24,6 +24,9 @@ struct STATE_S
     std::map<std::string, std::map<std::string, std::map<std::string, std::string>>> mapIni;
     std::map<std::string, std::string> mapCapability;
     std::optional<std::vector<HW_FRU_OBJECT_S>> optHwObjects;
+    std::optional<std::pair<int64_t, int64_t>> optTime;
+    std::optional<u32> optPatienceMs;
+    std::vector<int64_t> vecWaits;
 };
 
 STATE_S &State();
