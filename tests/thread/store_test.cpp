@@ -1,0 +1,181 @@
+// Updates, merges and destroys of the MultiRecord store on eight threads at once.
+#include <atomic>
+#include <cstring>
+#include <set>
+#include <thread>
+
+#include <gtest/gtest.h>
+
+#include "fake/fake_platform.h"
+#include "lib_fru_codec.h"
+#include "lib_fru_multirecord.h"
+#include "lib_fru_multirecord/lib_fru_multirecord_module.h"
+#include "locked_platform.h"
+
+namespace {
+
+using BYTES = fake::BYTES;
+
+constexpr u32 g_uiThreads = 8;
+constexpr u32 g_uiRounds = 100;
+constexpr u32 g_uiFruSize = 256;
+constexpr u8 g_ucBus = 1;
+constexpr u8 g_ucAddress = 0xA0;
+constexpr u32 g_uiFailed = 0xFFFFFFFFU;
+
+template <class STRUCT> BYTES BytesOf(const STRUCT &stStruct)
+{
+    const auto *pucStruct = reinterpret_cast<const u8 *>(&stStruct);
+    return BYTES(pucStruct, pucStruct + sizeof(stStruct));
+}
+
+void PutMainFru()
+{
+    BYTES vecImage = {1, 0, 0, 0, 0, 0, 0, 0xFF};
+    vecImage.resize(g_uiFruSize);
+    FRU_DEVICE_TBL_S stTable = {};
+    stTable.ucCount = 1;
+    FRU_DEVICE_INFO_S stInfo = {};
+    stInfo.usSize = g_uiFruSize;
+    stInfo.ucEEPROMType = 9;
+    stInfo.ucBusNumber = g_ucBus;
+    stInfo.ucAddress = g_ucAddress;
+    fake::Db()[0x108105FF] = BytesOf(stTable);
+    fake::Db()[0x10810000] = BytesOf(stInfo);
+    fake::Db()[0x10810200] = vecImage;
+    fake::Db()[0x10810400] = BYTES{1};
+    fake::Eeprom(g_ucBus, g_ucAddress) = vecImage;
+}
+
+u32 Update(u32 uiSeed)
+{
+    u8 aucValue[16];
+    for (u32 i = 0; i < sizeof(aucValue); ++i) {
+        aucValue[i] = static_cast<u8>(uiSeed * 31U + i);
+    }
+    FRU_MR_PARAM_S stParam = {};
+    stParam.ucRecordTypeID = 3;
+    stParam.ucSubType = static_cast<u8>(1U + uiSeed % 7U);
+    stParam.uiLength = stParam.ucSubType == 7U ? 16U : 1U + uiSeed % 16U;
+    stParam.pucBuf = aucValue;
+    return FRU_innerUpdateMultiRecord(&stParam);
+}
+
+// One step of one thread: mostly updates, some merges, a destroy now and then.
+u32 Step(u32 uiThread, u32 uiRound)
+{
+    const u32 uiSeed = uiThread * g_uiRounds + uiRound;
+    switch ((uiThread + uiRound) % 6U) {
+    case 4U:
+        return FRU_syncAllMultiRecords();
+    case 5U:
+        FRU_destroyMultiRecords();
+        return 0U;
+    default:
+        return Update(uiSeed);
+    }
+}
+
+// Runs all threads through their rounds; they start together, on a store that nobody has initialised. Returns
+// how many steps failed.
+u32 RunThreads()
+{
+    std::atomic<bool> bStart{false};
+    std::atomic<u32> uiFailures{0};
+    std::vector<std::thread> vecThreads;
+    for (u32 uiThread = 0; uiThread < g_uiThreads; ++uiThread) {
+        vecThreads.emplace_back([&, uiThread] {
+            while (!bStart) {
+                std::this_thread::yield();
+            }
+            for (u32 uiRound = 0; uiRound < g_uiRounds; ++uiRound) {
+                const u32 uiRet = Step(uiThread, uiRound);
+                if (uiRet != 0U) {
+                    ++uiFailures;
+                }
+                if (uiRet != 0U && uiRet != g_uiFailed) {
+                    uiFailures += 1000000U; // never a result of these calls
+                }
+            }
+        });
+    }
+    bStart = true;
+    for (std::thread &thread : vecThreads) {
+        thread.join();
+    }
+    return uiFailures;
+}
+
+bool IsStoreZero()
+{
+    const BYTES vecStore = BytesOf(g_stInnerMRStore);
+    return vecStore == BYTES(vecStore.size(), 0);
+}
+
+void Destroy()
+{
+    if (g_stInnerMRStore.ucInited == 1U) {
+        FRU_destroyMultiRecords();
+    }
+    EXPECT_TRUE(IsStoreZero());
+}
+
+// The records on the device, by sub-type; every one valid, none twice.
+std::set<u8> SubTypesOnTheDevice()
+{
+    std::set<u8> setSubTypes;
+    FRU_DATA_S stData = {};
+    const BYTES vecChip = fake::Eeprom(g_ucBus, g_ucAddress);
+    EXPECT_EQ(FRU_ANALYZER_InterpretFRUData(vecChip.data(), g_uiFruSize, &stData), 0U);
+    u32 uiCount = 0;
+    EXPECT_EQ(FRU_checkAllMultiRecords(reinterpret_cast<const u8 *>(stData.astMultiRecord),
+                                       FRU_MR_CHECK_MEMORY, &uiCount),
+              0U);
+    for (u32 i = 0; i < uiCount; ++i) {
+        const u8 *pucData = stData.astMultiRecord[i].pucRecordData;
+        EXPECT_TRUE(setSubTypes.insert(pucData[0]).second);
+    }
+    FRU_ANALYZER_SafeFree(&stData);
+    return setSubTypes;
+}
+
+TEST(StoreThreads, UpdatesMergesAndDestroysTakeTurns)
+{
+    fake::Reset();
+    const u32 uiLive = fake::LiveAllocations();
+    PutMainFru();
+    fake::SetPatience(30000); // a slow machine is no time-out
+    (void)TakeMostAtTheDevice();
+    EXPECT_EQ(RunThreads(), 0U);
+    EXPECT_EQ(TakeMostAtTheDevice(), 1U);
+    // Only a destroy that found the store destroyed already has something to say.
+    for (const std::string &strMessage : fake::Messages()) {
+        EXPECT_EQ(strMessage, "0/2 lib_fru_multirecord.c: MultiRecords is not inited!");
+    }
+    EXPECT_FALSE(SubTypesOnTheDevice().empty());
+    Destroy();
+    EXPECT_EQ(fake::LiveAllocations(), uiLive);
+}
+
+TEST(StoreThreads, AfterTimeOutsTheStoreIsStillSound)
+{
+    fake::Reset();
+    const u32 uiLive = fake::LiveAllocations();
+    PutMainFru();
+    fake::SetPatience(0); // whoever does not get the lock at once goes on without it
+    EXPECT_LT(RunThreads(), 1000000U);
+    Destroy();
+    EXPECT_EQ(fake::LiveAllocations(), uiLive);
+    // And works as ever.
+    fake::Reset();
+    PutMainFru();
+    for (u32 uiSeed = 0; uiSeed < 7U; ++uiSeed) {
+        EXPECT_EQ(Update(uiSeed), 0U);
+    }
+    EXPECT_EQ(SubTypesOnTheDevice().size(), 7U);
+    EXPECT_TRUE(fake::Messages().size() == 0U);
+    Destroy();
+    EXPECT_EQ(fake::LiveAllocations(), uiLive);
+}
+
+} // namespace
