@@ -4,7 +4,7 @@ namespace {
 
 constexpr void (*g_apfnCommands[])(CLI::App &stParent, SESSION_S &stSession) = {
     AddProvisionCommand, AddListCommand,    AddShowCommand, AddVerifyCommand,
-    AddMapCommand,       AddRecoverCommand, AddRawCommand,
+    AddMapCommand,       AddRecoverCommand, AddRawCommand,  AddServeCommand,
 };
 
 } // namespace

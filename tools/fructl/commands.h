@@ -26,5 +26,6 @@ void AddVerifyCommand(CLI::App &stParent, SESSION_S &stSession);
 void AddMapCommand(CLI::App &stParent, SESSION_S &stSession);
 void AddRecoverCommand(CLI::App &stParent, SESSION_S &stSession);
 void AddRawCommand(CLI::App &stParent, SESSION_S &stSession);
+void AddServeCommand(CLI::App &stParent, SESSION_S &stSession);
 
 #endif
