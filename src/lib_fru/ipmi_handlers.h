@@ -1,4 +1,6 @@
-// Private to lib_fru: the core of the Write FRU Data handler and what goes with it.
+// Private to lib_fru: what the IPMI FRU command handlers share, and the core of Write FRU Data.
+//
+// The handlers never return a status: a failure is a response of one byte, its completion code.
 #ifndef LIB_FRU_IPMI_HANDLERS_H
 #define LIB_FRU_IPMI_HANDLERS_H
 
@@ -13,6 +15,25 @@
 #define FRU_CC_OFFSET_EXCEEDS 0xCCU
 
 #define FRU_WRITE_REQ_HEADER_LEN 3U // device ID, offset low byte, offset high byte
+
+#define FRU_ERROR_RES_LEN 1U // an error's response: the completion code alone
+
+inline u32 FRU_Refuse(u8 *pucRes, u8 ucCompletionCode)
+{
+    pucRes[0] = ucCompletionCode;
+    return FRU_ERROR_RES_LEN;
+}
+
+inline u16 FRU_RequestOffset(const u8 *pucReq)
+{
+    return static_cast<u16>(pucReq[1] | (pucReq[2] << 8U));
+}
+
+// The start offset moves the FRU inside the EEPROM; the sum wraps at 64 KiB as the EEPROM's address does.
+inline u16 FRU_EepromOffset(const FRU_DEVICE_INFO_S &stInfo, u16 usOffset)
+{
+    return static_cast<u16>(stInfo.usStartOffset + usOffset);
+}
 
 // Log source of everything that this library has to say to the operation log.
 #define FRU_OPERATELOG_SOURCE 12U

@@ -13,6 +13,7 @@ namespace {
 using device::BYTES;
 using device::Line;
 using device::LINES;
+using device::OwnMessages;
 using device::RECORD;
 
 constexpr char g_acPath[] = "/opt/fru/psu.bin";
@@ -39,17 +40,6 @@ LINES FailureChain(const LINES &vecOwn, bool bNotRestored = true)
 u32 Get(RECORD &stRecord, u8 ucReadMode = 2)
 {
     return LIB_FRU_GetFRUData(device::g_ucType, device::g_ucInstance, ucReadMode, 0, stRecord.Get());
-}
-
-LINES Messages()
-{
-    LINES vecOwn;
-    for (const std::string &strLine : fake::Messages()) {
-        if (strLine.find("lib_fru_analyzer.c") == std::string::npos) {
-            vecOwn.push_back(strLine);
-        }
-    }
-    return vecOwn;
 }
 
 // A damaged image of uiSize bytes on the device and in the cache.
@@ -91,7 +81,7 @@ TEST(Recovery, AStoredImageRestoresDeviceAndCache)
         EXPECT_EQ(device::Text(stRecord->stBoardInfo.pucBoardProductName), "GOOD");
         EXPECT_EQ(device::Chip(), device::ChipWith(vecStored));
         EXPECT_EQ(device::Cached(), vecStored);
-        EXPECT_EQ(Messages(), (LINES{g_strInvalidHeader, g_strStart}));
+        EXPECT_EQ(OwnMessages(), (LINES{g_strInvalidHeader, g_strStart}));
         EXPECT_EQ(fake::Calls("EEPROM write"), LINES{device::Eeprom("write", 0x40, 64, 64)});
         EXPECT_EQ(fake::Calls("DB_Put"), LINES{device::DbPut(0x10810221U, 64)});
         EXPECT_TRUE(fake::RpcRequests().empty());
@@ -130,7 +120,7 @@ TEST(Recovery, AHeaderThatStaysInvalidIsNotRecoveredTwice)
     fake::WriteFile(g_acPath, Damaged());
     RECORD stRecord;
     EXPECT_EQ(Get(stRecord), 0x29000001U);
-    EXPECT_EQ(Messages(),
+    EXPECT_EQ(OwnMessages(),
               (LINES{g_strInvalidHeader, g_strStart, g_strInvalidHeader, g_strCheckFailed, g_strReadFailed}));
     EXPECT_EQ(fake::Calls("EEPROM write").size(), 1U);
     EXPECT_TRUE(stRecord.IsEmpty());
@@ -144,8 +134,8 @@ TEST(Recovery, AStoredImageDamagedBehindItsHeaderFailsTheDecoding)
     fake::WriteFile(g_acPath, vecStored);
     RECORD stRecord;
     EXPECT_EQ(Get(stRecord), 0x29000001U);
-    EXPECT_EQ(Messages(), (LINES{g_strInvalidHeader, g_strStart,
-                                 Line(5, 2, "Fail to interpret fru data! Ret:0x29000001.")}));
+    EXPECT_EQ(OwnMessages(), (LINES{g_strInvalidHeader, g_strStart,
+                                    Line(5, 2, "Fail to interpret fru data! Ret:0x29000001.")}));
     EXPECT_EQ(device::Cached(), vecStored);
 }
 
@@ -154,7 +144,7 @@ TEST(Recovery, AMissingStoredImage)
     Start();
     RECORD stRecord;
     EXPECT_EQ(Get(stRecord), 0x29000001U);
-    EXPECT_EQ(Messages(), FailureChain({Line(4, 4, "Failed to get file[/opt/fru/psu.bin] size[-1]!")}));
+    EXPECT_EQ(OwnMessages(), FailureChain({Line(4, 4, "Failed to get file[/opt/fru/psu.bin] size[-1]!")}));
     ExpectUntouched();
     EXPECT_TRUE(fake::Calls("BMC_ReadFile").empty());
 }
@@ -165,7 +155,7 @@ TEST(Recovery, AnEmptyStoredImage)
     fake::WriteFile(g_acPath, {});
     RECORD stRecord;
     EXPECT_EQ(Get(stRecord), 0x29000001U);
-    EXPECT_EQ(Messages(), FailureChain({Line(4, 4, "Failed to calloc memory! Size[0]")}));
+    EXPECT_EQ(OwnMessages(), FailureChain({Line(4, 4, "Failed to calloc memory! Size[0]")}));
     EXPECT_EQ(fake::TakeStdout(),
               "Invalid CALLOC size (size or nmemb is 0 )is detected"
               "Invalid CALLOC size (size or nmemb is 0)is detected in # FRU_RecoverFRUData lib_fru.c\n");
@@ -181,7 +171,7 @@ TEST(Recovery, NoMemoryForTheStoredImage)
     RECORD stRecord;
     EXPECT_EQ(Get(stRecord), 0x29000001U);
     fake::Disarm();
-    EXPECT_EQ(Messages(), FailureChain({Line(4, 4, "Failed to calloc memory! Size[0x30]")}));
+    EXPECT_EQ(OwnMessages(), FailureChain({Line(4, 4, "Failed to calloc memory! Size[0x30]")}));
     EXPECT_EQ(fake::TakeStdout(), "");
     ExpectUntouched();
 }
@@ -193,7 +183,7 @@ TEST(Recovery, AnUnreadableStoredImage)
     fake::SetFileSize(g_acPath, 65); // the file ends before its size
     RECORD stRecord;
     EXPECT_EQ(Get(stRecord), 0x29000001U);
-    EXPECT_EQ(Messages(),
+    EXPECT_EQ(OwnMessages(),
               FailureChain({Line(4, 4, "Read fru bin file:/opt/fru/psu.bin failed! Ret:0x81000001.")}));
     ExpectUntouched();
 }
@@ -205,7 +195,7 @@ TEST(Recovery, ADeviceThatDoesNotTakeTheImage)
     fake::SetEepromResult(1, -3);
     RECORD stRecord;
     EXPECT_EQ(Get(stRecord), 0x29000001U);
-    EXPECT_EQ(Messages(),
+    EXPECT_EQ(OwnMessages(),
               FailureChain(
                   {Line(4, 4, "Fail to write Device ID[0x21] i2c device SwitchLevel[7] Bus[3] Addr[0xa2]."),
                    Line(4, 4, "Write FRU data to EEPROM failed! Offset[0x40] Size[0x30].")}));
@@ -218,7 +208,7 @@ TEST(Recovery, AWriteOf203BytesCountsAsAnAbsentDevice)
     fake::WriteFile(g_acPath, BYTES(203, 0x11));
     RECORD stRecord;
     EXPECT_EQ(Get(stRecord), 0x29000001U);
-    EXPECT_EQ(Messages(), FailureChain({}));
+    EXPECT_EQ(OwnMessages(), FailureChain({}));
     EXPECT_EQ(device::Cached(), Damaged(256));
     EXPECT_EQ(fake::Calls("EEPROM write"), LINES{device::Eeprom("write", 0x40, 203, 203)});
 }
@@ -230,7 +220,7 @@ TEST(Recovery, AShortWriteIsNotNoticed)
     fake::SetEepromResult(1, 10);
     RECORD stRecord;
     EXPECT_EQ(Get(stRecord), 0U);
-    EXPECT_EQ(Messages(), (LINES{g_strInvalidHeader, g_strStart}));
+    EXPECT_EQ(OwnMessages(), (LINES{g_strInvalidHeader, g_strStart}));
 }
 
 TEST(Recovery, ACacheThatCannotBeStored)
@@ -242,7 +232,7 @@ TEST(Recovery, ACacheThatCannotBeStored)
     fake::Arm({fake::KIND_E::DB, 14, false});
     EXPECT_EQ(Get(stRecord), 0x29000001U);
     fake::Disarm();
-    EXPECT_EQ(Messages(), FailureChain({Line(4, 4, "Put FRU data to db failed! Ret:0x81000001.")}));
+    EXPECT_EQ(OwnMessages(), FailureChain({Line(4, 4, "Put FRU data to db failed! Ret:0x81000001.")}));
     EXPECT_EQ(device::Chip(), device::ChipWith(device::BoardImage(64, "GOOD")));
     EXPECT_EQ(device::Cached(), Damaged());
 }
@@ -255,7 +245,7 @@ TEST(Recovery, ARecordThatIsGoneMeanwhile)
     fake::Arm({fake::KIND_E::DB, 12, false});
     EXPECT_EQ(Get(stRecord), 0x29000001U);
     fake::Disarm();
-    EXPECT_EQ(Messages(), FailureChain({Line(4, 4, "Fail to find FRU Device ID[0x21]!")}, false));
+    EXPECT_EQ(OwnMessages(), FailureChain({Line(4, 4, "Fail to find FRU Device ID[0x21]!")}, false));
     ExpectUntouched();
 }
 

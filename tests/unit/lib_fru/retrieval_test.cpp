@@ -1,4 +1,4 @@
-// The read paths: chunks, cache or device, presets, the two paths' differences, every failure.
+// The main read path: chunks, cache or device, presets, every failure.
 #include <gtest/gtest.h>
 
 #include "lib_fru_access.h"
@@ -10,7 +10,11 @@ using device::BYTES;
 using device::Line;
 using device::LINES;
 using device::Null;
+using device::OwnMessages;
 using device::RECORD;
+using device::SetPath;
+using device::SweepGet;
+using device::TwoAndOneCustomFields;
 
 constexpr u8 g_ucReadOnly = 1;
 
@@ -21,22 +25,6 @@ const std::string g_strInvalidHeader = Line(5, 2, "Invalid header! Device ID[0x2
 u32 Get(RECORD &stRecord, u8 ucReadMode = g_ucReadOnly)
 {
     return LIB_FRU_GetFRUData(device::g_ucType, device::g_ucInstance, ucReadMode, 0, stRecord.Get());
-}
-
-u32 GetFromDB(RECORD &stRecord)
-{
-    return LIB_FRU_GetFRUDataFromDB(device::g_ucType, device::g_ucInstance, stRecord.Get());
-}
-
-LINES Messages()
-{
-    LINES vecOwn;
-    for (const std::string &strLine : fake::Messages()) {
-        if (strLine.find("lib_fru_analyzer.c") == std::string::npos) {
-            vecOwn.push_back(strLine);
-        }
-    }
-    return vecOwn;
 }
 
 void Provide(const BYTES &vecImage)
@@ -51,14 +39,6 @@ void ProvideUntrusted(const BYTES &vecImage)
     device::PutStatus(1);
 }
 
-void SetPath(const std::string &strPath, u16 usSize)
-{
-    FRU_DEVICE_INFO_S stInfo = device::Info(usSize);
-    (void)memset(stInfo.acImageFilePath, 0, sizeof(stInfo.acImageFilePath));
-    (void)memcpy(stInfo.acImageFilePath, strPath.data(), strPath.size());
-    device::PutInfo(stInfo);
-}
-
 // ---- the main path
 
 TEST(GetFRUData, DecodesTheWholeImage)
@@ -71,7 +51,7 @@ TEST(GetFRUData, DecodesTheWholeImage)
     EXPECT_EQ(device::Text(stRecord->stProductInfo.pucProductSerialNum), "P-SN");
     EXPECT_EQ(stRecord->stChassisInfo.ucCustomFieldCount, 3U);
     EXPECT_EQ(stRecord->astMultiRecord[1].ucRecordTypeID, 0xC0U);
-    EXPECT_TRUE(Messages().empty());
+    EXPECT_TRUE(OwnMessages().empty());
     EXPECT_TRUE(fake::Calls("EEPROM").empty());
     EXPECT_TRUE(fake::Calls("DB_Put").empty());
 }
@@ -101,7 +81,7 @@ TEST(GetFRUData, EachChunkChoosesAnewBetweenCacheAndDevice)
     EXPECT_EQ(fake::Calls("DB_Get 0x10810221").size(), 4U);
     EXPECT_EQ(fake::Calls("DB_Get 0x10810421").size(), 4U);
     const std::string strNoCache = Line(4, 4, "Read FRU Data From DB failed! FRU Name:PSU2 DeviceID:0x21.");
-    EXPECT_EQ(Messages(), LINES(4, strNoCache));
+    EXPECT_EQ(OwnMessages(), LINES(4, strNoCache));
 }
 
 TEST(GetFRUData, TheCachePathFetchesTheImageForEachChunk)
@@ -217,7 +197,7 @@ TEST(GetFRUData, UnreachableDevice)
     RECORD stRecord;
     EXPECT_EQ(Get(stRecord, 2), 0x29000001U);
     EXPECT_EQ(
-        Messages(),
+        OwnMessages(),
         (LINES{Line(4, 4,
                     "Fail to read Device ID[0x21] i2c device SwitchLevel[7] Bus[3] Addr[0xa2] "
                     "Ret:0xfffffffe."),
@@ -232,9 +212,10 @@ TEST(GetFRUData, AShortChunkFailsTheRead)
     fake::SetEepromResult(2, 15);
     RECORD stRecord;
     EXPECT_EQ(Get(stRecord, 2), 0x29000001U);
-    EXPECT_EQ(Messages(), (LINES{Line(4, 4, "Read length is not equal! ReqLen[0x10] RetLen[0xf] ID[0x21]."),
-                                 Line(5, 2, "Fail to read fru data! CompletionCode[0], Size[0x12.0xf]"),
-                                 g_strReadFailed}));
+    EXPECT_EQ(
+        OwnMessages(),
+        (LINES{Line(4, 4, "Read length is not equal! ReqLen[0x10] RetLen[0xf] ID[0x21]."),
+               Line(5, 2, "Fail to read fru data! CompletionCode[0], Size[0x12.0xf]"), g_strReadFailed}));
 }
 
 TEST(GetFRUData, AChunkAfterTheHeaderIsNotRecovered)
@@ -245,7 +226,7 @@ TEST(GetFRUData, AChunkAfterTheHeaderIsNotRecovered)
     RECORD stRecord;
     EXPECT_EQ(Get(stRecord, 2), 0x29000001U);
     EXPECT_EQ(
-        Messages(),
+        OwnMessages(),
         (LINES{Line(4, 4,
                     "Fail to read Device ID[0x21] i2c device SwitchLevel[7] Bus[3] Addr[0xa2] "
                     "Ret:0xffffffff."),
@@ -263,7 +244,7 @@ TEST(GetFRUData, AnInvalidHeaderInAnyOtherModeIsNotRecovered)
         fake::WriteFile(device::g_acStoredPath, device::BoardImage());
         RECORD stRecord;
         EXPECT_EQ(Get(stRecord, ucMode), 0x29000001U);
-        EXPECT_EQ(Messages(), (LINES{g_strInvalidHeader, g_strCheckFailed, g_strReadFailed}));
+        EXPECT_EQ(OwnMessages(), (LINES{g_strInvalidHeader, g_strCheckFailed, g_strReadFailed}));
         EXPECT_EQ(device::Chip(), device::ChipWith(vecImage));
         EXPECT_EQ(device::Cached(), vecImage);
         EXPECT_TRUE(stRecord.IsEmpty());
@@ -278,7 +259,7 @@ TEST(GetFRUData, ADecodingFailureKeepsTheParsersCodeAndTheRecord)
     Provide(vecImage);
     RECORD stRecord;
     EXPECT_EQ(Get(stRecord), 0x29000001U);
-    EXPECT_EQ(Messages(), LINES{Line(5, 2, "Fail to interpret fru data! Ret:0x29000001.")});
+    EXPECT_EQ(OwnMessages(), LINES{Line(5, 2, "Fail to interpret fru data! Ret:0x29000001.")});
     // Areas before it stay decoded; they are the caller's to release.
     EXPECT_EQ(device::Text(stRecord->stBoardInfo.pucBoardMfr), "B-MFR");
 }
@@ -293,14 +274,6 @@ TEST(GetFRUData, TheRecordIsNotCleared)
 }
 
 // ---- presets
-
-BYTES TwoAndOneCustomFields()
-{
-    image::AREAS_S stAreas;
-    stAreas.vecChassis = image::ChassisArea(0x17, image::Texts({"PN", "SN", "C0", "C1"}));
-    stAreas.vecProduct = image::ProductArea(25, image::Texts({"M", "N", "P", "V", "S", "A", "F", "P0"}));
-    return image::Image(stAreas);
-}
 
 TEST(GetFRUData, ABaseboardsCustomFieldsHaveFixedSlots)
 {
@@ -356,154 +329,7 @@ TEST(GetFRUData, ACallersOwnPresetsAreKept)
     EXPECT_EQ(stRecord->stProductInfo.ucCustomFieldCount, 1U);
 }
 
-// ---- the cache-only path
-
-TEST(GetFRUDataFromDB, DecodesTheCachedImageAlone)
-{
-    Provide(device::BoardImage());
-    device::PutStatus(1); // not looked at
-    RECORD stRecord;
-    EXPECT_EQ(GetFromDB(stRecord), 0U);
-    EXPECT_EQ(device::Text(stRecord->stBoardInfo.pucBoardProductName), "NAME");
-    EXPECT_EQ(device::Calls(), (LINES{device::DbGet(device::g_uiKeyTable, 3703),
-                                      device::DbGet(0x10810021U, 184), device::DbGet(0x10810221U, 64)}));
-    EXPECT_TRUE(Messages().empty());
-}
-
-TEST(GetFRUDataFromDB, TheRecordIsClearedFirstAndNothingPreset)
-{
-    const BYTES vecImage = TwoAndOneCustomFields();
-    Provide(vecImage);
-    SetPath("BaseBoard.bin", static_cast<u16>(vecImage.size()));
-    RECORD stRecord;
-    stRecord->stChassisInfo.ucCustomFieldCount = 5;
-    stRecord->stBoardInfo.ucLanguage = 77;
-    EXPECT_EQ(GetFromDB(stRecord), 0U);
-    EXPECT_EQ(stRecord->stChassisInfo.ucCustomFieldCount, 2U);
-    EXPECT_EQ(stRecord->stProductInfo.ucCustomFieldCount, 1U);
-    EXPECT_EQ(stRecord->stBoardInfo.ucLanguage, 0U);
-}
-
-TEST(GetFRUDataFromDB, ADecodingFailureReleasesTheRecord)
-{
-    BYTES vecImage = image::FullImage();
-    vecImage[vecImage[4] * 8U] = 9;
-    Provide(vecImage);
-    const u32 uiBefore = fake::LiveAllocations();
-    RECORD stRecord;
-    EXPECT_EQ(GetFromDB(stRecord), 0x29000006U);
-    EXPECT_EQ(Messages(), LINES{Line(5, 4, "Interpret fru data failed! DeviceID:0x21.")});
-    EXPECT_EQ(fake::LiveAllocations(), uiBefore);
-    EXPECT_EQ(device::Text(stRecord->stBoardInfo.pucBoardMfr), "(null)");
-}
-
-TEST(GetFRUDataFromDB, AnInvalidHeaderIsADecodingFailure)
-{
-    Provide(BYTES(64, 0xFF));
-    RECORD stRecord;
-    EXPECT_EQ(GetFromDB(stRecord), 0x29000006U);
-    EXPECT_TRUE(fake::Calls("EEPROM").empty());
-}
-
-TEST(GetFRUDataFromDB, AFruBelowTheHeaderIsADecodingFailure)
-{
-    for (const u8 ucSize : {u8{1}, u8{7}}) {
-        Provide(BYTES(ucSize, 1));
-        RECORD stRecord;
-        EXPECT_EQ(GetFromDB(stRecord), 0x29000006U);
-    }
-}
-
-TEST(GetFRUDataFromDB, NoCachedImage)
-{
-    Provide(device::BoardImage());
-    fake::Db().erase(0x10810221U);
-    RECORD stRecord;
-    stRecord->stBoardInfo.ucLanguage = 77;
-    EXPECT_EQ(GetFromDB(stRecord), 0x29000001U);
-    EXPECT_EQ(fake::Messages(), LINES{Line(5, 4, "Get fru data buf failed! DeviceID:0x21.")});
-    EXPECT_EQ(stRecord->stBoardInfo.ucLanguage, 77U); // cleared only once there is an image
-}
-
-TEST(GetFRUDataFromDB, AnEmptyFruReportsItsSize)
-{
-    Provide({});
-    RECORD stRecord;
-    EXPECT_EQ(GetFromDB(stRecord), 0x29000008U);
-    EXPECT_EQ(fake::Messages(), (LINES{Line(0, 3, "Invalid MALLOC size (size is 0)is detected"),
-                                       Line(5, 4, "Malloc fru data buf failed! DeviceID:0x21.")}));
-    EXPECT_EQ(fake::TakeStdout(),
-              "Invalid MALLOC size (size is 0)is detected in # LIB_FRU_GetFRUDataFromDB lib_fru.c\n");
-}
-
-TEST(GetFRUDataFromDB, OutOfMemory)
-{
-    Provide(device::BoardImage());
-    RECORD stRecord;
-    fake::Arm({fake::KIND_E::ALLOC, 1, false});
-    EXPECT_EQ(GetFromDB(stRecord), 0x29000008U);
-    fake::Disarm();
-    EXPECT_EQ(fake::Messages(), LINES{Line(5, 4, "Malloc fru data buf failed! DeviceID:0x21.")});
-}
-
-TEST(GetFRUDataFromDB, NullRecord)
-{
-    fake::Reset();
-    EXPECT_EQ(LIB_FRU_GetFRUDataFromDB(1, 1, nullptr), 0x29002408U);
-    EXPECT_EQ(fake::Messages(), LINES{Null("LIB_FRU_GetFRUDataFromDB", "pstFRUData")});
-    EXPECT_TRUE(fake::Calls().empty());
-}
-
-TEST(GetFRUDataFromDB, UnknownComponent)
-{
-    fake::Reset();
-    device::PutTable(device::Table({}));
-    RECORD stRecord;
-    EXPECT_EQ(GetFromDB(stRecord), 0x29000003U);
-    EXPECT_EQ(fake::Messages(), (LINES{Line(5, 4, "Fail to find Component[0x5] Instance[2] fru device id!"),
-                                       Line(5, 4, "Fail to find ComponentType:0x5,Instance:0x2!")}));
-}
-
-TEST(GetFRUDataFromDB, DeviceWithoutARecord)
-{
-    Provide(device::BoardImage());
-    fake::Db().erase(0x10810021U);
-    RECORD stRecord;
-    EXPECT_EQ(GetFromDB(stRecord), 0x29000004U);
-    EXPECT_EQ(fake::Messages(), LINES{Line(5, 4, "Get fru device info failed! DeviceID:0x21.")});
-}
-
 // ---- sweeps
-
-void SweepGet(const std::function<void()> &fnSetup, u32 (*fnGet)(RECORD &),
-              const std::vector<u32> &vecResults)
-{
-    RECORD stRecord;
-    u32 uiRet = 0;
-    BYTES vecChip;
-    BYTES vecCache;
-    fake::Sweep(
-        [&] {
-            fnSetup();
-            vecChip = device::Chip();
-            vecCache = device::Cached();
-        },
-        [&] { uiRet = fnGet(stRecord); },
-        [&](const fake::FAULT_S *pstFault) {
-            if (uiRet == 0U) {
-                EXPECT_EQ(device::Text(stRecord->stBoardInfo.pucBoardSerialNum), "B-SN");
-            } else {
-                EXPECT_NE(pstFault, nullptr);
-                EXPECT_NE(std::find(vecResults.begin(), vecResults.end(), uiRet), vecResults.end());
-                EXPECT_FALSE(fake::Messages().empty());
-            }
-            EXPECT_EQ(device::Chip(), vecChip);
-            EXPECT_EQ(device::Cached(), vecCache);
-            EXPECT_TRUE(fake::Calls("EEPROM write").empty());
-            EXPECT_TRUE(fake::Calls("DB_Put").empty());
-            stRecord.Release();
-        });
-}
 
 const std::vector<u32> g_vecGetResults = {0x29000001U, 0x29000003U, 0x29000004U, 0x29000008U};
 
@@ -533,12 +359,6 @@ TEST(GetFRUData, SweepOverTheDatabaseOnlyPath)
             device::PutInfo(stInfo);
         },
         [](RECORD &stRecord) { return Get(stRecord, 2); }, g_vecGetResults);
-}
-
-TEST(GetFRUDataFromDB, Sweep)
-{
-    SweepGet([] { device::Provision(image::FullImage()); }, GetFromDB,
-             {0x29000001U, 0x29000003U, 0x29000004U, 0x29000006U, 0x29000008U});
 }
 
 } // namespace

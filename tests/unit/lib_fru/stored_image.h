@@ -2,6 +2,8 @@
 #ifndef TESTS_UNIT_STORED_IMAGE_H
 #define TESTS_UNIT_STORED_IMAGE_H
 
+#include <gtest/gtest.h>
+
 #include "fru_device.h"
 #include "lib_fru_codec.h"
 #include "support/image_builder.h"
@@ -70,6 +72,66 @@ inline std::string CountLine(const std::string &strArea, u32 uiCount, u32 uiLeft
 {
     return "0/7 lib_fru_analyzer.c: " + strArea + " CustomField count is " + std::to_string(uiCount) +
            ", length is " + std::to_string(uiLeft) + ".";
+}
+
+// An image with two chassis and one product custom fields.
+inline BYTES TwoAndOneCustomFields()
+{
+    image::AREAS_S stAreas;
+    stAreas.vecChassis = image::ChassisArea(0x17, image::Texts({"PN", "SN", "C0", "C1"}));
+    stAreas.vecProduct = image::ProductArea(25, image::Texts({"M", "N", "P", "V", "S", "A", "F", "P0"}));
+    return image::Image(stAreas);
+}
+
+inline void SetPath(const std::string &strPath, u16 usSize)
+{
+    FRU_DEVICE_INFO_S stInfo = Info(usSize);
+    (void)memset(stInfo.acImageFilePath, 0, sizeof(stInfo.acImageFilePath));
+    (void)memcpy(stInfo.acImageFilePath, strPath.data(), strPath.size());
+    PutInfo(stInfo);
+}
+
+// The messages without the decoder's.
+inline LINES OwnMessages()
+{
+    LINES vecOwn;
+    for (const std::string &strLine : fake::Messages()) {
+        if (strLine.find("lib_fru_analyzer.c") == std::string::npos) {
+            vecOwn.push_back(strLine);
+        }
+    }
+    return vecOwn;
+}
+
+// Sweeps over a read: documented results, and neither device nor cache ever changes.
+inline void SweepGet(const std::function<void()> &fnSetup, u32 (*fnGet)(RECORD &),
+                     const std::vector<u32> &vecResults)
+{
+    RECORD stRecord;
+    u32 uiRet = 0;
+    BYTES vecChip;
+    BYTES vecCache;
+    fake::Sweep(
+        [&] {
+            fnSetup();
+            vecChip = Chip();
+            vecCache = Cached();
+        },
+        [&] { uiRet = fnGet(stRecord); },
+        [&](const fake::FAULT_S *pstFault) {
+            if (uiRet == 0U) {
+                EXPECT_EQ(Text(stRecord->stBoardInfo.pucBoardSerialNum), "B-SN");
+            } else {
+                EXPECT_NE(pstFault, nullptr);
+                EXPECT_NE(std::find(vecResults.begin(), vecResults.end(), uiRet), vecResults.end());
+                EXPECT_FALSE(fake::Messages().empty());
+            }
+            EXPECT_EQ(Chip(), vecChip);
+            EXPECT_EQ(Cached(), vecCache);
+            EXPECT_TRUE(fake::Calls("EEPROM write").empty());
+            EXPECT_TRUE(fake::Calls("DB_Put").empty());
+            stRecord.Release();
+        });
 }
 
 } // namespace device
