@@ -1,6 +1,7 @@
-/* Platform: capability store.
+/*
+ * Platform: capability store.
  *
- * What this product is and can.
+ * What this product is and can. May be called from any thread.
  */
 #ifndef BMC_CAPABILITY_H
 #define BMC_CAPABILITY_H
@@ -12,8 +13,12 @@ extern "C" {
 #endif
 #pragma GCC visibility push(default)
 
-/* Copies the text of a capability, NUL-terminated and cut to uiSize bytes, into pcOut. Not 0: no such
- * capability. */
+/*
+ * Copies the text of a capability, NUL-terminated and cut to uiSize bytes, into pcOut. 0 for success, also
+ * when it was cut. Not 0, and pcOut untouched: no such capability, no store, a null argument, or uiSize 0.
+ *
+ * On the desk the store is conf/capability.ini, "[object]" and "name = text"; case does not count.
+ */
 u32 CAP_GetCommonCapabilityWithName(const char *pcObject, const char *pcName, u32 uiSize, char *pcOut);
 
 #pragma GCC visibility pop

@@ -1,7 +1,13 @@
-/* Platform: key/value database.
+/*
+ * Platform: key/value database.
  *
- * Exact-length records under 32-bit keys, shared by all processes of the controller. A reader sees whole
- * records only; a record is whole after a writer died. Results are u32, 0 for success.
+ * Exact-length records under 32-bit keys, shared by all processes of the controller. Every call is atomic: a
+ * reader sees a record as one put left it, never parts of two, whichever processes write meanwhile. A writer
+ * that is killed, at whatever moment, loses its last put at most; the records stay whole and nobody waits for
+ * the dead. A put that has returned 0 is seen by every get that begins later, in any process.
+ *
+ * Every call may be made from any thread and, after fork(), from the child as well, with the handle of its
+ * parent. A call may wait for a put of another process to end. Results are u32, 0 for success.
  */
 #ifndef BMC_DB_H
 #define BMC_DB_H
@@ -13,19 +19,30 @@ extern "C" {
 #endif
 #pragma GCC visibility push(default)
 
-/* Opens the database, or returns the handle that this process has open; null: it cannot be opened. Never
- * closed. */
+/*
+ * Opens the database, creating an empty one if there is none, or returns the handle that this process has
+ * open, which is cheap: callers open before every call and never close. Null when it can be neither opened
+ * nor created or is damaged; a later call tries anew. The handle is the platform's and opaque.
+ */
 void *DB_Open(void);
 
-/* Copies the record of exactly uiLen bytes into pData. No such key, or another length: not 0, pData
- * untouched. */
+/*
+ * Copies the record of exactly uiLen bytes into pData, which is the caller's. Not 0, and pData untouched: no
+ * such key, a record of another length, a null pData with uiLen above 0, a handle that is none, or a database
+ * that cannot be read.
+ */
 u32 DB_Get(void *pDb, u32 uiKey, u32 uiLen, void *pData);
 
-/* Stores uiLen bytes under the key, replacing what was there. pcFile and uiLine name the caller, for its
- * messages. */
+/*
+ * Stores uiLen bytes under the key, replacing what was there, whatever its length; the bytes are copied.
+ * uiLen 0 stores a record of length 0. Records of 65535 bytes at least can be held. pcFile and uiLine name
+ * the caller in messages; pcFile may be null. Not 0, and the record as before: a null pData with uiLen above
+ * 0, a handle that is none, or a database that cannot be written or is full.
+ */
 u32 DB_PutInternal(void *pDb, u32 uiKey, u32 uiLen, const void *pData, const char *pcFile, u32 uiLine);
 
-/* Deletes the record under *puiKey. No such key: not 0. */
+/* Deletes the record under *puiKey. Not 0: no such key, a null puiKey, a handle that is none, or a database
+ * that cannot be written. */
 u32 DB_Del(void *pDb, const u32 *puiKey);
 
 #pragma GCC visibility pop

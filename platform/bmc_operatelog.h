@@ -1,6 +1,8 @@
-/* Platform: operation log.
+/*
+ * Platform: operation log.
  *
- * What was done to the controller, for its operators.
+ * What was done to the controller, for its operators. May be called from any thread; processes that log at
+ * the same time do not disturb each other's entries.
  */
 #ifndef BMC_OPERATELOG_H
 #define BMC_OPERATELOG_H
@@ -12,7 +14,11 @@ extern "C" {
 #endif
 #pragma GCC visibility push(default)
 
-/* Appends one entry. uiResult: 99 success, 67 failure. ucSource is passed through. 0 for success. */
+/*
+ * Appends one entry: the text with the moment and the other arguments. uiResult: 99 success, 67 failure.
+ * uiLine is the caller's source line. ucSource is passed through. pcText is copied; a null one reads as an
+ * empty text. 0 for success; not 0: the entry could not be written, and then nothing of it was.
+ */
 u32 OPERATELOG_AddLogComm(u32 uiModule, u32 uiResult, const char *pcText, u32 uiArg1, u32 uiArg2, u32 uiLine,
                           u8 ucSource);
 

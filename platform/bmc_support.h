@@ -1,7 +1,9 @@
-/* Platform: support library.
+/*
+ * Platform: support library.
  *
  * Logging, bounded text, checksums, files and directories, time, OEM flag. Every call may be made from any
- * thread. Results are u32, 0 for success, unless said otherwise.
+ * thread. Results are u32, 0 for success, unless said otherwise. Buffers are the caller's; a pointer may be
+ * null only where that is said. Paths are the controller's, from its top.
  */
 #ifndef BMC_SUPPORT_H
 #define BMC_SUPPORT_H
@@ -20,13 +22,14 @@ extern "C" {
 #define BMC_DIAG_INFO 6U    /* progress and success */
 #define BMC_DIAG_DEBUG 7U   /* null pointers and debug counts */
 
-/* Writes one message to the diagnostic log. pcFile and pcFormat are never null. */
+/* Writes one message to the diagnostic log: the text that pcFormat and its arguments make, of any length, in
+ * one piece. pcFile and pcFormat are never null. errno stays as it is. */
 void BMC_DiagLogOut(u32 uiModule, u32 uiCategory, u32 uiSeverity, u32 uiLine, const char *pcFile,
                     const char *pcFormat, ...) __attribute__((format(printf, 6, 7)));
 
 /*
- * Formats into pcBuf of uiSize bytes (above 0), always terminated. Returns the characters stored, the NUL not
- * counted: at most uiSize - 1.
+ * Formats into pcBuf of uiSize bytes, always terminated; uiSize 0 writes nothing. Returns the characters
+ * stored, the NUL not counted: at most uiSize - 1; 0 also when the text cannot be formatted.
  */
 i32 BMC_Scnprintf(char *pcBuf, u32 uiSize, const char *pcFormat, ...) __attribute__((format(printf, 3, 4)));
 
@@ -37,10 +40,12 @@ i32 BMC_Scnprintf(char *pcBuf, u32 uiSize, const char *pcFormat, ...) __attribut
  */
 u32 BMC_Strlcpy(char *pcDest, const char *pcSrc, u32 uiSize);
 
-/* Appends at most uiCount characters of pcSrc and a NUL to the text in pcDest. Returns the new length. */
+/* Appends at most uiCount characters of pcSrc and a NUL to the text in pcDest, which has room for them. A
+ * null pcSrc reads as an empty text. Returns the new length. */
 u32 BMC_Strlcat(char *pcDest, const char *pcSrc, u32 uiCount);
 
-/* Returns the byte that makes the sum of the uiLen bytes and itself 0 modulo 256; 0 for uiLen 0. */
+/* Returns the byte that makes the sum of the uiLen bytes and itself 0 modulo 256; 0 for uiLen 0, when pucBuf
+ * may be null (here and in the next three). */
 u8 BMC_CalcZeroCheckSum(const u8 *pucBuf, u32 uiLen);
 
 /* 0 when the uiLen bytes sum to 0 modulo 256, else not 0. */
@@ -52,29 +57,34 @@ u8 BMC_CalcCRC8CheckSum(const u8 *pucBuf, u32 uiLen);
 /* 0 when the CRC-8 of the uiLen bytes is ucCrc, else not 0. */
 u32 BMC_CheckCRC8(u8 ucCrc, const u8 *pucBuf, u32 uiLen);
 
-/* Size of a file in bytes; negative: no such file. */
+/* Size of a file in bytes; negative: no such file, no regular one, or larger than 2^31 - 1 bytes. */
 i32 BMC_GetFileSize(const char *pcPath);
 
-/* Reads exactly uiLen bytes from the start of a file into pucBuf; a shorter file is a failure. */
+/* Reads exactly uiLen bytes from the start of a regular file into pucBuf. Not 0, and pucBuf undefined: no
+ * such file, or a shorter one. */
 u32 BMC_ReadFile(const char *pcPath, u8 *pucBuf, u32 uiLen);
 
-/* Creates a directory and its parents; 0 also when it is there already. */
+/* Creates a directory (mode 0755) and its parents; 0 also when it is there already. Not 0: something else has
+ * that name, or it cannot be made. */
 u32 BMC_Mkdir(const char *pcPath);
 
-/* 1 when the directory exists and can be written to, else another value. */
+/* 1 when the directory exists and can be read, searched and written to, else another value. */
 u32 BMC_CheckDirVaildStatus(const char *pcPath);
 
-/* Copies a file with its permission bits, replacing pcDest whole or not at all. A missing directory is a
- * failure. */
+/* Copies a regular file with its permission bits, replacing pcDest whole or not at all, whatever happens
+ * meanwhile. Not 0, and pcDest as it was: no such file, no directory for pcDest, or it cannot be written. */
 u32 BMC_CopyFileWithAllMode(const char *pcSrc, const char *pcDest);
 
 /*
  * Formats Unix time uiTimeStamp (seconds, UTC) into pcOut as "YYYY-MM-DD HH:MM:SS"; pcOut holds at least 32
- * bytes. uiArg is the caller's; on the desk 0 is UTC and anything else the process's time zone.
+ * bytes. uiArg is the caller's; on the desk 0 is UTC and anything else the process's time zone. Not 0: a null
+ * pcOut, or a moment that cannot be told.
  */
 u32 BMC_TimeStampToIsoTime(u32 uiTimeStamp, u32 uiArg, char *pcOut);
 
-/* The OEM flag of this controller; 3: OEM mode. */
+/* The OEM flag of this controller; 3: OEM mode. 0 when nothing is said. On the desk it is "OemFlag" of
+ * section
+ * "[OEM]" in conf/capability.ini. */
 u32 BMC_GetOemFlag(void);
 
 #pragma GCC visibility pop

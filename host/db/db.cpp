@@ -5,10 +5,12 @@
 // beside the data does the same work: writers alone, readers together, and the kernel drops the lock with its
 // process. What LMDB gives is the copy-on-write file itself: until a commit has put its one meta page down,
 // nobody sees a byte of it.
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
 #include <lmdb.h>
+#include <pthread.h>
 #include <sys/file.h>
 #include <unistd.h>
 
@@ -19,6 +21,7 @@ namespace {
 
 // Room for every image at its largest (256 x 64 KiB) with its copy; small enough for a 32-bit address space.
 constexpr size_t g_uiMapSize = size_t{64} << 20U;
+constexpr uint64_t g_uiGrowPages = 256; // the file grows by so much at a time
 // No second sync for the meta page: after a power cut the last write may be missing, nothing more.
 constexpr unsigned g_uiEnvFlags = MDB_NOSUBDIR | MDB_NOLOCK | MDB_NOTLS | MDB_NOMETASYNC;
 
@@ -62,6 +65,52 @@ __attribute__((constructor)) void RegisterForkHandler()
     (void)pthread_atfork(nullptr, nullptr, InChild);
 }
 
+// Bytes that the file must have for LMDB's next uiNewPages pages, those in use included.
+uint64_t NeededBytes(MDB_env *pstEnv, uint64_t uiNewPages)
+{
+    MDB_envinfo stInfo = {};
+    MDB_stat stStat = {};
+    (void)mdb_env_info(pstEnv, &stInfo); // these fail for null pointers only
+    (void)mdb_env_stat(pstEnv, &stStat);
+    return std::min<uint64_t>((stInfo.me_last_pgno + 1U + uiNewPages) * stStat.ms_psize, g_uiMapSize);
+}
+
+// The file's length; negative with errno set.
+off_t FileBytes(MDB_env *pstEnv)
+{
+    mdb_filehandle_t iFd = -1;
+    struct stat stStat = {};
+    return mdb_env_get_fd(pstEnv, &iFd) == MDB_SUCCESS && fstat(iFd, &stStat) == 0 ? stStat.st_size : -1;
+}
+
+// A page in use that lies beyond the file's end would be a bus error when it is read. LMDB itself may leave
+// the file shorter than its count of pages, so every put lengthens it first; what is short then has been cut.
+int CheckWhole(MDB_env *pstEnv)
+{
+    const off_t iBytes = FileBytes(pstEnv);
+    if (iBytes < 0) {
+        return errno;
+    }
+    return static_cast<uint64_t>(iBytes) >= NeededBytes(pstEnv, 0) ? MDB_SUCCESS : MDB_CORRUPTED;
+}
+
+int Lengthen(MDB_env *pstEnv, u32 uiRecordLen)
+{
+    // The record's own pages, and more than a transaction's path through two trees can take. The new end is a
+    // hole.
+    const uint64_t uiPages = uiRecordLen / 4096U + 1U + 128U;
+    const off_t iBytes = FileBytes(pstEnv);
+    if (iBytes < 0) {
+        return errno;
+    }
+    if (static_cast<uint64_t>(iBytes) >= NeededBytes(pstEnv, uiPages)) {
+        return MDB_SUCCESS;
+    }
+    mdb_filehandle_t iFd = -1;
+    const off_t iNew = static_cast<off_t>(NeededBytes(pstEnv, uiPages + g_uiGrowPages));
+    return mdb_env_get_fd(pstEnv, &iFd) == MDB_SUCCESS && ftruncate(iFd, iNew) == 0 ? MDB_SUCCESS : errno;
+}
+
 // An LMDB code, 0 for success.
 int OpenEnvironment(const std::string &strFile, MDB_env **ppstEnv, MDB_dbi *puiDbi)
 {
@@ -74,6 +123,9 @@ int OpenEnvironment(const std::string &strFile, MDB_env **ppstEnv, MDB_dbi *puiD
     iRet = mdb_env_set_mapsize(pstEnv, g_uiMapSize);
     if (iRet == MDB_SUCCESS) {
         iRet = mdb_env_open(pstEnv, strFile.c_str(), g_uiEnvFlags, 0644);
+    }
+    if (iRet == MDB_SUCCESS) {
+        iRet = CheckWhole(pstEnv);
     }
     if (iRet == MDB_SUCCESS) {
         iRet = mdb_txn_begin(pstEnv, nullptr, 0, &pstTxn);
@@ -174,16 +226,27 @@ bool EnsureOpen()
     return OpenDb();
 }
 
-// Runs fnWork in a transaction, alone for writing, and commits it. An LMDB code.
-template <typename WORK> int InTransaction(bool bWrite, WORK fnWork)
+enum class ACCESS_E
 {
+    READ,
+    PUT,
+    DELETE
+};
+
+// Runs fnWork in a transaction, alone for writing, and commits it. An LMDB code.
+template <typename WORK> int InTransaction(ACCESS_E enAccess, u32 uiRecordLen, WORK fnWork)
+{
+    const bool bWrite = enAccess != ACCESS_E::READ;
     const host::FILE_LOCK lock(g_stDb.iLockFd, bWrite ? LOCK_EX : LOCK_SH);
     if (!lock) {
         return errno;
     }
+    int iRet = bWrite ? Lengthen(g_stDb.pstEnv, uiRecordLen) : MDB_SUCCESS;
+    if (iRet != MDB_SUCCESS) {
+        return iRet;
+    }
     MDB_txn *pstTxn = nullptr;
-    int iRet =
-        mdb_txn_begin(g_stDb.pstEnv, nullptr, bWrite ? 0U : static_cast<unsigned>(MDB_RDONLY), &pstTxn);
+    iRet = mdb_txn_begin(g_stDb.pstEnv, nullptr, bWrite ? 0U : static_cast<unsigned>(MDB_RDONLY), &pstTxn);
     if (iRet != MDB_SUCCESS) {
         g_stDb.bBroken = true;
         return iRet;
@@ -199,8 +262,10 @@ template <typename WORK> int InTransaction(bool bWrite, WORK fnWork)
 }
 
 // What all three calls do: check the handle, lock, open what must be opened anew.
-template <typename WORK> u32 WithDb(const void *pDb, bool bWrite, const char *pcWhat, u32 uiKey, WORK fnWork)
+template <typename WORK>
+u32 WithDb(const void *pDb, ACCESS_E enAccess, u32 uiKey, u32 uiRecordLen, WORK fnWork)
 {
+    static constexpr const char *apcWhat[] = {"reading", "writing", "deleting"};
     return host::Shield(host::g_uiFailed, [&] {
         if (pDb != &g_stDb) {
             return host::g_uiFailed;
@@ -209,9 +274,10 @@ template <typename WORK> u32 WithDb(const void *pDb, bool bWrite, const char *pc
         if (!EnsureOpen()) {
             return host::g_uiFailed;
         }
-        const int iRet = InTransaction(bWrite, fnWork);
+        const int iRet = InTransaction(enAccess, uiRecordLen, fnWork);
         if (iRet != MDB_SUCCESS && iRet != MDB_NOTFOUND) {
-            HOST_LOG(BMC_DIAG_ERROR, "%s record %#x: %s", pcWhat, uiKey, mdb_strerror(iRet));
+            HOST_LOG(BMC_DIAG_ERROR, "%s record %#x: %s", apcWhat[static_cast<size_t>(enAccess)], uiKey,
+                     mdb_strerror(iRet));
         }
         return iRet == MDB_SUCCESS ? 0U : host::g_uiFailed;
     });
@@ -234,7 +300,7 @@ u32 DB_Get(void *pDb, u32 uiKey, u32 uiLen, void *pData)
     if (pData == nullptr && uiLen != 0U) {
         return host::g_uiFailed;
     }
-    return WithDb(pDb, false, "reading", uiKey, [&](MDB_txn *pstTxn) {
+    return WithDb(pDb, ACCESS_E::READ, uiKey, uiLen, [&](MDB_txn *pstTxn) {
         MDB_val stKey = {sizeof(uiKey), &uiKey};
         MDB_val stData = {0, nullptr};
         const int iRet = mdb_get(pstTxn, g_stDb.uiDbi, &stKey, &stData);
@@ -256,7 +322,7 @@ u32 DB_PutInternal(void *pDb, u32 uiKey, u32 uiLen, const void *pData, const cha
     if (pData == nullptr && uiLen != 0U) {
         return host::g_uiFailed;
     }
-    const u32 uiResult = WithDb(pDb, true, "writing", uiKey, [&](MDB_txn *pstTxn) {
+    const u32 uiResult = WithDb(pDb, ACCESS_E::PUT, uiKey, uiLen, [&](MDB_txn *pstTxn) {
         MDB_val stKey = {sizeof(uiKey), &uiKey};
         MDB_val stData = {uiLen, const_cast<void *>(pData)};
         return mdb_put(pstTxn, g_stDb.uiDbi, &stKey, &stData, 0);
@@ -274,7 +340,7 @@ u32 DB_Del(void *pDb, const u32 *puiKey)
         return host::g_uiFailed;
     }
     u32 uiKey = *puiKey;
-    return WithDb(pDb, true, "deleting", uiKey, [&](MDB_txn *pstTxn) {
+    return WithDb(pDb, ACCESS_E::DELETE, uiKey, 0, [&](MDB_txn *pstTxn) {
         MDB_val stKey = {sizeof(uiKey), &uiKey};
         return mdb_del(pstTxn, g_stDb.uiDbi, &stKey, nullptr);
     });

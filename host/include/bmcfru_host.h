@@ -17,8 +17,7 @@ extern "C" {
 #endif
 #pragma GCC visibility push(default)
 
-/* ---- the root and what lies in it (controller's paths) ----------------------------------------------------
- */
+/* ---- the root and what lies in it (controller's paths) ---- */
 
 #define BMCHOST_DB_DIR "/var/lib/fru/db"                         /* the database, made when first opened */
 #define BMCHOST_EEPROM_DIR "/eeprom"                             /* one image file for each chip */
@@ -48,8 +47,7 @@ const char *BMCHOST_GetRoot(void);
  */
 u32 BMCHOST_ResolvePath(const char *pcPath, size_t uiSize, char *pcOut);
 
-/* ---- diagnostics ------------------------------------------------------------------------------------------
- */
+/* ---- diagnostics ---- */
 
 #define BMCHOST_DIAG_MODULE 1U /* uiModule of the platform's own messages */
 
@@ -76,8 +74,7 @@ void BMCHOST_SetDiagSink(void (*pfnSink)(const BMCHOST_DIAG_S *pstDiag, void *pC
 /* A sink that writes to syslog, for services. pContext is not used. */
 void BMCHOST_DiagToSyslog(const BMCHOST_DIAG_S *pstDiag, void *pContext);
 
-/* ---- EEPROM images ----------------------------------------------------------------------------------------
- */
+/* ---- EEPROM images ---- */
 
 #define BMCHOST_EEPROM_PAGE 32U /* bytes that a chip writes at once */
 

@@ -5,6 +5,7 @@
 #include <cstring>
 #include <ctime>
 #include <fcntl.h>
+#include <memory>
 #include <sys/file.h>
 #include <unistd.h>
 
@@ -122,27 +123,49 @@ std::string DirectoryOf(const std::string &strPath)
     return uiSlash == std::string::npos ? "." : strPath.substr(0, uiSlash == 0U ? 1U : uiSlash);
 }
 
-int ReplaceFile(const std::string &strPath, std::string_view svContent, mode_t uiMode)
+namespace {
+
+// Fills the temporary file and gives it what the old one had; an errno value.
+int Finish(FD fd, std::string_view svContent, const struct stat *pstOld, mode_t uiMode)
 {
-    struct stat stStat;
-    if (uiMode == g_uiKeepMode) {
-        uiMode = stat(strPath.c_str(), &stStat) == 0 ? stStat.st_mode & 07777U : 0644U;
-    }
-    std::string strTemp = DirectoryOf(strPath) + "/.bmchost.XXXXXX";
-    FD fd(mkostemp(strTemp.data(), O_CLOEXEC));
-    if (!fd) {
-        return errno;
-    }
     int iError = WriteWhole(fd.Get(), svContent.data(), svContent.size());
+    if (iError == 0 && pstOld != nullptr) {
+        // A file edited by root stays its owner's; others may not give files away, and need not.
+        (void)!fchown(fd.Get(), pstOld->st_uid, pstOld->st_gid);
+    }
     // The content is on the disk before the name points to it: a power cut leaves the old file or the new
     // one.
     if (iError == 0 && (fchmod(fd.Get(), uiMode) != 0 || fsync(fd.Get()) != 0)) {
         iError = errno;
     }
-    if (iError == 0 && close(fd.Release()) != 0) {
+    if (close(fd.Release()) != 0 && iError == 0) {
         iError = errno;
     }
-    if (iError == 0 && rename(strTemp.c_str(), strPath.c_str()) != 0) {
+    return iError;
+}
+
+} // namespace
+
+int ReplaceFile(const std::string &strPath, std::string_view svContent, mode_t uiMode)
+{
+    // A link stays, and what it leads to is replaced.
+    const std::unique_ptr<char, decltype(&free)> upReal(realpath(strPath.c_str(), nullptr), free);
+    const std::string strTarget = upReal == nullptr ? strPath : upReal.get();
+    struct stat stOld;
+    const bool bOld = stat(strTarget.c_str(), &stOld) == 0;
+    if (bOld && !S_ISREG(stOld.st_mode)) {
+        return S_ISDIR(stOld.st_mode) ? EISDIR : EINVAL;
+    }
+    if (uiMode == g_uiKeepMode) {
+        uiMode = bOld ? stOld.st_mode & 07777U : 0644U;
+    }
+    std::string strTemp = DirectoryOf(strTarget) + "/.bmchost.XXXXXX";
+    FD fd(mkostemp(strTemp.data(), O_CLOEXEC));
+    if (!fd) {
+        return errno;
+    }
+    int iError = Finish(std::move(fd), svContent, bOld ? &stOld : nullptr, uiMode);
+    if (iError == 0 && rename(strTemp.c_str(), strTarget.c_str()) != 0) {
         iError = errno;
     }
     if (iError != 0) {
