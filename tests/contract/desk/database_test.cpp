@@ -101,7 +101,7 @@ int PutWithinLimit(rlim_t uiLimit, u32 uiLen)
 TEST_F(DatabaseFiles, AFullDiskFailsThePutAndKeepsTheRecords)
 {
     ASSERT_EQ(Put(1, 2048, 1), 0U);
-    const rlim_t uiSize = std::filesystem::file_size(controller::RealPath(g_acData));
+    const auto uiSize = static_cast<rlim_t>(std::filesystem::file_size(controller::RealPath(g_acData)));
     // The file cannot grow; then even the pages that it has room for cannot be written.
     EXPECT_EQ(controller::Await(controller::Spawn([&] { return PutWithinLimit(uiSize, 3000000); })), 0);
     EXPECT_EQ(controller::Await(controller::Spawn([] { return PutWithinLimit(20000, 60000); })), 0);

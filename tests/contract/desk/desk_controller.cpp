@@ -73,8 +73,11 @@ void LayChip(u8 ucType, const void *pLocation, const BYTES &vecContent)
 
 BYTES ChipContent(u8 ucType, const void *pLocation)
 {
-    std::ifstream file(ChipPath(ucType, pLocation), std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+    const std::string strPath = ChipPath(ucType, pLocation);
+    BYTES vecContent(static_cast<size_t>(std::filesystem::file_size(strPath)));
+    std::ifstream(strPath, std::ios::binary)
+        .read(reinterpret_cast<char *>(vecContent.data()), static_cast<std::streamsize>(vecContent.size()));
+    return vecContent;
 }
 
 void ProtectChip(u8 ucType, const void *pLocation)

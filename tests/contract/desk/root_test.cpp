@@ -105,7 +105,8 @@ int DefaultRootIs(const char *pcWanted)
 TEST(RootDefault, ComesFromTheEnvironment)
 {
     // This process has not asked yet only when the test runs alone, so the children start the program anew.
-    const std::string strProgram = std::filesystem::read_symlink("/proc/self/exe");
+    const std::string strProgram =
+        BMCFRU_EMULATOR " " + std::filesystem::read_symlink("/proc/self/exe").string();
     const char *pcCase = getenv("BMCFRU_ROOT_CASE");
     if (pcCase != nullptr) {
         EXPECT_EQ(DefaultRootIs(pcCase), 0) << BMCHOST_GetRoot();
