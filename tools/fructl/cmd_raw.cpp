@@ -11,12 +11,40 @@ namespace {
 // The largest response: completion code, count and 255 bytes.
 constexpr size_t RESPONSE_MAX = 257U;
 
+// Data bytes of one write request; the answer tells their number in one byte.
+constexpr size_t WRITE_MAX = 255U;
+
 struct RAW_READ_S
 {
     TARGET_OPTIONS_S stTarget;
     std::string strOffset = "0";
     std::string strCount = "16";
 };
+
+struct RAW_WRITE_S
+{
+    TARGET_OPTIONS_S stTarget;
+    std::string strOffset;
+    std::vector<std::string> vecBytes;
+};
+
+std::vector<u8> HexOption(const std::string &strText)
+{
+    std::string strDigits;
+    for (const char cChar : strText) {
+        strDigits += (cChar == ' ') ? "" : std::string(1U, cChar);
+    }
+    const bool bHex = strDigits.find_first_not_of("0123456789abcdefABCDEF") == std::string::npos;
+    if (!bHex || strDigits.empty() || strDigits.size() % 2U != 0U || strDigits.size() / 2U > WRITE_MAX) {
+        FailUsage("--bytes " + EscapeText(strText) +
+                  Format(" is refused; accepted: 1 to %zu bytes of two hex digits each", WRITE_MAX));
+    }
+    std::vector<u8> vecBytes;
+    for (size_t i = 0; i < strDigits.size(); i += 2U) {
+        vecBytes.push_back(static_cast<u8>(std::stoul(strDigits.substr(i, 2U), nullptr, 16)));
+    }
+    return vecBytes;
+}
 
 void RunInfo(const SESSION_S &stSession, const TARGET_OPTIONS_S &stOptions)
 {
@@ -40,6 +68,42 @@ void RunRead(const SESSION_S &stSession, const RAW_READ_S &stOptions)
     vecResponse.resize(
         LIB_FRU_ReadFRUData(vecRequest.data(), static_cast<u8>(vecRequest.size()), vecResponse.data(), 0U));
     ReportExchange(stSession, "Read FRU Data", vecRequest, vecResponse);
+}
+
+void RunWrite(const SESSION_S &stSession, const RAW_WRITE_S &stOptions)
+{
+    const u32 uiOffset = NumberOption("--offset", stOptions.strOffset, 0xFFFFU);
+    const std::vector<u8> vecData = HexOption(Join(stOptions.vecBytes, ""));
+    std::vector<u8> vecRequest(vecData.size() + 3U);
+    vecRequest[0] = ResolveDeviceID(stSession, stOptions.stTarget);
+    vecRequest[1] = static_cast<u8>(uiOffset);
+    vecRequest[2] = static_cast<u8>(uiOffset >> 8U);
+    std::copy(vecData.begin(), vecData.end(), vecRequest.begin() + 3);
+    std::vector<u8> vecResponse(RESPONSE_MAX);
+    const ROOT_LOCK stLock(stSession);
+    vecResponse.resize(
+        LIB_FRU_WriteFRUData(vecRequest.data(), static_cast<u32>(vecRequest.size()), vecResponse.data()));
+    ReportExchange(stSession, "Write FRU Data", vecRequest, vecResponse);
+}
+
+void AddWrite(CLI::App &stRaw, SESSION_S &stSession)
+{
+    const auto pstWrite = std::make_shared<RAW_WRITE_S>();
+    CLI::App *pstCommand =
+        AddCommand(stRaw, "write", "Write FRU Data: bytes as they are, nothing is checked or recomputed",
+                   "fructl raw write baseboard --offset 0x20 --bytes \"c4 54 45 53 54\"\n"
+                   "fructl raw write --id 2 --offset 0 --bytes 01");
+    AddTargetOptions(pstCommand, pstWrite->stTarget, false);
+    pstCommand->add_option("--offset", pstWrite->strOffset, "first byte, 0 to 0xffff")
+        ->type_name("N")
+        ->required();
+    pstCommand
+        ->add_option("--bytes", pstWrite->vecBytes, "up to 255 bytes in hex, blanks between them or not")
+        ->type_name("HEX")
+        ->required();
+    pstCommand->callback([&stSession, pstWrite] {
+        stSession.fnRun = [&stSession, pstWrite] { RunWrite(stSession, *pstWrite); };
+    });
 }
 
 } // namespace
@@ -101,4 +165,5 @@ void AddRawCommand(CLI::App &stParent, SESSION_S &stSession)
         ->capture_default_str();
     pstReadCommand->callback(
         [&stSession, pstRead] { stSession.fnRun = [&stSession, pstRead] { RunRead(stSession, *pstRead); }; });
+    AddWrite(*pstRaw, stSession);
 }

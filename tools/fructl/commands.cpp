@@ -2,9 +2,21 @@
 
 namespace {
 
+// One a line, in the order of the help, with what a group of them is about.
 constexpr void (*g_apfnCommands[])(CLI::App &stParent, SESSION_S &stSession) = {
-    AddProvisionCommand, AddListCommand,    AddShowCommand, AddVerifyCommand,
-    AddMapCommand,       AddRecoverCommand, AddRawCommand,  AddServeCommand,
+    AddProvisionCommand,  // made once
+    AddListCommand,       // read
+    AddShowCommand,       //
+    AddVerifyCommand,     //
+    AddMapCommand,        //
+    AddClearCommand,      // written
+    AddRecoverCommand,    //
+    AddRawCommand,        // bytes
+    AddDateCommand,       //
+    AddTestResultCommand, // the controller as a whole
+    AddFeaturesCommand,   //
+    AddMonitorCommand,    //
+    AddServeCommand,      //
 };
 
 } // namespace

@@ -27,5 +27,10 @@ void AddMapCommand(CLI::App &stParent, SESSION_S &stSession);
 void AddRecoverCommand(CLI::App &stParent, SESSION_S &stSession);
 void AddRawCommand(CLI::App &stParent, SESSION_S &stSession);
 void AddServeCommand(CLI::App &stParent, SESSION_S &stSession);
+void AddClearCommand(CLI::App &stParent, SESSION_S &stSession);
+void AddTestResultCommand(CLI::App &stParent, SESSION_S &stSession);
+void AddFeaturesCommand(CLI::App &stParent, SESSION_S &stSession);
+void AddDateCommand(CLI::App &stParent, SESSION_S &stSession);
+void AddMonitorCommand(CLI::App &stParent, SESSION_S &stSession);
 
 #endif

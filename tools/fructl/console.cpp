@@ -3,9 +3,11 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <sys/mman.h>
 #include <unistd.h>
 
 static bool g_bColour = false;
+static FILE *g_pstOutput; // null: stdout itself
 
 bool WantsColour(int iFd)
 {
@@ -69,7 +71,51 @@ std::string TABLE::Text() const
     return strOut;
 }
 
+// Where Print() writes: standard output as the user gave it.
+static FILE *Output()
+{
+    return g_pstOutput == nullptr ? stdout : g_pstOutput;
+}
+
 void Print(const std::string &strText)
 {
-    fwrite(strText.data(), 1U, strText.size(), stdout);
+    fwrite(strText.data(), 1U, strText.size(), Output());
+}
+
+void SeparateLibraryOutput()
+{
+    fflush(stdout);
+    const int iMemory = memfd_create("library-output", MFD_CLOEXEC);
+    const int iOutput = dup(STDOUT_FILENO);
+    if (iMemory < 0 || iOutput < 0) {
+        return; // mixed output is better than none
+    }
+    g_pstOutput = fdopen(iOutput, "w");
+    if (g_pstOutput != nullptr && dup2(iMemory, STDOUT_FILENO) >= 0) {
+        setvbuf(g_pstOutput, nullptr, isatty(iOutput) == 1 ? _IOLBF : _IOFBF, BUFSIZ);
+    }
+    close(iMemory);
+}
+
+std::string TakeLibraryOutput()
+{
+    fflush(stdout);
+    std::string strText;
+    if (g_pstOutput == nullptr) {
+        return strText;
+    }
+    char acChunk[512];
+    for (ssize_t iRead;
+         (iRead = pread(STDOUT_FILENO, acChunk, sizeof(acChunk), static_cast<off_t>(strText.size()))) > 0;) {
+        strText.append(acChunk, static_cast<size_t>(iRead));
+    }
+    if (ftruncate(STDOUT_FILENO, 0) == 0) {
+        lseek(STDOUT_FILENO, 0, SEEK_SET);
+    }
+    return strText;
+}
+
+bool FlushOutput()
+{
+    return fflush(Output()) == 0 && ferror(Output()) == 0;
 }

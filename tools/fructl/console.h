@@ -50,4 +50,12 @@ class TABLE
 // Writes to standard output.
 void Print(const std::string &strText);
 
+// Keeps what the library itself prints (reports of its allocation guard, notes of the MultiRecord merge)
+// apart from what Print() writes, so that --json stays JSON. From then on TakeLibraryOutput() has it.
+void SeparateLibraryOutput();
+std::string TakeLibraryOutput();
+
+// False when something could not be written to standard output.
+bool FlushOutput();
+
 #endif

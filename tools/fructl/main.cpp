@@ -25,7 +25,7 @@ Exit code: 0 done, 1 the operation failed, 2 wrong usage.
 void Complain(const std::string &strLine)
 {
     // Whatever was printed so far comes first.
-    fflush(stdout);
+    (void)FlushOutput();
     std::string strOut = strLine;
     for (char &cChar : strOut) {
         cChar = (cChar == '\n') ? ' ' : cChar;
@@ -74,6 +74,15 @@ std::string UsageText(const CLI::App &stApp, const CLI::ParseError &stError)
     return strWhat + "; '" + strName + " --help' tells more";
 }
 
+// What the library printed belongs to its diagnostics.
+void ShowLibraryOutput(const SESSION_S &stSession)
+{
+    const std::string strText = TakeLibraryOutput();
+    if (stSession.bVerbose && !strText.empty()) {
+        fprintf(stderr, "[stdout] %s\n", EscapeText(strText).c_str());
+    }
+}
+
 int Run(int iArgc, char **ppcArgv)
 {
     SESSION_S stSession;
@@ -87,9 +96,10 @@ int Run(int iArgc, char **ppcArgv)
     try {
         stApp.parse(iArgc, ppcArgv);
         OpenSession(stSession);
+        SeparateLibraryOutput();
         stSession.fnRun();
-        fflush(stdout);
-        if (ferror(stdout) != 0) {
+        ShowLibraryOutput(stSession);
+        if (!FlushOutput()) {
             Fail("standard output could not be written");
         }
         return EXIT_CODE_OK;
@@ -101,6 +111,7 @@ int Run(int iArgc, char **ppcArgv)
         Complain(UsageText(stApp, stError));
         return EXIT_CODE_USAGE;
     } catch (const FRUCTL_ERROR &stError) {
+        ShowLibraryOutput(stSession);
         Complain(stError.what());
         return stError.Code();
     }
