@@ -1,5 +1,8 @@
 // The label write when something fails: what the image, the block and the log are left with.
 #include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
 
 #include <gtest/gtest.h>
 
@@ -193,6 +196,64 @@ TEST(LabelWriteFailure, ADamagedImageWithoutAStoredOneIsNotWritten)
                                  Line(2U, "Get ElectronicLabel failed! Ret:0x81000001.")}));
     EXPECT_EQ(label::OnChip(stDevice), vecDamaged);
     EXPECT_TRUE(fake::Calls("EEPROM write").empty());
+}
+
+TEST(LabelWriteFailure, AnImageWithADamagedMultiRecordAreaIsNotWritten)
+{
+    // Such an image decodes without its MultiRecords; writing it back would lose them.
+    for (const size_t uiDamaged : {size_t{2}, size_t{6}, size_t{14}}) { // a header, its data, the next header
+        fake::Reset();
+        const DEVICE_S stDevice;
+        fake::BYTES vecImage = label::Encode({}, stDevice.usSize);
+        vecImage[vecImage[5] * size_t{8} + uiDamaged] ^= 0x10U;
+        label::Provision(stDevice, vecImage);
+        FRU_SET_PARA_S stBlock = Request(stDevice, "Board Serial Number", "BSN-2");
+        EXPECT_EQ(LIB_FRU_WriteElectronicLabel(&stBlock), 0x29000005U);
+        EXPECT_EQ(Failures(), (LINES{Line(2U, "Write FRU array data failed! Ret:0x29000007."),
+                                     Line(2U, "Set ElectronicLabel failed! Ret:0x81000001.")}));
+        EXPECT_EQ(label::OnChip(stDevice), vecImage);
+        EXPECT_EQ(label::InCache(stDevice), vecImage);
+    }
+}
+
+TEST(LabelWriteFailure, ImagesOfOtherMakersKeepAllTheirFields)
+{
+    u32 uiWritten = 0;
+    std::error_code ec;
+    for (const auto &entry : std::filesystem::directory_iterator(BMCFRU_CORPUS_DIR, ec)) {
+        if (entry.path().extension() != ".bin" || entry.file_size() > 4096U) {
+            continue;
+        }
+        SCOPED_TRACE(entry.path().filename().string());
+        fake::Reset();
+        std::ifstream stream(entry.path(), std::ios::binary);
+        fake::BYTES vecImage{std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
+        vecImage.resize(vecImage.size() + 512U, 0xFFU); // such images fill a part of their chip
+        DEVICE_S stDevice;
+        stDevice.usSize = static_cast<u16>(vecImage.size());
+        FIELDS mapExpected = label::Decode(vecImage);
+        label::Provision(stDevice, vecImage);
+        FRU_SET_PARA_S stBlock = Request(stDevice, "Product Asset Tag", "a new tag");
+        const u32 uiResult = LIB_FRU_WriteElectronicLabel(&stBlock);
+        if (uiResult != 0U) { // not decodable, or not encodable without a loss
+            EXPECT_EQ(label::OnChip(stDevice), vecImage);
+            EXPECT_EQ(label::InCache(stDevice), vecImage);
+            continue;
+        }
+        ++uiWritten;
+        if (mapExpected["has.product"] == "no") {
+            mapExpected["has.product"] = "yes";
+            for (const char *pcText : {"manufacturer", "name", "part", "version", "serial", "file"}) {
+                mapExpected[std::string("product.") + pcText] = "";
+            }
+        }
+        mapExpected["product.tag"] = "a new tag";
+        EXPECT_EQ(label::Decode(label::OnChip(stDevice)), mapExpected);
+        EXPECT_TRUE(label::CacheMatchesChip(stDevice));
+    }
+    if (uiWritten == 0U) {
+        GTEST_SKIP() << "no images here";
+    }
 }
 
 // ---- whatever fails
