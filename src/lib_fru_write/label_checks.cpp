@@ -1,4 +1,6 @@
 // Which label names a device accepts, and which values a label accepts.
+#include "label_checks.h"
+
 #include <cctype>
 #include <cstdio>
 #include <cstdlib>
@@ -37,22 +39,6 @@ const char *const g_apcDatePatterns[] = {
 };
 const char g_acDateBound[] = "2025-12-31";
 const char g_acMacPattern[] = "^([0-9a-fA-F]{2})(([0-9a-fA-F]{2}){5})$";
-
-u32 checkRegularExpressionCorrect(const char *pcValue, const char *pcPattern)
-{
-    if (pcValue == nullptr) {
-        FRU_LOG_NULL("pcValue");
-        return 0U;
-    }
-    regex_t stRegex;
-    if (regcomp(&stRegex, pcPattern, REG_EXTENDED) != 0) {
-        return 0U;
-    }
-    regmatch_t stMatch;
-    const int iResult = regexec(&stRegex, pcValue, 1U, &stMatch, 0);
-    regfree(&stRegex);
-    return iResult == 0 ? 1U : 0U;
-}
 
 bool IsChassisType(char *pcValue)
 {
@@ -162,6 +148,22 @@ bool IsNormal(const VALUE_RULE_S &stRule, const char *pcName, char *pcValue)
 }
 
 } // namespace
+
+u32 checkRegularExpressionCorrect(const char *pcValue, const char *pcPattern)
+{
+    if (pcValue == nullptr) {
+        FRU_LOG_NULL("pcValue");
+        return 0U;
+    }
+    regex_t stRegex;
+    if (regcomp(&stRegex, pcPattern, REG_EXTENDED) != 0) {
+        return 0U;
+    }
+    regmatch_t stMatch;
+    const int iResult = regexec(&stRegex, pcValue, 1U, &stMatch, 0);
+    regfree(&stRegex);
+    return iResult == 0 ? 1U : 0U;
+}
 
 u32 isLabelNameValid(const FRU_SET_PARA_S *pstFRUSetPara)
 {

@@ -43,6 +43,14 @@ inline std::unique_ptr<char[]> Exactly(const std::string &strText)
     return upBuffer;
 }
 
+// What the date check says of its four patterns.
+inline std::string DateReport(int iNotFill, int iNotFillExt, int iFill, int iFillExt)
+{
+    return Line(6U, "After Correct, bRetNotFill:" + std::to_string(iNotFill) +
+                        ", bRetNotFillExt:" + std::to_string(iNotFillExt) +
+                        ", bRetFill:" + std::to_string(iFill) + ", bRetFillExt:" + std::to_string(iFillExt));
+}
+
 } // namespace label
 
 #endif
