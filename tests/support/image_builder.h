@@ -15,7 +15,10 @@ using BYTES = std::vector<u8>;
 
 inline BYTES &operator+=(BYTES &vecLeft, const BYTES &vecRight)
 {
-    vecLeft.insert(vecLeft.end(), vecRight.begin(), vecRight.end());
+    // Not insert(): GCC 12 warns of an overrun that is none.
+    for (const u8 ucByte : vecRight) {
+        vecLeft.push_back(ucByte);
+    }
     return vecLeft;
 }
 

@@ -71,6 +71,11 @@ inline u8 *Heap(const std::string &strText)
     return pucText;
 }
 
+inline void Free(void *pBuffer)
+{
+    free(pBuffer);
+}
+
 inline u8 **HeapArray(const TEXTS &vecTexts)
 {
     if (vecTexts.empty()) {

@@ -11,13 +11,14 @@
 #include "fake/fake_platform.h"
 #include "lib_fru_codec.h"
 #include "support/image_builder.h"
+#include "support/record_builder.h"
 
 namespace codec {
 
 using image::BYTES;
+using model::Str;
+using model::Strs;
 using LINES = std::vector<std::string>;
-
-constexpr u8 g_ucCustom = 0xFFU; // "the custom fields" where a field index is asked for
 
 class RECORD
 {
@@ -49,21 +50,6 @@ inline u32 Decode(const BYTES &vecImage, FRU_DATA_S *pstFRUData)
     return FRU_ANALYZER_InterpretFRUData(upImage.get(), static_cast<u32>(vecImage.size()), pstFRUData);
 }
 
-// Any text pointer of the record as a string; null reads as "(null)".
-inline std::string Str(const void *pText)
-{
-    return pText == nullptr ? "(null)" : static_cast<const char *>(pText);
-}
-
-inline LINES Strs(u8 *const *ppucTexts, u32 uiCount)
-{
-    LINES vecTexts;
-    for (u32 i = 0; ppucTexts != nullptr && i < uiCount; ++i) {
-        vecTexts.push_back(Str(ppucTexts[i]));
-    }
-    return vecTexts;
-}
-
 // A message line of the codec; category 0.
 inline std::string Line(u32 uiSeverity, const std::string &strText)
 {
@@ -75,6 +61,7 @@ inline std::string Null(const std::string &strFunction, const std::string &strPo
     return fake::NullMessage("lib_fru_analyzer.c", strFunction, strPointer);
 }
 
+// The decoder's debug line of an area's custom fields.
 inline std::string CountLine(const std::string &strArea, u32 uiCount, u32 uiLeft)
 {
     return Line(7, strArea + " CustomField count is " + std::to_string(uiCount) + ", length is " +

@@ -2,7 +2,6 @@
 #include <random>
 
 #include "codec_test_helper.h"
-#include "support/record_builder.h"
 
 namespace {
 
