@@ -2,6 +2,7 @@
 #include <random>
 
 #include "codec_test_helper.h"
+#include "lib_fru_analyzer/chassis_type.h"
 
 namespace {
 
@@ -109,6 +110,106 @@ TEST(RoundTrip, EveryCombinationOfAreas)
             ASSERT_FALSE(testing::Test::HasFailure());
         }
     }
+}
+
+// One record with every area, each text of the given length; the one byte of a custom field that would read
+// as the end mark is left out.
+TEST(RoundTrip, EveryTextLength)
+{
+    std::mt19937 generator(63U);
+    for (size_t uiLength = 0; uiLength < 64U; ++uiLength) {
+        SCOPED_TRACE(uiLength);
+        fake::Reset();
+        model::RECORD_S stModel = SomeRecord(generator, 31U);
+        stModel.optInternal = SomeText(generator, uiLength);
+        for (auto *pstArea : {&*stModel.optChassis, &*stModel.optBoard, &*stModel.optProduct}) {
+            for (std::string &strField : pstArea->vecFields) {
+                strField = SomeText(generator, uiLength);
+            }
+            pstArea->vecCustom.assign(uiLength == 1U ? 0U : 3U, SomeText(generator, uiLength));
+        }
+        ExpectRoundTrip(stModel);
+    }
+}
+
+TEST(RoundTrip, EveryCountOfCustomFields)
+{
+    std::mt19937 generator(255U);
+    for (u32 uiCount = 0; uiCount < 256U; uiCount += uiCount < 10U ? 1U : 35U) {
+        SCOPED_TRACE(uiCount);
+        fake::Reset();
+        model::RECORD_S stModel = SomeRecord(generator, 14U);
+        for (auto *pstArea : {&*stModel.optChassis, &*stModel.optBoard, &*stModel.optProduct}) {
+            pstArea->vecCustom.assign(uiCount, uiCount % 2U == 0U ? "" : "ab");
+        }
+        ExpectRoundTrip(stModel);
+    }
+}
+
+TEST(RoundTrip, EveryCountOfMultiRecords)
+{
+    std::mt19937 generator(64U);
+    for (size_t uiCount = 1; uiCount <= 64U; ++uiCount) {
+        SCOPED_TRACE(uiCount);
+        fake::Reset();
+        model::RECORD_S stModel = SomeRecord(generator, 4U);
+        for (size_t i = 0; i < uiCount; ++i) {
+            stModel.vecMultiRecord.push_back({static_cast<u8>(i),
+                                              static_cast<u8>(i + 1U == uiCount ? 0x82U : 0x02U),
+                                              BYTES(1U + i % 9U, 7U)});
+        }
+        ExpectRoundTrip(stModel);
+    }
+}
+
+TEST(RoundTrip, EveryChassisType)
+{
+    std::mt19937 generator(30U);
+    for (const FRU_CHASSIS_TYPE_S &stType : FRU_ChassisTypeTable) {
+        fake::Reset();
+        model::RECORD_S stModel = SomeRecord(generator, 2U);
+        stModel.optChassis->strChassisType = stType.acDesc;
+        ExpectRoundTrip(stModel);
+    }
+}
+
+// Fields of the other types come back as 8-bit texts.
+TEST(RoundTrip, OtherFieldTypesBecomeEightBitTexts)
+{
+    fake::Reset();
+    RECORD record;
+    image::AREAS_S stAreas;
+    stAreas.vecBoard =
+        image::BoardArea(0U, {0U, 0U, 0U},
+                         {image::Field(0U, {0x01U, 0xABU}), image::Field(1U, {0x12U}),
+                          image::Field(2U, {0x29U, 0xDCU, 0xA6U}), image::Text("text"), image::Text("")});
+    ASSERT_EQ(Decode(image::Image(stAreas), record.Get()), 0U);
+    stAreas.vecBoard = image::BoardArea(0U, {0U, 0U, 0U}, image::Texts({"01AB", "", "IPMI", "text", ""}));
+    BYTES vecImage(256, 0U);
+    const i32 iLength = FRU_ANALYZER_ConvertToArray(record.Get(), 256, vecImage.data());
+    ASSERT_GT(iLength, 0);
+    vecImage.resize(static_cast<size_t>(iLength));
+    EXPECT_EQ(vecImage, image::Image(stAreas, 0));
+}
+
+// A custom field of one byte is coded as the end mark: the list ends there when it is read again.
+TEST(RoundTrip, ACustomFieldOfOneByteEndsTheList)
+{
+    fake::Reset();
+    RECORD source;
+    RECORD decoded;
+    model::RECORD_S stModel;
+    stModel.optChassis.emplace();
+    stModel.optChassis->strChassisType = "Tower";
+    stModel.optChassis->vecFields = {"1", "2"}; // no harm among the fixed fields
+    stModel.optChassis->vecCustom = {"first", "x", "third"};
+    model::Fill(source.Get(), stModel);
+    BYTES vecImage(64, 0U);
+    ASSERT_GT(FRU_ANALYZER_ConvertToArray(source.Get(), 64, vecImage.data()), 0);
+    ASSERT_EQ(Decode(vecImage, decoded.Get()), 0U);
+    const model::AREA_S stArea = *model::Read(decoded.Get()).optChassis;
+    EXPECT_EQ(stArea.vecFields, (LINES{"1", "2"}));
+    EXPECT_EQ(stArea.vecCustom, LINES{"first"});
 }
 
 } // namespace
