@@ -134,9 +134,9 @@ TEST(InterpretCustomField, ChassisFieldsFillTwoSlotsAndTheJoinedText)
     EXPECT_EQ(Str(custom->acChassisCustomField1), "B");
     EXPECT_EQ(Str(custom->acChassisCustomField2), "C");
     EXPECT_EQ(Str(custom->pcChassisCustomFields), "A\\nB\\nC\\n");
-    EXPECT_EQ(custom->uiChassisCustomFieldsLen, 9U);
-    EXPECT_EQ(custom->pcBoardCustomFields, nullptr);
-    EXPECT_EQ(custom->pcProductCustomFields, nullptr);
+    EXPECT_EQ(+custom->uiChassisCustomFieldsLen, 9U);
+    EXPECT_TRUE(custom->pcBoardCustomFields == nullptr);
+    EXPECT_TRUE(custom->pcProductCustomFields == nullptr);
     EXPECT_EQ(fake::Messages(), LINES{ChassisIndex(0)});
 }
 
@@ -149,7 +149,7 @@ TEST(InterpretCustomField, BoardFieldsFillTheFirstSlot)
     EXPECT_EQ(FRU_ANALYZER_InterpretCustomField(record.Get(), custom.Get()), 0U);
     EXPECT_EQ(Str(custom->acBoardCustomField0), "A");
     EXPECT_EQ(Str(custom->pcBoardCustomFields), "A\\nit\\'s\\n");
-    EXPECT_EQ(custom->uiBoardCustomFieldsLen, 10U);
+    EXPECT_EQ(+custom->uiBoardCustomFieldsLen, 10U);
     EXPECT_EQ(fake::Messages(), LINES{BoardIndex(2)});
 }
 
@@ -161,7 +161,7 @@ TEST(InterpretCustomField, ProductFieldsFillNoSlotAndAreNotToldOf)
     Fill(record.Get(), {}, {}, {"A", "B\\", "C", "D", "E"});
     EXPECT_EQ(FRU_ANALYZER_InterpretCustomField(record.Get(), custom.Get()), 0U);
     EXPECT_EQ(Str(custom->pcProductCustomFields), "A\\nB\\\\\\nC\\nD\\nE\\n");
-    EXPECT_EQ(custom->uiProductCustomFieldsLen, 17U);
+    EXPECT_EQ(+custom->uiProductCustomFieldsLen, 17U);
     EXPECT_EQ(fake::Messages(), LINES{});
 }
 
@@ -218,7 +218,7 @@ TEST(InterpretCustomField, NullFieldsAreSkippedAndANullArrayIsNoFields)
     EXPECT_EQ(FRU_ANALYZER_InterpretCustomField(record.Get(), custom.Get()), 0U);
     EXPECT_EQ(Str(custom->acChassisCustomField1), "c1");
     EXPECT_EQ(Str(custom->pcChassisCustomFields), "c1\\n");
-    EXPECT_EQ(custom->pcProductCustomFields, nullptr);
+    EXPECT_TRUE(custom->pcProductCustomFields == nullptr);
     EXPECT_EQ(fake::Messages(), LINES{});
 }
 
@@ -231,9 +231,9 @@ TEST(InterpretCustomField, AnAbsentAreaOrACountOfZeroIsSkipped)
     record->stCommonHeader.ucChassisInfoAreaStartOffset = 0U;
     record->stCommonHeader.ucProductInfoAreaStartOffset = 0U;
     EXPECT_EQ(FRU_ANALYZER_InterpretCustomField(record.Get(), custom.Get()), 0U);
-    EXPECT_EQ(custom->pcChassisCustomFields, nullptr);
+    EXPECT_TRUE(custom->pcChassisCustomFields == nullptr);
     EXPECT_EQ(Str(custom->pcBoardCustomFields), "b0\\n");
-    EXPECT_EQ(custom->pcProductCustomFields, nullptr);
+    EXPECT_TRUE(custom->pcProductCustomFields == nullptr);
     EXPECT_EQ(fake::Messages(), LINES{});
 
     CUSTOM none;
@@ -241,7 +241,7 @@ TEST(InterpretCustomField, AnAbsentAreaOrACountOfZeroIsSkipped)
     record->stBoardInfo.ppucCustomFields[0] = nullptr;
     record->stBoardInfo.ucCustomFieldCount = 0U;
     EXPECT_EQ(FRU_ANALYZER_InterpretCustomField(record.Get(), none.Get()), 0U);
-    EXPECT_EQ(none->pcBoardCustomFields, nullptr);
+    EXPECT_TRUE(none->pcBoardCustomFields == nullptr);
 }
 
 // ---- failures: each area joins, then escapes in two steps
@@ -269,10 +269,10 @@ void ExpectFailure(const TEXTS &vecChassis, const TEXTS &vecBoard, const TEXTS &
         EXPECT_EQ(FRU_ANALYZER_InterpretCustomField(record.Get(), custom.Get()), stFailure.uiRet);
         fake::Disarm();
         EXPECT_EQ(fake::Messages(), stFailure.vecMessages);
-        EXPECT_EQ(custom->pcProductCustomFields, nullptr);
+        EXPECT_TRUE(custom->pcProductCustomFields == nullptr);
         if (stFailure.uiRet != 0U) {
-            EXPECT_EQ(custom->pcChassisCustomFields, nullptr);
-            EXPECT_EQ(custom->pcBoardCustomFields, nullptr);
+            EXPECT_TRUE(custom->pcChassisCustomFields == nullptr);
+            EXPECT_TRUE(custom->pcBoardCustomFields == nullptr);
             EXPECT_EQ(fake::LiveAllocations(), uiHeld);
         }
     }
@@ -385,10 +385,10 @@ TEST(FreeCustomField, ChangesOnlyPointers)
     FRU_ANALYZER_FreeCustomField(&stCustom);
     FRU_ANALYZER_FreeCustomField(&stCustom);
     EXPECT_EQ(fake::LiveAllocations(), uiHeld - 3U);
-    EXPECT_EQ(stCustom.pcChassisCustomFields, nullptr);
-    EXPECT_EQ(stCustom.pcBoardCustomFields, nullptr);
-    EXPECT_EQ(stCustom.pcProductCustomFields, nullptr);
-    EXPECT_EQ(stCustom.uiChassisCustomFieldsLen, 6U);
+    EXPECT_TRUE(stCustom.pcChassisCustomFields == nullptr);
+    EXPECT_TRUE(stCustom.pcBoardCustomFields == nullptr);
+    EXPECT_TRUE(stCustom.pcProductCustomFields == nullptr);
+    EXPECT_EQ(+stCustom.uiChassisCustomFieldsLen, 6U);
     EXPECT_EQ(Str(stCustom.acBoardCustomField0), "C");
 }
 

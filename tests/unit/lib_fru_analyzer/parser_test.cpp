@@ -137,10 +137,10 @@ void ExpectFullTexts(RECORD &record)
               (LINES{"P-C0", "P-C1", "P-C2"}));
     EXPECT_EQ(record->astMultiRecord[0].ucRecordTypeID, 3U);
     EXPECT_EQ(record->astMultiRecord[0].ucRecordLength, 5U);
-    ASSERT_NE(record->astMultiRecord[0].pucRecordData, nullptr);
+    ASSERT_TRUE(record->astMultiRecord[0].pucRecordData != nullptr);
     EXPECT_EQ(memcmp(record->astMultiRecord[0].pucRecordData, "\1\2\3\4\5", 5), 0);
     EXPECT_EQ(record->astMultiRecord[1].ucRecordFormat, 0x82U);
-    EXPECT_EQ(record->astMultiRecord[2].pucRecordData, nullptr);
+    EXPECT_TRUE(record->astMultiRecord[2].pucRecordData == nullptr);
 }
 
 TEST(InterpretFRUData, DecodesEveryArea)
@@ -198,7 +198,7 @@ TEST(InternalUseArea, AnotherVersionFailsAndIsStored)
     RECORD record;
     EXPECT_EQ(Decode({1, 1, 0, 0, 0, 0, 0, 0xFE, 0x11U, 0xC0U}, record.Get()), 0x29000001U);
     EXPECT_EQ(record->stInternalUseArea.ucFormatVersion, 0x11U);
-    EXPECT_EQ(record->stInternalUseArea.pucData, nullptr);
+    EXPECT_TRUE(record->stInternalUseArea.pucData == nullptr);
     EXPECT_EQ(fake::Messages(), (LINES{Line(2, "Error InternalUseArea format version: 0x11"),
                                        Line(2, "Failed to get InternalUseArea!")}));
 }
@@ -210,7 +210,7 @@ TEST(InternalUseArea, DataPastTheImageFails)
         fake::Reset();
         RECORD record;
         EXPECT_EQ(Decode(vecImage, record.Get()), 0x29000001U);
-        EXPECT_EQ(record->stInternalUseArea.pucData, nullptr);
+        EXPECT_TRUE(record->stInternalUseArea.pucData == nullptr);
         EXPECT_EQ(fake::Messages(), (LINES{Line(2, "Failed to get Data while in InternalUseArea!"),
                                            Line(2, "Failed to get InternalUseArea!")}));
     }
@@ -430,7 +430,7 @@ TEST_P(InfoArea, AFailureKeepsWhatEarlierAreasHold)
     EXPECT_EQ(Decode(Image(stAreas), record.Get()), 0x29000001U);
     EXPECT_EQ(Str(record->stInternalUseArea.pucData), "internal");
     EXPECT_EQ(Str(record->stChassisInfo.pucChassisPartNum), "CH-PN");
-    EXPECT_EQ(record->astMultiRecord[0].pucRecordData, nullptr); // not reached
+    EXPECT_TRUE(record->astMultiRecord[0].pucRecordData == nullptr); // not reached
 }
 
 INSTANTIATE_TEST_SUITE_P(Areas, InfoArea, testing::ValuesIn(AreaCases()),

@@ -109,7 +109,7 @@ TEST(SafeFree, AnArrayWithACountOfZeroIsReleased)
     u8 **ppucFields = static_cast<u8 **>(calloc(3, sizeof(u8 *)));
     stData.stBoardInfo.ppucCustomFields = ppucFields;
     FRU_ANALYZER_SafeFree(&stData);
-    EXPECT_EQ(stData.stBoardInfo.ppucCustomFields, nullptr);
+    EXPECT_TRUE(stData.stBoardInfo.ppucCustomFields == nullptr);
     EXPECT_EQ(fake::LiveAllocations(), uiBefore);
 }
 
@@ -123,7 +123,7 @@ TEST(SafeFree, NullFieldsInAnArrayAreSkipped)
     stData.stProductInfo.ppucCustomFields = ppucFields;
     stData.stProductInfo.ucCustomFieldCount = 3;
     FRU_ANALYZER_SafeFree(&stData);
-    EXPECT_EQ(stData.stProductInfo.ppucCustomFields, nullptr);
+    EXPECT_TRUE(stData.stProductInfo.ppucCustomFields == nullptr);
     EXPECT_EQ(stData.stProductInfo.ucCustomFieldCount, 3U);
     EXPECT_EQ(fake::LiveAllocations(), uiBefore);
 }
