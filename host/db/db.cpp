@@ -1,10 +1,10 @@
 // The database: LMDB in the root, one environment for each process.
 //
 // LMDB's own lock file stays off. Its mutexes outlive a killed owner only where the kernel's robust lists
-// work (not under user-mode emulation), and its reader slots leak with killed readers. flock(2) on a file
-// beside the data does the same work: writers alone, readers together, and the kernel drops the lock with its
-// process. What LMDB gives is the copy-on-write file itself: until a commit has put its one meta page down,
-// nobody sees a byte of it.
+// work (not under user-mode emulation), and its reader slots leak with killed readers. flock(2) on the
+// data's directory does the same work: writers alone, readers together, and the kernel drops the lock with
+// its process. What LMDB gives is the copy-on-write file itself: until a commit has put its one meta page
+// down, nobody sees a byte of it.
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
@@ -169,7 +169,7 @@ bool OpenDb()
     const std::string strDir = host::Resolve(BMCHOST_DB_DIR);
     const std::string strFile = strDir + "/data.mdb";
     const int iError = host::MakeDirs(strDir);
-    host::FD fdLock = iError == 0 ? host::OpenFile(strDir + "/lock", O_RDWR | O_CREAT) : host::FD();
+    host::FD fdLock = iError == 0 ? host::OpenFile(strDir, O_RDONLY | O_DIRECTORY) : host::FD();
     if (!fdLock) {
         HOST_LOG(BMC_DIAG_ERROR, "opening database %s: %s", strDir.c_str(),
                  host::ErrText(iError == 0 ? errno : iError));

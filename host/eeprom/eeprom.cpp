@@ -97,23 +97,35 @@ void Wait(u32 uiMicroseconds)
 bool WritePage(const TRANSFER_S &stTransfer, u32 uiDone, u32 uiPage)
 {
     const host::FILE_LOCK lock(stTransfer.iFd, LOCK_EX);
+    const off_t iAt = static_cast<off_t>(stTransfer.uiOffset) + uiDone;
+    const ssize_t iPage = static_cast<ssize_t>(uiPage);
+    u8 aucOld[BMCHOST_EEPROM_PAGE];
     if (!lock) {
+        return false;
+    }
+    errno = EIO; // for a chip that somebody cut short since
+    if (pread(stTransfer.iFd, aucOld, uiPage, iAt) != iPage) {
         return false;
     }
     ssize_t iWritten = -1;
     do {
-        iWritten = pwrite(stTransfer.iFd, stTransfer.pucBuf + uiDone, uiPage,
-                          static_cast<off_t>(stTransfer.uiOffset) + uiDone);
+        iWritten = pwrite(stTransfer.iFd, stTransfer.pucBuf + uiDone, uiPage, iAt);
     } while (iWritten < 0 && errno == EINTR);
-    if (iWritten >= 0 && static_cast<u32>(iWritten) != uiPage) {
-        errno = EIO;
+    if (iWritten != iPage) {
+        const int iError = iWritten < 0 ? errno : ENOSPC;
+        // A chip writes a page or does not: where the disk took a part, what was there goes back.
+        if (iWritten > 0 && pwrite(stTransfer.iFd, aucOld, static_cast<size_t>(iWritten), iAt) != iWritten) {
+            HOST_LOG(BMC_DIAG_ERROR, "EEPROM %s: page at %#llx is damaged", stTransfer.strChip.c_str(),
+                     static_cast<unsigned long long>(iAt));
+        }
+        errno = iError;
         return false;
     }
     const u32 uiDelayUs = g_uiDelayUs;
-    if (iWritten >= 0 && uiDelayUs != 0U) {
+    if (uiDelayUs != 0U) {
         Wait(uiDelayUs); // the chip answers nobody in its write cycle
     }
-    return iWritten >= 0;
+    return true;
 }
 
 // Page by page, as a chip takes it: one that is killed or fails meanwhile leaves whole pages.

@@ -4,12 +4,9 @@
 //   <hardware>
 //     <FRU componentType="0" offset="0" size="2048" selector="1" deviceName="baseboard"/>
 //   </hardware>
-#include <cerrno>
-#include <cstdlib>
 #include <cstring>
 #include <deque>
 #include <memory>
-#include <optional>
 #include <pugixml.hpp>
 #include <vector>
 
@@ -26,20 +23,6 @@ namespace {
 
 constexpr char g_acFruClass[] = "FRU";
 
-// The whole text as a number of at most uiMax, decimal or 0x and hexadecimal.
-std::optional<u32> ToNumber(const char *pcText, u32 uiMax)
-{
-    const bool bHex = pcText[0] == '0' && (pcText[1] == 'x' || pcText[1] == 'X');
-    const char *pcDigits = bHex ? pcText + 2 : pcText;
-    if (*pcDigits == '\0' ||
-        strspn(pcDigits, bHex ? "0123456789abcdefABCDEF" : "0123456789") != strlen(pcDigits)) {
-        return std::nullopt;
-    }
-    errno = 0;
-    const unsigned long long ullValue = strtoull(pcDigits, nullptr, bHex ? 16 : 10);
-    return errno == 0 && ullValue <= uiMax ? std::optional<u32>(static_cast<u32>(ullValue)) : std::nullopt;
-}
-
 // False, with a message, when an object cannot be used.
 bool AddObject(const pugi::xml_node &node, const char *pcPath, HW_NAMESPACE *pstLoaded)
 {
@@ -54,7 +37,7 @@ bool AddObject(const pugi::xml_node &node, const char *pcPath, HW_NAMESPACE *pst
                       {"selector", UINT8_MAX, 0}};
     for (auto &stNumber : astNumbers) {
         const char *pcText = node.attribute(stNumber.pcName).value(); // "" when it is missing
-        const std::optional<u32> optValue = ToNumber(pcText, stNumber.uiMax);
+        const std::optional<u32> optValue = host::ToNumber(pcText, stNumber.uiMax);
         if (!optValue) {
             HOST_LOG(BMC_DIAG_ERROR, "%s: FRU at byte %ld: %s=\"%s\" is no number from 0 to %u", pcPath,
                      static_cast<long>(node.offset_debug()), stNumber.pcName, pcText, stNumber.uiMax);

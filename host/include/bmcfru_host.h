@@ -47,6 +47,20 @@ const char *BMCHOST_GetRoot(void);
  */
 u32 BMCHOST_ResolvePath(const char *pcPath, size_t uiSize, char *pcOut);
 
+/*
+ * Journals hold one JSON object a line, appended whole under a lock (flock(2)); a line that a dying process
+ * left unfinished stands alone. Every object begins with "time" (UTC, "2024-05-01T12:34:56.789Z").
+ *
+ *   operate.jsonl     module, result (99 success, 67 failure), text, args (two numbers), line, source
+ *   fru-events.jsonl  service, method, event, and with the event
+ *                       labelWritten, cleared, fruEvent (630/0): kind, componentType, instance, labelId
+ *                       deviceChanged (636/0): deviceId, name
+ *                       featureUpdate (29/4): bytes
+ *                       oemNotice (29/5): nothing
+ *
+ * Bytes of a text that are not UTF-8 are replaced by U+FFFD.
+ */
+
 /* ---- diagnostics ---- */
 
 #define BMCHOST_DIAG_MODULE 1U /* uiModule of the platform's own messages */

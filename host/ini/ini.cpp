@@ -5,11 +5,9 @@
 #include <cerrno>
 #include <cstdarg>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
 #include <iniparser/iniparser.h>
-#include <optional>
 
 #include "bmc_ini.h"
 #include "support/host.h"
@@ -145,21 +143,6 @@ std::string FileText(const dictionary *pstDictionary)
     return strText;
 }
 
-std::optional<u32> ToNumber(const char *pcText)
-{
-    const bool bHex = pcText[0] == '0' && (pcText[1] == 'x' || pcText[1] == 'X');
-    const char *pcDigits = bHex ? pcText + 2 : pcText;
-    if (isxdigit(static_cast<unsigned char>(*pcDigits)) == 0) {
-        return std::nullopt; // strtoull() would take blanks and signs
-    }
-    char *pcEnd = nullptr;
-    errno = 0;
-    const unsigned long long ullValue = strtoull(pcDigits, &pcEnd, bHex ? 16 : 10);
-    return errno == 0 && pcEnd != pcDigits && *pcEnd == '\0' && ullValue <= UINT32_MAX
-               ? std::optional<u32>(static_cast<u32>(ullValue))
-               : std::nullopt;
-}
-
 } // namespace
 
 extern "C" {
@@ -194,7 +177,7 @@ u32 BRIDGE_IniGetUInt(void *hpd, const char *pcSection, const char *pcKey, u32 u
 {
     return host::Shield(uiDefault, [&] {
         const char *pcValue = Find(hpd, pcSection, pcKey);
-        return pcValue == nullptr ? uiDefault : ToNumber(pcValue).value_or(uiDefault);
+        return pcValue == nullptr ? uiDefault : host::ToNumber(pcValue, UINT32_MAX).value_or(uiDefault);
     });
 }
 

@@ -176,9 +176,10 @@ int ReplaceFile(const std::string &strPath, std::string_view svContent, mode_t u
 
 int ReadText(const std::string &strPath, std::string *pstrContent, struct stat *pstStat)
 {
+    *pstStat = {};
     const FD fd = OpenRegular(strPath, O_RDONLY, pstStat);
     if (!fd) {
-        return errno;
+        return errno != 0 ? errno : EIO;
     }
     pstrContent->resize(static_cast<size_t>(pstStat->st_size));
     return ReadWhole(fd.Get(), pstrContent->data(), pstrContent->size());

@@ -4,6 +4,7 @@
 
 #include <exception>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -46,6 +47,9 @@ struct LOCKS_S
     std::mutex mtxRoot;
 };
 LOCKS_S &Locks();
+
+// The whole text as a number of at most uiMax, decimal or 0x and hexadecimal; no blanks, no signs.
+std::optional<u32> ToNumber(const char *pcText, u32 uiMax);
 
 // True while this thread is inside the diagnostic sink, and so holds mtxDiag.
 bool InDiagSink();

@@ -1,7 +1,9 @@
 // Bounded text, checksums, time, OEM flag.
 #include <array>
+#include <cerrno>
 #include <cstdarg>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <ctime>
 
@@ -34,6 +36,23 @@ u8 SumOf(const u8 *pucBuf, u32 uiLen)
 }
 
 } // namespace
+
+namespace host {
+
+std::optional<u32> ToNumber(const char *pcText, u32 uiMax)
+{
+    const bool bHex = pcText[0] == '0' && (pcText[1] == 'x' || pcText[1] == 'X');
+    const char *pcDigits = bHex ? pcText + 2 : pcText;
+    const char *pcAllowed = bHex ? "0123456789abcdefABCDEF" : "0123456789";
+    if (*pcDigits == '\0' || pcDigits[strspn(pcDigits, pcAllowed)] != '\0') {
+        return std::nullopt; // strtoull() alone would take blanks, signs and what follows
+    }
+    errno = 0;
+    const unsigned long long ullValue = strtoull(pcDigits, nullptr, bHex ? 16 : 10);
+    return errno == 0 && ullValue <= uiMax ? std::optional<u32>(static_cast<u32>(ullValue)) : std::nullopt;
+}
+
+} // namespace host
 
 extern "C" {
 

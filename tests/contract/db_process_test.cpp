@@ -1,5 +1,7 @@
 // Database: many processes at once, and processes that are killed.
 #include <algorithm>
+#include <csignal>
+#include <cstring>
 #include <optional>
 #include <random>
 #include <sys/wait.h>
@@ -119,6 +121,36 @@ TEST_F(DatabaseProcesses, ReadersSeeWholeRecordsWhileTwoWrite)
     EXPECT_GT(uiReads, 20U);
     Kill(iReader); // it still reads: it has seen nothing torn
     EXPECT_EQ(Fill(g_uiKey, g_uiImageLen), u8{149});
+}
+
+// A reader that is stopped in the middle of its copy is where a careless database gives half of the old
+// record and half of the new one.
+TEST_F(DatabaseProcesses, AReaderHeldUpInTheMiddleSeesAWholeRecord)
+{
+    constexpr u32 uiLen = 65000;
+    ASSERT_EQ(Put(g_uiKey, uiLen, 0), 0U);
+    const pid_t iWriter = Spawn([] {
+        for (u8 ucFill = 1; Put(g_uiKey, uiLen, ucFill) == 0U; ++ucFill) {
+        }
+        return 1;
+    });
+    const pid_t iReader = Spawn([] {
+        BYTES vecData(uiLen);
+        void *pDb = DB_Open();
+        while (DB_Get(pDb, g_uiKey, uiLen, vecData.data()) == 0U &&
+               memcmp(vecData.data(), vecData.data() + 1, uiLen - 1U) == 0) {
+        }
+        return 1;
+    });
+    std::mt19937 random(3);
+    for (u32 i = 0; i < 150U; ++i) {
+        controller::Pause(static_cast<unsigned>(200U + random() % 500U));
+        ASSERT_EQ(kill(iReader, SIGSTOP), 0);
+        controller::Pause(3000);
+        ASSERT_EQ(kill(iReader, SIGCONT), 0);
+    }
+    Kill(iReader); // both still run: nothing torn, nothing refused
+    Kill(iWriter);
 }
 
 // Writes rounds of two records until it is killed, and tells each finished put through the pipe.

@@ -160,7 +160,7 @@ TEST_F(Images, AFailingPageFailsTheWriteAndKeepsThePagesAhead)
     const BYTES vecChip = controller::ChipContent(9, g_aucLocation);
     ASSERT_EQ(vecChip.size(), 256U);
     EXPECT_EQ(BYTES(vecChip.begin(), vecChip.begin() + 64), BYTES(64, 7));
-    EXPECT_EQ(BYTES(vecChip.begin() + 96, vecChip.end()), BYTES(160, 0));
+    EXPECT_EQ(BYTES(vecChip.begin() + 64, vecChip.end()), BYTES(192, 0));
 }
 
 } // namespace
