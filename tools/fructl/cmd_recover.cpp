@@ -51,7 +51,7 @@ bool HasValidHeader(const std::vector<u8> &vecBytes)
 }
 
 // Why the stored image could not help, in the order in which the recovery meets the reasons.
-std::string WhyNot(const DEVICE_S &stDevice)
+std::string WhyNot(const DEVICE_S &stDevice, const std::vector<std::string> &vecSaid)
 {
     const std::string strPath = stDevice.ImagePath();
     if (strPath.empty()) {
@@ -66,8 +66,7 @@ std::string WhyNot(const DEVICE_S &stDevice)
         return "its stored image " + EscapeText(strPath) + " is empty";
     }
     std::string strWhy = "its stored image " + EscapeText(strPath) + " did not help";
-    return Diagnostics().empty() ? strWhy
-                                 : strWhy + " (the library says: " + Join(Diagnostics(), " | ") + ")";
+    return vecSaid.empty() ? strWhy : strWhy + " (the library says: " + Join(vecSaid, " | ") + ")";
 }
 
 void Report(const SESSION_S &stSession, const DEVICE_S &stDevice, const char *pcOutcome,
@@ -97,6 +96,7 @@ void RunRecover(const SESSION_S &stSession, const TARGET_OPTIONS_S &stOptions)
         uiRet = LIB_FRU_GetFRUData(stDevice.stEntry.ucComponentType, stDevice.stEntry.ucInstance,
                                    READ_WITH_RECOVERY, 0U, stRecord.Data());
     }
+    const std::vector<std::string> vecSaid = Diagnostics();
     const std::string strStatus = uiRet == FRU_OK ? "" : StatusText(uiRet);
     const std::string strCannot = stDevice.Title() + " could not be restored: ";
     const IMAGE_S stAfter = ReadTarget({stDevice, ""});
@@ -120,7 +120,7 @@ void RunRecover(const SESSION_S &stSession, const TARGET_OPTIONS_S &stOptions)
     } else if (stDevice.IsDatabaseOnly()) {
         Fail(strCannot + "it is served from the cache only; " + strStatus);
     } else {
-        Fail(strCannot + WhyNot(stDevice) + "; " + strStatus);
+        Fail(strCannot + WhyNot(stDevice, vecSaid) + "; " + strStatus);
     }
 }
 

@@ -9,6 +9,8 @@
 
 namespace {
 
+constexpr size_t RECORD_COLUMNS = 96U; // 32 bytes in hex
+
 using NOTES = std::map<std::pair<AREA, std::string>, std::string>;
 
 // How texts are stored, where that is not plain, by area and field name.
@@ -70,7 +72,11 @@ std::string MultiRecordsText(const RECORD_VIEW_S &stView)
                   Paint(COLOUR::Dim,
                         Format(" (type 0x%02x, %zu bytes)", stRecord.ucType, stRecord.vecData.size())) +
                   "\n";
-        strOut += "    " + EscapeText(stRecord.strText) + "\n";
+        // Hex of a long record goes on many lines; known texts are never so long.
+        const std::string strText = EscapeText(stRecord.strText);
+        for (size_t i = 0; i < strText.size(); i += RECORD_COLUMNS) {
+            strOut += "    " + strText.substr(i, RECORD_COLUMNS) + "\n";
+        }
     }
     return strOut;
 }

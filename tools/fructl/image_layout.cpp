@@ -87,6 +87,22 @@ struct FIELD_TEXT_S
     std::string strNote; // how it is stored, where that is not plain text
 };
 
+FIELD_TEXT_S PlainText(const u8 *pucData, u32 uiLength)
+{
+    const std::string strText(reinterpret_cast<const char *>(pucData), uiLength);
+    const bool bWhole = strText.find('\0') == std::string::npos;
+    return {strText, bWhole ? "" : "readers end it at its first zero byte"};
+}
+
+FIELD_TEXT_S BinaryText(const u8 *pucData, u32 uiLength)
+{
+    std::string strText;
+    for (u32 i = 0; i < uiLength; i++) {
+        strText += Format("%02X", pucData[i]);
+    }
+    return {strText, "binary"};
+}
+
 FIELD_TEXT_S FieldText(u8 ucTypeLength, const u8 *pucData, u32 uiLength)
 {
     if (uiLength == 0U) {
@@ -94,13 +110,13 @@ FIELD_TEXT_S FieldText(u8 ucTypeLength, const u8 *pucData, u32 uiLength)
     }
     switch (ucTypeLength >> 6U) {
     case 0:
-        return {HexBytes(pucData, uiLength, ""), "binary"};
+        return BinaryText(pucData, uiLength);
     case 1:
         return {"", "BCD plus " + BcdText(pucData, uiLength) + ", decoded as an empty text"};
     case 2:
         return {SixBitText(pucData, uiLength), "6-bit ASCII"};
     default:
-        return {std::string(reinterpret_cast<const char *>(pucData), uiLength), ""};
+        return PlainText(pucData, uiLength);
     }
 }
 
@@ -246,7 +262,10 @@ u32 WALKER::InfoPrefix(const INFO_AREA_S &stArea, u32 uiStart, u32 uiEnd)
     }
     Span(uiOffset++, 1U, enArea, "language", LanguageName(ucFirst));
     if (stArea.bMfgDate) {
-        Span(uiOffset, 3U, enArea, "manufacturing date", MfgDateText(&m_vecImage[uiOffset]));
+        const u8 *pucDate = &m_vecImage[uiOffset];
+        Span(uiOffset, 3U, enArea, "manufacturing date", MfgDateText(pucDate));
+        m_stLayout.vecSpans.back().strNote =
+            (pucDate[0] | pucDate[1] | pucDate[2]) == 0 ? "all zero: not told" : "";
         uiOffset += 3U;
     }
     return uiOffset;

@@ -1,0 +1,162 @@
+"""Help, exit codes, the one line of an error, where the controller lies, and who may write."""
+import fcntl
+import os
+import pty
+import subprocess
+import time
+import unittest
+
+from support import COMMAND, EXAMPLES, Environment, FructlTest, Run
+
+COMMANDS = ["provision", "list", "show", "verify", "map", "recover", "raw"]
+
+
+class Help(unittest.TestCase):
+    def test_every_level_has_help_with_an_example(self):
+        for asLevel in [[], *[[strName] for strName in COMMANDS], ["raw", "info"], ["raw", "read"]]:
+            with self.subTest(asLevel):
+                stResult = Run(*asLevel, "--help")
+                self.assertEqual((stResult.iCode, stResult.strErr), (0, ""))
+                self.assertIn("Usage: fructl " + " ".join(asLevel), stResult.strOut)
+                self.assertRegex(stResult.strOut, r"Examples:\n  fructl ")
+                self.assertTrue(stResult.strOut.endswith("\n"))
+
+    def test_the_version_is_told(self):
+        self.assertRegex(Run("--version").strOut, r"^fructl \d+\.\d+\.\d+\n$")
+
+
+class Usage(FructlTest):
+    def test_wrong_usage_exits_with_2_and_says_what_is_accepted(self):
+        for asArguments, strExpected in [
+            ([], "no command is named; accepted: provision, list, show"),
+            (["bogus"], "there is no command 'bogus'; accepted: provision, list, show"),
+            (["raw"], "no command is named; accepted: info, read"),
+            (["raw", "bogus"], "there is no command 'bogus'; accepted: info, read"),
+            (["list", "--bogus"], "--bogus; 'fructl list --help' tells more"),
+            (["list", "one"], "one; 'fructl list --help' tells more"),
+            (["provision"], "FILE is required; 'fructl provision --help' tells more"),
+            (["show"], "no device is named; accepted: TYPE:INSTANCE such as 0x30:0, a device's name, or an image file, or --id N"),
+            (["show", "a", "b"], "b; 'fructl show --help' tells more"),
+            (["show", "a", "--id", "1"], "a device is named twice, by --id and without; give one of them"),
+            (["show", "--id", "256"], "--id 256 is not a FRU device ID; accepted: 0 to 255, decimal or 0x"),
+            (["show", "--id", "0x1g"], "--id 0x1g is not a FRU device ID; accepted: 0 to 255, decimal or 0x"),
+            (["show", "0x100:0"], "'0x100:0' is not a TYPE:INSTANCE; accepted: two numbers of 0 to 255, decimal or 0x, such as 0x30:0"),
+            (["show", "1:"], "'1:' is not a TYPE:INSTANCE; accepted: two numbers of 0 to 255, decimal or 0x, such as 0x30:0"),
+            (["raw", "read", "--id", "0", "--offset", "65536"], "--offset 65536 is refused; accepted: 0 to 65535, decimal or 0x"),
+            (["raw", "read", "--id", "0", "--count", "-1"], "--count -1 is refused; accepted: 0 to 255, decimal or 0x"),
+        ]:
+            with self.subTest(asArguments):
+                self.assertIn(strExpected, self.Bad(2, *asArguments))
+
+    def test_names_that_do_not_exist_are_told_with_those_that_do(self):
+        self.Provision()
+        strAll = "; it has baseboard, psu1, psu2, riser, bmc-card"
+        for asArguments, strWhat in [
+            (["show", "nonsense"], "no device named 'nonsense'"),
+            (["show", "7:0"], "no device 7:0"),
+            (["show", "--id", "77"], "no FRU device ID 77"),
+            (["recover", "\x1b[31mred"], "no device named '\\x1b[31mred'"),
+        ]:
+            with self.subTest(asArguments):
+                self.assertEqual(self.Bad(1, *asArguments), f"the controller in {self.pathRoot} has {strWhat}{strAll}")
+        self.assertEqual(self.Bad(1, "show", "no/such.bin"),
+                         "there is no image file no/such.bin; accepted: TYPE:INSTANCE such as 0x30:0, a device's name, or an image file")
+
+    def test_a_device_is_found_by_component_name_and_id(self):
+        self.Provision()
+        for asArguments in [["0x30:0"], ["48:0x0"], ["bmc-card"], ["--id", "4"], ["--id", "0x04"]]:
+            self.assertEqual(self.Json("show", *asArguments)["device"]["name"], "bmc-card", asArguments)
+
+    def test_without_a_controller_the_way_to_one_is_told_and_nothing_is_made(self):
+        for asArguments in [["list"], ["verify"], ["show", "baseboard"], ["recover", "0:0"], ["raw", "info", "--id", "0"]]:
+            self.assertEqual(self.Bad(1, *asArguments),
+                             f"there is no controller in {self.pathRoot}; 'fructl provision FILE' makes one, --root or $FRUCTL_ROOT names another")
+        self.assertFalse(self.pathRoot.exists())
+
+    def test_the_root_comes_from_the_option_then_the_environment_then_the_home(self):
+        strEnvironment = str(self.pathTemp / "environment")
+        strHome = str(self.pathTemp / "home")
+        asProvision = ["provision", str(EXAMPLES / "controller.json"), "--dry-run", "--json"]
+        for asArguments, dictEnvironment, strExpected in [
+            (["--root", str(self.pathRoot)], {"FRUCTL_ROOT": strEnvironment, "HOME": strHome}, str(self.pathRoot)),
+            ([], {"FRUCTL_ROOT": strEnvironment, "HOME": strHome}, strEnvironment),
+            ([], {"HOME": strHome}, strHome + "/.local/state/fructl"),
+        ]:
+            stResult = Run(*asArguments, *asProvision, **dictEnvironment)
+            self.assertEqual((stResult.iCode, stResult.Json()["root"]), (0, strExpected))
+
+    def test_verbose_prints_the_diagnostics_and_changes_nothing_else(self):
+        self.Provision()
+        stQuiet = self.Fructl("raw", "read", "--id", "200")
+        stVerbose = self.Fructl("-v", "raw", "read", "--id", "200")
+        self.assertEqual((stVerbose.iCode, stVerbose.strOut), (1, stQuiet.strOut))
+        self.assertRegex(stVerbose.strErr, r"^\[4\] lib_fru\.c:\d+: Fail to find FRU Device ID\[0xc8\]!\n")
+        self.assertTrue(stVerbose.strErr.endswith(stQuiet.strErr))
+
+    def test_output_that_cannot_be_written_is_a_failure(self):
+        with open("/dev/full", "wb") as stFull:
+            stResult = subprocess.run([*COMMAND, "show", str(EXAMPLES / "riser.hex")], stdout=stFull, stderr=subprocess.PIPE, text=True)
+        self.assertEqual((stResult.returncode, stResult.stderr), (1, "fructl: standard output could not be written\n"))
+
+
+class Colour(FructlTest):
+    def OnTerminal(self, **dictEnvironment):
+        """Standard output of fructl list on a terminal."""
+        iOurs, iTheirs = pty.openpty()
+        stProcess = subprocess.Popen([*COMMAND, "--root", str(self.pathRoot), "list"], stdout=iTheirs, stderr=subprocess.DEVNULL,
+                                     env=Environment(**dictEnvironment))
+        os.close(iTheirs)
+        abOut = b""
+        try:
+            while abPiece := os.read(iOurs, 4096):
+                abOut += abPiece
+        except OSError:
+            pass  # the other side is gone
+        os.close(iOurs)
+        self.assertEqual(stProcess.wait(), 0)
+        return abOut
+
+    def test_colour_only_on_a_terminal_that_wants_it(self):
+        self.Provision()
+        self.assertIn(b"\x1b[", self.OnTerminal())
+        self.assertIn(b"\x1b[", self.OnTerminal(NO_COLOR=""))
+        self.assertNotIn(b"\x1b[", self.OnTerminal(NO_COLOR="1"))
+        self.assertNotIn("\x1b[", self.Good("list").strOut)
+
+
+class Lock(FructlTest):
+    def test_a_second_writer_waits_and_then_says_who_holds_the_lock(self):
+        self.Provision()
+        pathLock = self.pathRoot / "var/lock/fructl.lock"
+        self.assertEqual(pathLock.read_text(), "")
+        with open(pathLock, "r+") as stLock:
+            fcntl.flock(stLock, fcntl.LOCK_EX)
+            stLock.write("pid 4711, fructl label set\n")
+            stLock.flush()
+            fStart = time.monotonic()
+            strLine = self.Bad(1, "recover", "baseboard")
+            self.assertGreaterEqual(time.monotonic() - fStart, 2.0)
+            self.assertEqual(strLine, f"another command is writing to {self.pathRoot}: pid 4711, fructl label set; try again when it is done")
+            self.Good("list")  # readers do not wait
+        self.Good("recover", "baseboard")
+
+    def test_the_lock_file_names_its_holder(self):
+        self.Provision()
+        pathLock = self.pathRoot / "var/lock/fructl.lock"
+        # The first writer is held up by a reader that keeps the database's own lock.
+        with open(self.pathRoot / "var/lib/fru/db/lock", "r+") as stDatabase:
+            fcntl.flock(stDatabase, fcntl.LOCK_EX)
+            stProcess = subprocess.Popen([*COMMAND, "--root", str(self.pathRoot), "provision", str(EXAMPLES / "controller.json"), "--force"],
+                                         stdout=subprocess.DEVNULL)
+            fEnd = time.monotonic() + 60
+            while not pathLock.read_text() and time.monotonic() < fEnd:
+                time.sleep(0.02)
+            strHolder = pathLock.read_text()
+            fcntl.flock(stDatabase, fcntl.LOCK_UN)
+        self.assertEqual(stProcess.wait(), 0)
+        self.assertRegex(strHolder, r"^pid \d+, fructl --root .* provision .* --force\n$")
+        self.assertEqual(pathLock.read_text(), "")
+
+
+if __name__ == "__main__":
+    unittest.main()
