@@ -120,7 +120,7 @@ void Announce(const SESSION_S &stSession, const SERVE_S &stOptions, const SERVIC
                      stService.strAddress.c_str(), stService.usPort) +
               Paint(COLOUR::Bold, strClient) + "\n");
     }
-    FlushOutput();
+    (void)FlushOutput();
 }
 
 void RunServe(const SESSION_S &stSession, const SERVE_S &stOptions)
