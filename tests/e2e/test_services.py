@@ -1,0 +1,150 @@
+"""fructl clear, raw write, test-result, features, date and monitor."""
+import datetime
+import json
+import signal
+import subprocess
+import time
+import unittest
+
+from support import BASEBOARD_EEPROM, COMMAND, Environment, FructlTest, Run
+
+OPERATE_LOG = "var/log/operate.jsonl"
+EVENTS = "var/log/fru-events.jsonl"
+SERIAL_NUMBER_FILES = ("mnt/sdmmc0p4/board/ProductSerialNumber", "var/network/ProductSerialNumber")
+
+
+class ServicesTest(FructlTest):
+    def setUp(self):
+        super().setUp()
+        self.Provision()
+
+    def Lines(self, strPath):
+        pathFile = self.pathRoot / strPath
+        return [json.loads(strLine) for strLine in pathFile.read_text().splitlines()] if pathFile.exists() else []
+
+    def Snapshot(self):
+        return {str(p): p.read_bytes() for p in self.pathRoot.rglob("*") if p.is_file() and "lock" not in p.name}
+
+
+class Clear(ServicesTest):
+    def test_erases_device_and_cache_and_tells_everybody(self):
+        self.assertEqual(self.Good("clear", "psu1", "--yes").strOut, "Cleared psu1 FRU successfully.\n")
+        self.assertEqual(set(self.Eeprom("bus2-addr0xa4-switch1.bin").read_bytes()[:256]), {0xFF})
+        stPsu = self.Json("list")["devices"][1]
+        self.assertEqual((stPsu["image"], stPsu["cache"]), ("erased", "same"))
+        self.assertEqual([(s["result"], s["text"], s["source"]) for s in self.Lines(OPERATE_LOG)], [(99, "Cleared psu1 FRU successfully.", 12)])
+        # Only the baseboard's clear sends the device-changed notice and touches the serial-number files.
+        self.assertEqual([(s["event"], s["componentType"], s["instance"]) for s in self.Lines(EVENTS)], [("cleared", 3, 0)])
+        self.assertFalse((self.pathRoot / SERIAL_NUMBER_FILES[0]).exists())
+
+    def test_baseboard_clear_empties_the_serial_number_file(self):
+        stResult = self.Json("clear", "0:0", "--yes")
+        self.assertEqual(stResult["operationLog"], "Cleared baseboard FRU successfully.")
+        self.assertEqual((self.pathRoot / SERIAL_NUMBER_FILES[0]).read_bytes(), bytes(80))
+        self.assertEqual([s["event"] for s in self.Lines(EVENTS)], ["deviceChanged", "cleared"])
+
+    def test_needs_a_yes_when_there_is_nobody_to_ask(self):
+        dictBefore = self.Snapshot()
+        self.assertIn("needs --yes", self.Bad(2, "clear", "psu1"))
+        self.assertEqual(self.Snapshot(), dictBefore)
+
+    def test_dry_run_writes_nothing(self):
+        dictBefore = self.Snapshot()
+        self.assertEqual(self.Good("clear", "psu1", "--dry-run").strOut, "would erase 256 bytes of psu1 (0x03:0); nothing was written\n")
+        self.assertEqual(self.Json("clear", "psu1", "--dry-run")["bytes"], 256)
+        self.assertEqual(self.Snapshot(), dictBefore)
+
+    def test_a_device_that_does_not_answer_is_left_alone_and_logged(self):
+        self.Eeprom("bus2-addr0xa4-switch1.bin").unlink()
+        self.assertRegex(self.Bad(1, "clear", "psu1", "--yes"), r"psu1 \(0x03:0\) could not be erased: 0x29000004.*EEPROM bus2-addr0xa4-switch1: No such file")
+        self.assertEqual([(s["result"], s["text"]) for s in self.Lines(OPERATE_LOG)], [(67, "Failed to clear psu1 FRU.")])
+        self.assertEqual(self.Lines(EVENTS), [])
+
+
+class RawWrite(ServicesTest):
+    def test_writes_device_and_cache(self):
+        iBefore = self.Eeprom(BASEBOARD_EEPROM).read_bytes()
+        stResult = self.Json("raw", "write", "baseboard", "--offset", "0x700", "--bytes", "01 a2FF")
+        self.assertEqual((stResult["request"], stResult["response"]), ("00 00 07 01 a2 ff", "00 03"))
+        abAfter = self.Eeprom(BASEBOARD_EEPROM).read_bytes()
+        self.assertEqual(abAfter[0x700:0x703], bytes([0x01, 0xA2, 0xFF]))
+        self.assertEqual(abAfter[:0x700] + abAfter[0x703:], iBefore[:0x700] + iBefore[0x703:])
+        self.assertEqual(self.Json("list")["devices"][0]["cache"], "same")
+
+    def test_one_log_entry_for_each_sequence(self):
+        self.Good("raw", "write", "psu1", "--offset", "0xf0", "--bytes", "00")
+        self.assertEqual(self.Lines(OPERATE_LOG), [])
+        self.Good("raw", "info", "psu1")
+        for _ in range(2):
+            self.Good("raw", "write", "psu1", "--offset", "0xf0", "--bytes", "00")
+        self.assertEqual([s["text"] for s in self.Lines(OPERATE_LOG)], ["Set FRU successfully, Device ID: 1."])
+
+    def test_completion_codes_and_refusals(self):
+        for strOffset, strCode in (("0x100", "0xcc"), ("0xff", "0xc9")):
+            stResult = self.Fructl("raw", "write", "psu1", "--offset", strOffset, "--bytes", "0102")
+            self.assertEqual(stResult.iCode, 1)
+            self.assertIn(strCode, stResult.strErr)
+        for strBytes in ("xyz", "0", "1 ", "00" * 256):
+            self.assertIn("accepted: 1 to 255 bytes", self.Bad(2, "raw", "write", "psu1", "--offset", "0", "--bytes", strBytes))
+
+
+class SmallServices(ServicesTest):
+    def test_test_result_is_zero_without_faults(self):
+        self.assertEqual(self.Json("test-result"), {"testResult": 0, "faults": {}})
+        self.assertEqual(self.Good("test-result").strOut, "test result 0x00, no fault marked\n")
+
+    def test_features(self):
+        pathList = self.pathRoot / "conf/features.json"
+        pathList.parent.mkdir(exist_ok=True)
+        pathList.write_text('["success", "pending", "success"]')
+        self.assertEqual(self.Json("features"), {"features": [True, False, True]})
+        self.assertEqual(self.Good("features").strOut, "feature 0: success\nfeature 1: failed\nfeature 2: success\n")
+        pathList.write_text("[]")
+        self.assertEqual(self.Good("features").strOut, "no features\n")
+        pathList.write_text("{")
+        self.assertIn("the feature service did not answer", self.Bad(1, "features"))
+
+    def test_feature_update_is_handed_over_whole(self):
+        abBlock = bytes(i % 251 for i in range(1334))
+        self.Good("features", "--update", self.Write("block.bin", abBlock))
+        self.assertEqual((self.pathRoot / "var/lib/fru/feature-update.bin").read_bytes(), abBlock)
+        self.assertIn("exactly 1334", self.Bad(1, "features", "--update", self.Write("short.bin", abBlock[:-1])))
+
+    def test_monitor_shows_past_and_new_events(self):
+        self.Good("clear", "psu1", "--yes")
+        stPast = json.loads(self.Good("--json", "monitor", "--all", "--count", "1").strOut)
+        self.assertEqual(stPast["event"], "cleared")
+        with subprocess.Popen([*COMMAND, "--root", str(self.pathRoot), "monitor"], stdout=subprocess.PIPE, text=True,
+                              env=Environment()) as stMonitor:
+            # The monitor begins at the journal's end; give it the time to get there.
+            time.sleep(1.0)
+            self.Good("clear", "psu2", "--yes")
+            strLine = stMonitor.stdout.readline()
+            stMonitor.send_signal(signal.SIGINT)
+            self.assertEqual(stMonitor.wait(timeout=20), 0)
+        self.assertRegex(strLine, r"^\d{4}-\d\d-\d\dT\S+  cleared  0x03:1\n$")
+
+
+class Date(unittest.TestCase):
+    def test_there_and_back(self):
+        for strDate, strBytes in (("1996-01-01", "00 00 00"), ("1996-01-01 00:01:59", "01 00 00"), ("2024-05-17", "80 b9 e3"),
+                                  ("2024-5-17 8:30:0", None), ("2025-12-31 23:59:59", None)):
+            stResult = Run("--json", "date", strDate)
+            self.assertEqual(stResult.iCode, 0, stResult.strErr)
+            stJson = stResult.Json()
+            aParts = [int(s) for s in strDate.replace(" ", "-").replace(":", "-").split("-")]
+            stMoment = datetime.datetime(*aParts)
+            self.assertEqual(stJson["minutes"], (stMoment - datetime.datetime(1996, 1, 1)) // datetime.timedelta(minutes=1))
+            self.assertEqual(stJson["bytes"], strBytes or stJson["bytes"])
+            stBack = Run("--json", "date", "--bytes", *stJson["bytes"].split())
+            self.assertEqual(stBack.Json()["text"], stMoment.replace(second=0).strftime("%Y-%m-%d %H:%M:%S"))
+
+    def test_refusals(self):
+        for asArguments in (("2026-01-01",), ("2024-02-30",), ("2024-4-05",), ("17.5.2024",), ("--bytes", "00", "00", "1g"), ()):
+            stResult = Run("date", *asArguments)
+            self.assertEqual(stResult.iCode, 2, asArguments)
+            self.assertEqual(stResult.strErr.count("\n"), 1)
+
+
+if __name__ == "__main__":
+    unittest.main()
