@@ -25,9 +25,11 @@
 // called.
 #define FRU_LOG_NULL(pcName) FRU_LOG_NULL_IN(pcName, __func__)
 #define FRU_LOG_NULL_IN(pcName, pcFunction)                                                                  \
-    BMC_DiagLogOut(0U, 0U, BMC_DIAG_DEBUG, __LINE__, FRU_DIAG_FILE,                                          \
-                   "Pointer " pcName " is Null, File:%s Func:%s Line:%d", FRU_DIAG_FILE, (pcFunction),       \
+    FRU_ReportNull("Pointer " pcName " is Null, File:%s Func:%s Line:%d", FRU_DIAG_FILE, (pcFunction),       \
                    __LINE__)
+
+// The report behind FRU_LOG_NULL; out of line, for there are many of them.
+void FRU_ReportNull(const char *pcFormat, const char *pcFile, const char *pcFunction, u32 uiLine);
 
 // A message out of one of the library's own tables of texts, so not a literal where it is logged.
 #define FRU_LOG_TABLE(uiCategory, uiSeverity, ...)                                                           \

@@ -42,8 +42,8 @@ class DirectFru : public testing::Test
     {
         fake::HwObjects() =
             std::vector<HW_FRU_OBJECT_S>{{0, 0x20, static_cast<u16>(vecImage.size()), 3, "eeprom_base"}};
-        fake::BYTES vecChip(0x20, 0xEE);
-        vecChip.insert(vecChip.end(), vecImage.begin(), vecImage.end());
+        fake::BYTES vecChip(0x20 + vecImage.size(), 0xEE);
+        std::copy(vecImage.begin(), vecImage.end(), vecChip.begin() + 0x20);
         fake::EepromByName("eeprom_base") = vecChip;
     }
 
