@@ -143,16 +143,18 @@ class Lock(FructlTest):
     def test_the_lock_file_names_its_holder(self):
         self.Provision()
         pathLock = self.pathRoot / "var/lock/fructl.lock"
-        # The first writer is held up by a reader that keeps the database's own lock.
-        with open(self.pathRoot / "var/lib/fru/db/lock", "r+") as stDatabase:
-            fcntl.flock(stDatabase, fcntl.LOCK_EX)
+        # The first writer is held up by somebody who keeps the database's own lock.
+        iDatabase = os.open(self.pathRoot / "var/lib/fru/db", os.O_RDONLY)
+        try:
+            fcntl.flock(iDatabase, fcntl.LOCK_EX)
             stProcess = subprocess.Popen([*COMMAND, "--root", str(self.pathRoot), "provision", str(EXAMPLES / "controller.json"), "--force"],
                                          stdout=subprocess.DEVNULL)
             fEnd = time.monotonic() + 60
             while not pathLock.read_text() and time.monotonic() < fEnd:
                 time.sleep(0.02)
             strHolder = pathLock.read_text()
-            fcntl.flock(stDatabase, fcntl.LOCK_UN)
+        finally:
+            os.close(iDatabase)
         self.assertEqual(stProcess.wait(), 0)
         self.assertRegex(strHolder, r"^pid \d+, fructl --root .* provision .* --force\n$")
         self.assertEqual(pathLock.read_text(), "")
