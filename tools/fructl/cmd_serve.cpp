@@ -1,5 +1,8 @@
 // fructl serve: the controller's FRU devices for IPMI clients, through OpenIPMI's simulator.
+#include <algorithm>
+#include <cctype>
 #include <csignal>
+#include <cstring>
 
 #include "commands.h"
 #include "console.h"
@@ -39,7 +42,7 @@ std::string ReadPassword(const std::string &strFile)
 {
     const std::vector<u8> vecBytes = ReadFileBytes(strFile);
     const std::string strText(vecBytes.begin(), vecBytes.end());
-    const std::string strPassword = strText.substr(0U, strText.find_first_of("\r\n"));
+    std::string strPassword = strText.substr(0U, strText.find_first_of("\r\n"));
     if (!IsWord(strPassword, PASSWORD_MAX)) {
         Fail(Format("the first line of %s is no password; accepted: 1 to %zu printable ASCII characters "
                     "without blanks",

@@ -1,5 +1,6 @@
 #include "simulator.h"
 
+#include <algorithm>
 #include <arpa/inet.h>
 #include <cerrno>
 #include <chrono>
@@ -49,7 +50,7 @@ std::string FindProgram()
     std::string strRest = std::string(pcPath == nullptr ? "" : pcPath) + ":/usr/bin:/usr/local/bin";
     while (!strRest.empty()) {
         const size_t uiEnd = std::min(strRest.find(':'), strRest.size());
-        const std::string strFile = strRest.substr(0U, uiEnd) + "/" + PROGRAM;
+        std::string strFile = strRest.substr(0U, uiEnd) + "/" + PROGRAM;
         if (strFile.front() == '/' && access(strFile.c_str(), X_OK) == 0) {
             return strFile;
         }

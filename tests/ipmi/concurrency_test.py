@@ -1,0 +1,111 @@
+"""Several clients at once: an untouched device is always read whole, a device under a write only visibly torn."""
+import os
+import threading
+import time
+
+import bench
+from bench import unittest
+
+SECONDS = 6.0
+
+
+def Images(strFirst, strSecond):
+    return bench.BigImage(strFirst), bench.BigImage(strSecond)
+
+
+class Concurrency(unittest.TestCase):
+    def setUp(self):
+        self.lstDevices = [bench.DEVICE(iId, 'device%d' % iId, 0x20, iId, bench.BigImage(strLetter), cached=iId != 1)
+                           for iId, strLetter in enumerate('abcde')]
+        self.stController = bench.CONTROLLER(self, self.lstDevices)
+        self.stService = bench.SERVICE(self, self.stController)
+        self.lstFaults = []
+        self.mapReads = {}
+        self.stEnd = threading.Event()
+
+    def File(self, strName):
+        return os.path.join(self.stController.strBase, strName)
+
+    def Fault(self, strText):
+        self.lstFaults.append(strText)
+        self.stEnd.set()
+
+    def Watch(self, iId, fnCheck):
+        """Reads a device until the end; one client process for each read."""
+        try:
+            while not self.stEnd.is_set():
+                fnCheck(self.stService.ReadFru(iId, self.File('read%d' % iId)))
+                self.mapReads[iId] = self.mapReads.get(iId, 0) + 1
+        except Exception as stError:  # pylint: disable=broad-except
+            self.Fault('reading device %d: %r' % (iId, stError))
+
+    def CheckUntouched(self, iId):
+        def Check(abImage):
+            if abImage != self.lstDevices[iId].abImage:
+                self.Fault('device %d, which nobody writes, was read wrong' % iId)
+        return Check
+
+    def CheckWritten(self, lstImages):
+        def Check(abImage):
+            if abImage in lstImages:
+                return
+            self.mapReads['torn'] = self.mapReads.get('torn', 0) + 1
+            if any(iByte not in (abOne[i] for abOne in lstImages) for i, iByte in enumerate(abImage)):
+                self.Fault('an answer has bytes that are in no image of its device')
+            elif not bench.BadAreas(abImage):
+                self.Fault('a torn image was read whose checksums are all right')
+        return Check
+
+    def Run(self, fnWrite, lstWritten):
+        lstThreads = [threading.Thread(target=self.Watch, args=(iId, self.CheckUntouched(iId))) for iId in range(3)]
+        lstThreads.append(threading.Thread(target=self.Watch, args=(3, self.CheckWritten(lstWritten))))
+        for stThread in lstThreads:
+            stThread.start()
+        iWrites = 0
+        fUntil = time.monotonic() + SECONDS
+        try:
+            while not self.stEnd.is_set() and time.monotonic() < fUntil:
+                iWrites += 1
+                abImage = fnWrite(iWrites)
+                if self.stService.ReadFru(3, self.File('after')) != abImage:
+                    self.Fault('the read after write %d is not what was written' % iWrites)
+        except Exception as stError:  # pylint: disable=broad-except
+            self.Fault('writing: %r' % stError)
+        self.stEnd.set()
+        for stThread in lstThreads:
+            stThread.join()
+        print('  %d writes, reads by device: %s' % (iWrites, self.mapReads))
+        self.assertEqual(self.lstFaults, [])
+        self.assertGreaterEqual(iWrites, 3)
+        self.assertTrue(all(self.mapReads.get(iId, 0) >= 3 for iId in range(4)), self.mapReads)
+        for stDevice in self.lstDevices:
+            if stDevice.iId != 3:
+                self.assertEqual(self.stController.Chip(stDevice), stDevice.abImage)
+
+    def test_fifth_client_writes_whole_images(self):
+        lstImages = [bench.BigImage('y'), bench.BigImage('z')]
+
+        def Write(iWrite):
+            abImage = lstImages[iWrite % 2]
+            stDone = self.stService.WriteFru(3, self.File('write'), abImage)
+            assert stDone.returncode == 0, stDone
+            return abImage
+        self.Run(Write, lstImages + [self.lstDevices[3].abImage])
+
+    @unittest.skipIf(not bench.HasCommand('label', 'set'), 'this fructl cannot set labels')
+    def test_fructl_writes_labels(self):
+        stDevice = self.lstDevices[3]
+        lstSeen = [stDevice.abImage]
+        self.stController.Fructl('label', 'set', stDevice.strName, 'Board Serial Number', 'y' * 32)
+        abFirst = self.stController.Chip(stDevice)
+        self.stController.Fructl('label', 'set', stDevice.strName, 'Board Serial Number', 'z' * 32)
+        lstSeen += [abFirst, self.stController.Chip(stDevice)]
+
+        def Write(iWrite):
+            self.stController.Fructl('label', 'set', stDevice.strName, 'Board Serial Number', 'yz'[iWrite % 2] * 32)
+            return lstSeen[1 + iWrite % 2]
+        self.Run(Write, lstSeen)
+
+
+if __name__ == '__main__':
+    bench.Main()
