@@ -56,4 +56,25 @@ void DecodeFloor(benchmark::State &state)
 }
 BENCHMARK(DecodeFloor);
 
+void Encode(benchmark::State &state)
+{
+    const std::vector<u8> vecImage = bench::InEeprom(bench::FullImage(), 2048U);
+    FRU_DATA_S stFRUData{};
+    if (FRU_ANALYZER_InterpretFRUData(vecImage.data(), static_cast<u32>(vecImage.size()), &stFRUData) !=
+        FRU_OK) {
+        state.SkipWithError("the image does not decode");
+    }
+    std::vector<u8> vecOut(2048U);
+    const uint64_t ulBefore = bench::Counts().ulAllocations;
+    for ([[maybe_unused]] auto _ : state) {
+        if (FRU_ANALYZER_ConvertToArray(&stFRUData, static_cast<u32>(vecOut.size()), vecOut.data()) < 0) {
+            state.SkipWithError("the record does not encode");
+        }
+        benchmark::DoNotOptimize(vecOut.data());
+    }
+    ReportAllocations(state, ulBefore);
+    FRU_ANALYZER_SafeFree(&stFRUData);
+}
+BENCHMARK(Encode);
+
 } // namespace
