@@ -6,9 +6,9 @@ from support import BASEBOARD_EEPROM, EXAMPLES, FructlTest, HexImage, Run, ZeroS
 BASEBOARD = {
     "chassis": {"type": "Rack Mount Chassis", "partNumber": "LH-CH2U-12", "serialNumber": "CH2U24170042",
                 "customFields": ["CUST-000815", "02005E1000A0", "04", "LHSRV2UAAA", "R07-U12"]},
-    "board": {"language": "English", "mfgDate": "2024-03-18 09:30:00", "manufacturer": "Lindenhain Systems", "productName": "LH-MB2 Baseboard",
+    "board": {"language": "English", "languageCode": 0, "mfgDate": "2024-03-18 09:30:00", "mfgDateMinutes": 14838330, "manufacturer": "Lindenhain Systems", "productName": "LH-MB2 Baseboard",
               "serialNumber": "MB2241700137", "partNumber": "LHMB2-B03", "fruFileId": "mb2-1.4", "customFields": ["TOP24170099"]},
-    "product": {"language": "English", "manufacturer": "Lindenhain Systems", "productName": "Hain 220", "partNumber": "LH220-24C", "version": "2.1",
+    "product": {"language": "English", "languageCode": 0, "manufacturer": "Lindenhain Systems", "productName": "Hain 220", "partNumber": "LH220-24C", "version": "2.1",
                 "serialNumber": "LH22024170042", "assetTag": "RACK7-UNIT12", "fruFileId": "lh220-1.4",
                 "customFields": ["Compute", "2+0", "2x25G", "800W"]},
     "multiRecords": [
@@ -22,9 +22,9 @@ BASEBOARD = {
 
 def Psu(strSerial):
     return {
-        "board": {"language": "English", "mfgDate": "2024-02-05 14:10:00", "manufacturer": "Lindenhain Power", "productName": "LH-PS800",
+        "board": {"language": "English", "languageCode": 0, "mfgDate": "2024-02-05 14:10:00", "mfgDateMinutes": 14778130, "manufacturer": "Lindenhain Power", "productName": "LH-PS800",
                   "serialNumber": strSerial, "partNumber": "LHPS800-A1", "fruFileId": "ps800-1", "customFields": []},
-        "product": {"language": "English", "manufacturer": "Lindenhain Power", "productName": "800 W Power Supply", "partNumber": "LH-PS800",
+        "product": {"language": "English", "languageCode": 0, "manufacturer": "Lindenhain Power", "productName": "800 W Power Supply", "partNumber": "LH-PS800",
                     "version": "A1", "serialNumber": strSerial, "assetTag": "", "fruFileId": "ps800-1", "customFields": []},
         "multiRecords": [],
     }
@@ -34,13 +34,13 @@ EXAMPLE_IMAGES = {
     "baseboard": BASEBOARD,
     "psu1": Psu("PS8024100311"),
     "psu2": Psu("PS8024100312"),
-    "riser": {"board": {"language": "English", "mfgDate": "2024-01-22 08:00:00", "manufacturer": "Lindenhain Systems", "productName": "LH-RS2 Riser",
+    "riser": {"board": {"language": "English", "languageCode": 0, "mfgDate": "2024-01-22 08:00:00", "mfgDateMinutes": 14757600, "manufacturer": "Lindenhain Systems", "productName": "LH-RS2 Riser",
                         "serialNumber": "RS2240900058", "partNumber": "LHRS2-A2", "fruFileId": "rs2-1", "customFields": []},
               "multiRecords": []},
-    "bmc-card": {"board": {"language": "English", "mfgDate": "2024-03-01 11:45:00", "manufacturer": "Lindenhain Systems",
+    "bmc-card": {"board": {"language": "English", "languageCode": 0, "mfgDate": "2024-03-01 11:45:00", "mfgDateMinutes": 14813985, "manufacturer": "Lindenhain Systems",
                            "productName": "LH-BMC1 Management Card", "serialNumber": "BC1240800720", "partNumber": "LHBMC1-C1",
                            "fruFileId": "bmc1-1.2", "customFields": []},
-                 "product": {"language": "English", "manufacturer": "Lindenhain Systems", "productName": "Management Card", "partNumber": "LH-BMC1",
+                 "product": {"language": "English", "languageCode": 0, "manufacturer": "Lindenhain Systems", "productName": "Management Card", "partNumber": "LH-BMC1",
                              "version": "C1", "serialNumber": "BC1240800720", "assetTag": "", "fruFileId": "bmc1-1.2", "customFields": []},
                  "multiRecords": []},
 }

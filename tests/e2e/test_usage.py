@@ -8,12 +8,13 @@ import unittest
 
 from support import COMMAND, EXAMPLES, Environment, FructlTest, Run
 
-COMMANDS = ["provision", "list", "show", "verify", "map", "recover", "raw"]
+COMMANDS = ["provision", "list", "show", "verify", "map", "diff", "label", "encode", "recover", "raw"]
 
 
 class Help(unittest.TestCase):
     def test_every_level_has_help_with_an_example(self):
-        for asLevel in [[], *[[strName] for strName in COMMANDS], ["raw", "info"], ["raw", "read"]]:
+        for asLevel in [[], *[[strName] for strName in COMMANDS], ["raw", "info"], ["raw", "read"],
+                        ["label", "list"], ["label", "get"], ["label", "set"]]:
             with self.subTest(asLevel):
                 stResult = Run(*asLevel, "--help")
                 self.assertEqual((stResult.iCode, stResult.strErr), (0, ""))

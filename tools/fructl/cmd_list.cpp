@@ -28,8 +28,8 @@ STATE_S StateOf(const DEVICE_S &stDevice)
         } catch (const FRUCTL_ERROR &) {
             optImage.reset();
         }
-        const bool bSame =
-            optImage.has_value() && optCached.has_value() && optImage->vecBytes == optCached->vecBytes;
+        const bool bSame = optImage.has_value() && optCached.has_value() &&
+                           !FirstDifference(*optImage, *optCached, stDevice.HasFixedSlots()).has_value();
         pcCache = !optCached.has_value()      ? "none"
                   : !IsCacheTrusted(stDevice) ? "not trusted"
                   : bSame                     ? "same"

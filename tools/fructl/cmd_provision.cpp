@@ -72,6 +72,8 @@ void WriteFiles(const PLAN_S &stPlan)
     for (const CONF_FILE_S &stFile : stPlan.vecConfFiles) {
         WriteFileBytes(RealPath(stFile.strPath), stFile.vecBytes);
     }
+    // A controller has its network share from the start; the product serial number is copied to it.
+    MakeParentDirectory(RealPath("/var/network/ProductSerialNumber"));
 }
 
 // A device that is no more: there is no call that deletes its record, so it is emptied; a FRU of no bytes

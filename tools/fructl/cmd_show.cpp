@@ -4,7 +4,7 @@
 #include "commands.h"
 #include "console.h"
 #include "json_out.h"
-#include "record.h"
+#include "record_json.h"
 #include "text.h"
 
 namespace {
@@ -92,41 +92,6 @@ std::string TitleText(const TARGET_S &stTarget)
            Format("  FRU device ID %u, %u bytes at 0x%04x of the EEPROM on bus %u, address 0x%02x\n",
                   stTarget.optDevice->stEntry.ucDeviceID, stInfo.usSize, stInfo.usStartOffset,
                   stInfo.ucBusNumber, stInfo.ucAddress);
-}
-
-JSON AreaJson(const AREA_VIEW_S &stArea)
-{
-    JSON stJson = JSON::object();
-    for (const FIELD_VIEW_S &stField : stArea.vecFields) {
-        stJson[stField.strKey] = Latin1ToUtf8(stField.strText);
-    }
-    if (stArea.enArea != AREA::InternalUse) {
-        stJson["customFields"] = JSON::array();
-    }
-    for (const std::string &strField : stArea.vecCustomFields) {
-        stJson["customFields"].push_back(Latin1ToUtf8(strField));
-    }
-    return stJson;
-}
-
-JSON RecordJson(const RECORD_VIEW_S &stView)
-{
-    JSON stJson = JSON::object();
-    for (const AREA_VIEW_S &stArea : stView.vecAreas) {
-        stJson[AreaKey(stArea.enArea)] = AreaJson(stArea);
-    }
-    stJson["multiRecords"] = JSON::array();
-    for (const MULTIRECORD_VIEW_S &stRecord : stView.vecMultiRecords) {
-        stJson["multiRecords"].push_back({{"type", stRecord.ucType},
-                                          {"formatVersion", stRecord.ucFormatVersion},
-                                          {"name", stRecord.strName},
-                                          {"text", Latin1ToUtf8(stRecord.strText)},
-                                          {"data", HexBytes(stRecord.vecData)}});
-    }
-    if (stView.bMultiRecordArea && stView.vecMultiRecords.empty()) {
-        stJson["multiRecordsDamaged"] = true;
-    }
-    return stJson;
 }
 
 void RunShow(const SESSION_S &stSession, const TARGET_OPTIONS_S &stOptions)

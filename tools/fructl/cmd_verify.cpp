@@ -67,16 +67,14 @@ void CheckTarget(const TARGET_S &stTarget, std::vector<CHECK_S> &vecChecks)
     if (!optCached.has_value() || !optImage.has_value()) {
         return;
     }
-    for (size_t i = 0; i < optImage->vecBytes.size(); i++) {
-        if (optCached->vecBytes[i] != optImage->vecBytes[i]) {
-            CHECK_S stCheck = CheckImage(stTarget, *optCached);
-            stCheck.strFailure =
-                Format("%s the EEPROM from byte 0x%04zx on (0x%02x in the EEPROM, 0x%02x cached)",
-                       stCheck.stLayout.IsSound() ? "sound in itself, but differs from" : "differs from", i,
-                       optImage->vecBytes[i], optCached->vecBytes[i]);
-            vecChecks.push_back(stCheck);
-            return;
-        }
+    const std::optional<size_t> optAt = FirstDifference(*optImage, *optCached, stTarget.HasFixedSlots());
+    if (optAt.has_value()) {
+        CHECK_S stCheck = CheckImage(stTarget, *optCached);
+        stCheck.strFailure =
+            Format("%s the EEPROM from byte 0x%04zx on (0x%02x in the EEPROM, 0x%02x cached)",
+                   stCheck.stLayout.IsSound() ? "sound in itself, but differs from" : "differs from", *optAt,
+                   optImage->vecBytes[*optAt], optCached->vecBytes[*optAt]);
+        vecChecks.push_back(stCheck);
     }
 }
 

@@ -9,7 +9,10 @@ constexpr void (*g_apfnCommands[])(CLI::App &stParent, SESSION_S &stSession) = {
     AddShowCommand,       //
     AddVerifyCommand,     //
     AddMapCommand,        //
-    AddClearCommand,      // written
+    AddDiffCommand,       //
+    AddLabelCommand,      // written
+    AddEncodeCommand,     //
+    AddClearCommand,      //
     AddRecoverCommand,    //
     AddRawCommand,        // bytes
     AddDateCommand,       //

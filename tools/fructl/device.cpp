@@ -92,6 +92,18 @@ void CheckOptions(const TARGET_OPTIONS_S &stOptions)
     }
 }
 
+// Up to the end of the last area, when the image is sound; else all.
+size_t UsedBytes(const IMAGE_S &stImage, bool bFixedSlots)
+{
+    const IMAGE_LAYOUT_S stLayout = LayoutOf(stImage, bFixedSlots);
+    size_t uiEnd = 0;
+    for (const SPAN_S &stSpan : stLayout.vecSpans) {
+        uiEnd = stSpan.enArea == AREA::Unused ? uiEnd
+                                              : std::max(uiEnd, size_t{stSpan.uiOffset} + stSpan.uiLength);
+    }
+    return stLayout.IsSound() ? uiEnd : stImage.vecBytes.size();
+}
+
 } // namespace
 
 std::string DEVICE_S::Component() const
@@ -227,6 +239,17 @@ std::optional<IMAGE_S> ReadCache(const DEVICE_S &stDevice)
         return std::nullopt;
     }
     return stImage;
+}
+
+std::optional<size_t> FirstDifference(const IMAGE_S &stLeft, const IMAGE_S &stRight, bool bFixedSlots)
+{
+    const size_t uiEnd = std::max(UsedBytes(stLeft, bFixedSlots), UsedBytes(stRight, bFixedSlots));
+    for (size_t i = 0; i < uiEnd; i++) {
+        if (stLeft.vecBytes[i] != stRight.vecBytes[i]) {
+            return i;
+        }
+    }
+    return std::nullopt;
 }
 
 bool IsCacheTrusted(const DEVICE_S &stDevice)

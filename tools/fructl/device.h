@@ -66,6 +66,10 @@ IMAGE_S ReadChip(const DEVICE_S &stDevice);
 // The cached image, trusted or not; nothing when there is none.
 std::optional<IMAGE_S> ReadCache(const DEVICE_S &stDevice);
 
+// The first byte in which two images of one FRU differ. Bytes behind the last area of sound images do not
+// count: there the library fills the cached image with zeros, and leaves the EEPROM as it was.
+std::optional<size_t> FirstDifference(const IMAGE_S &stLeft, const IMAGE_S &stRight, bool bFixedSlots);
+
 // True when reads may be served from the cache.
 bool IsCacheTrusted(const DEVICE_S &stDevice);
 

@@ -9,6 +9,7 @@ enum EXIT_CODE_E
 {
     EXIT_CODE_OK = 0,
     EXIT_CODE_FAILED = 1,
+    EXIT_CODE_DIFFERENT = 1, // of 'diff', which tells trouble by 2
     EXIT_CODE_USAGE = 2
 };
 

@@ -81,6 +81,16 @@ std::string ChassisTypeName(u8 ucType)
     return strName;
 }
 
+std::vector<std::string> ChassisTypeNames()
+{
+    std::vector<std::string> vecNames;
+    for (std::string strName = ChassisTypeName(0U); !strName.empty();
+         strName = ChassisTypeName(static_cast<u8>(vecNames.size()))) {
+        vecNames.push_back(strName);
+    }
+    return vecNames;
+}
+
 std::string LanguageName(u8 ucLanguage)
 {
     return (ucLanguage == 0U || ucLanguage == 25U) ? "English" : Format("code %u", ucLanguage);

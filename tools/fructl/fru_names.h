@@ -3,6 +3,7 @@
 #define FRUCTL_FRU_NAMES_H
 
 #include <string>
+#include <vector>
 
 #include "lib_fru_types.h"
 
@@ -24,6 +25,9 @@ std::string GuidText(const u8 *pucStored);
 
 // "Rack Mount Chassis" for 0x17, as the library decodes it; empty when it knows no such type.
 std::string ChassisTypeName(u8 ucType);
+
+// All of them, in the order of their codes.
+std::vector<std::string> ChassisTypeNames();
 
 // "English" for 0 and 25, else "code N".
 std::string LanguageName(u8 ucLanguage);

@@ -133,7 +133,19 @@ void MakeParentDirectory(const std::string &strPath)
     }
 }
 
-void WriteFileBytes(const std::string &strPath, const std::vector<u8> &vecBytes)
+std::string HexText(const std::vector<u8> &vecBytes)
+{
+    constexpr size_t uiLine = 16U;
+    std::string strOut;
+    for (size_t i = 0; i < vecBytes.size(); i += uiLine) {
+        strOut += Format("%04zx: ", i) +
+                  HexBytes(vecBytes.data() + i, std::min(uiLine, vecBytes.size() - i)) + "\n";
+    }
+    return strOut;
+}
+
+void WriteFileBytes(const std::string &strPath, const std::vector<u8> &vecBytes,
+                    const std::function<void(const std::string &strNew)> &fnCheck)
 {
     MakeParentDirectory(strPath);
     const std::string strNew = strPath + ".new";
@@ -145,9 +157,18 @@ void WriteFileBytes(const std::string &strPath, const std::vector<u8> &vecBytes)
         vecBytes.empty() || fwrite(vecBytes.data(), 1U, vecBytes.size(), pstFile) == vecBytes.size();
     const bool bFlushed = fflush(pstFile) == 0 && fsync(fileno(pstFile)) == 0;
     const bool bClosed = fclose(pstFile) == 0;
-    if (!bWritten || !bFlushed || !bClosed || rename(strNew.c_str(), strPath.c_str()) != 0) {
-        const std::string strWhy = strerror(errno);
+    try {
+        if (!bWritten || !bFlushed || !bClosed) {
+            Fail("cannot write " + strPath + ": " + strerror(errno));
+        }
+        if (fnCheck) {
+            fnCheck(strNew);
+        }
+        if (rename(strNew.c_str(), strPath.c_str()) != 0) {
+            Fail("cannot write " + strPath + ": " + strerror(errno));
+        }
+    } catch (...) {
         unlink(strNew.c_str());
-        Fail("cannot write " + strPath + ": " + strWhy);
+        throw;
     }
 }

@@ -2,6 +2,7 @@
 #ifndef FRUCTL_IMAGE_FILE_H
 #define FRUCTL_IMAGE_FILE_H
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -20,8 +21,13 @@ std::vector<u8> ReadImageFile(const std::string &strPath);
 // Readable hex to bytes; strName stands in front of the line number in the error.
 std::vector<u8> ParseHexText(const std::string &strText, const std::string &strName);
 
-// Writes a file whole or not at all (a new file takes the old one's place).
-void WriteFileBytes(const std::string &strPath, const std::vector<u8> &vecBytes);
+// Bytes as readable hex, 16 a line behind their offset.
+std::string HexText(const std::vector<u8> &vecBytes);
+
+// Writes a file whole or not at all (a new file takes the old one's place). fnCheck is given the new file's
+// path before that and may fail; then the old file stays.
+void WriteFileBytes(const std::string &strPath, const std::vector<u8> &vecBytes,
+                    const std::function<void(const std::string &strNew)> &fnCheck = {});
 
 // mkdir -p for the directory that the path's file lies in.
 void MakeParentDirectory(const std::string &strPath);

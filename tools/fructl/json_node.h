@@ -30,6 +30,10 @@ class JSON_NODE
     // Refuses anything but an object, and members that are not in the list.
     void RequireObject(const std::vector<const char *> &vecNames) const;
     bool Has(const char *pcName) const;
+    const nlohmann::json &Value() const
+    {
+        return m_stValue;
+    }
     JSON_NODE Member(const char *pcName) const;
     // The elements of a member that is an array.
     std::vector<JSON_NODE> Elements(const char *pcName) const;

@@ -102,7 +102,7 @@ int Run(int iArgc, char **ppcArgv)
         if (!FlushOutput()) {
             Fail("standard output could not be written");
         }
-        return EXIT_CODE_OK;
+        return stSession.enExitCode;
     } catch (const CLI::ParseError &stError) {
         if (stError.get_exit_code() == static_cast<int>(CLI::ExitCodes::Success)) {
             stApp.exit(stError); // help or version

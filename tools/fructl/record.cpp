@@ -20,6 +20,16 @@ std::vector<std::string> CustomFields(u8 **ppucFields, u8 ucCount)
     return vecFields;
 }
 
+FIELD_VIEW_S Language(u8 ucLanguage)
+{
+    return {"language", "language", LanguageName(ucLanguage), "languageCode", ucLanguage};
+}
+
+u32 Minutes(const u8 *pucMfgDate)
+{
+    return pucMfgDate[0] | static_cast<u32>(pucMfgDate[1]) << 8U | static_cast<u32>(pucMfgDate[2]) << 16U;
+}
+
 AREA_VIEW_S ViewChassis(const FRU_CHASSIS_INFO_S &stInfo)
 {
     return {AREA::Chassis,
@@ -32,8 +42,9 @@ AREA_VIEW_S ViewChassis(const FRU_CHASSIS_INFO_S &stInfo)
 AREA_VIEW_S ViewBoard(const FRU_BOARD_INFO_S &stInfo)
 {
     return {AREA::Board,
-            {{"language", "language", LanguageName(stInfo.ucLanguage)},
-             {"mfgDate", "manufacturing date", MfgDateText(stInfo.aucMfgDateTime)},
+            {Language(stInfo.ucLanguage),
+             {"mfgDate", "manufacturing date", MfgDateText(stInfo.aucMfgDateTime), "mfgDateMinutes",
+              Minutes(stInfo.aucMfgDateTime)},
              {"manufacturer", "manufacturer", Text(stInfo.pucBoardMfr)},
              {"productName", "product name", Text(stInfo.pucBoardProductName)},
              {"serialNumber", "serial number", Text(stInfo.pucBoardSerialNum)},
@@ -45,7 +56,7 @@ AREA_VIEW_S ViewBoard(const FRU_BOARD_INFO_S &stInfo)
 AREA_VIEW_S ViewProduct(const FRU_PRODUCT_INFO_S &stInfo)
 {
     return {AREA::Product,
-            {{"language", "language", LanguageName(stInfo.ucLanguage)},
+            {Language(stInfo.ucLanguage),
              {"manufacturer", "manufacturer", Text(stInfo.pucMfrName)},
              {"productName", "product name", Text(stInfo.pucProductName)},
              {"partNumber", "part number", Text(stInfo.pucProductPartNum)},

@@ -39,6 +39,9 @@ struct FIELD_VIEW_S
     std::string strKey;  // for programs: "partNumber"
     std::string strName; // for people: "part number"
     std::string strText; // raw
+    // Of a text that stands for a number, the number: nothing is lost by the one or the other.
+    std::string strNumberKey = {}; // empty: none
+    u32 uiNumber = 0;
 };
 
 struct AREA_VIEW_S

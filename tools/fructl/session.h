@@ -7,13 +7,16 @@
 #include <string>
 #include <vector>
 
+#include "error.h"
+
 struct SESSION_S
 {
     std::string strRoot; // empty: $FRUCTL_ROOT, else ~/.local/state/fructl
     bool bVerbose = false;
     bool bJson = false;
-    std::string strCommandLine;  // as typed, for the lock file
-    std::function<void()> fnRun; // set by the command that was named
+    std::string strCommandLine;            // as typed, for the lock file
+    std::function<void()> fnRun;           // set by the command that was named
+    EXIT_CODE_E enExitCode = EXIT_CODE_OK; // of a command that did not fail
 };
 
 // Points the platform to the root directory, and its diagnostics to Diagnostics() (and stderr when verbose).

@@ -67,6 +67,25 @@ std::string Latin1ToUtf8(std::string_view strBytes)
     return strOut;
 }
 
+std::optional<std::string> Utf8ToLatin1(std::string_view strText)
+{
+    std::string strOut;
+    for (size_t i = 0; i < strText.size(); i++) {
+        const u8 ucByte = static_cast<u8>(strText[i]);
+        if (ucByte < 0x80U) {
+            strOut += strText[i];
+            continue;
+        }
+        const u8 ucNext = i + 1U < strText.size() ? static_cast<u8>(strText[i + 1U]) : 0U;
+        if ((ucByte != 0xC2U && ucByte != 0xC3U) || (ucNext & 0xC0U) != 0x80U) {
+            return std::nullopt;
+        }
+        strOut += static_cast<char>((ucByte & 0x03U) << 6U | (ucNext & 0x3FU));
+        i++;
+    }
+    return strOut;
+}
+
 std::string Count(size_t uiCount, const char *pcSingular, const char *pcPlural)
 {
     const std::string strPlural = (pcPlural != nullptr) ? pcPlural : std::string(pcSingular) + "s";
@@ -110,6 +129,25 @@ std::optional<u32> ParseNumber(std::string_view strText, u32 uiMax)
         }
     }
     return static_cast<u32>(ulValue);
+}
+
+std::optional<std::vector<u8>> ParseHexBytes(std::string_view strText)
+{
+    std::vector<u8> vecBytes;
+    for (size_t i = 0; i < strText.size();) {
+        if (strText[i] == ' ') {
+            i++;
+            continue;
+        }
+        const std::string strByte = "0x" + std::string(strText.substr(i, 2U));
+        const std::optional<u32> optByte = ParseNumber(strByte, 0xFFU);
+        if (strByte.size() != 4U || !optByte.has_value()) {
+            return std::nullopt;
+        }
+        vecBytes.push_back(static_cast<u8>(*optByte));
+        i += 2U;
+    }
+    return vecBytes;
 }
 
 std::string StatusText(u32 uiStatus)

@@ -23,6 +23,9 @@ std::string EscapeText(std::string_view strBytes);
 // For JSON: the bytes read as Latin-1, as the FRU format says, in UTF-8. Nothing is lost.
 std::string Latin1ToUtf8(std::string_view strBytes);
 
+// The way back; nothing when a character is beyond U+00FF or the text is not UTF-8.
+std::optional<std::string> Utf8ToLatin1(std::string_view strText);
+
 // "1 area", "2 areas".
 std::string Count(size_t uiCount, const char *pcSingular, const char *pcPlural = nullptr);
 
@@ -30,6 +33,9 @@ std::string Join(const std::vector<std::string> &vecTexts, const char *pcSeparat
 
 // A whole number, decimal or 0x, at most uiMax; nothing when the text is anything else.
 std::optional<u32> ParseNumber(std::string_view strText, u32 uiMax);
+
+// Hex digits, two a byte, with blanks anywhere between bytes; nothing when the text is anything else.
+std::optional<std::vector<u8>> ParseHexBytes(std::string_view strText);
 
 // A status code of the library with its meaning: "0x29000003 (no such component)".
 std::string StatusText(u32 uiStatus);
