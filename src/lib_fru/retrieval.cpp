@@ -52,7 +52,7 @@ bool Recover(u8 ucDeviceID, u8 ucReadMode, bool *pbRecovered)
     return false;
 }
 
-// Fills pucImage (the FRU size) from the device; pucResBuf holds the FRU size and 2 bytes.
+// Fills pucImage (at least a header's room) from the device; pucResBuf holds as much and 2 bytes.
 bool ReadImage(const FRU_DEVICE_INFO_S &stInfo, u8 ucReadMode, u8 ucArg, u8 *pucResBuf, u8 *pucImage)
 {
     READ_S stRead = BeginRead(stInfo);
@@ -92,17 +92,25 @@ void PresetCustomFields(const FRU_DEVICE_INFO_S &stInfo, FRU_DATA_S *pstFRUData)
     }
 }
 
+// Bytes of an image buffer. The header is asked for whole: where the record names another device as its own,
+// that device may answer it whatever this FRU's size.
+u32 ImageRoom(u32 uiSize)
+{
+    return uiSize != 0U && uiSize < FRU_COMMON_HEADER_LEN ? FRU_COMMON_HEADER_LEN : uiSize;
+}
+
 // The record keeps what its caller left in it, apart from the presets, and is not released after a failure.
 u32 ReadAndDecode(const FRU_DEVICE_INFO_S &stInfo, u8 ucComponentType, u8 ucInstance, u8 ucReadMode, u8 ucArg,
                   FRU_DATA_S *pstFRUData)
 {
     const u32 uiSize = stInfo.usSize;
-    const FRU_BUFFER upTotalBuf(static_cast<u8 *>(FRU_CALLOC_IN(1U, uiSize, "LIB_FRU_GetFRUData")));
+    const u32 uiRoom = ImageRoom(uiSize);
+    const FRU_BUFFER upTotalBuf(static_cast<u8 *>(FRU_CALLOC_IN(1U, uiRoom, "LIB_FRU_GetFRUData")));
     if (upTotalBuf == nullptr) {
         FRU_LOG(FRU_CAT_DATA, BMC_DIAG_ERROR, "Fail to calloc memory of TotalBuf, size:%#x.", uiSize);
         return LIB_FRU_ERR_SIZE;
     }
-    const FRU_BUFFER upResBuf(static_cast<u8 *>(FRU_CALLOC_IN(1U, uiSize + 2U, "LIB_FRU_GetFRUData")));
+    const FRU_BUFFER upResBuf(static_cast<u8 *>(FRU_CALLOC_IN(1U, uiRoom + 2U, "LIB_FRU_GetFRUData")));
     if (upResBuf == nullptr) {
         FRU_LOG(FRU_CAT_DATA, BMC_DIAG_ERROR, "Fail to calloc memory of ResBuf, size=%#x", uiSize + 2U);
         return LIB_FRU_ERR_SIZE;

@@ -122,6 +122,25 @@ TEST(GetFRUData, AFruBelowTheHeaderCannotBeRead)
     }
 }
 
+TEST(GetFRUData, AnotherDevicesHeaderIsHeldWhateverTheFrusSize)
+{
+    // The record at this device's key names another device as its own, and that one is larger.
+    constexpr u8 ucOther = 0x33;
+    for (const u16 usSize : {u16{1}, u16{7}}) {
+        Provide(image::FullImage());
+        const BYTES vecImage = image::FullImage();
+        device::PutInfo(device::Info(static_cast<u16>(vecImage.size()), ucOther));
+        fake::Db()[device::g_uiKeyImage | ucOther] = vecImage;
+        fake::Db()[device::g_uiKeyStatus | ucOther] = {0};
+        fake::Db()[device::g_uiKeyInfo | device::g_ucID] = device::Bytes(device::Info(usSize, ucOther));
+        RECORD stRecord;
+        EXPECT_EQ(Get(stRecord), 0x29000002U);
+        EXPECT_EQ(fake::Messages(), (LINES{"0/2 lib_fru_analyzer.c: Failed to check common header!",
+                                           Line(5, 2, "Fail to interpret fru data! Ret:0x29000002.")}));
+        EXPECT_TRUE(stRecord.IsEmpty());
+    }
+}
+
 TEST(GetFRUData, TheLargestFru)
 {
     BYTES vecImage = device::BoardImage(65535);
