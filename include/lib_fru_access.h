@@ -90,7 +90,8 @@ u32 LIB_FRU_ReadFRUData(const u8 *pucReq, u8 ucReqLen, u8 *pucRes, u32 uiArg);
  * Write FRU Data (section 34.3). Request (uiReqLen bytes): device ID, offset (2 bytes), data. Response (2
  * bytes): completion code, count written. The device is written first; then its cached image is patched and
  * the controller's services are told, neither of which can fail the command. The first write after Get FRU
- * Inventory Area Info makes one entry in the operation log and closes the sequence.
+ * Inventory Area Info makes one entry in the operation log, of a success or a failure, and closes the
+ * sequence; an entry that could not be made leaves it to the next write.
  */
 u32 LIB_FRU_WriteFRUData(const u8 *pucReq, u32 uiReqLen, u8 *pucRes);
 
@@ -162,7 +163,7 @@ u32 LIB_FRU_ClearFRUElectronicLabel(FRU_CLEAR_PARA_S *pstFRUClearPara);
 
 /*
  * Fills the operation-log sentence of the block with its FRU name: that of a success for iResult 6, else that
- * of a failure. Makes no entry.
+ * of a failure. Makes no entry. A null block is reported.
  */
 void FRU_AddClearFRULog(i32 iResult, FRU_CLEAR_PARA_S *pstFRUClearPara);
 

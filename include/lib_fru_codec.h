@@ -92,7 +92,8 @@ u32 FRU_ANALYZER_ConvertToHwArray(FRU_HW_DATA_S *pstHwData, u32 uiSize, u8 *pucB
  *
  * 0                   done; also when memory ran out while the product fields were joined, whose text is then
  *                     null
- * LIB_FRU_ERR_DECODE  out of memory; the heap texts are released and null
+ * LIB_FRU_ERR_DECODE  out of memory; the heap texts are released and null, slots and lengths stay as they
+ *                     were filled
  * LIB_FRU_ERR_SIZE    null pointer
  */
 u32 FRU_ANALYZER_InterpretCustomField(const FRU_DATA_S *pstFRUData, FRU_CUSTOM_FIELD_S *pstFRUCustomField);

@@ -30,7 +30,7 @@ void FRU_DebugHWData(const FRU_HW_DATA_S *pstHWData);
 /*
  * Sets fault bits in the byte that a factory or diagnostic tool collects: 0x20 when the cache status of any
  * FRU device has bit 1 set, 0x04 when any has bit 2 set; an unreadable status sets neither. All other bits
- * stay as they are, and the whole byte when there is no device table.
+ * stay as they are, and the whole byte when there is no device table. A null pointer is reported.
  */
 void LIB_FRU_GetTestResult(u8 *pucTestResultByte);
 

@@ -21,14 +21,15 @@
 #define FRU_LOG(uiCategory, uiSeverity, ...)                                                                 \
     BMC_DiagLogOut(FRU_DIAG_MODULE, (uiCategory), (uiSeverity), __LINE__, FRU_DIAG_FILE, __VA_ARGS__)
 
+#define FRU_NULL_FORMAT(pcName) "Pointer " pcName " is Null, File:%s Func:%s Line:%d"
+
 // Reports a null pointer under the name that callers know; the second form names the function that they
 // called.
 #define FRU_LOG_NULL(pcName) FRU_LOG_NULL_IN(pcName, __func__)
 #define FRU_LOG_NULL_IN(pcName, pcFunction)                                                                  \
-    FRU_ReportNull("Pointer " pcName " is Null, File:%s Func:%s Line:%d", FRU_DIAG_FILE, (pcFunction),       \
-                   __LINE__)
+    FRU_ReportNull(FRU_NULL_FORMAT(pcName), FRU_DIAG_FILE, (pcFunction), __LINE__)
 
-// The report behind FRU_LOG_NULL; out of line, for there are many of them.
+// The report behind FRU_LOG_NULL; out of line, for there are many of them. pcFormat is a FRU_NULL_FORMAT.
 void FRU_ReportNull(const char *pcFormat, const char *pcFile, const char *pcFunction, u32 uiLine);
 
 // A message out of one of the library's own tables of texts, so not a literal where it is logged.

@@ -78,6 +78,7 @@ u32 LIB_FRU_GetSDRByRecordID(u16 usRecordID, FRU_SDR_S *pstFRUSDR)
     }
     FRU_DEVICE_TBL_S stTable = {};
     if (LIB_FRU_GetFRUDeviceTbl(&stTable) != FRU_OK) {
+        // The getter's own words once more; that is meant.
         FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_WARNING, "Get fru device tbl failed!");
         return LIB_FRU_ERR_NO_DEVICE;
     }

@@ -8,10 +8,10 @@
 #include "lib_fru_access.h"
 #include "lib_fru_cache.h"
 #include "lib_fru_module.h"
+#include "oem_conf.h"
 
 namespace {
 
-constexpr u32 g_uiHwOemMode = 3U;
 constexpr u32 g_uiOperateLogModule = 17U;
 constexpr u32 g_uiOperateLogSuccess = 99U;
 constexpr u32 g_uiOperateLogFailure = 67U;
@@ -25,7 +25,7 @@ struct OPERATE_LOG_S
 // In OEM mode the services behind 29/5 are asked as well; what they answer is released unread.
 void AskOemServices()
 {
-    if (HW_LIB_GetOemFlag() != g_uiHwOemMode) {
+    if (HW_LIB_GetOemFlag() != FRU_OEM_MODE) {
         return;
     }
     MRPC_MSG_S *pstRes = nullptr;
@@ -79,6 +79,7 @@ void FRU_NotifyDeviceChanged(const FRU_DEVICE_INFO_S *pstFRUInfo)
 
 u32 FRU_WriteFRUData(const u8 *pucReq, u32 uiReqLen, u8 *pucRes)
 {
+    // The response comes first here, the request in the handlers; that is meant.
     if (pucRes == nullptr) {
         FRU_LOG_NULL("pucRes");
         return FRU_ERROR_RES_LEN;
@@ -116,6 +117,7 @@ u32 FRU_WriteFRUData(const u8 *pucReq, u32 uiReqLen, u8 *pucRes)
         return FRU_Refuse(pucRes, FRU_CC_ACCESS_FAILED);
     }
     pucRes[1] = static_cast<u8>(static_cast<u32>(iRet) & 0xFFU);
+    // The answered byte is compared, not the count: 256 bytes well written are told of, too.
     if (pucRes[1] != usLength) {
         FRU_LOG(FRU_CAT_DEVICE, BMC_DIAG_WARNING,
                 "Write ID[%#x] length is not equal, reqLen:%d, retLen:%d, ret:%d.", stInfo.ucDeviceID,

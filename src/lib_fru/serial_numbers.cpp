@@ -37,9 +37,11 @@ u32 FetchDirectly(u8 ucComponentType, FRU_DATA_S *pstFRUData)
     return LIB_FRU_GetBaseboardFRUDataByI2C(ucComponentType, pstFRUData);
 }
 
-// Where a serial number comes from.
+// A serial number: the getter that gives it out, the null-pointer report of its output, and where it is.
 struct SERIAL_SOURCE_S
 {
+    const char *pcGetter;
+    const char *pcNullFormat;
     u32 (*pfnFetch)(u8 ucComponentType, FRU_DATA_S *pstFRUData);
     u8 ucComponentType;
     const u8 *(*pfnField)(const FRU_DATA_S &stData);
@@ -48,6 +50,10 @@ struct SERIAL_SOURCE_S
 // Copies the serial number of a source into a caller's buffer; untouched when the record cannot be had.
 u32 CopySerial(const SERIAL_SOURCE_S &stSource, u32 uiSize, char *pcOut)
 {
+    if (pcOut == nullptr) {
+        FRU_ReportNull(stSource.pcNullFormat, FRU_DIAG_FILE, stSource.pcGetter, __LINE__);
+        return LIB_FRU_ERR_NULL_POINTER;
+    }
     FRU_DATA_S stData = {};
     const u32 uiRet = stSource.pfnFetch(stSource.ucComponentType, &stData);
     if (uiRet != FRU_OK) {
@@ -68,63 +74,45 @@ u32 CopySerial(const SERIAL_SOURCE_S &stSource, u32 uiSize, char *pcOut)
 
 u32 LIB_FRU_GetBaseboardChassisSN(u32 uiSize, char *pucChassisSN)
 {
-    if (pucChassisSN == nullptr) {
-        FRU_LOG_NULL("pucChassisSN");
-        return LIB_FRU_ERR_NULL_POINTER;
-    }
-    return CopySerial({FetchNormally, g_ucBaseboard, ChassisSerial}, uiSize, pucChassisSN);
+    return CopySerial(
+        {__func__, FRU_NULL_FORMAT("pucChassisSN"), FetchNormally, g_ucBaseboard, ChassisSerial}, uiSize,
+        pucChassisSN);
 }
 
 u32 LIB_FRU_GetBaseboardProductSN(u32 uiSize, char *pucProductSN)
 {
-    if (pucProductSN == nullptr) {
-        FRU_LOG_NULL("pucProductSN");
-        return LIB_FRU_ERR_NULL_POINTER;
-    }
-    return CopySerial({FetchNormally, g_ucBaseboard, ProductSerial}, uiSize, pucProductSN);
+    return CopySerial(
+        {__func__, FRU_NULL_FORMAT("pucProductSN"), FetchNormally, g_ucBaseboard, ProductSerial}, uiSize,
+        pucProductSN);
 }
 
 u32 LIB_FRU_GetMainBoardSN(u32 uiSize, char *pucBoardSN)
 {
-    if (pucBoardSN == nullptr) {
-        FRU_LOG_NULL("pucBoardSN");
-        return LIB_FRU_ERR_NULL_POINTER;
-    }
-    return CopySerial({FetchNormally, g_ucBaseboard, BoardSerial}, uiSize, pucBoardSN);
+    return CopySerial({__func__, FRU_NULL_FORMAT("pucBoardSN"), FetchNormally, g_ucBaseboard, BoardSerial},
+                      uiSize, pucBoardSN);
 }
 
 u32 LIB_FRU_GetBmcCardSN(u32 uiSize, char *pucBoardSN)
 {
-    if (pucBoardSN == nullptr) {
-        FRU_LOG_NULL("pucBoardSN");
-        return LIB_FRU_ERR_NULL_POINTER;
-    }
-    return CopySerial({FetchNormally, g_ucBmcCard, BoardSerial}, uiSize, pucBoardSN);
+    return CopySerial({__func__, FRU_NULL_FORMAT("pucBoardSN"), FetchNormally, g_ucBmcCard, BoardSerial},
+                      uiSize, pucBoardSN);
 }
 
 u32 LIB_FRU_GetBaseboardProductSNByI2C(u32 uiSize, char *pucProductSN)
 {
-    if (pucProductSN == nullptr) {
-        FRU_LOG_NULL("pucProductSN");
-        return LIB_FRU_ERR_NULL_POINTER;
-    }
-    return CopySerial({FetchDirectly, g_ucBaseboard, ProductSerial}, uiSize, pucProductSN);
+    return CopySerial(
+        {__func__, FRU_NULL_FORMAT("pucProductSN"), FetchDirectly, g_ucBaseboard, ProductSerial}, uiSize,
+        pucProductSN);
 }
 
 u32 LIB_FRU_GetMainBoardSNByI2C(u32 uiSize, char *pucBoardSN)
 {
-    if (pucBoardSN == nullptr) {
-        FRU_LOG_NULL("pucBoardSN");
-        return LIB_FRU_ERR_NULL_POINTER;
-    }
-    return CopySerial({FetchDirectly, g_ucBaseboard, BoardSerial}, uiSize, pucBoardSN);
+    return CopySerial({__func__, FRU_NULL_FORMAT("pucBoardSN"), FetchDirectly, g_ucBaseboard, BoardSerial},
+                      uiSize, pucBoardSN);
 }
 
 u32 LIB_FRU_GetBmcCardSNByI2C(u32 uiSize, char *pucBoardSN)
 {
-    if (pucBoardSN == nullptr) {
-        FRU_LOG_NULL("pucBoardSN");
-        return LIB_FRU_ERR_NULL_POINTER;
-    }
-    return CopySerial({FetchDirectly, g_ucBmcCard, BoardSerial}, uiSize, pucBoardSN);
+    return CopySerial({__func__, FRU_NULL_FORMAT("pucBoardSN"), FetchDirectly, g_ucBmcCard, BoardSerial},
+                      uiSize, pucBoardSN);
 }

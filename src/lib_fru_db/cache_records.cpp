@@ -27,55 +27,38 @@ struct CALLER_S
     u32 uiLine;
 };
 
-#define NULL_FORMAT(pcName) "Pointer " pcName " is Null, File:%s Func:%s Line:%d"
-#define CALLER(pcName) (CALLER_S{__func__, NULL_FORMAT(pcName), __LINE__})
+#define CALLER(pcName) (CALLER_S{__func__, FRU_NULL_FORMAT(pcName), __LINE__})
 
-// The handle, or null after its report. It is never kept: another process may have replaced the database.
-void *OpenDatabase(const CALLER_S &stCaller)
+// Opens the database for a call with that data. The handle comes before the pointer, so a call with both
+// faults reports the handle alone. A null pointer is "out of range" here and nowhere else in the library;
+// both are meant. The handle is never kept: another process may have replaced the database.
+u32 OpenDatabase(const CALLER_S &stCaller, const void *pData, void **ppDb)
 {
-    void *pDb = DB_Open();
-    if (pDb == nullptr) {
-        BMC_DiagLogOut(0U, 0U, BMC_DIAG_DEBUG, stCaller.uiLine, FRU_DIAG_FILE, NULL_FORMAT("pDb"),
-                       FRU_DIAG_FILE, stCaller.pcFunction, static_cast<int>(stCaller.uiLine));
-    }
-    return pDb;
-}
-
-void ReportNullData(const CALLER_S &stCaller)
-{
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wformat-nonliteral"
-    BMC_DiagLogOut(0U, 0U, BMC_DIAG_DEBUG, stCaller.uiLine, FRU_DIAG_FILE, stCaller.pcNullFormat,
-                   FRU_DIAG_FILE, stCaller.pcFunction, static_cast<int>(stCaller.uiLine));
-#pragma GCC diagnostic pop
-}
-
-// The handle comes before the pointer, so a call with both faults reports the handle alone. A null pointer is
-// "out of range" here and nowhere else in the library; both are meant.
-u32 PutRecord(const CALLER_S &stCaller, u32 uiKey, u32 uiLength, const void *pData)
-{
-    void *pDb = OpenDatabase(stCaller);
-    if (pDb == nullptr) {
+    *ppDb = DB_Open();
+    if (*ppDb == nullptr) {
+        FRU_ReportNull(FRU_NULL_FORMAT("pDb"), FRU_DIAG_FILE, stCaller.pcFunction, stCaller.uiLine);
         return FRU_ERR_DB_OPEN;
     }
     if (pData == nullptr) {
-        ReportNullData(stCaller);
+        FRU_ReportNull(stCaller.pcNullFormat, FRU_DIAG_FILE, stCaller.pcFunction, stCaller.uiLine);
         return FRU_ERR_OUT_OF_RANGE;
     }
-    return DB_PutInternal(pDb, uiKey, uiLength, pData, FRU_DIAG_FILE, stCaller.uiLine);
+    return FRU_OK;
+}
+
+u32 PutRecord(const CALLER_S &stCaller, u32 uiKey, u32 uiLength, const void *pData)
+{
+    void *pDb = nullptr;
+    const u32 uiRet = OpenDatabase(stCaller, pData, &pDb);
+    return uiRet != FRU_OK ? uiRet
+                           : DB_PutInternal(pDb, uiKey, uiLength, pData, FRU_DIAG_FILE, stCaller.uiLine);
 }
 
 u32 GetRecord(const CALLER_S &stCaller, u32 uiKey, u32 uiLength, void *pData)
 {
-    void *pDb = OpenDatabase(stCaller);
-    if (pDb == nullptr) {
-        return FRU_ERR_DB_OPEN;
-    }
-    if (pData == nullptr) {
-        ReportNullData(stCaller);
-        return FRU_ERR_OUT_OF_RANGE;
-    }
-    return DB_Get(pDb, uiKey, uiLength, pData);
+    void *pDb = nullptr;
+    const u32 uiRet = OpenDatabase(stCaller, pData, &pDb);
+    return uiRet != FRU_OK ? uiRet : DB_Get(pDb, uiKey, uiLength, pData);
 }
 
 } // namespace
@@ -114,12 +97,10 @@ u32 FRU_DB_GetFRUData(u8 ucDeviceID, u16 usLength, u8 *pucFRUBuf)
 
 u32 FRU_DB_DelFRUData(u8 ucDeviceID)
 {
-    void *pDb = OpenDatabase(CALLER("pDb"));
-    if (pDb == nullptr) {
-        return FRU_ERR_DB_OPEN;
-    }
     const u32 uiKey = g_uiKeyData | ucDeviceID;
-    return DB_Del(pDb, &uiKey);
+    void *pDb = nullptr;
+    const u32 uiRet = OpenDatabase(CALLER("pDb"), &uiKey, &pDb);
+    return uiRet != FRU_OK ? uiRet : DB_Del(pDb, &uiKey);
 }
 
 u32 FRU_DB_PutOperateFlag(u8 ucOperateFlag)
