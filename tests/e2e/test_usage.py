@@ -6,7 +6,7 @@ import subprocess
 import time
 import unittest
 
-from support import COMMAND, EXAMPLES, Environment, FructlTest, Run
+from support import BASEBOARD_EEPROM, COMMAND, EXAMPLES, Environment, FructlTest, Run
 
 COMMANDS = ["provision", "list", "show", "verify", "map", "diff", "label", "encode", "recover", "raw"]
 
@@ -144,20 +144,17 @@ class Lock(FructlTest):
     def test_the_lock_file_names_its_holder(self):
         self.Provision()
         pathLock = self.pathRoot / "var/lock/fructl.lock"
-        # The first writer is held up by somebody who keeps the database's own lock.
-        iDatabase = os.open(self.pathRoot / "var/lib/fru/db", os.O_RDONLY)
-        try:
-            fcntl.flock(iDatabase, fcntl.LOCK_EX)
-            stProcess = subprocess.Popen([*COMMAND, "--root", str(self.pathRoot), "provision", str(EXAMPLES / "controller.json"), "--force"],
-                                         stdout=subprocess.DEVNULL)
+        # Somebody keeps the chip to himself, so the command stays where it is for a while.
+        with open(self.Eeprom(BASEBOARD_EEPROM), "r+b") as stChip:
+            fcntl.flock(stChip, fcntl.LOCK_EX)
+            stProcess = subprocess.Popen([*COMMAND, "--root", str(self.pathRoot), "recover", "baseboard"], stdout=subprocess.DEVNULL)
             fEnd = time.monotonic() + 60
             while not pathLock.read_text() and time.monotonic() < fEnd:
                 time.sleep(0.02)
             strHolder = pathLock.read_text()
-        finally:
-            os.close(iDatabase)
+            fcntl.flock(stChip, fcntl.LOCK_UN)
         self.assertEqual(stProcess.wait(), 0)
-        self.assertRegex(strHolder, r"^pid \d+, fructl --root .* provision .* --force\n$")
+        self.assertRegex(strHolder, r"^pid \d+, fructl --root .* recover baseboard\n$")
         self.assertEqual(pathLock.read_text(), "")
 
 
