@@ -96,7 +96,7 @@ void RunRecover(const SESSION_S &stSession, const TARGET_OPTIONS_S &stOptions)
         uiRet = LIB_FRU_GetFRUData(stDevice.stEntry.ucComponentType, stDevice.stEntry.ucInstance,
                                    READ_WITH_RECOVERY, 0U, stRecord.Data());
     }
-    const std::vector<std::string> vecSaid = Diagnostics();
+    const std::vector<std::string> vecSaid = TakeDiagnostics();
     const std::string strStatus = uiRet == FRU_OK ? "" : StatusText(uiRet);
     const std::string strCannot = stDevice.Title() + " could not be restored: ";
     const IMAGE_S stAfter = ReadTarget({stDevice, ""});

@@ -50,6 +50,7 @@ std::optional<COMPONENT_S> ParseComponent(const std::string &strText)
 std::string NamesOf(const std::vector<DEVICE_S> &vecDevices)
 {
     std::vector<std::string> vecNames;
+    vecNames.reserve(vecDevices.size());
     for (const DEVICE_S &stDevice : vecDevices) {
         vecNames.push_back(EscapeText(stDevice.strName));
     }

@@ -136,7 +136,7 @@ std::string JSON_NODE::Text(const char *pcName, size_t uiMin, size_t uiMax) cons
         stValue.get_ref<const std::string &>().size() > uiMax) {
         RefuseMember(pcName, Shown(stValue) + " is refused; " + strAccepted);
     }
-    const std::string strText = stValue.get<std::string>();
+    std::string strText = stValue.get<std::string>();
     if (std::any_of(strText.begin(), strText.end(),
                     [](char cChar) { return static_cast<u8>(cChar) < 0x20U || cChar == 0x7F; })) {
         RefuseMember(pcName, Shown(stValue) + " holds control characters; " + strAccepted + " without them");

@@ -9,6 +9,7 @@
 #include <sys/stat.h>
 #include <thread>
 #include <unistd.h>
+#include <utility>
 
 #include "bmcfru_host.h"
 #include "console.h"
@@ -71,9 +72,9 @@ void RequireController(const SESSION_S &stSession)
     }
 }
 
-const std::vector<std::string> &Diagnostics()
+std::vector<std::string> TakeDiagnostics()
 {
-    return g_vecDiagnostics;
+    return std::exchange(g_vecDiagnostics, {});
 }
 
 void ClearDiagnostics()

@@ -19,7 +19,8 @@ struct SESSION_S
     EXIT_CODE_E enExitCode = EXIT_CODE_OK; // of a command that did not fail
 };
 
-// Points the platform to the root directory, and its diagnostics to Diagnostics() (and stderr when verbose).
+// Points the platform to the root directory, and its diagnostics to TakeDiagnostics() (and stderr when
+// verbose).
 void OpenSession(SESSION_S &stSession);
 
 // True when the root holds a controller's database. Asked before the database is opened, which would make it.
@@ -28,9 +29,9 @@ bool HasController(const SESSION_S &stSession);
 // Fails with a helpful line when there is none.
 void RequireController(const SESSION_S &stSession);
 
-// What the library reported as failures and warnings (severity 4 or worse) since the last ClearDiagnostics(),
+// What the library reported as failures and warnings (severity 4 or worse) since the last of these two calls,
 // in order.
-const std::vector<std::string> &Diagnostics();
+std::vector<std::string> TakeDiagnostics();
 void ClearDiagnostics();
 
 // The first of them, as " (the library says: ...)", or nothing: the first failure is the cause of those after
