@@ -16,15 +16,13 @@ constexpr u32 g_uiMaxTexts = 6;
 constexpr u8 g_ucFormatVersion = 1;
 constexpr u8 g_ucPresent = 1; // the encoder lays the area out
 
-#define NULL_TEXT(pcName) "Pointer " pcName " is Null, File:%s Func:%s Line:%d"
-
 // One text of an area; the rows stand in the order in which the buffers are allocated.
 struct TEXT_ROW_S
 {
     u32 uiSlot;
     u32 uiSizeOffset;
     u32 uiTextOffset;
-    const char *pcNullText;
+    const char *pcNullFormat;
 };
 
 struct AREA_S
@@ -35,18 +33,18 @@ struct AREA_S
     u32 uiTexts;
     TEXT_ROW_S astText[g_uiMaxTexts];
     u32 uiFileIDOffset;
-    const char *pcFileIDNullText;
+    const char *pcFileIDNullFormat;
 };
 
 #define BOARD_ROW(uiSlot, Size, Text)                                                                        \
     {                                                                                                        \
         (uiSlot), offsetof(FRU_BOARD_INFO_S, Size), offsetof(FRU_BOARD_INFO_S, Text),                        \
-            NULL_TEXT("pstBoardInfo->" #Text)                                                                \
+            FRU_NULL_FORMAT("pstBoardInfo->" #Text)                                                          \
     }
 #define PRODUCT_ROW(uiSlot, Size, Text)                                                                      \
     {                                                                                                        \
         (uiSlot), offsetof(FRU_PRODUCT_INFO_S, Size), offsetof(FRU_PRODUCT_INFO_S, Text),                    \
-            NULL_TEXT("pstProductInfo->" #Text)                                                              \
+            FRU_NULL_FORMAT("pstProductInfo->" #Text)                                                        \
     }
 
 constexpr AREA_S g_stBoardArea = {
@@ -61,7 +59,7 @@ constexpr AREA_S g_stBoardArea = {
         BOARD_ROW(6, ucBoardSerialNumLen, pucBoardSerialNum),
     },
     offsetof(FRU_BOARD_INFO_S, pucFRUFileID),
-    NULL_TEXT("pstBoardInfo->pucFRUFileID"),
+    FRU_NULL_FORMAT("pstBoardInfo->pucFRUFileID"),
 };
 
 constexpr AREA_S g_stProductArea = {
@@ -78,7 +76,7 @@ constexpr AREA_S g_stProductArea = {
         PRODUCT_ROW(12, ucProductSerialNumLen, pucProductSerialNum),
     },
     offsetof(FRU_PRODUCT_INFO_S, pucFRUFileID),
-    NULL_TEXT("pstProductInfo->pucFRUFileID"),
+    FRU_NULL_FORMAT("pstProductInfo->pucFRUFileID"),
 };
 
 bool IsNeeded(const AREA_S &stArea, const FRU_ASSEMBLE_LABEL_S *pstFRULabel)
@@ -98,23 +96,12 @@ u8 SizeOfText(const char *pcSlot)
     return uiLength == FRU_ASSEMBLE_SLOT_LEN ? u8{0} : static_cast<u8>(uiLength + 1U);
 }
 
-// Null pointers are reported under module 0; the text is out of this file's tables.
-void ReportNull(const char *pcText, const char *pcFunction)
-{
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wformat-nonliteral"
-#pragma GCC diagnostic ignored "-Wformat-security"
-    BMC_DiagLogOut(0U, 0U, BMC_DIAG_DEBUG, __LINE__, FRU_DIAG_FILE, pcText, FRU_DIAG_FILE, pcFunction,
-                   __LINE__);
-#pragma GCC diagnostic pop
-}
-
 // Allocates a buffer into the area's (unaligned) pointer member; null was reported.
-char *AllocateInto(u8 *pucInfo, u32 uiOffset, u32 uiSize, const char *pcNullText, const char *pcFunction)
+char *AllocateInto(u8 *pucInfo, u32 uiOffset, u32 uiSize, const char *pcNullFormat, const char *pcFunction)
 {
     char *pcText = static_cast<char *>(FRU_CALLOC_IN(1U, uiSize, pcFunction));
     if (pcText == nullptr) {
-        ReportNull(pcNullText, pcFunction);
+        FRU_ReportNull(pcNullFormat, FRU_DIAG_FILE, pcFunction, __LINE__);
         return nullptr;
     }
     (void)memcpy(pucInfo + uiOffset, &pcText, sizeof(pcText));
@@ -131,14 +118,14 @@ bool FillTexts(const AREA_S &stArea, const FRU_ASSEMBLE_LABEL_S *pstFRULabel, u8
     }
     for (u32 i = 0; i < stArea.uiTexts; ++i) {
         const TEXT_ROW_S &stRow = stArea.astText[i];
-        apcText[i] = AllocateInto(pucInfo, stRow.uiTextOffset, pucInfo[stRow.uiSizeOffset], stRow.pcNullText,
-                                  stArea.pcFunction);
+        apcText[i] = AllocateInto(pucInfo, stRow.uiTextOffset, pucInfo[stRow.uiSizeOffset],
+                                  stRow.pcNullFormat, stArea.pcFunction);
         if (apcText[i] == nullptr) {
             return false;
         }
     }
     // Its size byte stays 0.
-    if (AllocateInto(pucInfo, stArea.uiFileIDOffset, 1U, stArea.pcFileIDNullText, stArea.pcFunction) ==
+    if (AllocateInto(pucInfo, stArea.uiFileIDOffset, 1U, stArea.pcFileIDNullFormat, stArea.pcFunction) ==
         nullptr) {
         return false;
     }

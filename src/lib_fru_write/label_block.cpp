@@ -13,10 +13,30 @@ namespace {
 
 constexpr u8 g_ucOperateLogType = 12U;
 
-void FormatFailure(FRU_SET_PARA_S *pstFRUSetPara, const char *pcFRUName)
+// Both label writes have one sentence for a failure, and one each for a success.
+void FillSentence(i32 iResult, FRU_SET_PARA_S *pstFRUSetPara, bool bHardware, const char *pcFunction)
 {
-    (void)BMC_Scnprintf(pstFRUSetPara->acOperateLog, sizeof(pstFRUSetPara->acOperateLog),
-                        "Failed to set %s FRU.", pcFRUName);
+    if (pstFRUSetPara == nullptr) {
+        FRU_LOG_NULL_IN("pstFRUSetPara", pcFunction);
+        return;
+    }
+    char acFRUName[sizeof(pstFRUSetPara->acFRUName) + 1U];
+    char acName[sizeof(pstFRUSetPara->acLabelName) + 1U];
+    char acValue[sizeof(pstFRUSetPara->acLabelValue) + 1U];
+    FRU_CopyMember(acFRUName, pstFRUSetPara->acFRUName, sizeof(pstFRUSetPara->acFRUName));
+    FRU_CopyMember(acName, pstFRUSetPara->acLabelName, sizeof(pstFRUSetPara->acLabelName));
+    FRU_CopyMember(acValue, pstFRUSetPara->acLabelValue, sizeof(pstFRUSetPara->acLabelValue));
+    char *pcSentence = pstFRUSetPara->acOperateLog;
+    constexpr u32 uiSize = sizeof(pstFRUSetPara->acOperateLog);
+    if (iResult != g_iOperateSuccess) {
+        (void)BMC_Scnprintf(pcSentence, uiSize, "Failed to set %s FRU.", acFRUName);
+    } else if (bHardware) {
+        (void)BMC_Scnprintf(pcSentence, uiSize, "Set %s %s successfully.", acFRUName, acName);
+    } else {
+        // The FRU name stands twice, in the sentence's head and before the label.
+        (void)BMC_Scnprintf(pcSentence, uiSize, "Set %s FRU successfully, %s %s: %s.", acFRUName, acFRUName,
+                            acName, acValue);
+    }
 }
 
 } // namespace
@@ -70,39 +90,10 @@ u32 FRU_ResolveBlockLabel(FRU_SET_PARA_S *pstFRUSetPara)
 
 void FRU_AddComOperateLog(i32 iResult, FRU_SET_PARA_S *pstFRUSetPara)
 {
-    if (pstFRUSetPara == nullptr) {
-        FRU_LOG_NULL("pstFRUSetPara");
-        return;
-    }
-    char acFRUName[sizeof(pstFRUSetPara->acFRUName) + 1U];
-    FRU_CopyMember(acFRUName, pstFRUSetPara->acFRUName, sizeof(pstFRUSetPara->acFRUName));
-    if (iResult != g_iOperateSuccess) {
-        FormatFailure(pstFRUSetPara, acFRUName);
-        return;
-    }
-    char acName[sizeof(pstFRUSetPara->acLabelName) + 1U];
-    char acValue[sizeof(pstFRUSetPara->acLabelValue) + 1U];
-    FRU_CopyMember(acName, pstFRUSetPara->acLabelName, sizeof(pstFRUSetPara->acLabelName));
-    FRU_CopyMember(acValue, pstFRUSetPara->acLabelValue, sizeof(pstFRUSetPara->acLabelValue));
-    // The FRU name stands twice, in the sentence's head and before the label.
-    (void)BMC_Scnprintf(pstFRUSetPara->acOperateLog, sizeof(pstFRUSetPara->acOperateLog),
-                        "Set %s FRU successfully, %s %s: %s.", acFRUName, acFRUName, acName, acValue);
+    FillSentence(iResult, pstFRUSetPara, false, __func__);
 }
 
 void FRU_AddHWOperateLog(i32 iResult, FRU_SET_PARA_S *pstFRUSetPara)
 {
-    if (pstFRUSetPara == nullptr) {
-        FRU_LOG_NULL("pstFRUSetPara");
-        return;
-    }
-    char acFRUName[sizeof(pstFRUSetPara->acFRUName) + 1U];
-    FRU_CopyMember(acFRUName, pstFRUSetPara->acFRUName, sizeof(pstFRUSetPara->acFRUName));
-    if (iResult != g_iOperateSuccess) {
-        FormatFailure(pstFRUSetPara, acFRUName);
-        return;
-    }
-    char acName[sizeof(pstFRUSetPara->acLabelName) + 1U];
-    FRU_CopyMember(acName, pstFRUSetPara->acLabelName, sizeof(pstFRUSetPara->acLabelName));
-    (void)BMC_Scnprintf(pstFRUSetPara->acOperateLog, sizeof(pstFRUSetPara->acOperateLog),
-                        "Set %s %s successfully.", acFRUName, acName);
+    FillSentence(iResult, pstFRUSetPara, true, __func__);
 }

@@ -37,6 +37,19 @@ const DEFAULT_TEXT_S g_astDefaultTexts[] = {
     FRU_DEFAULT_TEXT(ucFRUFileIDLen, 1U, pucFRUFileID),
 };
 
+bool HasArguments(const FRU_SET_PARA_S *pstFRUSetPara, const FRU_DATA_S *pstFRUData, const char *pcFunction)
+{
+    if (pstFRUSetPara == nullptr) {
+        FRU_LOG_NULL_IN("pstFRUSetPara", pcFunction);
+        return false;
+    }
+    if (pstFRUData == nullptr) {
+        FRU_LOG_NULL_IN("pstFRUData", pcFunction);
+        return false;
+    }
+    return true;
+}
+
 // An empty product area, so that product labels can be written on any device.
 u32 SetProductAreaDefault(FRU_DATA_S *pstFRUData)
 {
@@ -77,12 +90,7 @@ u8 *FRU_MallocLabelValue(const FRU_SET_PARA_S *pstFRUSetPara)
 
 u32 FRU_GetElectronicLabel(const FRU_SET_PARA_S *pstFRUSetPara, FRU_DATA_S *pstFRUData)
 {
-    if (pstFRUSetPara == nullptr) {
-        FRU_LOG_NULL("pstFRUSetPara");
-        return FRU_ERR_NULL_POINTER;
-    }
-    if (pstFRUData == nullptr) {
-        FRU_LOG_NULL("pstFRUData");
+    if (!HasArguments(pstFRUSetPara, pstFRUData, __func__)) {
         return FRU_ERR_NULL_POINTER;
     }
     u32 uiResult = LIB_FRU_GetFRUData(pstFRUSetPara->ucComponentType, pstFRUSetPara->ucInstance,
@@ -135,12 +143,7 @@ u32 FRU_CheckElectronicLabel(FRU_SET_PARA_S *pstFRUSetPara)
 
 u32 FRU_ReplaceElectronicLabel(const FRU_SET_PARA_S *pstFRUSetPara, FRU_DATA_S *pstFRUData)
 {
-    if (pstFRUSetPara == nullptr) {
-        FRU_LOG_NULL("pstFRUSetPara");
-        return FRU_ERR_NULL_POINTER;
-    }
-    if (pstFRUData == nullptr) {
-        FRU_LOG_NULL("pstFRUData");
+    if (!HasArguments(pstFRUSetPara, pstFRUData, __func__)) {
         return FRU_ERR_NULL_POINTER;
     }
     const DIAG_FRU_LABEL_S *pstLabel = FRU_FindLabelByID(pstFRUSetPara->uiLabelID);
@@ -171,12 +174,7 @@ u32 FRU_ReplaceElectronicLabel(const FRU_SET_PARA_S *pstFRUSetPara, FRU_DATA_S *
 
 i32 FRU_SetElectronicLabel(const FRU_SET_PARA_S *pstFRUSetPara, const FRU_DATA_S *pstFRUData)
 {
-    if (pstFRUSetPara == nullptr) {
-        FRU_LOG_NULL("pstFRUSetPara");
-        return static_cast<i32>(FRU_ERR_NULL_POINTER);
-    }
-    if (pstFRUData == nullptr) {
-        FRU_LOG_NULL("pstFRUData");
+    if (!HasArguments(pstFRUSetPara, pstFRUData, __func__)) {
         return static_cast<i32>(FRU_ERR_NULL_POINTER);
     }
     const u32 uiResult =

@@ -19,8 +19,6 @@ struct CUSTOM_AREA_S
     const char *pcCountFormat;
 };
 
-// Text of a null-pointer report, for the table below.
-#define FRU_NULL_FORMAT(pcName) "Pointer " pcName " is Null, File:%s Func:%s Line:%d"
 #define FRU_CUSTOM_AREA(Area)                                                                                \
     {                                                                                                        \
         offsetof(FRU_DATA_S, st##Area##Info.ppucCustomFields),                                               \
@@ -70,15 +68,6 @@ u32 SetText(u8 *pucLabelValue, FRU_DATA_S *pstFRUData, size_t uiMember, const ch
     return FRU_OK;
 }
 
-void LogNullFields(const CUSTOM_AREA_S &stArea, const char *pcFunction)
-{
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wformat-nonliteral"
-    BMC_DiagLogOut(0U, FRU_CAT_GENERAL, BMC_DIAG_DEBUG, __LINE__, FRU_DIAG_FILE, stArea.pcNullFormat,
-                   FRU_DIAG_FILE, pcFunction, __LINE__);
-#pragma GCC diagnostic pop
-}
-
 // An array of custom fields never grows: only a slot that is there can be replaced.
 u32 SetCustomField(u8 *pucLabelValue, FRU_DATA_S *pstFRUData, const CUSTOM_AREA_S &stArea, u32 uiSlot,
                    const char *pcFunction)
@@ -89,7 +78,7 @@ u32 SetCustomField(u8 *pucLabelValue, FRU_DATA_S *pstFRUData, const CUSTOM_AREA_
     u8 **ppucFields = nullptr;
     (void)memcpy(&ppucFields, MemberAt(pstFRUData, stArea.uiFields), sizeof(ppucFields));
     if (ppucFields == nullptr) {
-        LogNullFields(stArea, pcFunction);
+        FRU_ReportNull(stArea.pcNullFormat, FRU_DIAG_FILE, pcFunction, __LINE__);
         return FRU_ERR_NULL_POINTER;
     }
     const u8 ucCount = *MemberAt(pstFRUData, stArea.uiCount);
