@@ -61,6 +61,7 @@ typedef enum
 // ---- store.cpp: life and lock of the store
 // --------------------------------------------------------------------
 
+// The caller holds the mutex below.
 u32 FRU_initMultiRecords(void);
 u32 FRU_waitInnerSem(u32 uiSeconds);
 // The caller holds the semaphore, and the mutex below.
@@ -75,8 +76,6 @@ void FRU_leaveInnerStore(void);
 // members are looked at or changed, never across a wait or a device access.
 void FRU_lockInnerStore(void);
 void FRU_unlockInnerStore(void);
-// FRU_initMultiRecords() for a holder of the mutex.
-u32 FRU_initLockedInnerStore(void);
 
 // ---- record.cpp: single records
 // ---------------------------------------------------------------------------------

@@ -80,12 +80,14 @@ void FRU_ConvertGUIDToStandardOrder(const u8 *pstSrcBuf, u8 *pstDestBuf)
 
 FRU_INNER_MR_S *FRU_generateSingleInnerMultiRecord(const FRU_MR_PARAM_S *pstDestParam)
 {
-    // Allocated ahead of the checks; a length that they will refuse claims no more than the largest record.
+    // Allocated ahead of the checks; a length that they will refuse claims no more than the largest record. A
+    // length that wraps the size to 0 never gets to the checks: the allocation guard refuses it.
     const u32 uiLength = pstDestParam->uiLength;
+    const bool bWraps = FRU_roundMultiRecordSize(FRU_MULTIRECORD_HEADER_LEN + uiLength) == 0U;
     const u32 uiValueLen = std::min(uiLength, FRU_MR_VALUE_MAX);
     const u32 uiRoom = std::max(uiValueLen, FRU_MR_GUID_LEN); // a GUID is written whole, whatever its length
-    FRU_INNER_MR_BUFFER upRecord(static_cast<FRU_INNER_MR_S *>(
-        FRU_MALLOC(FRU_roundMultiRecordSize(FRU_MULTIRECORD_HEADER_LEN + 1U + uiRoom))));
+    const u32 uiSize = FRU_roundMultiRecordSize(FRU_MULTIRECORD_HEADER_LEN + 1U + uiRoom);
+    FRU_INNER_MR_BUFFER upRecord(static_cast<FRU_INNER_MR_S *>(FRU_MALLOC(bWraps ? 0U : uiSize)));
     if (upRecord == nullptr) {
         FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_ERROR, "Fail to distribute memory!");
         return nullptr;

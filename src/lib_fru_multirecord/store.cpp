@@ -35,7 +35,7 @@ void FRU_unlockInnerStore(void)
     (void)pthread_mutex_unlock(&g_stMutex);
 }
 
-u32 FRU_initLockedInnerStore(void)
+u32 FRU_initMultiRecords(void)
 {
     if (g_stInnerMRStore.ucInited == 1U) {
         return FRU_OK;
@@ -53,18 +53,10 @@ u32 FRU_initLockedInnerStore(void)
     return FRU_OK;
 }
 
-u32 FRU_initMultiRecords(void)
-{
-    FRU_lockInnerStore();
-    const u32 uiRet = FRU_initLockedInnerStore();
-    FRU_unlockInnerStore();
-    return uiRet;
-}
-
 u32 FRU_enterInnerStore(void)
 {
     FRU_lockInnerStore();
-    const u32 uiRet = FRU_initLockedInnerStore();
+    const u32 uiRet = FRU_initMultiRecords();
     if (uiRet == FRU_OK) {
         ++g_uiUsers;
     }

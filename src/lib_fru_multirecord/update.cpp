@@ -10,8 +10,7 @@ namespace {
 
 FRU_INNER_MR_S *AllocateLike(const FRU_INNER_MR_S *pstInner)
 {
-    void *pBuffer = FRU_MALLOC_IN(FRU_roundMultiRecordSize(FRU_getInnerMultiRecordSize(pstInner)),
-                                  "FRU_innerUpdateMultiRecord");
+    void *pBuffer = FRU_MALLOC(FRU_roundMultiRecordSize(FRU_getInnerMultiRecordSize(pstInner)));
     if (pBuffer == nullptr) {
         FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_ERROR, "Fail to distribute memory!");
         FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_ERROR, "Failed to do query and update!");
@@ -53,7 +52,7 @@ u32 AppendQueued(const FRU_INNER_MR_S *pstInner)
 void QueueLocked(const FRU_INNER_MR_S *pstInner)
 {
     // The store may have been destroyed while this thread waited for it.
-    (void)FRU_initLockedInnerStore();
+    (void)FRU_initMultiRecords();
     // Tested ahead of the search: a full store refuses even what would only replace.
     if (g_stInnerMRStore.ucCount >= FRU_MULTIRECORD_MAX) {
         FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_ERROR, "MultiRecords number exceeds: %#x.", FRU_MULTIRECORD_MAX);

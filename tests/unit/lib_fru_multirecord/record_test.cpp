@@ -179,8 +179,8 @@ TEST_F(SingleRecord, LongerValuesAreRefusedAndNeverAllocated)
 {
     const std::pair<u32, const char *> aCases[] = {{257U, "0x101"},
                                                    {0x7FFFFFFFU, "0x7fffffff"},
-                                                   {0xFFFFFFF8U, "0xfffffff8"},
-                                                   {0xFFFFFFFBU, "0xfffffffb"},
+                                                   {0xFFFFFFF7U, "0xfffffff7"},
+                                                   {0xFFFFFFFCU, "0xfffffffc"},
                                                    {0xFFFFFFFFU, "0xffffffff"}};
     for (const auto &[uiLength, pcShown] : aCases) {
         fake::Reset();
@@ -188,6 +188,18 @@ TEST_F(SingleRecord, LongerValuesAreRefusedAndNeverAllocated)
         EXPECT_EQ(fake::Messages(), LINES{Message(std::string("Invalid length! exceeds: ") + pcShown + ".")});
         EXPECT_EQ(fake::TakeStdout(), "");
         EXPECT_EQ(fake::Count(fake::KIND_E::ALLOC), 1U);
+    }
+}
+
+TEST_F(SingleRecord, ALengthThatWrapsTheSizeToZeroEndsInTheAllocationGuard)
+{
+    for (const u32 uiLength : {0xFFFFFFF8U, 0xFFFFFFF9U, 0xFFFFFFFAU, 0xFFFFFFFBU}) {
+        fake::Reset();
+        EXPECT_EQ(Generate(1, 8, uiLength, {1}), nullptr); // ahead of the type and all else
+        EXPECT_EQ(fake::Messages(), (LINES{g_acGuardLog, Message("Fail to distribute memory!")}));
+        EXPECT_EQ(fake::TakeStdout(), "Invalid MALLOC size (size is 0)is detected in # "
+                                      "FRU_generateSingleInnerMultiRecord lib_fru_multirecord.c\n");
+        EXPECT_EQ(fake::Count(fake::KIND_E::ALLOC), 0U);
     }
 }
 
