@@ -27,16 +27,15 @@ extern "C" {
  * 12) from label texts and puts it into the cache, for a device that has no readable image of its own. The
  * device is not written.
  *
- * pstFRUInfo   the device: its ID, and its FRU size in bytes (8 to 256), which is also the length of the
- * cached image. No other member is read pstFRULabel  the texts, each NUL-terminated within its 128 bytes, at
- * most 63 characters to be encoded; an empty one is not given. The board area is built when any of the slots
- * 3 to 7 is given, the product area for any of 8 to 13; language bytes are 0, there are no custom fields and
- * the file IDs are empty. A date that does not parse is logged and leaves the date bytes 0
+ * pstFRUInfo gives the device's ID and its FRU size in bytes (8 to 256), which is also the length of the
+ * cached image; no other member is read. pstFRULabel gives the texts, each NUL-terminated within its 128
+ * bytes and of at most 63 characters; an empty one is not given. The board area is built when any of the
+ * slots 3 to 7 is given, the product area for any of 8 to 13; language bytes are 0, there are no custom
+ * fields and the file IDs are empty. A date that does not parse is logged and leaves the date bytes 0.
  *
- * 0            the image is in the cache
- * 0x81000002   an argument is null
- * 0x81000001   no memory, a text without a NUL in its slot, a text or an image that does not fit its place,
- * an FRU size out of range, or a failure of the cache: nothing was put there
+ * 0: the image is in the cache. FRU_ERR_NULL_POINTER: an argument is null. FRU_ERR_FAILED: no memory, a text
+ * without a NUL in its slot or too long, areas that do not fit the FRU size, an FRU size out of range, or a
+ * failure of the cache; nothing was put there.
  */
 u32 FRU_AssembleBin(const FRU_DEVICE_INFO_S *pstFRUInfo, const FRU_ASSEMBLE_LABEL_S *pstFRULabel);
 

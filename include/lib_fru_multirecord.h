@@ -30,15 +30,15 @@ extern "C" {
  * Validates a list of MultiRecords (same document, section 16): format version, header checksum and record
  * checksum of each, up to the one that bears the end-of-list bit. Nothing is changed.
  *
- * pucBuf       the list. FRU_MR_CHECK_MEMORY: the first of the 64 entries of a record's table.
- * FRU_MR_CHECK_EEPROM: headers each followed by its data; there is no length argument, so the bytes must
+ * uiCheckType says what pucBuf is. FRU_MR_CHECK_MEMORY: the first of the 64 entries of a record's table.
+ * FRU_MR_CHECK_EEPROM: headers, each followed by its data; there is no length argument, so the bytes must
  * reach to the end of the record with the end-of-list bit, or of the 64th record, or of the first faulty one.
- * uiCheckType  FRU_MR_CHECK_MEMORY or FRU_MR_CHECK_EEPROM
- * puiOutCount  out: records up to and including the last; 0 for an empty list and on failure
+ * *puiOutCount becomes the number of records up to and including the last; 0 for an empty list and on
+ * failure.
  *
- * 0            valid, or empty: the first format byte is not version 2 (and, in memory, the first entry has
- * no data) 0xFFFFFFFF   not valid; or an unknown uiCheckType, then *puiOutCount is untouched 0x81000002
- * pucBuf or puiOutCount is null
+ * 0: valid, or empty, that is the first format byte is not version 2 (and, in memory, the first entry has no
+ * data); 0xFFFFFFFF: not valid, or an unknown uiCheckType, then *puiOutCount is untouched;
+ * FRU_ERR_NULL_POINTER, *puiOutCount untouched too.
  *
  * Prints "FRU MultiRecord[Memory] touch the end: N" (or [EEPROM]) to standard output, without a line end.
  */
@@ -55,21 +55,20 @@ void FRU_destroyMultiRecords(void);
  * Queues one record (a queued one of the same sub-type is replaced), then merges the whole store into the
  * main FRU with FRU_syncAllMultiRecords().
  *
- * pstDestParam  type 0x03; sub-type 1 to 7; uiLength 1 to 256 bytes of value at pucBuf, which is copied.
- *               Sub-type 7, the system GUID, takes uiLength 16 and reads 16 bytes at pucBuf whatever uiLength
- *               says, most significant byte first; see FRU_ConvertGUIDToStandardOrder().
- *               A record's length byte counts value and sub-type, so only values of up to 254 bytes can be
- *               stored faithfully. 255 and 256 bytes are accepted, but their length byte wraps to 0 and 1:
- *               the former can never be added to a FRU and makes every merge fail until
- *               FRU_destroyMultiRecords(), the latter has a record checksum that does not fit its length and
- *               makes the MultiRecord area invalid for readers. Do not give them.
+ * pstDestParam: type 0x03; sub-type 1 to 7; uiLength 1 to 256 bytes of value at pucBuf, which is copied.
+ * Sub-type 7, the system GUID, takes uiLength 16 and reads 16 bytes at pucBuf whatever uiLength says, most
+ * significant byte first; see FRU_ConvertGUIDToStandardOrder().
  *
- * 0             the merge succeeded. Only the merge decides: when the record itself could not be queued (the
- *               store was not had in time, holds 64 records already, or there was no memory), that stands in
- *               the log only
- * 0xFFFFFFFF    value of 0 or more than 256 bytes, unknown type or sub-type, no memory to build the record:
- *               nothing was queued; or the merge failed: the record is queued
- * 0x81000002    pstDestParam or its pucBuf is null
+ * A record's length byte counts value and sub-type, so only values of up to 254 bytes can be stored
+ * faithfully. 255 and 256 bytes are accepted, but their length byte wraps to 0 and 1: the former can never be
+ * added to a FRU and makes every merge fail until FRU_destroyMultiRecords(); the latter has a record checksum
+ * that does not fit its length and makes the MultiRecord area invalid for readers. Do not give them.
+ *
+ * 0: the merge succeeded. Only the merge decides: when the record itself could not be queued (the store was
+ * not had in time, holds 64 records already, or there was no memory), that stands in the log only.
+ * 0xFFFFFFFF: nothing was queued, for a value of 0 or more than 256 bytes, an unknown type or sub-type, or no
+ * memory to build the record; or the merge failed, and what was queued stays so. FRU_ERR_NULL_POINTER:
+ * pstDestParam or its pucBuf is null.
  *
  * Prints "Inner MultiRecord is equal: typeID:0x3" to standard output, without a line end, when the same
  * record is queued already.
@@ -81,10 +80,10 @@ u32 FRU_innerUpdateMultiRecord(const FRU_MR_PARAM_S *pstDestParam);
  * anything. An existing area must pass FRU_checkAllMultiRecords(). A record for which the table of 64 has no
  * place is left out, which is no failure.
  *
- * 0             written, or equal already: the store is empty now; or nothing was queued: no device was
- *               touched. As LIB_FRU_WriteArrayFRUData() does not tell of a device that refused the bytes,
- * such a write counts as done 0xFFFFFFFF    the store could not be initialised, the FRU not read, the merge
- * not done or the image not encoded: the records stay queued, nothing was written
+ * 0: written, or equal already, and the store is empty now; or nothing was queued, and no device was touched.
+ * As LIB_FRU_WriteArrayFRUData() does not tell of a device that refused the bytes, such a write counts as
+ * done: the log has it. 0xFFFFFFFF: the store could not be initialised, the FRU not read, the merge not done
+ * or the image not encoded; the records stay queued and nothing was written.
  *
  * Prints "There is no need to update FRU MutiRecords data as equal!" to standard output, without a line end,
  * when there was nothing to write.
