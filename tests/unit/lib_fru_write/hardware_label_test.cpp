@@ -6,6 +6,7 @@
 #include "label_texts.h"
 #include "label_world.h"
 #include "lib_fru_labels.h"
+#include "support/mixture.h"
 
 namespace {
 
@@ -218,6 +219,10 @@ TEST(HardwareLabel, WhateverFailsTheResultTellsWhetherTheBlockWasWritten)
             if (pstFault->eHow == fake::HOW_E::FAIL) {
                 EXPECT_EQ(label::OnChip(stDevice), Block());
             }
+            EXPECT_TRUE(image::IsMixtureOf(label::OnChip(stDevice), {Block(), Changed("ABCDEFG")}));
+            const size_t uiSentence = strnlen(stBlock.acOperateLog, sizeof(stBlock.acOperateLog));
+            EXPECT_EQ(std::string(stBlock.acOperateLog, uiSentence),
+                      uiResult == 0x29000004U ? std::string(512U, 'Z') : "Failed to set BMC card FRU.");
         });
 }
 

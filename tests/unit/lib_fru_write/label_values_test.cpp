@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "label_texts.h"
+#include "lib_fru_analyzer/chassis_type.h"
 #include "lib_fru_labels.h"
 
 namespace {
@@ -354,37 +355,8 @@ TEST(LabelValue, OnlyMacAddressesAreUpperCased)
 
 TEST(LabelValue, AChassisTypeIsOneOfThirtyTexts)
 {
-    for (const char *pcType : {"Unspecified",
-                               "Other",
-                               "Unknown",
-                               "Desktop",
-                               "Low Profile Desktop",
-                               "Pizza Box",
-                               "Mini Tower",
-                               "Tower",
-                               "Portable",
-                               "LapTop",
-                               "Notebook",
-                               "Hand Held",
-                               "Docking Station",
-                               "All in One",
-                               "Sub Notebook",
-                               "Space-saving",
-                               "Lunch Box",
-                               "Main Server Chassis",
-                               "Expansion Chassis",
-                               "SubChassis",
-                               "Bus Expansion Chassis",
-                               "Peripheral Chassis",
-                               "RAID Chassis",
-                               "Rack Mount Chassis",
-                               "Sealed-case PC",
-                               "Multi-system Chassis",
-                               "CompactPCI",
-                               "AdvancedTCA",
-                               "Blade",
-                               "Blade Enclosure"}) {
-        EXPECT_EQ(Check("Chassis Type", pcType), Accepted(pcType));
+    for (const FRU_CHASSIS_TYPE_S &stType : FRU_ChassisTypeTable) {
+        EXPECT_EQ(Check("Chassis Type", stType.acDesc), Accepted(stType.acDesc));
     }
     for (const char *pcType : {"rack mount chassis", "Rack Mount Chassi", "Rack Mount Chassis ", "23",
                                "Laptop", "Blade Enclosures", "NONE", "\x80\xFF"}) {

@@ -9,6 +9,7 @@
 #include "label_texts.h"
 #include "label_world.h"
 #include "lib_fru_labels.h"
+#include "support/mixture.h"
 
 namespace {
 
@@ -268,14 +269,23 @@ bool AnyProblemTold()
     return false;
 }
 
+// Faults that can stop the writing of an image halfway; after all others it is written whole or not at all.
+bool StopsHalfway(const fake::FAULT_S *pstFault)
+{
+    return pstFault != nullptr &&
+           (pstFault->eKind == fake::KIND_E::EEPROM || pstFault->eKind == fake::KIND_E::DB);
+}
+
 // One label write under every fault. A refused write leaves device and cache as they were (or as recovery
 // restored them); an accepted one leaves the new image in both, or a message that says which of them has it
-// not.
+// not. Never is there a byte that stands in neither the old nor the new image.
 void SweepLabelWrite(const DEVICE_S &stDevice, const fake::BYTES &vecOnDevice, const fake::BYTES &vecGood,
                      const std::string &strName, const std::string &strValue, const FIELDS &mapExpected)
 {
     FRU_SET_PARA_S stBlock;
     u32 uiResult = 0;
+    fake::BYTES vecNewChip; // as the write without a fault, the first of the sweep, leaves them
+    fake::BYTES vecNewCache;
     const auto fnSetup = [&] {
         label::Provision(stDevice, vecOnDevice);
         fake::MakeDirectory("/mnt/sdmmc0p4/board");
@@ -290,20 +300,25 @@ void SweepLabelWrite(const DEVICE_S &stDevice, const fake::BYTES &vecOnDevice, c
         const bool bWritten = label::Decode(vecChip) == mapExpected;
         if (pstFault == nullptr) {
             EXPECT_EQ(uiResult, 0U);
+            EXPECT_EQ(AnyProblemTold(), vecOnDevice != vecGood); // that it was damaged
+            EXPECT_TRUE(bWritten && label::CacheMatchesChip(stDevice));
+            vecNewChip = vecChip;
+            vecNewCache = vecCache;
         }
         if (uiResult != 0U) {
             EXPECT_TRUE(AnyProblemTold());
-            const bool bRecovering = vecOnDevice != vecGood; // a recovery that stops short says so itself
-            EXPECT_TRUE(vecChip == vecOnDevice || vecChip == vecGood || bRecovering);
+            const bool bRestoring =
+                StopsHalfway(pstFault) && image::IsMixtureOf(vecChip, {vecOnDevice, vecGood});
+            EXPECT_TRUE(vecChip == vecOnDevice || vecChip == vecGood || bRestoring);
             EXPECT_TRUE(vecCache == vecOnDevice || vecCache == vecGood);
             EXPECT_TRUE(fake::Calls("MRPC 630/").empty());
             EXPECT_EQ(fake::ReadFile("/mnt/sdmmc0p4/board/ProductSerialNumber"), std::nullopt);
             EXPECT_EQ(strncmp(stBlock.acOperateLog, uiResult == 0x29000005U ? g_acFailed : "ZZZZ", 4U), 0);
-        } else if (!AnyProblemTold()) {
-            EXPECT_TRUE(bWritten);
-            EXPECT_TRUE(label::CacheMatchesChip(stDevice));
-        }
-        if (uiResult == 0U) {
+        } else {
+            EXPECT_TRUE(image::IsMixtureOf(vecChip, {vecOnDevice, vecGood, vecNewChip}));
+            EXPECT_TRUE(image::IsMixtureOf(vecCache, {vecOnDevice, vecGood, vecNewCache}));
+            EXPECT_TRUE(bWritten || StopsHalfway(pstFault));
+            EXPECT_TRUE(AnyProblemTold() || (bWritten && label::CacheMatchesChip(stDevice)));
             EXPECT_EQ(strncmp(stBlock.acOperateLog, "Set Mainboard FRU successfully", 30U), 0);
             EXPECT_EQ(fake::Calls("MRPC 630/").size(), 1U);
         }
