@@ -72,6 +72,11 @@ void RequireController(const SESSION_S &stSession)
     }
 }
 
+const std::vector<std::string> &Diagnostics()
+{
+    return g_vecDiagnostics;
+}
+
 std::vector<std::string> TakeDiagnostics()
 {
     return std::exchange(g_vecDiagnostics, {});

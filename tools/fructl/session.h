@@ -32,6 +32,7 @@ void RequireController(const SESSION_S &stSession);
 // What the library reported as failures and warnings (severity 4 or worse) since the last of these two calls,
 // in order.
 std::vector<std::string> TakeDiagnostics();
+const std::vector<std::string> &Diagnostics(); // the same, left where it is
 void ClearDiagnostics();
 
 // The first of them, as " (the library says: ...)", or nothing: the first failure is the cause of those after
