@@ -106,6 +106,7 @@ MERGE_E MergeIntoExistingArea(FRU_DATA_S *pstFRUData)
             return MERGE_E::FAILED;
         }
     }
+    // What was merged is not checked again, unlike a new area.
     RenewMarks(pstFRUData);
     if (!bChanged) {
         (void)printf("There is no need to update FRU MutiRecords data as equal!");

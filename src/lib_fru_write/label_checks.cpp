@@ -228,6 +228,7 @@ u32 isLabelValueValid(const char *pcName, char *pcValue, i32 iValueLen, u32 uiCo
         FRU_LOG_NULL("pcValue");
         return 0U;
     }
+    // The measured length decides; the message shows the caller's, and an unknown name is a bad size too.
     const DIAG_FRU_LABEL_S *pstLabel = FRU_FindLabelByName(pcName);
     if (pstLabel == nullptr || !LengthFits(*pstLabel, pcValue, uiComponentType)) {
         FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_ERROR, "Label Value Size:%d invalid!", iValueLen);

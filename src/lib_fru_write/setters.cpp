@@ -56,6 +56,7 @@ void ReplaceText(u8 *pucOld, const u8 *pucNew)
     }
 }
 
+// The size byte ahead of the text stays as it is: the encoder measures the text.
 u32 SetText(u8 *pucLabelValue, FRU_DATA_S *pstFRUData, size_t uiMember, const char *pcFunction)
 {
     if (!HasArguments(pucLabelValue, pstFRUData, pcFunction)) {

@@ -9,6 +9,7 @@
 
 #include "fake/fake_platform.h"
 #include "lib_fru_codec.h"
+#include "support/image_builder.h"
 
 namespace {
 
@@ -51,22 +52,13 @@ u32 Assemble(const SLOTS &mapSlots, u16 usSize = 256)
     return FRU_AssembleBin(&stInfo, Labels(mapSlots).get());
 }
 
-u8 ZeroSum(const BYTES &vecBytes)
-{
-    u32 uiSum = 0;
-    for (const u8 ucByte : vecBytes) {
-        uiSum += ucByte;
-    }
-    return static_cast<u8>(0U - uiSum);
-}
-
 // An image of these header offsets and areas, each area given without its fill and checksum.
 BYTES Image(BYTES vecImage, const std::vector<BYTES> &vecAreas, size_t uiSize)
 {
-    vecImage.push_back(ZeroSum(vecImage));
+    vecImage.push_back(image::ZeroCheckSum(vecImage));
     for (BYTES vecArea : vecAreas) {
         vecArea.resize((vecArea.size() + 8U) / 8U * 8U - 1U);
-        vecArea.push_back(ZeroSum(vecArea));
+        vecArea.push_back(image::ZeroCheckSum(vecArea));
         for (const u8 ucByte : vecArea) {
             vecImage.push_back(ucByte);
         }

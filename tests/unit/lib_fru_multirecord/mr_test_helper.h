@@ -16,6 +16,7 @@
 #include "lib_fru_codec.h"
 #include "lib_fru_multirecord.h"
 #include "lib_fru_multirecord/lib_fru_multirecord_module.h"
+#include "support/image_builder.h"
 
 namespace mr {
 
@@ -53,22 +54,12 @@ template <class CONTAINER> void Append(BYTES &vecBytes, const CONTAINER &more)
     }
 }
 
-inline u8 ZeroSum(const BYTES &vecBytes)
-{
-    u32 uiSum = 0;
-    for (const u8 ucByte : vecBytes) {
-        uiSum += ucByte;
-    }
-    return static_cast<u8>(0U - uiSum);
-}
+using image::ZeroCheckSum;
 
 // A record as it lies on the device.
 inline BYTES Record(u8 ucType, u8 ucFormat, const BYTES &vecData)
 {
-    BYTES vecRecord = {ucType, ucFormat, static_cast<u8>(vecData.size()), ZeroSum(vecData)};
-    vecRecord.push_back(ZeroSum(vecRecord));
-    Append(vecRecord, vecData);
-    return vecRecord;
+    return image::Record(ucType, vecData, (ucFormat & 0x80U) != 0U, ucFormat & 0x7FU);
 }
 
 inline BYTES DataOf(u8 ucSubType, const std::string &strValue)
@@ -82,7 +73,7 @@ inline BYTES DataOf(u8 ucSubType, const std::string &strValue)
 inline BYTES WithEnd(BYTES vecRecord, bool bEnd)
 {
     vecRecord[1] = static_cast<u8>((vecRecord[1] & 0x7FU) | (bEnd ? 0x80U : 0U));
-    vecRecord[4] = ZeroSum(BYTES(vecRecord.begin(), vecRecord.begin() + 4));
+    vecRecord[4] = ZeroCheckSum(BYTES(vecRecord.begin(), vecRecord.begin() + 4));
     return vecRecord;
 }
 
@@ -100,7 +91,7 @@ inline BYTES List(const std::vector<BYTES> &vecRecords)
 inline BYTES Image(const std::vector<BYTES> &vecRecords, size_t uiSize = g_uiFruSize)
 {
     BYTES vecImage = {1, 0, 0, 0, 0, static_cast<u8>(vecRecords.empty() ? 0 : 1), 0};
-    vecImage.push_back(ZeroSum(vecImage));
+    vecImage.push_back(ZeroCheckSum(vecImage));
     Append(vecImage, List(vecRecords));
     vecImage.resize(uiSize);
     return vecImage;

@@ -168,8 +168,8 @@ TEST_F(SingleRecord, ALengthByteThatWrapsIsKeptAndTheChecksumCoversAll)
         BYTES vecData = {1};
         Append(vecData, vecValue);
         EXPECT_EQ(vecRecord[2], uiLength - 255U);
-        EXPECT_EQ(vecRecord[3], ZeroSum(vecData));
-        EXPECT_EQ(vecRecord[4], ZeroSum(BYTES(vecRecord.begin(), vecRecord.begin() + 4)));
+        EXPECT_EQ(vecRecord[3], ZeroCheckSum(vecData));
+        EXPECT_EQ(vecRecord[4], ZeroCheckSum(BYTES(vecRecord.begin(), vecRecord.begin() + 4)));
         EXPECT_EQ(BYTES(vecRecord.begin() + 5, vecRecord.end()), vecData);
     }
     EXPECT_TRUE(fake::Messages().empty());

@@ -133,7 +133,7 @@ TEST_F(Sync, TheOtherAreasStayAsTheyAre)
     BYTES vecExpected = vecImage;
     const size_t uiAt = static_cast<size_t>(iLength);
     vecExpected[5] = static_cast<u8>(uiAt / 8U);
-    vecExpected[7] = ZeroSum(BYTES(vecExpected.begin(), vecExpected.begin() + 7));
+    vecExpected[7] = ZeroCheckSum(BYTES(vecExpected.begin(), vecExpected.begin() + 7));
     const BYTES vecList = List({g_vecName});
     std::copy(vecList.begin(), vecList.end(), vecExpected.begin() + iLength);
     EXPECT_EQ(Chip(), vecExpected);

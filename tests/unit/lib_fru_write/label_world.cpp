@@ -7,6 +7,8 @@
 #include <gtest/gtest.h>
 
 #include "lib_fru_codec.h"
+#include "support/image_builder.h"
+#include "support/record_builder.h"
 
 namespace label {
 namespace {
@@ -60,13 +62,6 @@ const CUSTOM_S g_astCustoms[] = {
      offsetof(FRU_DATA_S, stProductInfo.ucCustomFieldCount)},
 };
 
-char *HeapText(const std::string &strText)
-{
-    char *pcText = static_cast<char *>(calloc(1U, strText.size() + 1U));
-    (void)memcpy(pcText, strText.data(), strText.size());
-    return pcText;
-}
-
 u8 *Record(FRU_DATA_S &stData)
 {
     return reinterpret_cast<u8 *>(&stData);
@@ -79,7 +74,7 @@ void AddCustomFields(FRU_DATA_S &stData, const CUSTOM_S &stArea, u8 ucCount)
     }
     u8 **ppucFields = static_cast<u8 **>(calloc(ucCount, sizeof(u8 *)));
     for (u8 i = 0; i < ucCount; ++i) {
-        ppucFields[i] = reinterpret_cast<u8 *>(HeapText(stArea.pcName + std::to_string(i)));
+        ppucFields[i] = model::Heap(stArea.pcName + std::to_string(i));
     }
     (void)memcpy(Record(stData) + stArea.uiFields, &ppucFields, sizeof(ppucFields));
     Record(stData)[stArea.uiCount] = ucCount;
@@ -87,20 +82,10 @@ void AddCustomFields(FRU_DATA_S &stData, const CUSTOM_S &stArea, u8 ucCount)
 
 void AddMultiRecord(FRU_DATA_S &stData, u32 uiIndex, const fake::BYTES &vecData, bool bLast)
 {
-    FRU_MULTIRECORD_S &stRecord = stData.astMultiRecord[uiIndex];
     u8 *pucData = static_cast<u8 *>(malloc(vecData.size()));
     (void)memcpy(pucData, vecData.data(), vecData.size());
-    const auto ZeroSum = [](const u8 *pucBytes, size_t uiCount) {
-        u32 uiSum = 0;
-        for (size_t i = 0; i < uiCount; ++i) {
-            uiSum += pucBytes[i];
-        }
-        return static_cast<u8>(0U - uiSum);
-    };
-    u8 aucHeader[4] = {0xC0U, static_cast<u8>(bLast ? 0x82U : 0x02U), static_cast<u8>(vecData.size()),
-                       ZeroSum(pucData, vecData.size())};
-    (void)memcpy(&stRecord, aucHeader, sizeof(aucHeader));
-    stRecord.ucHeaderChecksum = ZeroSum(aucHeader, sizeof(aucHeader));
+    FRU_MULTIRECORD_S &stRecord = stData.astMultiRecord[uiIndex];
+    (void)memcpy(&stRecord, image::Record(0xC0U, vecData, bLast).data(), FRU_MULTIRECORD_HEADER_LEN);
     stRecord.pucRecordData = pucData;
 }
 
@@ -132,8 +117,8 @@ fake::BYTES Encode(const IMAGE_S &stImage, u16 usSize)
     (void)memcpy(stData.stBoardInfo.aucMfgDateTime, aucDate, sizeof(aucDate));
     for (const TEXT_S &stText : g_astTexts) {
         const std::string strName = stText.pcName;
-        char *pcText = HeapText(strName == "chassis.type" ? "Rack Mount Chassis" : "old " + strName);
-        (void)memcpy(Record(stData) + stText.uiMember, &pcText, sizeof(pcText));
+        u8 *pucText = model::Heap(strName == "chassis.type" ? "Rack Mount Chassis" : "old " + strName);
+        (void)memcpy(Record(stData) + stText.uiMember, &pucText, sizeof(pucText));
     }
     AddCustomFields(stData, g_astCustoms[0], stImage.ucChassisFields);
     AddCustomFields(stData, g_astCustoms[1], stImage.ucBoardFields);

@@ -7,6 +7,7 @@
 #include "lib_fru_codec.h"
 #include "lib_fru_labels.h"
 #include "lib_fru_write/catalogue.h"
+#include "support/record_builder.h"
 
 namespace {
 
@@ -15,13 +16,6 @@ using label::LINES;
 using label::Null;
 
 using SETTER = u32 (*)(u8 *, FRU_DATA_S *);
-
-u8 *HeapText(const std::string &strText)
-{
-    u8 *pucText = static_cast<u8 *>(malloc(strText.size() + 1U));
-    (void)memcpy(pucText, strText.c_str(), strText.size() + 1U);
-    return pucText;
-}
 
 template <typename T> T At(const FRU_DATA_S &stData, size_t uiOffset)
 {
@@ -103,13 +97,13 @@ void Fill(FRU_DATA_S &stData, u8 ucCustomFields = 5U)
 {
     (void)memset(&stData, 0, sizeof(stData));
     for (const TEXT_ROW_S &stRow : g_astTexts) {
-        u8 *pucText = HeapText(stRow.pcSetter);
+        u8 *pucText = model::Heap(stRow.pcSetter);
         (void)memcpy(reinterpret_cast<u8 *>(&stData) + stRow.uiMember, &pucText, sizeof(pucText));
     }
     for (const AREA_S *pstArea : {&g_stChassis, &g_stBoard, &g_stProduct}) {
         u8 **ppucFields = static_cast<u8 **>(calloc(ucCustomFields, sizeof(u8 *)));
         for (u8 i = 0; i < ucCustomFields; ++i) {
-            ppucFields[i] = HeapText(pstArea->pcName + std::to_string(i));
+            ppucFields[i] = model::Heap(pstArea->pcName + std::to_string(i));
         }
         u8 *pucRecord = reinterpret_cast<u8 *>(&stData);
         (void)memcpy(pucRecord + pstArea->uiFields, &ppucFields, sizeof(ppucFields));
@@ -157,7 +151,7 @@ TEST(Setters, EveryTextSetterReplacesItsMemberAndNothingElse)
         Mark(stData);
         const fake::BYTES vecBefore = Image(stData);
         const u32 uiFilled = fake::LiveAllocations();
-        u8 *pucValue = HeapText("a new value");
+        u8 *pucValue = model::Heap("a new value");
         EXPECT_EQ(stRow.pfnSetter(pucValue, &stData), 0U);
         EXPECT_EQ(At<u8 *>(stData, stRow.uiMember), pucValue);
         ExpectOnlyMemberChanged(vecBefore, stData, stRow.uiMember, sizeof(u8 *));
@@ -175,8 +169,8 @@ TEST(Setters, EveryTextSetterFillsAnEmptyMember)
         fake::Reset();
         const u32 uiLive = fake::LiveAllocations();
         FRU_DATA_S stData = {};
-        EXPECT_EQ(stRow.pfnSetter(HeapText("first"), &stData), 0U);
-        EXPECT_EQ(stRow.pfnSetter(HeapText("second"), &stData), 0U);
+        EXPECT_EQ(stRow.pfnSetter(model::Heap("first"), &stData), 0U);
+        EXPECT_EQ(stRow.pfnSetter(model::Heap("second"), &stData), 0U);
         EXPECT_STREQ(At<char *>(stData, stRow.uiMember), "second");
         EXPECT_EQ(fake::LiveAllocations(), uiLive + 1U);
         FRU_ANALYZER_SafeFree(&stData);
@@ -208,7 +202,7 @@ TEST(Setters, EveryCustomSetterReplacesItsSlotAndNothingElse)
         Mark(stData);
         const fake::BYTES vecBefore = Image(stData);
         const u32 uiFilled = fake::LiveAllocations();
-        u8 *pucValue = HeapText("a new value");
+        u8 *pucValue = model::Heap("a new value");
         EXPECT_EQ(stRow.pfnSetter(pucValue, &stData), 0U);
         EXPECT_EQ(Image(stData), vecBefore); // the record itself is as it was, the array is not
         u8 **ppucFields = At<u8 **>(stData, stRow.stArea.uiFields);
@@ -230,7 +224,7 @@ TEST(Setters, ACustomSetterFillsAnEmptySlot)
     FRU_DATA_S stData = {};
     stData.stBoardInfo.ppucCustomFields = static_cast<u8 **>(calloc(1U, sizeof(u8 *)));
     stData.stBoardInfo.ucCustomFieldCount = 1U;
-    u8 *pucValue = HeapText("top");
+    u8 *pucValue = model::Heap("top");
     EXPECT_EQ(setBoardTopSerialNumber(pucValue, &stData), 0U);
     EXPECT_EQ(stData.stBoardInfo.ppucCustomFields[0], pucValue);
     FRU_ANALYZER_SafeFree(&stData);
@@ -246,7 +240,7 @@ TEST(Setters, ACustomSetterNeedsItsSlot)
             Fill(stData, ucCount == 0U ? u8{1} : ucCount);
             reinterpret_cast<u8 *>(&stData)[stRow.stArea.uiCount] = ucCount;
             const fake::BYTES vecBefore = Image(stData);
-            u8 *pucValue = HeapText("value");
+            u8 *pucValue = model::Heap("value");
             EXPECT_EQ(stRow.pfnSetter(pucValue, &stData), 0x81000001U);
             EXPECT_EQ(Image(stData), vecBefore);
             EXPECT_STREQ(reinterpret_cast<char *>(At<u8 **>(stData, stRow.stArea.uiFields)[0]),
@@ -269,7 +263,7 @@ TEST(Setters, ACustomSetterWithoutAnArrayReportsItWhateverTheCount)
             FRU_DATA_S stData = {};
             reinterpret_cast<u8 *>(&stData)[stRow.stArea.uiCount] = ucCount;
             const fake::BYTES vecBefore = Image(stData);
-            u8 *pucValue = HeapText("value");
+            u8 *pucValue = model::Heap("value");
             EXPECT_EQ(stRow.pfnSetter(pucValue, &stData), 0x81000002U);
             EXPECT_EQ(Image(stData), vecBefore);
             EXPECT_EQ(fake::Messages(),
@@ -292,7 +286,7 @@ TEST(Setters, ALanguageSetterKeepsTheNumberAndNotTheBuffer)
             Fill(stData);
             Mark(stData);
             const fake::BYTES vecBefore = Image(stData);
-            u8 *pucValue = HeapText(pcText);
+            u8 *pucValue = model::Heap(pcText);
             EXPECT_EQ(stRow.pfnSetter(pucValue, &stData), 0U);
             EXPECT_EQ(At<u8>(stData, stRow.uiMember), ucLanguage) << pcText;
             ExpectOnlyMemberChanged(vecBefore, stData, stRow.uiMember, 1U);
@@ -313,7 +307,7 @@ TEST(Setters, TheDateSetterStoresThreeBytesAndKeepsNothing)
     Fill(stData);
     Mark(stData);
     const fake::BYTES vecBefore = Image(stData);
-    u8 *pucValue = HeapText("1996-01-01 00:01:59");
+    u8 *pucValue = model::Heap("1996-01-01 00:01:59");
     EXPECT_EQ(setBoardMfgDate(pucValue, &stData), 0U);
     EXPECT_EQ(stData.stBoardInfo.aucMfgDateTime[0], 1U);
     EXPECT_EQ(stData.stBoardInfo.aucMfgDateTime[1], 0U);
@@ -330,7 +324,7 @@ TEST(Setters, TheDateSetterPassesTheConvertersFailureOn)
     FRU_DATA_S stData = {};
     stData.stBoardInfo.aucMfgDateTime[1] = 0x55U;
     const fake::BYTES vecBefore = Image(stData);
-    u8 *pucValue = HeapText("2023/05/07");
+    u8 *pucValue = model::Heap("2023/05/07");
     EXPECT_EQ(setBoardMfgDate(pucValue, &stData), 0x81000001U);
     EXPECT_EQ(Image(stData), vecBefore);
     EXPECT_EQ(fake::Messages(), LINES{"0/4 lib_fru.c: Sscanf failed! Ret:0x1."});
@@ -355,7 +349,7 @@ TEST(Setters, EverySetterReportsItsNullArgumentsTheValueFirst)
         FRU_DATA_S stData;
         Fill(stData);
         const fake::BYTES vecBefore = Image(stData);
-        u8 *pucValue = HeapText("value");
+        u8 *pucValue = model::Heap("value");
         EXPECT_EQ(pfnSetter(nullptr, nullptr), 0x81000002U);
         EXPECT_EQ(pfnSetter(nullptr, &stData), 0x81000002U);
         EXPECT_EQ(pfnSetter(pucValue, nullptr), 0x81000002U);
