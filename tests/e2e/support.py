@@ -15,6 +15,8 @@ EXAMPLES = SOURCE / "examples"
 # A folder of real images, which need not be there.
 CORPUS = pathlib.Path(os.environ.get("BMCFRU_CORPUS_DIR", SOURCE / "../shared/corpus"))
 COMMAND = [*EMULATOR, FRUCTL]
+# Memory where there is some: what the controllers sync to it costs nothing.
+TEMP = "/dev/shm" if os.access("/dev/shm", os.W_OK) else None
 
 
 class Result:
@@ -43,7 +45,7 @@ class FructlTest(unittest.TestCase):
     maxDiff = None
 
     def setUp(self):
-        self.pathTemp = pathlib.Path(tempfile.mkdtemp(prefix="fructl-e2e-"))
+        self.pathTemp = pathlib.Path(tempfile.mkdtemp(prefix="fructl-e2e-", dir=TEMP))
         self.addCleanup(shutil.rmtree, self.pathTemp)
         self.pathRoot = self.pathTemp / "root"
 
@@ -70,9 +72,16 @@ class FructlTest(unittest.TestCase):
         self.assertTrue(strErr.startswith("fructl: "), strErr)
         self.assertTrue(strErr.endswith("\n") and strErr.count("\n") == 1, strErr)
 
+    pathExample = None
+
     def Provision(self):
-        """The example's controller."""
-        self.Good("provision", EXAMPLES / "controller.json")
+        """The example's controller, made once and copied."""
+        if FructlTest.pathExample is None:
+            FructlTest.pathExample = pathlib.Path(tempfile.mkdtemp(prefix="fructl-e2e-", dir=TEMP))
+            unittest.addModuleCleanup(shutil.rmtree, FructlTest.pathExample)
+            stResult = Run("--root", FructlTest.pathExample / "root", "provision", EXAMPLES / "controller.json")
+            self.assertEqual((stResult.iCode, stResult.strErr), (0, ""))
+        shutil.copytree(FructlTest.pathExample / "root", self.pathRoot)
 
     def Eeprom(self, strName):
         return self.pathRoot / "eeprom" / strName
@@ -82,15 +91,90 @@ class FructlTest(unittest.TestCase):
             stFile.seek(iOffset)
             stFile.write(abBytes)
 
+    def ProvisionImage(self, abImage, **dictMore):
+        """A controller with one device, dev (0x20:0), and this image in its EEPROM; dictMore changes its description."""
+        self.Write("image.bin", abImage)
+        dictDevice = {"id": 7, "name": "dev", "componentType": 0x20, "instance": 0, "location": {"bus": 5, "address": 0xA6}, "size": 512,
+                      "image": "image.bin", **dictMore}
+        pathFile = self.Write("one.json", json.dumps({"devices": [dictDevice]}).encode())
+        self.Good("provision", pathFile)
+
+    def Lines(self, strPath):
+        """A journal of the controller."""
+        pathFile = self.pathRoot / strPath
+        return [json.loads(strLine) for strLine in pathFile.read_text().splitlines()] if pathFile.exists() else []
+
+    def Tree(self):
+        """Every directory and file of the controller: mode, time of change, and contents."""
+        dictTree = {}
+        for pathFile in sorted(self.pathRoot.rglob("*")):
+            stStat = pathFile.stat()
+            dictTree[str(pathFile)] = (stStat.st_mode, stStat.st_mtime_ns, pathFile.read_bytes() if pathFile.is_file() else None)
+        return dictTree
+
     def Write(self, strName, abBytes):
         pathFile = self.pathTemp / strName
         pathFile.write_bytes(abBytes)
         return pathFile
 
 
+DEBIAN_PYTHON = "/usr/bin/python3"
+
+
+def ReadIndependently(testCase, listFiles):
+    """What an independent decoder sees in image files; skips the test where it is not installed."""
+    pathReader = pathlib.Path(__file__).resolve().parent / "independent_reader.py"
+    stProcess = subprocess.run([DEBIAN_PYTHON, "-B", str(pathReader), *map(str, listFiles)], capture_output=True, text=True)
+    if "No module named" in stProcess.stderr:
+        testCase.skipTest(f"python3-pyipmi is not installed for {DEBIAN_PYTHON}")
+    testCase.assertEqual((stProcess.returncode, stProcess.stderr), (0, ""))
+    return json.loads(stProcess.stdout)
+
+
+def Independent(dictShown):
+    """What an independent decoder has to see, of what 'show --json' printed: no derived texts, the chassis type as its code."""
+    dictSeen = {strKey: dict(dictShown[strKey]) for strKey in ("chassis", "board", "product") if strKey in dictShown}
+    for dictArea in dictSeen.values():
+        dictArea.pop("language", None)
+        dictArea.pop("mfgDateMinutes", None)
+    if "chassis" in dictSeen:
+        dictSeen["chassis"]["typeCode"] = CHASSIS_TYPES.index(dictSeen["chassis"].pop("type"))
+    dictSeen["multiRecords"] = [{strKey: dictRecord[strKey] for strKey in ("type", "formatVersion", "data")}
+                                for dictRecord in dictShown["multiRecords"]]
+    return dictSeen
+
+
+# By code.
+CHASSIS_TYPES = [
+    "Unspecified", "Other", "Unknown", "Desktop", "Low Profile Desktop", "Pizza Box", "Mini Tower", "Tower", "Portable", "LapTop", "Notebook",
+    "Hand Held", "Docking Station", "All in One", "Sub Notebook", "Space-saving", "Lunch Box", "Main Server Chassis", "Expansion Chassis",
+    "SubChassis", "Bus Expansion Chassis", "Peripheral Chassis", "RAID Chassis", "Rack Mount Chassis", "Sealed-case PC", "Multi-system Chassis",
+    "CompactPCI", "AdvancedTCA", "Blade", "Blade Enclosure"]
+
+
 def ZeroSum(abBytes):
     """The byte that makes the sum of all bytes 0 modulo 256."""
     return bytes([-sum(abBytes) & 0xFF])
+
+
+def Image(dictAreas):
+    """An image of areas by header byte: 1 internal use (its bytes), 2 to 4 info areas (what follows their length byte, without the
+    end mark), 5 MultiRecords (their bytes)."""
+    abBody = b""
+    abHeader = bytearray(b"\x01" + bytes(6))
+    for iArea, abArea in sorted(dictAreas.items()):
+        abHeader[iArea] = 1 + len(abBody) // 8
+        if iArea in (2, 3, 4):
+            iUnits = -(-(len(abArea) + 4) // 8)
+            abArea = (bytes([1, iUnits]) + abArea + b"\xc1").ljust(iUnits * 8 - 1, b"\x00")
+            abArea += ZeroSum(abArea)
+        abBody += abArea.ljust(-(-len(abArea) // 8) * 8, b"\x00")
+    return bytes(abHeader) + ZeroSum(abHeader) + abBody
+
+
+def Texts(*asTexts):
+    """Type/length-coded 8-bit texts."""
+    return b"".join(bytes([0xC0 | len(strText)]) + strText.encode("latin-1") for strText in asTexts)
 
 
 def HexImage(pathFile):
@@ -102,4 +186,7 @@ def HexImage(pathFile):
     return abImage
 
 
+OPERATE_LOG = "var/log/operate.jsonl"
+EVENTS = "var/log/fru-events.jsonl"
+SERIAL_NUMBER_FILES = ("mnt/sdmmc0p4/board/ProductSerialNumber", "var/network/ProductSerialNumber")
 BASEBOARD_EEPROM = "bus1-addr0xa0.bin"

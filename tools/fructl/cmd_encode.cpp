@@ -61,7 +61,7 @@ std::vector<u8> MakeImage(const RECORD &stRecord, const ENCODE_S &stOptions)
     const JSON stExpected = RecordJson(ViewRecord(*stRecord.Data()));
     if (Decode(*optWhole, true) != stExpected) {
         Fail(EscapeText(stOptions.strDocument) +
-             ": the encoded image does not read back as the document says; nothing was written" +
+             ": the encoded image does not read back as the JSON says; nothing was written" +
              DiagnosticHint());
     }
     if (stOptions.strSize.empty()) {

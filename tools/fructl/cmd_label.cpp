@@ -302,6 +302,7 @@ void RunSet(const SESSION_S &stSession, const LABEL_OPTIONS_S &stOptions)
     std::vector<std::string> vecRest;
     const DEVICE_S stDevice = TakeDevice(stSession, stOptions, vecRest);
     const std::vector<LABEL_REQUEST_S> vecRequests = ParseRequests(vecRest);
+    CheckRequests(stDevice, vecRequests);
     if (stOptions.bDryRun) {
         const LABEL_PLAN_S stPlan = PlanLabels(stDevice, vecRequests);
         if (stSession.bJson) {

@@ -51,18 +51,28 @@ std::string Cause()
 // ---- the plan
 // ----------------------------------------------------------------------------------------------
 
-void CheckRequests(const DEVICE_S &stDevice, const std::vector<LABEL_REQUEST_S> &vecRequests)
+// A text that the library cannot store again: it writes every text with 8 bits a character, so that binary
+// data takes twice its room.
+std::string WhyNotEncoded(const RECORD_VIEW_S &stView)
 {
-    for (size_t i = 0; i < vecRequests.size(); i++) {
-        const LABEL_S &stLabel = vecRequests[i].stLabel;
-        for (size_t j = 0; j < i; j++) {
-            if (vecRequests[j].stLabel.uiID == stLabel.uiID) {
-                FailUsage("'" + stLabel.strName + "' is given twice; accepted: each label once");
+    constexpr size_t uiTextMax = 63U;
+    for (const AREA_VIEW_S &stArea : stView.vecAreas) {
+        std::vector<std::pair<std::string, std::string>> vecTexts;
+        for (const FIELD_VIEW_S &stField : stArea.vecFields) {
+            vecTexts.emplace_back(stField.strName, stField.strText);
+        }
+        for (size_t i = 0; i < stArea.vecCustomFields.size(); i++) {
+            vecTexts.emplace_back(Format("custom field %zu", i + 1U), stArea.vecCustomFields[i]);
+        }
+        for (const auto &[strName, strText] : vecTexts) {
+            if (strText.size() > uiTextMax) {
+                return std::string("the ") + strName + " of its " + AreaName(stArea.enArea) +
+                       Format(" would be stored as %zu characters, and a length byte counts only to %zu",
+                              strText.size(), uiTextMax);
             }
         }
-        RequireAcceptedName(stDevice, stLabel);
-        RequireAcceptedValue(stDevice, stLabel, vecRequests[i].strValue);
     }
+    return "the record cannot be encoded" + Cause();
 }
 
 std::vector<u8> Encode(const DEVICE_S &stDevice, const std::string &strLabel, const RECORD &stRecord)
@@ -78,10 +88,10 @@ std::vector<u8> Encode(const DEVICE_S &stDevice, const std::string &strLabel, co
     ClearDiagnostics();
     i32 iLength = FRU_ANALYZER_ConvertToArray(stRecord.Data(), usSize, vecBytes.data());
     if (iLength < 0) {
-        const std::string strCause = Cause();
+        const std::string strWhy = WhyNotEncoded(stView);
         iLength = FRU_ANALYZER_ConvertToArray(stRecord.Data(), ROOM_MAX, vecBytes.data());
         Fail(strCannot + (iLength < 0
-                              ? "the record cannot be encoded" + strCause
+                              ? strWhy
                               : Format("it would take %d bytes, and the FRU has %u", iLength, u32{usSize})));
     }
     vecBytes.resize(static_cast<size_t>(iLength));
@@ -253,25 +263,25 @@ std::string WhyDeviceDiffers(const DEVICE_S &stDevice, const LABEL_STEP_S &stSte
     }
 }
 
-void RequireCache(const DEVICE_S &stDevice, const LABEL_STEP_S &stStep)
+void RequireCache(const DEVICE_S &stDevice, const LABEL_STEP_S &stStep, const std::string &strCause)
 {
     const std::optional<IMAGE_S> optCached = ReadCache(stDevice);
     std::vector<u8> vecExpected = stStep.vecEncoded;
     vecExpected.resize(stDevice.stInfo.usSize);
     if (!optCached.has_value() || optCached->vecBytes != vecExpected) {
         Fail("the EEPROM of " + stDevice.Title() + " holds the new '" + stStep.stRequest.stLabel.strName +
-             "', but its cached image could not be renewed" + Cause());
+             "', but its cached image could not be renewed" + strCause);
     }
 }
 
 // The library keeps the baseboard's product serial number in a file as well, with a copy; it tells nobody
 // when it could not.
-std::string WhySerialFilesDiffer(const LABEL_STEP_S &stStep)
+std::string WhySerialFilesDiffer(const LABEL_STEP_S &stStep, const std::string &strCause)
 {
     for (const char *pcPath : {SERIAL_FILE, SERIAL_COPY}) {
         char acPath[4096] = "";
         std::string strFound;
-        std::string strWhy = Cause();
+        std::string strWhy = strCause;
         try {
             if (BMCHOST_ResolvePath(pcPath, sizeof(acPath), acPath) == 0U) {
                 const std::vector<u8> vecBytes = ReadFileBytes(acPath);
@@ -290,9 +300,22 @@ std::string WhySerialFilesDiffer(const LABEL_STEP_S &stStep)
 
 } // namespace
 
+void CheckRequests(const DEVICE_S &stDevice, const std::vector<LABEL_REQUEST_S> &vecRequests)
+{
+    for (size_t i = 0; i < vecRequests.size(); i++) {
+        const LABEL_S &stLabel = vecRequests[i].stLabel;
+        for (size_t j = 0; j < i; j++) {
+            if (vecRequests[j].stLabel.uiID == stLabel.uiID) {
+                FailUsage("'" + stLabel.strName + "' is given twice; accepted: each label once");
+            }
+        }
+        RequireAcceptedName(stDevice, stLabel);
+        RequireAcceptedValue(stDevice, stLabel, vecRequests[i].strValue);
+    }
+}
+
 LABEL_PLAN_S PlanLabels(const DEVICE_S &stDevice, const std::vector<LABEL_REQUEST_S> &vecRequests)
 {
-    CheckRequests(stDevice, vecRequests);
     const TARGET_S stTarget = {stDevice, ""};
     RECORD stBefore;
     DecodeTarget(stTarget, stBefore); // from here on the image is known to be readable: no recovery sets in
@@ -329,9 +352,10 @@ LABEL_PLAN_S PlanLabels(const DEVICE_S &stDevice, const std::vector<LABEL_REQUES
     if (!stDevice.IsDatabaseOnly() && IsCacheTrusted(stDevice) && optCached.has_value()) {
         const std::optional<size_t> optAt = FirstDifference(stImage, *optCached, stDevice.HasFixedSlots());
         if (optAt.has_value()) {
-            stPlan.vecLosses.push_back(Format("the EEPROM's own image from byte 0x%04zx on, where the cached "
-                                              "one, from which the new one is made, differs",
-                                              *optAt));
+            stPlan.vecLosses.insert(stPlan.vecLosses.begin(),
+                                    Format("the EEPROM's own image from byte 0x%04zx on, where the cached "
+                                           "one, from which the new one is made, differs",
+                                           *optAt));
         }
     }
     return stPlan;
@@ -367,8 +391,8 @@ WRITTEN_S WriteStep(const DEVICE_S &stDevice, const LABEL_STEP_S &stStep)
              strUnlogged);
     }
     RecordOperation(true, stPara.acOperateLog, stPara.ucOperateLogType);
-    RequireCache(stDevice, stStep);
+    RequireCache(stDevice, stStep, strCause);
     const bool bSerialFiles = stDevice.stEntry.ucComponentType == 0U &&
                               stStep.stRequest.stLabel.uiID == LABEL_PRODUCT_SERIAL_NUMBER;
-    return {stPara.acOperateLog, bSerialFiles ? WhySerialFilesDiffer(stStep) : ""};
+    return {stPara.acOperateLog, bSerialFiles ? WhySerialFilesDiffer(stStep, strCause) : ""};
 }

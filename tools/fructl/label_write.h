@@ -39,7 +39,10 @@ struct LABEL_PLAN_S
     std::vector<std::string> vecLosses; // what would be lost beside the labels
 };
 
-// Checks all names and values, then reads the device and works out every step. Fails when a step would.
+// Fails when a name or a value is refused, or a label is given twice. Touches nothing.
+void CheckRequests(const DEVICE_S &stDevice, const std::vector<LABEL_REQUEST_S> &vecRequests);
+
+// Reads the device and works out every step for checked requests. Fails when a step would.
 LABEL_PLAN_S PlanLabels(const DEVICE_S &stDevice, const std::vector<LABEL_REQUEST_S> &vecRequests);
 
 struct WRITTEN_S
