@@ -77,10 +77,11 @@ class FructlTest(unittest.TestCase):
     def Provision(self):
         """The example's controller, made once and copied."""
         if FructlTest.pathExample is None:
-            FructlTest.pathExample = pathlib.Path(tempfile.mkdtemp(prefix="fructl-e2e-", dir=TEMP))
-            unittest.addModuleCleanup(shutil.rmtree, FructlTest.pathExample)
-            stResult = Run("--root", FructlTest.pathExample / "root", "provision", EXAMPLES / "controller.json")
+            pathExample = pathlib.Path(tempfile.mkdtemp(prefix="fructl-e2e-", dir=TEMP))
+            unittest.addModuleCleanup(shutil.rmtree, pathExample)
+            stResult = Run("--root", pathExample / "root", "provision", EXAMPLES / "controller.json")
             self.assertEqual((stResult.iCode, stResult.strErr), (0, ""))
+            FructlTest.pathExample = pathExample
         shutil.copytree(FructlTest.pathExample / "root", self.pathRoot)
 
     def Eeprom(self, strName):

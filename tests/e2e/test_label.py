@@ -463,7 +463,8 @@ class Trouble(LabelTest):
             fcntl.flock(stLock, fcntl.LOCK_EX)
             stLock.write("pid 4711, fructl label set baseboard\n")
             stLock.flush()
-            stProcess = subprocess.Popen([*COMMAND, "--root", str(self.pathRoot), "label", "set", "psu1", "Product Version", "A3"], stdout=subprocess.DEVNULL)
+            stProcess = subprocess.Popen([*COMMAND, "--root", str(self.pathRoot), "label", "set", "psu1", "Product Version", "A3"], stdout=subprocess.DEVNULL,
+                                         stderr=subprocess.DEVNULL)
             time.sleep(0.3)
             self.assertIsNone(stProcess.poll())
             self.Good("label", "set", "psu1", "Product Version", "A4", "--dry-run")  # reads do not wait

@@ -40,7 +40,7 @@ FRU_SET_PARA_S Block(const DEVICE_S &stDevice, const LABEL_REQUEST_S &stRequest)
 // The first thing that the library reported and that is not about how texts are stored.
 std::string Cause()
 {
-    for (const std::string &strText : Diagnostics()) {
+    for (const std::string &strText : TakeDiagnostics()) {
         if (strText.compare(0, 23U, "Not default type format") != 0) {
             return " (the library says: " + strText + ")";
         }

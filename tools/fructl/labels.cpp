@@ -184,7 +184,7 @@ std::string WhyRefused(const LABEL_S &stLabel, const std::string &strValue, u8 u
         return Format("it has %s; accepted: ", Count(strValue.size(), "character").c_str()) + strLength;
     }
     // Some labels may be blank; the library has said whether this one's blanks were the reason.
-    const std::vector<std::string> &vecSaid = Diagnostics();
+    const std::vector<std::string> vecSaid = TakeDiagnostics();
     if (std::find(vecSaid.begin(), vecSaid.end(), "Label Value is null.") != vecSaid.end()) {
         return "it is blank; accepted: " + strLength + ", not all blanks" + strNone;
     }
@@ -224,7 +224,7 @@ std::string WhyRefused(const LABEL_S &stLabel, const std::string &strValue, u8 u
             return Format("its byte %zu is 0x%02x; accepted: printable ASCII, 0x20 to 0x7e", i + 1U, ucByte);
         }
     }
-    return std::string("the library refuses it") + DiagnosticHint() + "; accepted: " + strLength + ", " +
+    return "the library refuses it (" + Join(vecSaid, " | ") + "); accepted: " + strLength + ", " +
            stLabel.pcAccepts + strNone;
 }
 
