@@ -10,14 +10,22 @@ constexpr void (*g_apfnCommands[])(CLI::App &stParent, SESSION_S &stSession) = {
     AddVerifyCommand,     //
     AddMapCommand,        //
     AddDiffCommand,       //
+    AddFieldsCommand,     //
+    AddSnCommand,         //
+    AddPsnCommand,        //
     AddLabelCommand,      // written
     AddEncodeCommand,     //
     AddClearCommand,      //
     AddRecoverCommand,    //
+    AddMrCommand,         // read and written
+    AddHwCommand,         //
+    AddOemCommand,        //
+    AddAssembleCommand,   //
     AddRawCommand,        // bytes
     AddDateCommand,       //
     AddTestResultCommand, // the controller as a whole
     AddFeaturesCommand,   //
+    AddHostNameCommand,   //
     AddMonitorCommand,    //
     AddServeCommand,      //
 };

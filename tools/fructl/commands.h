@@ -35,5 +35,13 @@ void AddTestResultCommand(CLI::App &stParent, SESSION_S &stSession);
 void AddFeaturesCommand(CLI::App &stParent, SESSION_S &stSession);
 void AddDateCommand(CLI::App &stParent, SESSION_S &stSession);
 void AddMonitorCommand(CLI::App &stParent, SESSION_S &stSession);
+void AddMrCommand(CLI::App &stParent, SESSION_S &stSession);
+void AddHwCommand(CLI::App &stParent, SESSION_S &stSession);
+void AddFieldsCommand(CLI::App &stParent, SESSION_S &stSession);
+void AddSnCommand(CLI::App &stParent, SESSION_S &stSession);
+void AddPsnCommand(CLI::App &stParent, SESSION_S &stSession);
+void AddOemCommand(CLI::App &stParent, SESSION_S &stSession);
+void AddHostNameCommand(CLI::App &stParent, SESSION_S &stSession);
+void AddAssembleCommand(CLI::App &stParent, SESSION_S &stSession);
 
 #endif

@@ -1,0 +1,282 @@
+// fructl mr: MultiRecords listed, checked, and the byte order of their GUIDs.
+#include <algorithm>
+
+#include "console.h"
+#include "error.h"
+#include "fru_names.h"
+#include "json_out.h"
+#include "mr.h"
+#include "name_value.h"
+#include "record.h"
+#include "text.h"
+
+namespace {
+
+constexpr u32 MR_FAILED = 0xFFFFFFFFU;
+constexpr size_t RECORD_MAX = FRU_MULTIRECORD_HEADER_LEN + 255U;
+constexpr size_t GUID_TEXT_LEN = 36U;
+constexpr u8 HEADER_OFFSET_BYTE = 5U; // of the common header: where the MultiRecord area begins
+constexpr u8 MR_END_OF_LIST = 0x80U;
+
+// The main FRU when nothing else is named.
+TARGET_S TargetOrMain(const SESSION_S &stSession, const TARGET_OPTIONS_S &stOptions)
+{
+    const bool bNamed = !stOptions.strTarget.empty() || !stOptions.strDeviceID.empty();
+    return ResolveTarget(stSession, bNamed ? stOptions : TARGET_OPTIONS_S{MAIN_FRU, ""});
+}
+
+void RunList(const SESSION_S &stSession, const TARGET_OPTIONS_S &stOptions)
+{
+    const TARGET_S stTarget = TargetOrMain(stSession, stOptions);
+    RECORD stRecord;
+    DecodeTarget(stTarget, stRecord);
+    const RECORD_VIEW_S stView = ViewRecord(*stRecord.Data());
+    if (stView.bMultiRecordArea && stView.vecMultiRecords.empty()) {
+        Fail("the MultiRecord area of " + stTarget.Title() +
+             " is damaged: no record of it can be read; 'fructl mr check' and 'fructl verify' tell more");
+    }
+    TABLE stTable({">#", "RECORD", ">TYPE", ">BYTES", "SAYS"});
+    JSON stRecords = JSON::array();
+    for (size_t i = 0; i < stView.vecMultiRecords.size(); i++) {
+        const MULTIRECORD_VIEW_S &stMr = stView.vecMultiRecords[i];
+        stTable.Row({std::to_string(i + 1U), stMr.strName, Format("0x%02x", stMr.ucType),
+                     std::to_string(stMr.vecData.size()), EscapeText(stMr.strText)});
+        stRecords.push_back(MultiRecordJson(stMr));
+    }
+    if (stSession.bJson) {
+        JSON stJson = TargetJson(stTarget);
+        stJson["multiRecords"] = stRecords;
+        PrintJson(stJson);
+    } else {
+        Print(stRecords.empty() ? stTarget.Title() + " has no MultiRecords\n" : stTable.Text());
+    }
+}
+
+// One verdict of FRU_checkAllMultiRecords().
+struct VERDICT_S
+{
+    const char *pcKey;   // "memory"
+    std::string strWhat; // for people: what was checked
+    u32 uiStatus;
+    u32 uiCount;
+    std::string strWhy; // not empty: why it is not in order
+
+    bool IsGood() const
+    {
+        return uiStatus == FRU_OK && strWhy.empty();
+    }
+};
+
+VERDICT_S Check(const char *pcKey, const std::string &strWhat, const u8 *pucBuf, u32 uiCheckType)
+{
+    VERDICT_S stVerdict = {pcKey, strWhat, FRU_OK, 0U, ""};
+    ClearDiagnostics();
+    stVerdict.uiStatus = FRU_checkAllMultiRecords(pucBuf, uiCheckType, &stVerdict.uiCount);
+    if (stVerdict.uiStatus != FRU_OK) {
+        stVerdict.strWhy = MultiRecordStatus(stVerdict.uiStatus) + DiagnosticHint();
+    }
+    return stVerdict;
+}
+
+VERDICT_S CheckDecoded(const TARGET_S &stTarget)
+{
+    RECORD stRecord;
+    const std::string strWhat = "decoded record";
+    ClearDiagnostics();
+    u32 uiRet = FRU_OK;
+    if (stTarget.optDevice.has_value()) {
+        const FRU_DEVICE_TBL_ENTRY_S &stEntry = stTarget.optDevice->stEntry;
+        uiRet = LIB_FRU_GetFRUData(stEntry.ucComponentType, stEntry.ucInstance, 1U, 0U, stRecord.Data());
+    } else {
+        uiRet = DecodeImage(ReadImage(stTarget.strFile), false, stRecord);
+    }
+    if (uiRet != FRU_OK) {
+        return {"memory", strWhat, uiRet, 0U, "cannot be decoded: " + StatusText(uiRet) + DiagnosticHint()};
+    }
+    return Check("memory", strWhat, reinterpret_cast<const u8 *>(stRecord.Data()->astMultiRecord),
+                 FRU_MR_CHECK_MEMORY);
+}
+
+// Bytes from the start of the area to the end of its last record. Only for a list that was found good.
+size_t ListLength(const std::vector<u8> &vecArea, u32 uiCount)
+{
+    size_t uiLength = 0;
+    for (u32 i = 0; i < uiCount; i++) {
+        uiLength += FRU_MULTIRECORD_HEADER_LEN + vecArea[uiLength + 2U];
+    }
+    return uiLength;
+}
+
+VERDICT_S CheckBytes(const TARGET_S &stTarget)
+{
+    const IMAGE_S stImage = ReadTarget(stTarget);
+    const std::string strWhat = "bytes of the " + stImage.strSource;
+    if (stImage.uiStored < FRU_COMMON_HEADER_LEN ||
+        FRU_ANALYZER_CheckValidHeader(stImage.vecBytes.data()) != FRU_OK) {
+        return {"bytes", strWhat, LIB_FRU_ERR_HEADER, 0U, "no valid common header says where the area is"};
+    }
+    const size_t uiStart = size_t{stImage.vecBytes[HEADER_OFFSET_BYTE]} * FRU_AREA_UNIT;
+    if (uiStart == 0U) {
+        return {"bytes", strWhat, FRU_OK, 0U, ""};
+    }
+    if (uiStart >= stImage.uiStored) {
+        return {"bytes", strWhat, MR_FAILED, 0U,
+                Format("the area begins at 0x%04zx, where the image has ended", uiStart)};
+    }
+    // The library's walk knows no end but its 64 records: zeros for as many of the longest stand behind.
+    std::vector<u8> vecArea(stImage.vecBytes.begin() + static_cast<ptrdiff_t>(uiStart),
+                            stImage.vecBytes.begin() + static_cast<ptrdiff_t>(stImage.uiStored));
+    const size_t uiStored = vecArea.size();
+    vecArea.resize(uiStored + FRU_MULTIRECORD_MAX * RECORD_MAX, 0U);
+    VERDICT_S stVerdict = Check("bytes", strWhat, vecArea.data(), FRU_MR_CHECK_EEPROM);
+    if (stVerdict.uiStatus == FRU_OK && stVerdict.uiCount == 0U) {
+        stVerdict.strWhy = Format("the header names an area at 0x%04zx, but there is no record", uiStart);
+    } else if (stVerdict.uiStatus == FRU_OK && ListLength(vecArea, stVerdict.uiCount) > uiStored) {
+        stVerdict.strWhy = Format("the list ends %zu bytes behind the image",
+                                  ListLength(vecArea, stVerdict.uiCount) - uiStored);
+    }
+    return stVerdict;
+}
+
+JSON VerdictJson(const VERDICT_S &stVerdict)
+{
+    JSON stJson = {
+        {"good", stVerdict.IsGood()}, {"status", stVerdict.uiStatus}, {"records", stVerdict.uiCount}};
+    if (!stVerdict.strWhy.empty()) {
+        stJson["why"] = stVerdict.strWhy;
+    }
+    return stJson;
+}
+
+void RunCheck(const SESSION_S &stSession, const TARGET_OPTIONS_S &stOptions)
+{
+    const TARGET_S stTarget = TargetOrMain(stSession, stOptions);
+    const std::vector<VERDICT_S> vecVerdicts = {CheckDecoded(stTarget), CheckBytes(stTarget)};
+    JSON stJson = TargetJson(stTarget);
+    bool bGood = true;
+    for (const VERDICT_S &stVerdict : vecVerdicts) {
+        bGood = bGood && stVerdict.IsGood();
+        stJson[stVerdict.pcKey] = VerdictJson(stVerdict);
+        if (!stSession.bJson) {
+            Print((stVerdict.IsGood() ? Paint(COLOUR::Green, "good  ") : Paint(COLOUR::Red, "WRONG ")) + " " +
+                  Paint(COLOUR::Bold, stTarget.Title()) + ", " + stVerdict.strWhat + ": " +
+                  (stVerdict.IsGood() ? Count(stVerdict.uiCount, "record") : stVerdict.strWhy) + "\n");
+        }
+    }
+    if (stSession.bJson) {
+        PrintJson(stJson);
+    }
+    if (!bGood) {
+        Fail("the MultiRecords of " + stTarget.Title() +
+             " are not in order; 'fructl verify' tells every byte at fault");
+    }
+}
+
+struct GUID_OPTIONS_S
+{
+    std::string strText;
+    std::string strStored;
+};
+
+GUID_BYTES Stored(const GUID_BYTES &aucGiven)
+{
+    GUID_BYTES aucStored = {};
+    FRU_ConvertGUIDToStandardOrder(aucGiven.data(), aucStored.data());
+    return aucStored;
+}
+
+void RunGuid(const SESSION_S &stSession, const GUID_OPTIONS_S &stOptions)
+{
+    if (stOptions.strText.empty() == stOptions.strStored.empty()) {
+        FailUsage("either a GUID or --stored is needed; 'fructl mr guid --help' tells more");
+    }
+    std::string strText = stOptions.strText;
+    if (strText.empty()) {
+        const std::vector<u8> vecStored = ParseHex(stOptions.strStored);
+        if (vecStored.size() != std::tuple_size_v<GUID_BYTES>) {
+            FailUsage("--stored " + EscapeText(stOptions.strStored) +
+                      " is refused; accepted: 16 bytes of two hex digits each");
+        }
+        strText = GuidText(vecStored.data());
+    }
+    const GUID_BYTES aucGiven = ParseGuid(strText);
+    const GUID_BYTES aucStored = Stored(aucGiven);
+    strText = GuidText(aucStored.data());
+    const std::string strStored = HexBytes(aucStored.data(), aucStored.size());
+    const std::string strGiven = HexBytes(aucGiven.data(), aucGiven.size());
+    if (stSession.bJson) {
+        PrintJson({{"guid", strText}, {"stored", strStored}, {"given", strGiven}});
+        return;
+    }
+    Print("GUID    " + strText + "\nstored  " + strStored + "   in the record\ngiven   " + strGiven +
+          "   to the library, which puts it into the record's order\n");
+}
+
+void AddGuidCommand(CLI::App &stMr, SESSION_S &stSession)
+{
+    const auto pstGuid = std::make_shared<GUID_OPTIONS_S>();
+    CLI::App *pstCommand =
+        AddCommand(stMr, "guid", "Convert a GUID to the byte order of a System Unique ID record, and back",
+                   "fructl mr guid 1b4c2e8f-7a5d-4c3b-9e60-0a1b2c3d4e5f\n"
+                   "fructl mr guid --stored \"8f 2e 4c 1b 5d 7a 3b 4c 9e 60 0a 1b 2c 3d 4e 5f\"");
+    pstCommand->add_option("GUID", pstGuid->strText, "in its usual text form");
+    pstCommand->add_option("--stored", pstGuid->strStored, "16 bytes in hex, as they stand in a record")
+        ->type_name("HEX");
+    pstCommand->callback(
+        [&stSession, pstGuid] { stSession.fnRun = [&stSession, pstGuid] { RunGuid(stSession, *pstGuid); }; });
+}
+
+using RUN_TARGET = void (*)(const SESSION_S &stSession, const TARGET_OPTIONS_S &stOptions);
+
+void AddTargetCommand(CLI::App *pstCommand, SESSION_S &stSession, RUN_TARGET pfnRun)
+{
+    const auto pstOptions = std::make_shared<TARGET_OPTIONS_S>();
+    AddTargetOptions(pstCommand, *pstOptions, true);
+    pstCommand->callback([&stSession, pstOptions, pfnRun] {
+        stSession.fnRun = [&stSession, pstOptions, pfnRun] { pfnRun(stSession, *pstOptions); };
+    });
+}
+
+} // namespace
+
+GUID_BYTES ParseGuid(const std::string &strText)
+{
+    std::string strDigits = strText;
+    const bool bDashes = strText.size() == GUID_TEXT_LEN && strText[8] == '-' && strText[13] == '-' &&
+                         strText[18] == '-' && strText[23] == '-';
+    if (bDashes) {
+        strDigits.erase(std::remove(strDigits.begin(), strDigits.end(), '-'), strDigits.end());
+    }
+    const bool bHex = strDigits.find_first_not_of("0123456789abcdefABCDEF") == std::string::npos;
+    const std::vector<u8> vecBytes = bHex ? ParseHex(strDigits) : std::vector<u8>();
+    GUID_BYTES aucGiven = {};
+    if (vecBytes.size() != aucGiven.size()) {
+        FailUsage("'" + EscapeText(strText) +
+                  "' is no GUID; accepted: 32 hex digits as in 1b4c2e8f-7a5d-4c3b-9e60-0a1b2c3d4e5f");
+    }
+    std::reverse_copy(vecBytes.begin(), vecBytes.end(), aucGiven.begin());
+    return aucGiven;
+}
+
+std::string MultiRecordStatus(u32 uiStatus)
+{
+    return uiStatus == MR_FAILED ? "the library refuses it" : StatusText(uiStatus);
+}
+
+void AddMrCommand(CLI::App &stParent, SESSION_S &stSession)
+{
+    CLI::App *pstMr =
+        AddCommand(stParent, "mr", "MultiRecords: list, add, check, and the byte order of GUIDs",
+                   "fructl mr list\nfructl mr add system-name=rack7-u12\nfructl mr check baseboard");
+    pstMr->require_subcommand(1);
+    AddTargetCommand(AddCommand(*pstMr, "list", "The MultiRecords of a device (the baseboard) or a file",
+                                "fructl mr list\nfructl mr list bmc-card --json\nfructl mr list dump.bin"),
+                     stSession, RunList);
+    AddMrAddCommand(*pstMr, stSession);
+    AddTargetCommand(
+        AddCommand(*pstMr, "check",
+                   "Check a list of MultiRecords twice: as decoded, and byte by byte in the EEPROM",
+                   "fructl mr check\nfructl mr check dump.bin"),
+        stSession, RunCheck);
+    AddGuidCommand(*pstMr, stSession);
+}

@@ -1,0 +1,106 @@
+#include "name_value.h"
+
+#include <optional>
+#include <set>
+
+#include "error.h"
+#include "text.h"
+
+namespace {
+
+std::string Plain(const std::string &strName)
+{
+    std::string strOut;
+    for (const char cChar : strName) {
+        const bool bUpper = cChar >= 'A' && cChar <= 'Z';
+        strOut += (cChar == ' ' || cChar == '_') ? '-' : bUpper ? static_cast<char>(cChar + 0x20) : cChar;
+    }
+    return strOut;
+}
+
+// What is typed is UTF-8. Characters beyond U+00FF have no place in a FRU, nor have bytes that are no UTF-8.
+std::optional<std::string> ToLatin1(const std::string &strUtf8)
+{
+    std::string strOut;
+    for (size_t i = 0; i < strUtf8.size(); i++) {
+        const u8 ucByte = static_cast<u8>(strUtf8[i]);
+        if (ucByte < 0x80U) {
+            strOut += strUtf8[i];
+            continue;
+        }
+        const u8 ucNext = i + 1U < strUtf8.size() ? static_cast<u8>(strUtf8[i + 1U]) : 0U;
+        if ((ucByte != 0xC2U && ucByte != 0xC3U) || (ucNext & 0xC0U) != 0x80U) {
+            return std::nullopt;
+        }
+        strOut += static_cast<char>(static_cast<u8>((ucByte & 0x03U) << 6U) | (ucNext & 0x3FU));
+        i++;
+    }
+    return strOut;
+}
+
+NAME_VALUE_S ParseOne(const std::string &strText, const std::vector<SETTABLE_S> &vecTable)
+{
+    const size_t uiEquals = strText.find('=');
+    if (uiEquals == std::string::npos) {
+        FailUsage("'" + EscapeText(strText) + "' is no NAME=VALUE; accepted names: " + NamesOf(vecTable));
+    }
+    const std::string strName = strText.substr(0, uiEquals);
+    const std::optional<std::string> optValue = ToLatin1(strText.substr(uiEquals + 1U));
+    for (size_t i = 0; i < vecTable.size(); i++) {
+        if (Plain(strName) != vecTable[i].pcName && Plain(strName) != Plain(vecTable[i].pcTitle)) {
+            continue;
+        }
+        if (!optValue.has_value()) {
+            FailUsage("the value of " + strName +
+                      " has characters that a FRU cannot store; accepted: Latin-1");
+        }
+        return {i, *optValue};
+    }
+    FailUsage("there is no '" + EscapeText(strName) + "' to set; accepted: " + NamesOf(vecTable));
+}
+
+} // namespace
+
+std::vector<NAME_VALUE_S> ParseNameValues(const std::vector<std::string> &vecTexts,
+                                          const std::vector<SETTABLE_S> &vecTable)
+{
+    std::vector<NAME_VALUE_S> vecValues;
+    std::set<size_t> setSeen;
+    for (const std::string &strText : vecTexts) {
+        vecValues.push_back(ParseOne(strText, vecTable));
+        if (!setSeen.insert(vecValues.back().uiIndex).second) {
+            FailUsage(std::string(vecTable[vecValues.back().uiIndex].pcName) +
+                      " is given twice; accepted: each name once");
+        }
+    }
+    return vecValues;
+}
+
+std::string NamesOf(const std::vector<SETTABLE_S> &vecTable)
+{
+    std::vector<std::string> vecNames;
+    for (const SETTABLE_S &stSettable : vecTable) {
+        vecNames.emplace_back(stSettable.pcName);
+    }
+    return Join(vecNames, ", ");
+}
+
+std::vector<u8> ParseHex(const std::string &strText)
+{
+    std::vector<u8> vecBytes;
+    for (size_t i = 0; i < strText.size();) {
+        if (strText[i] == ' ' || strText[i] == ':') {
+            i++;
+            continue;
+        }
+        const std::string strDigits = strText.substr(i, 2U);
+        const std::optional<u32> optByte =
+            strDigits.size() == 2U ? ParseNumber("0x" + strDigits, 0xFFU) : std::nullopt;
+        if (!optByte.has_value()) {
+            return {};
+        }
+        vecBytes.push_back(static_cast<u8>(*optByte));
+        i += 2U;
+    }
+    return vecBytes;
+}
