@@ -116,7 +116,8 @@ class Provision(FructlTest):
         abEeprom = self.Eeprom(BASEBOARD_EEPROM).read_bytes()
         self.assertEqual(abEeprom, abBaseboard.ljust(4096, b"\xff"))
         abCard = HexImage(EXAMPLES / "bmc-card.hex")
-        self.assertEqual(self.Eeprom("bus4-addr0xae.bin").read_bytes(), (b"\xff" * 256 + abCard).ljust(2048, b"\xff"))
+        abBlock = HexImage(EXAMPLES / "bmc-card-hw.hex")
+        self.assertEqual(self.Eeprom("bus4-addr0xae.bin").read_bytes(), (abBlock.ljust(256, b"\xff") + abCard).ljust(2048, b"\xff"))
         self.assertEqual(self.Eeprom("bus2-addr0xa4-switch2.bin").read_bytes(), HexImage(EXAMPLES / "psu2.hex").ljust(256, b"\xff"))
         # The stored image has exactly the FRU's size, so that the cache takes it whole.
         self.assertEqual((self.pathRoot / "usr/upgrade/fru/BaseBoard.bin").read_bytes(), abBaseboard.ljust(2048, b"\xff"))
@@ -124,12 +125,12 @@ class Provision(FructlTest):
                                    ("conf/oempack/bmc/CID_OEM.conf", "CID_OEM.conf"), ("conf/hw/ProductPath/Baseboard.xml", "Baseboard.xml")]:
             self.assertEqual((self.pathRoot / strFile).read_bytes(), (EXAMPLES / strSource).read_bytes())
         listDevices = self.Json("list")["devices"]
-        self.assertEqual([stDevice["name"] for stDevice in listDevices], ["baseboard", "psu1", "psu2", "riser", "bmc-card"])
-        self.assertEqual({(stDevice["image"], stDevice["cache"]) for stDevice in listDevices}, {("sound", "same")})
+        self.assertEqual([stDevice["name"] for stDevice in listDevices], ["baseboard", "psu1", "psu2", "riser", "bmc-card", "bmc-card-hw"])
+        self.assertEqual([(stDevice["image"], stDevice["cache"]) for stDevice in listDevices], [("sound", "same")] * 5 + [("sound", "none")])
 
     def test_what_it_did_is_told_for_people_and_for_programs(self):
         strOut = self.Good("provision", EXAMPLES / "controller.json").strOut
-        self.assertIn(f"Done: a controller with 5 devices in {self.pathRoot}\n", strOut)
+        self.assertIn(f"Done: a controller with 6 devices in {self.pathRoot}\n", strOut)
         self.assertRegex(strOut, r"\n 1  psu1 +0x03 +0  bus2-addr0xa4-switch1.bin +256  psu1.hex +-\n")
         stJson = self.Json("provision", EXAMPLES / "controller.json", "--force")
         self.assertEqual((stJson["root"], stJson["written"]), (str(self.pathRoot), True))
@@ -160,14 +161,14 @@ class Provision(FructlTest):
 
     def test_a_dry_run_writes_nothing(self):
         stResult = self.Good("provision", EXAMPLES / "controller.json", "--dry-run")
-        self.assertIn(f"Nothing was written: the description is in order, and without --dry-run its 5 devices would go into {self.pathRoot}\n", stResult.strOut)
+        self.assertIn(f"Nothing was written: the description is in order, and without --dry-run its 6 devices would go into {self.pathRoot}\n", stResult.strOut)
         self.assertFalse(self.Json("provision", EXAMPLES / "controller.json", "--dry-run")["written"])
         self.assertFalse(self.pathRoot.exists())
 
     def test_a_controller_is_replaced_only_by_force(self):
         self.Provision()
         self.Damage(self.Eeprom(BASEBOARD_EEPROM), 0, b"mine")
-        strRefused = f"there is a controller with 5 devices in {self.pathRoot} already; --force replaces it, --root names another place"
+        strRefused = f"there is a controller with 6 devices in {self.pathRoot} already; --force replaces it, --root names another place"
         self.assertEqual(self.Bad(1, "provision", EXAMPLES / "controller.json"), strRefused)
         self.assertEqual(self.Bad(1, "provision", EXAMPLES / "controller.json", "--dry-run"), strRefused)
         self.assertEqual(self.Eeprom(BASEBOARD_EEPROM).read_bytes()[:4], b"mine")
@@ -191,11 +192,11 @@ class Provision(FructlTest):
 
     def test_devices_share_an_eeprom_in_ranges_apart(self):
         dictDescription = copy.deepcopy(DESCRIPTION)
-        dictDescription["devices"][3].update({"location": {"bus": 4, "address": "0xae"}, "eepromSize": 2048})
+        dictDescription["devices"][3].update({"location": {"bus": 4, "address": "0xae"}, "eepromSize": 2048, "startOffset": 1280})
         self.Good("provision", self.Describe(dictDescription))
         abEeprom = self.Eeprom("bus4-addr0xae.bin").read_bytes()
         abRiser = HexImage(EXAMPLES / "riser.hex")
-        self.assertEqual((abEeprom[:len(abRiser)], len(abEeprom)), (abRiser, 2048))
+        self.assertEqual((abEeprom[1280:1280 + len(abRiser)], len(abEeprom)), (abRiser, 2048))
         self.Good("verify")
 
     def test_a_database_only_device_needs_no_eeprom(self):

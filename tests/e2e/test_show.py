@@ -88,12 +88,13 @@ class Examples(FructlTest):
     def test_the_list_is_aligned_and_complete(self):
         self.Provision()
         self.assertEqual(self.Good("list").strOut, """\
-ID  NAME       TYPE  INST  BUS  ADDR  SIZE  IMAGE  CACHE
- 0  baseboard  0x00     0    1  0xa0  2048  sound  same
- 1  psu1       0x03     0    2  0xa4   256  sound  same
- 2  psu2       0x03     1    2  0xa4   256  sound  same
- 3  riser      0x08     0    3  0xa2   256  sound  same
- 4  bmc-card   0x30     0    4  0xae  1024  sound  same
+ID  NAME         TYPE  INST  BUS  ADDR  SIZE  IMAGE  CACHE
+ 0  baseboard    0x00     0    1  0xa0  2048  sound  same
+ 1  psu1         0x03     0    2  0xa4   256  sound  same
+ 2  psu2         0x03     1    2  0xa4   256  sound  same
+ 3  riser        0x08     0    3  0xa2   256  sound  same
+ 4  bmc-card     0x30     0    4  0xae  1024  sound  same
+ 5  bmc-card-hw  0x31     0    4  0xae    32  sound  none
 """)
         self.assertEqual(self.Json("list")["devices"][2], {
             "id": 2, "name": "psu2", "componentType": 3, "instance": 1, "bus": 2, "address": 0xA4, "switchLevel": 2, "startOffset": 0, "size": 256,
@@ -106,7 +107,8 @@ ID  NAME       TYPE  INST  BUS  ADDR  SIZE  IMAGE  CACHE
         self.Eeprom("bus2-addr0xa4-switch2.bin").unlink()
         self.Eeprom("bus3-addr0xa2.bin").write_bytes(b"\x01")
         listStates = [(stDevice["image"], stDevice["cache"]) for stDevice in self.Json("list")["devices"]]
-        self.assertEqual(listStates, [("damaged", "differs"), ("erased", "differs"), ("unreadable", "differs"), ("unreadable", "differs"), ("sound", "same")])
+        self.assertEqual(listStates, [("damaged", "differs"), ("erased", "differs"), ("unreadable", "differs"), ("unreadable", "differs"), ("sound", "same"),
+                                      ("sound", "none")])
 
 
 class Show(FructlTest):

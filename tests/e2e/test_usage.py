@@ -51,7 +51,7 @@ class Usage(FructlTest):
 
     def test_names_that_do_not_exist_are_told_with_those_that_do(self):
         self.Provision()
-        strAll = "; it has baseboard, psu1, psu2, riser, bmc-card"
+        strAll = "; it has baseboard, psu1, psu2, riser, bmc-card, bmc-card-hw"
         for asArguments, strWhat in [
             (["show", "nonsense"], "no device named 'nonsense'"),
             (["show", "7:0"], "no device 7:0"),

@@ -37,6 +37,7 @@ good   psu1 (0x03:0): header, board, product
 good   psu2 (0x03:1): header, board, product
 good   riser (0x08:0): header, board
 good   bmc-card (0x30:0): header, board, product
+good   bmc-card-hw (0x31:0): hardware block
 """)
         listExamples = sorted(EXAMPLES.glob("*.hex"))
         strOut = self.Good("verify", "psu1", *listExamples).strOut
@@ -148,7 +149,7 @@ good   bmc-card (0x30:0): header, board, product
         self.Provision()
         self.Damage(self.Eeprom(BASEBOARD_EEPROM), 0, b"\xde\xad")
         stResult = self.Fructl("verify")
-        self.assertEqual((stResult.iCode, stResult.strErr), (1, "fructl: verify: 2 of 6 images are not in order\n"))
+        self.assertEqual((stResult.iCode, stResult.strErr), (1, "fructl: verify: 2 of 7 images are not in order\n"))
         self.assertTrue(stResult.strOut.startswith("""\
 WRONG  baseboard (0x00:0)
          byte 0x0000  common header: format version: 0xde; only version 1 is known

@@ -1,11 +1,11 @@
 // fructl hw: the 32-byte hardware FRU block of a board.
 #include <algorithm>
-#include <array>
 #include <cstring>
 
 #include "commands.h"
 #include "console.h"
 #include "error.h"
+#include "hw_block.h"
 #include "json_out.h"
 #include "name_value.h"
 #include "operate_log.h"
@@ -15,7 +15,6 @@
 namespace {
 
 constexpr const char *HARDWARE_LABEL = "Hardware FRU Label";
-constexpr size_t LABEL_BYTES = 7U; // board type, PCB, EEPROM and CPLD version, as they stand in the block
 
 struct SET_S
 {
@@ -28,47 +27,7 @@ struct SET_S
     bool bDryRun = false;
 };
 
-using LABEL_VALUE = std::array<u8, LABEL_BYTES>;
-
-// The block as it is, and the CRC-8 bytes that it should have.
-struct BLOCK_S
-{
-    FRU_HW_DATA_S stData;
-    u8 ucBoardCrc8;
-    u8 ucDiagCrc8;
-
-    bool IsBoardGood() const
-    {
-        return ucBoardCrc8 == stData.stHwBoardInfo.ucBoardCrc8;
-    }
-    bool IsDiagGood() const
-    {
-        return ucDiagCrc8 == stData.stHwDiagInfo.ucDiagCrc8;
-    }
-    LABEL_VALUE Label() const
-    {
-        const FRU_HW_BOARD_INFO_S &stBoard = stData.stHwBoardInfo;
-        LABEL_VALUE aucLabel = {};
-        std::copy(std::begin(stBoard.aucBoardType), std::end(stBoard.aucBoardType), aucLabel.begin());
-        aucLabel[4] = stBoard.ucPCBVer;
-        aucLabel[5] = stBoard.ucEEPROMVer;
-        aucLabel[6] = stBoard.ucCPLDVer;
-        return aucLabel;
-    }
-};
-
-BLOCK_S WithCrcs(const FRU_HW_DATA_S &stData)
-{
-    FRU_HW_DATA_S stCopy = stData; // the encoder sets both CRC-8 bytes of the record that it is given
-    u8 aucBytes[FRU_HW_DATA_LEN] = {};
-    const u32 uiRet = FRU_ANALYZER_ConvertToHwArray(&stCopy, sizeof(aucBytes), aucBytes);
-    if (uiRet != FRU_OK) {
-        Fail("the hardware block cannot be encoded: " + StatusText(uiRet));
-    }
-    return {stData, stCopy.stHwBoardInfo.ucBoardCrc8, stCopy.stHwDiagInfo.ucDiagCrc8};
-}
-
-BLOCK_S ReadDeviceBlock(const DEVICE_S &stDevice)
+HW_BLOCK_S ReadDeviceBlock(const DEVICE_S &stDevice)
 {
     if (stDevice.stInfo.usSize != FRU_HW_DATA_LEN) {
         Fail(stDevice.Title() + Format(" holds %u bytes; a hardware block has exactly %u",
@@ -82,10 +41,10 @@ BLOCK_S ReadDeviceBlock(const DEVICE_S &stDevice)
         Fail("the hardware block of " + stDevice.Title() + " cannot be read: " + StatusText(uiRet) +
              DiagnosticHint());
     }
-    return WithCrcs(stData);
+    return MakeHardwareBlock(stData);
 }
 
-BLOCK_S ReadBlock(const TARGET_S &stTarget)
+HW_BLOCK_S ReadBlock(const TARGET_S &stTarget)
 {
     if (stTarget.optDevice.has_value()) {
         return ReadDeviceBlock(*stTarget.optDevice);
@@ -98,7 +57,7 @@ BLOCK_S ReadBlock(const TARGET_S &stTarget)
         Fail(EscapeText(stTarget.strFile) +
              Format(" is no hardware block: it has %zu bytes, not %u", stImage.uiStored, FRU_HW_DATA_LEN));
     }
-    return WithCrcs(stData);
+    return MakeHardwareBlock(stData);
 }
 
 std::string CrcText(u8 ucStored, u8 ucWanted)
@@ -117,7 +76,7 @@ std::string BoardTypeText(const u8 *pucType)
     return HexBytes(pucType, 4U) + (bText ? "  \"" + strText + "\"" : "");
 }
 
-std::string BlockText(const BLOCK_S &stBlock)
+std::string BlockText(const HW_BLOCK_S &stBlock)
 {
     const FRU_HW_BOARD_INFO_S &stBoard = stBlock.stData.stHwBoardInfo;
     const FRU_HW_DIAG_INFO_S &stDiag = stBlock.stData.stHwDiagInfo;
@@ -133,7 +92,7 @@ std::string BlockText(const BLOCK_S &stBlock)
            Format("\n  OEM flag        0x%02x\n", stDiag.ucOEMFlag);
 }
 
-JSON BlockJson(const BLOCK_S &stBlock)
+JSON BlockJson(const HW_BLOCK_S &stBlock)
 {
     const FRU_HW_BOARD_INFO_S &stBoard = stBlock.stData.stHwBoardInfo;
     const FRU_HW_DIAG_INFO_S &stDiag = stBlock.stData.stHwDiagInfo;
@@ -157,7 +116,7 @@ JSON BlockJson(const BLOCK_S &stBlock)
 void RunShow(const SESSION_S &stSession, const TARGET_OPTIONS_S &stOptions)
 {
     const TARGET_S stTarget = ResolveTarget(stSession, stOptions);
-    const BLOCK_S stBlock = ReadBlock(stTarget);
+    const HW_BLOCK_S stBlock = ReadBlock(stTarget);
     if (stSession.bJson) {
         JSON stJson = TargetJson(stTarget);
         stJson.update(BlockJson(stBlock));
@@ -165,7 +124,7 @@ void RunShow(const SESSION_S &stSession, const TARGET_OPTIONS_S &stOptions)
     } else {
         Print(Paint(COLOUR::Bold, stTarget.Title()) + ", hardware block\n" + BlockText(stBlock));
     }
-    if (!stBlock.IsBoardGood() || !stBlock.IsDiagGood()) {
+    if (!stBlock.IsGood()) {
         Fail("the hardware block of " + stTarget.Title() + " is damaged: a CRC-8 is wrong");
     }
 }
@@ -184,9 +143,9 @@ u8 VersionOption(const char *pcOption, const std::string &strText, u8 ucDefault)
     return static_cast<u8>(*optNumber);
 }
 
-LABEL_VALUE NewLabel(const SET_S &stOptions, const BLOCK_S &stBlock)
+HW_LABEL NewLabel(const SET_S &stOptions, const HW_BLOCK_S &stBlock)
 {
-    LABEL_VALUE aucLabel = stBlock.Label();
+    HW_LABEL aucLabel = stBlock.Label();
     const std::string strHex = Join(stOptions.vecHex, " ");
     const bool bOptions = !stOptions.strBoardType.empty() || !stOptions.strPcb.empty() ||
                           !stOptions.strEeprom.empty() || !stOptions.strCpld.empty();
@@ -219,7 +178,7 @@ LABEL_VALUE NewLabel(const SET_S &stOptions, const BLOCK_S &stBlock)
 }
 
 // Writes the label; the sentence that the library left for the operation log.
-std::string WriteLabel(const DEVICE_S &stDevice, const LABEL_VALUE &aucLabel)
+std::string WriteLabel(const DEVICE_S &stDevice, const HW_LABEL &aucLabel)
 {
     FRU_SET_PARA_S stPara = {};
     stPara.ucComponentType = stDevice.stEntry.ucComponentType;
@@ -246,14 +205,14 @@ void RunSet(const SESSION_S &stSession, const SET_S &stOptions)
     if (!stOptions.bDryRun) {
         optLock.emplace(stSession);
     }
-    const BLOCK_S stBefore = ReadDeviceBlock(stDevice);
-    const LABEL_VALUE aucLabel = NewLabel(stOptions, stBefore);
+    const HW_BLOCK_S stBefore = ReadDeviceBlock(stDevice);
+    const HW_LABEL aucLabel = NewLabel(stOptions, stBefore);
     std::string strSentence;
-    BLOCK_S stAfter = stBefore;
+    HW_BLOCK_S stAfter = stBefore;
     if (!stOptions.bDryRun) {
         strSentence = WriteLabel(stDevice, aucLabel);
         stAfter = ReadDeviceBlock(stDevice);
-        if (stAfter.Label() != aucLabel || !stAfter.IsBoardGood() || !stAfter.IsDiagGood()) {
+        if (stAfter.Label() != aucLabel || !stAfter.IsGood()) {
             Fail("the library reports success, but the EEPROM of " + stDevice.Title() +
                  " does not hold what was written");
         }
@@ -261,15 +220,15 @@ void RunSet(const SESSION_S &stSession, const SET_S &stOptions)
     if (stSession.bJson) {
         JSON stJson = {{"device", DeviceJson(stDevice)},
                        {"dryRun", stOptions.bDryRun},
-                       {"before", HexBytes(stBefore.Label().data(), LABEL_BYTES)},
-                       {"after", HexBytes(aucLabel.data(), LABEL_BYTES)},
+                       {"before", HexBytes(stBefore.Label().data(), HW_LABEL_LEN)},
+                       {"after", HexBytes(aucLabel.data(), HW_LABEL_LEN)},
                        {"operationLog", strSentence}};
         PrintJson(stJson);
         return;
     }
-    Print("before  " + HexBytes(stBefore.Label().data(), LABEL_BYTES) + "\nafter   " +
-          HexBytes(aucLabel.data(), LABEL_BYTES) + "   board type, PCB, EEPROM and CPLD version\n");
-    if (!stBefore.IsBoardGood() || !stBefore.IsDiagGood()) {
+    Print("before  " + HexBytes(stBefore.Label().data(), HW_LABEL_LEN) + "\nafter   " +
+          HexBytes(aucLabel.data(), HW_LABEL_LEN) + "   board type, PCB, EEPROM and CPLD version\n");
+    if (!stBefore.IsGood()) {
         Print(Paint(COLOUR::Yellow, "note") +
               ": a CRC-8 of the block was wrong; writing computes both anew over what is there\n");
     }

@@ -20,7 +20,7 @@ AREA_STYLE_S StyleOf(AREA enArea)
 {
     static const AREA_STYLE_S astStyles[] = {
         {'H', COLOUR::Bold},   {'I', COLOUR::Magenta}, {'C', COLOUR::Green}, {'B', COLOUR::Cyan},
-        {'P', COLOUR::Yellow}, {'M', COLOUR::Blue},    {'.', COLOUR::Dim}};
+        {'P', COLOUR::Yellow}, {'M', COLOUR::Blue},    {'.', COLOUR::Dim},   {'W', COLOUR::Bold}};
     return astStyles[static_cast<size_t>(enArea)];
 }
 
@@ -49,7 +49,7 @@ std::string Overview(const std::vector<SPAN_S> &vecSpans, size_t uiLength)
 
 std::string Legend(const std::vector<SPAN_S> &vecSpans)
 {
-    size_t auiBytes[7] = {};
+    size_t auiBytes[static_cast<size_t>(AREA::Hardware) + 1U] = {};
     for (const SPAN_S &stSpan : vecSpans) {
         auiBytes[static_cast<size_t>(stSpan.enArea)] += stSpan.uiLength;
     }

@@ -16,13 +16,21 @@ constexpr u32 MR_FAILED = 0xFFFFFFFFU;
 constexpr size_t RECORD_MAX = FRU_MULTIRECORD_HEADER_LEN + 255U;
 constexpr size_t GUID_TEXT_LEN = 36U;
 constexpr u8 HEADER_OFFSET_BYTE = 5U; // of the common header: where the MultiRecord area begins
-constexpr u8 MR_END_OF_LIST = 0x80U;
 
 // The main FRU when nothing else is named.
 TARGET_S TargetOrMain(const SESSION_S &stSession, const TARGET_OPTIONS_S &stOptions)
 {
     const bool bNamed = !stOptions.strTarget.empty() || !stOptions.strDeviceID.empty();
     return ResolveTarget(stSession, bNamed ? stOptions : TARGET_OPTIONS_S{MAIN_FRU, ""});
+}
+
+JSON MultiRecordJson(const MULTIRECORD_VIEW_S &stRecord)
+{
+    return {{"type", stRecord.ucType},
+            {"formatVersion", stRecord.ucFormatVersion},
+            {"name", stRecord.strName},
+            {"text", Latin1ToUtf8(stRecord.strText)},
+            {"data", HexBytes(stRecord.vecData)}};
 }
 
 void RunList(const SESSION_S &stSession, const TARGET_OPTIONS_S &stOptions)

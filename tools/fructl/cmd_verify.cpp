@@ -2,6 +2,7 @@
 #include "commands.h"
 #include "console.h"
 #include "error.h"
+#include "hw_block.h"
 #include "json_out.h"
 #include "record.h"
 #include "text.h"
@@ -32,6 +33,10 @@ CHECK_S CheckImage(const TARGET_S &stTarget, const IMAGE_S &stImage)
     }
     stCheck.stJson["source"] = stImage.strSource;
     // The library has the last word: what it refuses is not in order, whatever the walk above thinks.
+    // It has no word on a hardware block, whose CRC-8 bytes it has computed for the walk.
+    if (IsHardwareBlock(stImage.vecBytes, stImage.uiStored)) {
+        return stCheck;
+    }
     RECORD stRecord;
     ClearDiagnostics();
     const u32 uiRet = DecodeImage(stImage, stTarget.HasFixedSlots(), stRecord);
@@ -80,6 +85,9 @@ void CheckTarget(const TARGET_S &stTarget, std::vector<CHECK_S> &vecChecks)
 
 std::string GoodText(const IMAGE_LAYOUT_S &stLayout)
 {
+    if (stLayout.vecAreas == std::vector<AREA>{AREA::Hardware}) {
+        return AreaName(AREA::Hardware);
+    }
     std::vector<std::string> vecParts = {"header"};
     for (const AREA enArea : stLayout.vecAreas) {
         vecParts.push_back(enArea == AREA::MultiRecord ? Count(stLayout.uiMultiRecords, "MultiRecord")

@@ -4,6 +4,7 @@
 
 #include "field_text.h"
 #include "fru_names.h"
+#include "hw_block.h"
 #include "text.h"
 
 namespace {
@@ -439,14 +440,14 @@ const char *AreaName(AREA enArea)
 {
     static const char *const apcNames[] = {"common header",   "internal use area", "chassis info area",
                                            "board info area", "product info area", "MultiRecord area",
-                                           "unused"};
+                                           "unused",          "hardware block"};
     return apcNames[static_cast<size_t>(enArea)];
 }
 
 const char *AreaKey(AREA enArea)
 {
     static const char *const apcKeys[] = {"header",  "internalUse", "chassis", "board",
-                                          "product", "multiRecord", "unused"};
+                                          "product", "multiRecord", "unused",  "hardware"};
     return apcKeys[static_cast<size_t>(enArea)];
 }
 
@@ -458,5 +459,8 @@ std::string FindingText(const FINDING_S &stFinding)
 
 IMAGE_LAYOUT_S WalkImage(const std::vector<u8> &vecImage, size_t uiStored, bool bFixedSlots)
 {
+    if (IsHardwareBlock(vecImage, uiStored)) {
+        return WalkHardwareBlock(vecImage);
+    }
     return WALKER(vecImage, uiStored, bFixedSlots).Walk();
 }

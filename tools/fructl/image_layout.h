@@ -16,7 +16,8 @@ enum class AREA
     Board,
     Product,
     MultiRecord,
-    Unused
+    Unused,
+    Hardware // a hardware block in place of a FRU image
 };
 
 // A run of bytes with one meaning.

@@ -6,6 +6,7 @@
 #include <functional>
 
 #include "bmcfru_host.h"
+#include "conf_check.h"
 #include "error.h"
 #include "image_file.h"
 #include "json_node.h"
@@ -26,10 +27,9 @@ struct CONF_MEMBER_S
     const char *pcPath;
 };
 constexpr CONF_MEMBER_S CONF_MEMBERS[] = {
-    {"capability", BMCHOST_CAPABILITY_FILE},
-    {"features", BMCHOST_FEATURE_LIST},
-    {"oem", "/conf/oempack/bmc/CID_OEM.conf"},
-    {"hardware", "/conf/hw/ProductPath/Baseboard.xml"},
+    {"capability", BMCHOST_CAPABILITY_FILE}, {"features", BMCHOST_FEATURE_LIST},   {"oem", CONF_OEM_FILE},
+    {"hardware", CONF_HARDWARE_FILE},        {"oemFile", "/mnt/sdmmc0p2/OEMFile"}, // what counts is that it
+                                                                                   // is there
 };
 
 // Paths in a description count from where it lies itself.
@@ -264,17 +264,9 @@ void TakeConf(const JSON_NODE &stNode, const std::string &strFile, PLAN_S &stPla
         }
         stPlan.vecConfFiles.push_back(
             {stMember.pcPath, ReadNamed(stNode, stMember.pcName, strFile, ReadFileBytes)});
-        const std::vector<u8> &vecBytes = stPlan.vecConfFiles.back().vecBytes;
-        if (strcmp(stMember.pcName, "features") == 0) {
-            const nlohmann::json stFeatures =
-                nlohmann::json::parse(vecBytes.begin(), vecBytes.end(), nullptr, false);
-            const bool bTexts = stFeatures.is_array() && std::all_of(stFeatures.begin(), stFeatures.end(),
-                                                                     [](const nlohmann::json &stValue) {
-                                                                         return stValue.is_string();
-                                                                     });
-            if (!bTexts) {
-                stNode.RefuseMember(stMember.pcName, "the file is refused; accepted: a JSON array of texts");
-            }
+        const std::string strProblem = ConfProblem(stPlan.vecConfFiles.back(), stPlan);
+        if (!strProblem.empty()) {
+            stNode.RefuseMember(stMember.pcName, strProblem);
         }
     }
 }

@@ -8,6 +8,10 @@
 
 #include "lib_fru_types.h"
 
+// Where two of the files that a description may name lie on the controller.
+constexpr const char *CONF_OEM_FILE = "/conf/oempack/bmc/CID_OEM.conf";
+constexpr const char *CONF_HARDWARE_FILE = "/conf/hw/ProductPath/Baseboard.xml";
+
 struct DEVICE_PLAN_S
 {
     FRU_DEVICE_TBL_ENTRY_S stEntry;

@@ -132,6 +132,9 @@ void DecodeTarget(const TARGET_S &stTarget, RECORD &stRecord)
     const std::string strStatus = "cannot decode " + stTarget.Title() + ": " + StatusText(uiRet);
     const std::string strHint = DiagnosticHint();
     const IMAGE_LAYOUT_S stLayout = LayoutOf(ReadTarget(stTarget), stTarget.HasFixedSlots());
+    if (stLayout.vecAreas == std::vector<AREA>{AREA::Hardware}) {
+        Fail(stTarget.Title() + " holds no FRU image but a hardware block; 'fructl hw show' shows it");
+    }
     for (const FINDING_S &stFinding : stLayout.vecFindings) {
         if (!stFinding.bWarning) {
             Fail(strStatus + "; " + FindingText(stFinding) + "; 'fructl verify' tells all");
