@@ -14,10 +14,10 @@ void RunHostName(const SESSION_S &stSession)
     char acPrefix[NAME_SIZE] = "";
     ClearDiagnostics();
     FRU_GetHostNamePrefix(sizeof(acPrefix), acPrefix);
-    const bool bPrefixFound = Diagnostics().empty();
+    const bool bPrefixFound = DiagnosticHint().empty();
     ClearDiagnostics();
     const std::string strName = FRU_GetSoftWareName();
-    const bool bNameFound = Diagnostics().empty();
+    const bool bNameFound = DiagnosticHint().empty();
     if (stSession.bJson) {
         PrintJson({{"prefix", Latin1ToUtf8(acPrefix)},
                    {"prefixIsDefault", !bPrefixFound},

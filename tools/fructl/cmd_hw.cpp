@@ -7,10 +7,10 @@
 #include "error.h"
 #include "hw_block.h"
 #include "json_out.h"
-#include "name_value.h"
 #include "operate_log.h"
 #include "record.h"
 #include "text.h"
+#include "uninterrupted.h"
 
 namespace {
 
@@ -154,7 +154,7 @@ HW_LABEL NewLabel(const SET_S &stOptions, const HW_BLOCK_S &stBlock)
                   "tells more");
     }
     if (!bOptions) {
-        const std::vector<u8> vecBytes = ParseHex(strHex);
+        const std::vector<u8> vecBytes = ParseHexBytes(strHex).value_or(std::vector<u8>());
         if (vecBytes.size() != aucLabel.size()) {
             FailUsage("--bytes " + EscapeText(strHex) +
                       " is refused; accepted: seven bytes of two hex digits each: board type (4), PCB, "
@@ -164,7 +164,7 @@ HW_LABEL NewLabel(const SET_S &stOptions, const HW_BLOCK_S &stBlock)
         return aucLabel;
     }
     if (!stOptions.strBoardType.empty()) {
-        const std::vector<u8> vecType = ParseHex(stOptions.strBoardType);
+        const std::vector<u8> vecType = ParseHexBytes(stOptions.strBoardType).value_or(std::vector<u8>());
         if (vecType.size() != 4U) {
             FailUsage("--board-type " + EscapeText(stOptions.strBoardType) +
                       " is refused; accepted: four bytes of two hex digits each");
@@ -185,6 +185,7 @@ std::string WriteLabel(const DEVICE_S &stDevice, const HW_LABEL &aucLabel)
     stPara.ucInstance = stDevice.stEntry.ucInstance;
     memcpy(stPara.acLabelName, HARDWARE_LABEL, strlen(HARDWARE_LABEL));
     memcpy(stPara.acLabelValue, aucLabel.data(), aucLabel.size());
+    const UNINTERRUPTED stUninterrupted;
     ClearDiagnostics();
     const u32 uiRet = LIB_FRU_WriteHWInfo(&stPara);
     const std::string strHint = DiagnosticHint();

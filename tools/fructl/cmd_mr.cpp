@@ -6,8 +6,7 @@
 #include "fru_names.h"
 #include "json_out.h"
 #include "mr.h"
-#include "name_value.h"
-#include "record.h"
+#include "record_json.h"
 #include "text.h"
 
 namespace {
@@ -24,15 +23,6 @@ TARGET_S TargetOrMain(const SESSION_S &stSession, const TARGET_OPTIONS_S &stOpti
     return ResolveTarget(stSession, bNamed ? stOptions : TARGET_OPTIONS_S{MAIN_FRU, ""});
 }
 
-JSON MultiRecordJson(const MULTIRECORD_VIEW_S &stRecord)
-{
-    return {{"type", stRecord.ucType},
-            {"formatVersion", stRecord.ucFormatVersion},
-            {"name", stRecord.strName},
-            {"text", Latin1ToUtf8(stRecord.strText)},
-            {"data", HexBytes(stRecord.vecData)}};
-}
-
 void RunList(const SESSION_S &stSession, const TARGET_OPTIONS_S &stOptions)
 {
     const TARGET_S stTarget = TargetOrMain(stSession, stOptions);
@@ -44,19 +34,17 @@ void RunList(const SESSION_S &stSession, const TARGET_OPTIONS_S &stOptions)
              " is damaged: no record of it can be read; 'fructl mr check' and 'fructl verify' tell more");
     }
     TABLE stTable({">#", "RECORD", ">TYPE", ">BYTES", "SAYS"});
-    JSON stRecords = JSON::array();
     for (size_t i = 0; i < stView.vecMultiRecords.size(); i++) {
         const MULTIRECORD_VIEW_S &stMr = stView.vecMultiRecords[i];
         stTable.Row({std::to_string(i + 1U), stMr.strName, Format("0x%02x", stMr.ucType),
                      std::to_string(stMr.vecData.size()), EscapeText(stMr.strText)});
-        stRecords.push_back(MultiRecordJson(stMr));
     }
     if (stSession.bJson) {
         JSON stJson = TargetJson(stTarget);
-        stJson["multiRecords"] = stRecords;
+        stJson["multiRecords"] = RecordJson(stView)["multiRecords"];
         PrintJson(stJson);
     } else {
-        Print(stRecords.empty() ? stTarget.Title() + " has no MultiRecords\n" : stTable.Text());
+        Print(stView.vecMultiRecords.empty() ? stTarget.Title() + " has no MultiRecords\n" : stTable.Text());
     }
 }
 
@@ -200,7 +188,7 @@ void RunGuid(const SESSION_S &stSession, const GUID_OPTIONS_S &stOptions)
     }
     std::string strText = stOptions.strText;
     if (strText.empty()) {
-        const std::vector<u8> vecStored = ParseHex(stOptions.strStored);
+        const std::vector<u8> vecStored = ParseHexBytes(stOptions.strStored).value_or(std::vector<u8>());
         if (vecStored.size() != std::tuple_size_v<GUID_BYTES>) {
             FailUsage("--stored " + EscapeText(stOptions.strStored) +
                       " is refused; accepted: 16 bytes of two hex digits each");
@@ -256,7 +244,8 @@ GUID_BYTES ParseGuid(const std::string &strText)
         strDigits.erase(std::remove(strDigits.begin(), strDigits.end(), '-'), strDigits.end());
     }
     const bool bHex = strDigits.find_first_not_of("0123456789abcdefABCDEF") == std::string::npos;
-    const std::vector<u8> vecBytes = bHex ? ParseHex(strDigits) : std::vector<u8>();
+    const std::vector<u8> vecBytes =
+        bHex ? ParseHexBytes(strDigits).value_or(std::vector<u8>()) : std::vector<u8>();
     GUID_BYTES aucGiven = {};
     if (vecBytes.size() != aucGiven.size()) {
         FailUsage("'" + EscapeText(strText) +

@@ -12,6 +12,7 @@
 #include "progress.h"
 #include "record.h"
 #include "text.h"
+#include "uninterrupted.h"
 
 namespace {
 
@@ -213,6 +214,7 @@ void CheckWritten(const DEVICE_S &stDevice, const std::vector<WANTED_S> &vecWant
 // Every update is a merge and a device write of its own: no call queues a record without merging it.
 void Write(const DEVICE_S &stDevice, std::vector<WANTED_S> &vecWanted)
 {
+    const UNINTERRUPTED stUninterrupted;
     const PROGRESS stProgress("writing " + stDevice.Title());
     ClearDiagnostics();
     std::vector<std::string> vecDone;

@@ -123,7 +123,7 @@ void RunSync(const SESSION_S &stSession, bool bDryRun)
     FRU_OEM_CONF_S stConf = {};
     ClearDiagnostics();
     FRU_GetOEMConfBeforeDeal(&stConf);
-    if (!Diagnostics().empty()) {
+    if (!DiagnosticHint().empty()) {
         Fail("there is no OEM file to update" + DiagnosticHint());
     }
     const std::vector<CHANGE_S> vecChanges = Plan(*stRecord.Data(), stConf);

@@ -48,7 +48,7 @@ ANSWER_S Ask(const SERIAL_S &stSerial)
     if (stAnswer.uiStatus != FRU_OK) {
         stAnswer.strWhy = StatusText(stAnswer.uiStatus) + DiagnosticHint();
     } else if (stAnswer.strText.empty()) {
-        stAnswer.strWhy = Diagnostics().empty() ? "the field is empty, or the image has no such area"
+        stAnswer.strWhy = DiagnosticHint().empty() ? "the field is empty, or the image has no such area"
                                                 : "the image could not be decoded" + DiagnosticHint();
     }
     return stAnswer;

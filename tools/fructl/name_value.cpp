@@ -18,26 +18,6 @@ std::string Plain(const std::string &strName)
     return strOut;
 }
 
-// What is typed is UTF-8. Characters beyond U+00FF have no place in a FRU, nor have bytes that are no UTF-8.
-std::optional<std::string> ToLatin1(const std::string &strUtf8)
-{
-    std::string strOut;
-    for (size_t i = 0; i < strUtf8.size(); i++) {
-        const u8 ucByte = static_cast<u8>(strUtf8[i]);
-        if (ucByte < 0x80U) {
-            strOut += strUtf8[i];
-            continue;
-        }
-        const u8 ucNext = i + 1U < strUtf8.size() ? static_cast<u8>(strUtf8[i + 1U]) : 0U;
-        if ((ucByte != 0xC2U && ucByte != 0xC3U) || (ucNext & 0xC0U) != 0x80U) {
-            return std::nullopt;
-        }
-        strOut += static_cast<char>(static_cast<u8>((ucByte & 0x03U) << 6U) | (ucNext & 0x3FU));
-        i++;
-    }
-    return strOut;
-}
-
 NAME_VALUE_S ParseOne(const std::string &strText, const std::vector<SETTABLE_S> &vecTable)
 {
     const size_t uiEquals = strText.find('=');
@@ -45,7 +25,8 @@ NAME_VALUE_S ParseOne(const std::string &strText, const std::vector<SETTABLE_S> 
         FailUsage("'" + EscapeText(strText) + "' is no NAME=VALUE; accepted names: " + NamesOf(vecTable));
     }
     const std::string strName = strText.substr(0, uiEquals);
-    const std::optional<std::string> optValue = ToLatin1(strText.substr(uiEquals + 1U));
+    // What is typed is UTF-8.
+    const std::optional<std::string> optValue = Utf8ToLatin1(strText.substr(uiEquals + 1U));
     for (size_t i = 0; i < vecTable.size(); i++) {
         if (Plain(strName) != vecTable[i].pcName && Plain(strName) != Plain(vecTable[i].pcTitle)) {
             continue;
@@ -83,24 +64,4 @@ std::string NamesOf(const std::vector<SETTABLE_S> &vecTable)
         vecNames.emplace_back(stSettable.pcName);
     }
     return Join(vecNames, ", ");
-}
-
-std::vector<u8> ParseHex(const std::string &strText)
-{
-    std::vector<u8> vecBytes;
-    for (size_t i = 0; i < strText.size();) {
-        if (strText[i] == ' ' || strText[i] == ':') {
-            i++;
-            continue;
-        }
-        const std::string strDigits = strText.substr(i, 2U);
-        const std::optional<u32> optByte =
-            strDigits.size() == 2U ? ParseNumber("0x" + strDigits, 0xFFU) : std::nullopt;
-        if (!optByte.has_value()) {
-            return {};
-        }
-        vecBytes.push_back(static_cast<u8>(*optByte));
-        i += 2U;
-    }
-    return vecBytes;
 }

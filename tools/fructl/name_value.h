@@ -5,8 +5,6 @@
 #include <string>
 #include <vector>
 
-#include "lib_fru_types.h"
-
 // One thing that can be set: the name that the help shows, and what it is, which is accepted as a name too.
 struct SETTABLE_S
 {
@@ -27,8 +25,5 @@ std::vector<NAME_VALUE_S> ParseNameValues(const std::vector<std::string> &vecTex
 
 // "system-url, system-name"
 std::string NamesOf(const std::vector<SETTABLE_S> &vecTable);
-
-// Bytes of two hex digits each, with blanks, colons or nothing between them; nothing for any other text.
-std::vector<u8> ParseHex(const std::string &strText);
 
 #endif
