@@ -152,7 +152,7 @@ class Set(LabelTest):
             self.assertEqual((self.pathRoot / strFile).read_bytes(), b"LH-2202-0001")
         self.assertEqual(self.OperationLog(), [(17, 99, strSentence, 12)])
         self.assertEqual(self.LabelEvents(), [(3, 0, 0, 20)])
-        self.assertEqual({stDevice["cache"] for stDevice in self.Json("list")["devices"]}, {"same"})
+        self.assertEqual({stDevice["cache"] for stDevice in self.Json("list")["devices"][:5]}, {"same"})
         self.Good("verify")
         self.assertEqual(ReadIndependently(self, [self.Eeprom(BASEBOARD_EEPROM)]), [Independent(dictExpected)])
 

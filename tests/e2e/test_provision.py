@@ -116,7 +116,7 @@ class Provision(FructlTest):
         abEeprom = self.Eeprom(BASEBOARD_EEPROM).read_bytes()
         self.assertEqual(abEeprom, abBaseboard.ljust(4096, b"\xff"))
         abCard = HexImage(EXAMPLES / "bmc-card.hex")
-        abBlock = HexImage(EXAMPLES / "bmc-card-hw.hex")
+        abBlock = HexImage(EXAMPLES / "hardware/bmc-card.hex")
         self.assertEqual(self.Eeprom("bus4-addr0xae.bin").read_bytes(), (abBlock.ljust(256, b"\xff") + abCard).ljust(2048, b"\xff"))
         self.assertEqual(self.Eeprom("bus2-addr0xa4-switch2.bin").read_bytes(), HexImage(EXAMPLES / "psu2.hex").ljust(256, b"\xff"))
         # The stored image has exactly the FRU's size, so that the cache takes it whole.
