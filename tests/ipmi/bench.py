@@ -1,7 +1,9 @@
 """What the IPMI tests share: images built byte by byte, controllers made with fructl, the service, and its clients."""
+import ctypes
 import json
 import os
 import re
+import select
 import shutil
 import signal
 import socket
@@ -11,6 +13,8 @@ import tempfile
 import time
 import unittest
 
+ANNOUNCEMENT_SECONDS = 20.0
+LIBC = ctypes.CDLL(None)
 SKIPPED = 77  # CTest's SKIP_RETURN_CODE for these tests
 STR_FRUCTL = ''
 STR_BUILD = ''
@@ -83,16 +87,27 @@ def BuildImage(iSize, lstChassis=None, lstBoard=None, lstProduct=None, lstRecord
     return abImage + b'\xff' * (iSize - len(abImage))
 
 
-def BadAreas(abImage):
-    """The names of what has a wrong checksum."""
-    if sum(abImage[:8]) % 256 != 0:
-        return ['header']
-    lstBad = []
+def Areas(abImage):
+    """Every part of the image that has a checksum of its own: (area as fructl names it, start, end, checksum is right)."""
+    lstAreas = [('header', 0, 8, sum(abImage[:8]) % 256 == 0)]
     for iIndex, strName in ((2, 'chassis'), (3, 'board'), (4, 'product')):
         iStart = abImage[iIndex] * 8
-        if iStart and sum(abImage[iStart:iStart + abImage[iStart + 1] * 8]) % 256 != 0:
-            lstBad.append(strName)
-    return lstBad
+        if iStart:
+            iEnd = iStart + abImage[iStart + 1] * 8
+            lstAreas.append((strName, iStart, iEnd, sum(abImage[iStart:iEnd]) % 256 == 0))
+    iStart = abImage[5] * 8
+    while iStart:
+        abHead = abImage[iStart:iStart + 5]
+        iEnd = iStart + 5 + abHead[2]
+        bRight = sum(abHead) % 256 == 0 and (sum(abImage[iStart + 5:iEnd]) + abHead[3]) % 256 == 0
+        lstAreas.append(('multiRecord', iStart, iEnd, bRight))
+        iStart = 0 if abHead[1] & 0x80 or sum(abHead) % 256 else iEnd
+    return lstAreas
+
+
+def BadAreas(abImage):
+    """The names of the areas with a wrong checksum."""
+    return sorted({strName for strName, _, _, bRight in Areas(abImage) if not bRight})
 
 
 # ---- controllers ------------------------------------------------------------------------------------------------------
@@ -211,6 +226,12 @@ def HasCommand(*lstNames):
     return os.path.exists(strFructl) and strUsage in Run([strFructl, *lstNames, '--help']).stdout
 
 
+def DieWithParent():
+    """In the child: no service outlives a test that CTest has killed."""
+    PR_SET_PDEATHSIG = 1
+    LIBC.prctl(PR_SET_PDEATHSIG, signal.SIGTERM)
+
+
 def FreePort():
     with socket.socket(socket.AF_INET, socket.SOCK_DGRAM) as stSocket:
         stSocket.bind(('127.0.0.1', 0))
@@ -241,16 +262,24 @@ class SERVICE:
         self.stController = stController
         self.stProcess = subprocess.Popen(
             [STR_FRUCTL, '--root', stController.strRoot, '--json', 'serve', '--port', str(self.iPort), *lstArgs],
-            stdout=subprocess.PIPE, stderr=subprocess.PIPE, stdin=subprocess.DEVNULL, text=True)
+            stdout=subprocess.PIPE, stderr=subprocess.PIPE, stdin=subprocess.DEVNULL, text=True, preexec_fn=DieWithParent)
         stCase.addCleanup(self.Stop, signal.SIGKILL)
-        strText = ''
-        for strLine in self.stProcess.stdout:
-            strText += strLine
-            if strLine == '}\n':
-                break
-        assert strText, self.stProcess.stderr.read()
-        self.mapFacts = json.loads(strText)
+        self.mapFacts = json.loads(self._Announcement())
         self.iSimulator = self.mapFacts['pid']
+
+    def _Announcement(self):
+        """What it says when it serves; a service that keeps silent is a failure, not a wait."""
+        strText = ''
+        fUntil = time.monotonic() + ANNOUNCEMENT_SECONDS
+        iFd = self.stProcess.stdout.fileno()
+        while not strText.endswith('\n}\n'):
+            lstReady, _, _ = select.select([iFd], [], [], max(0.0, fUntil - time.monotonic()))
+            abRead = os.read(iFd, 4096) if lstReady else b''
+            if not abRead:
+                self.stProcess.kill()
+                raise AssertionError('no announcement but %r, %r' % (strText, self.stProcess.communicate()[1]))
+            strText += abRead.decode()
+        return strText
 
     def Stop(self, iSignal=signal.SIGTERM):
         """Exit code and what it said on stderr."""

@@ -112,7 +112,7 @@ class Killed(unittest.TestCase):
                            for m in stController.Json('verify', iExpected=None)['images']}
             mapBoard = mapVerdicts[('board', 'EEPROM')]
             self.assertEqual(mapBoard['sound'], not lstBad)
-            self.assertEqual(sorted({m['area'] for m in mapBoard['problems']}), sorted(lstBad))
+            self.assertEqual(sorted({m['area'] for m in mapBoard['problems']}), lstBad)
             self.assertTrue(mapVerdicts[('psu', 'EEPROM')]['sound'])
             # Started again, it serves, and the write done again mends the image.
             stService = bench.SERVICE(self, stController)

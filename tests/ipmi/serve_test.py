@@ -93,7 +93,8 @@ class Life(ServeCase):
         iPort = bench.FreePort()
         import subprocess
         with subprocess.Popen([bench.STR_FRUCTL, '--root', self.stController.strRoot, 'serve', '--port', str(iPort)],
-                              stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True) as stProcess:
+                              stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True,
+                              preexec_fn=bench.DieWithParent) as stProcess:
             strFirst, strSecond = stProcess.stdout.readline(), stProcess.stdout.readline()
             self.assertTrue(strFirst.startswith('serving 2 FRU devices of '), strFirst)
             self.assertEqual(strSecond.strip(),

@@ -11,6 +11,7 @@
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <filesystem>
+#include <linux/close_range.h>
 #include <poll.h>
 #include <sys/file.h>
 #include <sys/prctl.h>
@@ -308,6 +309,8 @@ void SIMULATOR::Start(const std::string &strProgram)
     dup2(iNull, STDIN_FILENO);
     dup2(iLog, STDOUT_FILENO);
     dup2(iLog, STDERR_FILENO);
+    // Nothing of this process: whoever reads its output must see the end of it when it ends.
+    close_range(STDERR_FILENO + 1, ~0U, CLOSE_RANGE_CLOEXEC);
     execl(strProgram.c_str(), PROGRAM, "-c", strLan.c_str(), "-f", strController.c_str(), "-s",
           strState.c_str(), "-n", static_cast<char *>(nullptr));
     dprintf(STDERR_FILENO, "%s: %s\n", strProgram.c_str(), strerror(errno));
