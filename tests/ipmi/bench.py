@@ -182,10 +182,10 @@ class CONTROLLER:
             return [json.loads(strLine)['text'] for strLine in stFile]
 
 
-def BigImage(strLetter, iSize=2048):
+def BigImage(strLetter, iSize=2048, strBoardSerial=''):
     """All areas, every text made of one letter: parts of two such images are never mistaken for one another."""
     return BuildImage(iSize, [strLetter * 20, strLetter * 21] + [strLetter * 22] * 5,
-                      [strLetter * 30, strLetter * 31, strLetter * 32, strLetter * 33, strLetter * 34, strLetter * 35],
+                      [strLetter * 30, strLetter * 31, strBoardSerial or strLetter * 32, strLetter * 33, strLetter * 34, strLetter * 35],
                       [strLetter * n for n in range(40, 51)], [(3, strLetter.encode() * 100), (0xC0, strLetter.encode() * 99)])
 
 
