@@ -219,13 +219,6 @@ def Run(lstArgs, fTimeout=40.0, **mapMore):
                           errors='replace', timeout=fTimeout, check=False, **mapMore)
 
 
-def HasCommand(*lstNames):
-    """Asked while the tests are being collected, when Main() has not yet looked at the arguments."""
-    strFructl = STR_FRUCTL or (sys.argv[1] if len(sys.argv) > 1 else '')
-    strUsage = 'Usage: fructl ' + ' '.join(lstNames)
-    return os.path.exists(strFructl) and strUsage in Run([strFructl, *lstNames, '--help']).stdout
-
-
 def DieWithParent():
     """In the child: no service outlives a test that CTest has killed."""
     PR_SET_PDEATHSIG = 1

@@ -104,7 +104,6 @@ class Concurrency(unittest.TestCase):
             return abImage
         self.Run(Write, lstImages + [self.lstDevices[3].abImage])
 
-    @unittest.skipIf(not bench.HasCommand('label', 'set'), 'this fructl cannot set labels')
     def test_fructl_writes_labels(self):
         stDevice = self.lstDevices[3]
 
