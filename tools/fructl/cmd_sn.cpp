@@ -49,7 +49,7 @@ ANSWER_S Ask(const SERIAL_S &stSerial)
         stAnswer.strWhy = StatusText(stAnswer.uiStatus) + DiagnosticHint();
     } else if (stAnswer.strText.empty()) {
         stAnswer.strWhy = DiagnosticHint().empty() ? "the field is empty, or the image has no such area"
-                                                : "the image could not be decoded" + DiagnosticHint();
+                                                   : "the image could not be decoded" + DiagnosticHint();
     }
     return stAnswer;
 }
