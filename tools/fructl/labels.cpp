@@ -168,64 +168,68 @@ bool IsDigits(const std::string &strText)
     return strText.find_first_not_of("0123456789") == std::string::npos;
 }
 
-std::string LengthText(u32 uiMin, u32 uiMax)
+// What a label takes, behind "accepted: ".
+std::string AcceptedValues(const LABEL_S &stLabel, u8 ucComponentType)
 {
-    return uiMin == 0U ? Format("up to %u characters", uiMax) : Format("%u to %u characters", uiMin, uiMax);
-}
-
-// What the value is refused for and what would be accepted, in the order in which the library checks. It is
-// asked only about values that the library refuses.
-std::string WhyRefused(const LABEL_S &stLabel, const std::string &strValue, u8 ucComponentType)
-{
-    const u32 uiMax = MaxLength(stLabel, ucComponentType);
-    const std::string strLength = LengthText(stLabel.uiMinLen, uiMax);
     const std::string strNone = stLabel.bNoneAllowed ? ", or NONE" : "";
-    if (strValue.size() < stLabel.uiMinLen || strValue.size() > uiMax) {
-        return Format("it has %s; accepted: ", Count(strValue.size(), "character").c_str()) + strLength;
-    }
-    // Some labels may be blank; the library has said whether this one's blanks were the reason.
-    const std::vector<std::string> vecSaid = TakeDiagnostics();
-    if (std::find(vecSaid.begin(), vecSaid.end(), "Label Value is null.") != vecSaid.end()) {
-        return "it is blank; accepted: " + strLength + ", not all blanks" + strNone;
-    }
-    if (strValue.size() == 1U && stLabel.optSlot.has_value()) {
-        return "a custom field of one character would begin with 0xc1, the mark that ends the fields; "
-               "accepted: more than one character" +
-               strNone;
-    }
-    if (strValue.compare(0, 4U, "NONE") == 0 && !stLabel.bNoneAllowed) {
-        return "it begins with NONE, which stands for an absent value, and this label always has one; "
-               "accepted: " +
-               strLength + " that do not begin with NONE";
-    }
     if (stLabel.uiID == LABEL_MAC_ADDRESS) {
-        return "it is no MAC address; accepted: 12 hexadecimal digits without separators, such as "
-               "02005E1000A0" +
-               strNone;
+        return "12 hexadecimal digits without separators, such as 02005E1000A0" + strNone;
     }
     if (stLabel.strField == "chassis type") {
-        const std::vector<std::string> vecNames = ChassisTypeNames();
-        const std::vector<std::string> vecNear = NearNames(strValue, vecNames);
-        return "it is no chassis type" +
-               (vecNear.empty() ? "" : "; did you mean " + Join(vecNear, " or ") + "?") +
-               "; accepted: " + Join(vecNames, ", ");
+        return Join(ChassisTypeNames(), ", ");
     }
     if (stLabel.strField == "manufacturing date") {
-        return "it is no date up to the year 2025; accepted: 2024-03-18 or 2024-03-18 09:30:00, wholly with "
-               "leading zeros or wholly without (2024-3-18 9:30:0)";
+        return "2024-03-18 or 2024-03-18 09:30:00, wholly with leading zeros or wholly without (2024-3-18 "
+               "9:30:0), up to the year 2025";
     }
     if (stLabel.bNumber) {
-        return std::string(IsDigits(strValue) ? "it is too large" : "it is no number") +
-               "; accepted: 0 to 136, in decimal digits";
+        return "0 to 136, in decimal digits";
+    }
+    const u32 uiMax = MaxLength(stLabel, ucComponentType);
+    return (stLabel.uiMinLen == 0U ? Format("up to %u", uiMax)
+                                   : Format("%u to %u", stLabel.uiMinLen, uiMax)) +
+           " printable ASCII characters" + strNone;
+}
+
+// What the value is refused for, in the order in which the library checks; empty when nothing of what is
+// known. It is asked only about values that the library refuses.
+std::string WhyRefused(const LABEL_S &stLabel, const std::string &strValue, u8 ucComponentType,
+                       const std::vector<std::string> &vecSaid)
+{
+    if (strValue.size() < stLabel.uiMinLen || strValue.size() > MaxLength(stLabel, ucComponentType)) {
+        return "it has " + Count(strValue.size(), "character");
+    }
+    // Some labels may be blank; the library has said whether this one's blanks were the reason.
+    if (std::find(vecSaid.begin(), vecSaid.end(), "Label Value is null.") != vecSaid.end()) {
+        return "it is blank";
+    }
+    if (strValue.size() == 1U && stLabel.optSlot.has_value()) {
+        return "a custom field of one character would begin with 0xc1, the mark that ends the fields";
+    }
+    if (strValue.compare(0, 4U, "NONE") == 0 && !stLabel.bNoneAllowed) {
+        return "it begins with NONE, which stands for an absent value, and this label always has one";
+    }
+    if (stLabel.uiID == LABEL_MAC_ADDRESS) {
+        return "it is no MAC address";
+    }
+    if (stLabel.strField == "chassis type") {
+        const std::vector<std::string> vecNear = NearNames(strValue, ChassisTypeNames());
+        return "it is no chassis type" +
+               (vecNear.empty() ? "" : "; did you mean " + Join(vecNear, " or ") + "?");
+    }
+    if (stLabel.strField == "manufacturing date") {
+        return "it is no date up to the year 2025";
+    }
+    if (stLabel.bNumber) {
+        return IsDigits(strValue) ? "it is too large" : "it is no number";
     }
     for (size_t i = 0; i < strValue.size(); i++) {
         const u8 ucByte = static_cast<u8>(strValue[i]);
         if (ucByte < 0x20U || ucByte > 0x7EU) {
-            return Format("its byte %zu is 0x%02x; accepted: printable ASCII, 0x20 to 0x7e", i + 1U, ucByte);
+            return Format("its byte %zu is 0x%02x", i + 1U, ucByte);
         }
     }
-    return "the library refuses it (" + Join(vecSaid, " | ") + "); accepted: " + strLength + ", " +
-           stLabel.pcAccepts + strNone;
+    return "the library refuses it (" + Join(vecSaid, " | ") + ")";
 }
 
 const AREA_VIEW_S *FindArea(const RECORD_VIEW_S &stView, AREA enArea)
@@ -305,17 +309,17 @@ void RequireAcceptedValue(const DEVICE_S &stDevice, const LABEL_S &stLabel, cons
     constexpr size_t uiBlock = sizeof(FRU_SET_PARA_S::acLabelValue);
     const u8 ucType = stDevice.stEntry.ucComponentType;
     const std::string strWhat = "'" + EscapeText(strValue) + "' is refused for '" + stLabel.strName + "': ";
+    const std::string strAccepted = "; accepted: " + AcceptedValues(stLabel, ucType);
     if (strValue.size() >= uiBlock) {
-        Fail(strWhat +
-             Format("it has %zu bytes, and a request holds %zu; accepted: ", strValue.size(), uiBlock - 1U) +
-             LengthText(stLabel.uiMinLen, MaxLength(stLabel, ucType)));
+        Fail(strWhat + Format("it has %zu bytes, and a request holds %zu", strValue.size(), uiBlock - 1U) +
+             strAccepted);
     }
     std::array<char, uiBlock> acValue = {};
     memcpy(acValue.data(), strValue.data(), strValue.size());
     ClearDiagnostics();
     if (isLabelValueValid(stLabel.strName.c_str(), acValue.data(), static_cast<i32>(strValue.size()),
                           ucType) != 1U) {
-        Fail(strWhat + WhyRefused(stLabel, strValue, ucType));
+        Fail(strWhat + WhyRefused(stLabel, strValue, ucType, TakeDiagnostics()) + strAccepted);
     }
 }
 
