@@ -89,8 +89,14 @@ VERDICT_S CheckDecoded(const TARGET_S &stTarget)
     if (uiRet != FRU_OK) {
         return {"memory", strWhat, uiRet, 0U, "cannot be decoded: " + StatusText(uiRet) + DiagnosticHint()};
     }
-    return Check("memory", strWhat, reinterpret_cast<const u8 *>(stRecord.Data()->astMultiRecord),
-                 FRU_MR_CHECK_MEMORY);
+    VERDICT_S stVerdict =
+        Check("memory", strWhat, reinterpret_cast<const u8 *>(stRecord.Data()->astMultiRecord),
+              FRU_MR_CHECK_MEMORY);
+    if (stVerdict.IsGood() && stVerdict.uiCount == 0U &&
+        stRecord.Data()->stCommonHeader.ucMultiRecordAreaStartOffset != 0U) {
+        stVerdict.strWhy = "the image has an area, but no record of it could be read";
+    }
+    return stVerdict;
 }
 
 // Bytes from the start of the area to the end of its last record. Only for a list that was found good.

@@ -2,10 +2,12 @@
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
+#include <numeric>
 
 #include "console.h"
 #include "error.h"
 #include "fru_names.h"
+#include "image_rewrite.h"
 #include "json_out.h"
 #include "mr.h"
 #include "name_value.h"
@@ -39,6 +41,7 @@ struct ADD_S
 {
     std::vector<std::string> vecTexts;
     bool bDryRun = false;
+    bool bForce = false;
 };
 
 enum class ACTION
@@ -61,10 +64,13 @@ struct WANTED_S
     {
         return Records()[ucSubType - 1U];
     }
-    u8 Length() const
-    {
-        return static_cast<u8>(vecData.size());
-    }
+};
+
+struct PLAN_S
+{
+    std::vector<WANTED_S> vecWanted;
+    std::vector<u8> vecEncoded; // the image that is in the device after the last of them; empty: none changes
+    REWRITE_S stRewrite;
 };
 
 WANTED_S Wanted(const NAME_VALUE_S &stGiven)
@@ -111,6 +117,11 @@ FRU_MULTIRECORD_S *FindEntry(FRU_DATA_S *pstData, u8 ucSubType)
     return nullptr;
 }
 
+u8 ZeroSum(const u8 *pucBytes, size_t uiLength)
+{
+    return static_cast<u8>(0U - std::accumulate(pucBytes, pucBytes + uiLength, 0U));
+}
+
 void Put(FRU_MULTIRECORD_S *pstEntry, const WANTED_S &stWanted)
 {
     u8 *pucData = static_cast<u8 *>(malloc(stWanted.vecData.size()));
@@ -119,7 +130,27 @@ void Put(FRU_MULTIRECORD_S *pstEntry, const WANTED_S &stWanted)
     }
     memcpy(pucData, stWanted.vecData.data(), stWanted.vecData.size());
     free(pstEntry->pucRecordData);
-    *pstEntry = {MR_MANAGEMENT_ACCESS, MR_FORMAT, stWanted.Length(), 0U, 0U, pucData};
+    *pstEntry = {MR_MANAGEMENT_ACCESS,
+                 MR_FORMAT,
+                 static_cast<u8>(stWanted.vecData.size()),
+                 ZeroSum(pucData, stWanted.vecData.size()),
+                 0U,
+                 pucData};
+}
+
+// The last record says that it is the last, no other does.
+void RenewMarks(FRU_DATA_S *pstData)
+{
+    constexpr size_t uiSummed = FRU_MULTIRECORD_HEADER_LEN - 1U;
+    for (size_t i = 0; i < FRU_MULTIRECORD_MAX && pstData->astMultiRecord[i].pucRecordData != nullptr; i++) {
+        FRU_MULTIRECORD_S &stRecord = pstData->astMultiRecord[i];
+        const bool bLast =
+            i + 1U == FRU_MULTIRECORD_MAX || pstData->astMultiRecord[i + 1U].pucRecordData == nullptr;
+        stRecord.ucRecordFormat = static_cast<u8>(bLast ? stRecord.ucRecordFormat | MR_END_OF_LIST
+                                                        : stRecord.ucRecordFormat & ~MR_END_OF_LIST);
+        stRecord.ucHeaderChecksum = ZeroSum(reinterpret_cast<const u8 *>(&stRecord), uiSummed);
+    }
+    pstData->stCommonHeader.ucMultiRecordAreaStartOffset = 1U; // present; the encoder lays it out
 }
 
 // What the library's merge will refuse, or do to records that cannot be read, is told before it begins.
@@ -141,94 +172,91 @@ void CheckList(const DEVICE_S &stDevice, const FRU_DATA_S &stData)
     }
 }
 
-// Encodes the record as it will be: several records are several writes, and none may find that it does not
-// fit.
-void CheckFit(const DEVICE_S &stDevice, FRU_DATA_S *pstData)
+// Where the record goes, and what becomes of what is there.
+FRU_MULTIRECORD_S *Place(const DEVICE_S &stDevice, FRU_DATA_S *pstData, WANTED_S &stWanted)
 {
-    FRU_MULTIRECORD_S *pstLast = nullptr;
-    for (FRU_MULTIRECORD_S &stRecord : pstData->astMultiRecord) {
-        if (stRecord.pucRecordData != nullptr) {
-            stRecord.ucRecordFormat &= static_cast<u8>(~MR_END_OF_LIST);
-            pstLast = &stRecord;
-        }
+    FRU_MULTIRECORD_S *pstEntry = FindEntry(pstData, stWanted.ucSubType);
+    if (pstEntry == nullptr) {
+        Fail(stDevice.Title() +
+             Format(" holds %u MultiRecords already, and none is a ", FRU_MULTIRECORD_MAX) +
+             stWanted.Row().pcTitle + "; there is no place for more");
     }
-    if (pstLast == nullptr) {
-        return;
+    const u8 *pucOld = pstEntry->pucRecordData;
+    if (pucOld != nullptr) {
+        stWanted.vecOld.assign(pucOld, pucOld + pstEntry->ucRecordLength);
+        stWanted.enAction = stWanted.vecOld == stWanted.vecData ? ACTION::Keep : ACTION::Replace;
     }
-    pstLast->ucRecordFormat |= MR_END_OF_LIST;
-    pstData->stCommonHeader.ucMultiRecordAreaStartOffset = 1U; // present; the encoder lays it out
-    std::vector<u8> vecImage(stDevice.stInfo.usSize);
-    ClearDiagnostics();
-    if (FRU_ANALYZER_ConvertToArray(pstData, stDevice.stInfo.usSize, vecImage.data()) < 0) {
-        Fail(Format("the records do not fit into the %u bytes of ", u32{stDevice.stInfo.usSize}) +
-             stDevice.Title() + "; nothing was written" + DiagnosticHint());
-    }
+    return pstEntry;
 }
 
-// Decides for each record what will become of it, and whether all of them can be.
-void Plan(const DEVICE_S &stDevice, std::vector<WANTED_S> &vecWanted)
+// Works out every image that will be written, so that none of several records finds that it does not fit.
+PLAN_S Plan(const DEVICE_S &stDevice, const std::vector<WANTED_S> &vecWanted)
 {
+    PLAN_S stPlan = {vecWanted, {}, {}};
+    const TARGET_S stTarget = {stDevice, ""};
     RECORD stRecord;
-    DecodeTarget({stDevice, ""}, stRecord);
+    DecodeTarget(stTarget, stRecord);
     CheckList(stDevice, *stRecord.Data());
-    for (WANTED_S &stWanted : vecWanted) {
-        FRU_MULTIRECORD_S *pstEntry = FindEntry(stRecord.Data(), stWanted.ucSubType);
-        if (pstEntry == nullptr) {
-            Fail(stDevice.Title() +
-                 Format(" holds %u MultiRecords already, and none is a ", FRU_MULTIRECORD_MAX) +
-                 stWanted.Row().pcTitle + "; there is no place for more");
+    const IMAGE_S stImage = ReadTarget(stTarget);
+    std::vector<u8> vecAfter = stImage.vecBytes;
+    for (WANTED_S &stWanted : stPlan.vecWanted) {
+        FRU_MULTIRECORD_S *pstEntry = Place(stDevice, stRecord.Data(), stWanted);
+        if (stWanted.enAction == ACTION::Keep) {
+            continue;
         }
-        if (pstEntry->pucRecordData != nullptr) {
-            const u8 *pucOld = pstEntry->pucRecordData;
-            stWanted.vecOld.assign(pucOld, pucOld + pstEntry->ucRecordLength);
-            stWanted.enAction = stWanted.vecOld == stWanted.vecData ? ACTION::Keep : ACTION::Replace;
-        }
+        const std::string strWhat = std::string("the new ") + stWanted.Row().pcTitle;
         Put(pstEntry, stWanted);
+        RenewMarks(stRecord.Data());
+        stPlan.vecEncoded = EncodeAnew(stDevice, strWhat, stRecord);
+        vecAfter = Overlay(vecAfter, stPlan.vecEncoded);
+        RequireReadable(stDevice, strWhat, stRecord, vecAfter);
     }
-    CheckFit(stDevice, stRecord.Data());
+    if (!stPlan.vecEncoded.empty()) {
+        stPlan.stRewrite =
+            CompareImages(stDevice, stImage, vecAfter, [](AREA enArea, const std::string & /*strField*/) {
+                return enArea == AREA::MultiRecord;
+            });
+    }
+    return stPlan;
 }
 
 // The library's result does not tell of an EEPROM that took no bytes: only what is read back counts.
-void CheckWritten(const DEVICE_S &stDevice, const std::vector<WANTED_S> &vecWanted,
-                  const std::string &strHint)
+void CheckWritten(const DEVICE_S &stDevice, const PLAN_S &stPlan, const std::string &strCause)
 {
-    RECORD stRecord;
-    const u32 uiRet = DecodeImage(ReadTarget({stDevice, ""}), stDevice.HasFixedSlots(), stRecord);
-    if (uiRet != FRU_OK) {
-        Fail(stDevice.Title() + " cannot be decoded after the write: " + StatusText(uiRet) + strHint +
-             "; 'fructl verify' tells more");
+    const auto fnHolds = [&](const IMAGE_S &stImage) {
+        return std::equal(stPlan.vecEncoded.begin(), stPlan.vecEncoded.end(), stImage.vecBytes.begin());
+    };
+    if (!fnHolds(ReadTarget({stDevice, ""}))) {
+        Fail("the library reports success, but " + stDevice.Title() + " does not hold the new records" +
+             strCause +
+             "; 'fructl mr check' and 'fructl verify' tell "
+             "what it holds");
     }
-    for (const WANTED_S &stWanted : vecWanted) {
-        const FRU_MULTIRECORD_S *pstEntry = FindEntry(stRecord.Data(), stWanted.ucSubType);
-        const bool bThere = pstEntry != nullptr && pstEntry->pucRecordData != nullptr &&
-                            pstEntry->ucRecordLength == stWanted.vecData.size() &&
-                            std::equal(stWanted.vecData.begin(), stWanted.vecData.end(),
-                                       static_cast<const u8 *>(pstEntry->pucRecordData));
-        if (!bThere) {
-            Fail("the library reports success, but " + stDevice.Title() + " does not hold the " +
-                 stWanted.Row().pcTitle + strHint);
-        }
+    const std::optional<IMAGE_S> optCached = ReadCache(stDevice);
+    if (!stPlan.vecEncoded.empty() && (!optCached.has_value() || !fnHolds(*optCached))) {
+        Fail(stDevice.Title() + " holds the new records, but its cached image could not be renewed" +
+             strCause);
     }
 }
 
 // Every update is a merge and a device write of its own: no call queues a record without merging it.
-void Write(const DEVICE_S &stDevice, std::vector<WANTED_S> &vecWanted)
+void Write(const DEVICE_S &stDevice, PLAN_S &stPlan)
 {
     const UNINTERRUPTED stUninterrupted;
     const PROGRESS stProgress("writing " + stDevice.Title());
     ClearDiagnostics();
     std::vector<std::string> vecDone;
-    for (WANTED_S &stWanted : vecWanted) {
+    for (WANTED_S &stWanted : stPlan.vecWanted) {
         const FRU_MR_PARAM_S stParam = {MR_MANAGEMENT_ACCESS, stWanted.ucSubType,
                                         static_cast<u32>(stWanted.vecValue.size()), stWanted.vecValue.data()};
         const u32 uiRet = FRU_innerUpdateMultiRecord(&stParam);
         if (uiRet != FRU_OK) {
             Fail(std::string(stWanted.Row().pcName) + " could not be written: " + MultiRecordStatus(uiRet) +
-                 DiagnosticHint() + (vecDone.empty() ? "" : "; written before it: " + Join(vecDone, ", ")));
+                 Cause() + (vecDone.empty() ? "" : "; written before it: " + Join(vecDone, ", ")));
         }
         vecDone.emplace_back(stWanted.Row().pcName);
     }
-    CheckWritten(stDevice, vecWanted, DiagnosticHint());
+    CheckWritten(stDevice, stPlan, Cause());
 }
 
 const char *ActionWord(ACTION enAction, bool bDryRun)
@@ -250,39 +278,51 @@ std::string Says(const std::vector<u8> &vecData)
                : MultiRecordText(MR_MANAGEMENT_ACCESS, vecData.data(), static_cast<u8>(vecData.size()));
 }
 
-void Report(const SESSION_S &stSession, const ADD_S &stOptions, const DEVICE_S &stDevice,
-            const std::vector<WANTED_S> &vecWanted)
+JSON PlanJson(const ADD_S &stOptions, const DEVICE_S &stDevice, const PLAN_S &stPlan)
 {
-    TABLE stTable({"RECORD", "", "SAYS", "SAID"});
     JSON stRecords = JSON::array();
     size_t uiWrites = 0;
-    for (const WANTED_S &stWanted : vecWanted) {
-        const char *pcAction = ActionWord(stWanted.enAction, stOptions.bDryRun);
-        const std::string strOld = stWanted.enAction == ACTION::Replace ? Says(stWanted.vecOld) : "";
+    for (const WANTED_S &stWanted : stPlan.vecWanted) {
         uiWrites += stWanted.enAction == ACTION::Keep ? 0U : 1U;
-        stTable.Row(
-            {stWanted.Row().pcTitle, pcAction, EscapeText(Says(stWanted.vecData)), EscapeText(strOld)});
         JSON stJson = {{"name", stWanted.Row().pcName},
                        {"subType", stWanted.ucSubType},
-                       {"action", pcAction},
+                       {"action", ActionWord(stWanted.enAction, stOptions.bDryRun)},
                        {"text", Latin1ToUtf8(Says(stWanted.vecData))},
                        {"data", HexBytes(stWanted.vecData)}};
         if (stWanted.enAction == ACTION::Replace) {
-            stJson["oldText"] = Latin1ToUtf8(strOld);
+            stJson["oldText"] = Latin1ToUtf8(Says(stWanted.vecOld));
         }
         stRecords.push_back(stJson);
     }
-    if (stSession.bJson) {
-        PrintJson({{"device", DeviceJson(stDevice)},
-                   {"dryRun", stOptions.bDryRun},
-                   {"writes", stOptions.bDryRun ? 0U : uiWrites},
-                   {"records", stRecords}});
-        return;
+    return {{"device", DeviceJson(stDevice)},
+            {"dryRun", stOptions.bDryRun},
+            {"writes", uiWrites},
+            {"records", stRecords},
+            {"notes", stPlan.stRewrite.vecNotes},
+            {"losses", stPlan.stRewrite.vecLosses}};
+}
+
+std::string PlanText(const ADD_S &stOptions, const PLAN_S &stPlan)
+{
+    TABLE stTable({"RECORD", "", "SAYS", "SAID"});
+    size_t uiWrites = 0;
+    for (const WANTED_S &stWanted : stPlan.vecWanted) {
+        uiWrites += stWanted.enAction == ACTION::Keep ? 0U : 1U;
+        stTable.Row({stWanted.Row().pcTitle, ActionWord(stWanted.enAction, stOptions.bDryRun),
+                     EscapeText(Says(stWanted.vecData)),
+                     stWanted.enAction == ACTION::Replace ? EscapeText(Says(stWanted.vecOld)) : ""});
+    }
+    std::string strOut = stTable.Text();
+    for (const std::string &strNote : stPlan.stRewrite.vecNotes) {
+        strOut += Paint(COLOUR::Yellow, "note") + ": " + strNote + "\n";
+    }
+    for (const std::string &strLoss : stPlan.stRewrite.vecLosses) {
+        strOut += Paint(COLOUR::Red, "lost") + ": " + strLoss + "\n";
     }
     const std::string strWrites = Count(uiWrites, "device write");
-    Print(stTable.Text());
-    Print(stOptions.bDryRun ? "nothing was written; without --dry-run: " + strWrites + "\n"
-                            : Paint(COLOUR::Green, "Done") + ": " + strWrites + ", read back and right\n");
+    return strOut + (stOptions.bDryRun
+                         ? "nothing was written; without --dry-run: " + strWrites + "\n"
+                         : Paint(COLOUR::Green, "Done") + ": " + strWrites + ", read back and right\n");
 }
 
 void RunAdd(const SESSION_S &stSession, const ADD_S &stOptions)
@@ -296,11 +336,19 @@ void RunAdd(const SESSION_S &stSession, const ADD_S &stOptions)
     if (!stOptions.bDryRun) {
         optLock.emplace(stSession);
     }
-    Plan(stDevice, vecWanted);
-    if (!stOptions.bDryRun) {
-        Write(stDevice, vecWanted);
+    PLAN_S stPlan = Plan(stDevice, vecWanted);
+    if (!stOptions.bDryRun && !stOptions.bForce && !stPlan.stRewrite.vecLosses.empty()) {
+        Fail("refused, for the library writes the whole image of " + stDevice.Title() +
+             " anew and would lose: " + Join(stPlan.stRewrite.vecLosses, "; ") + "; --force writes");
     }
-    Report(stSession, stOptions, stDevice, vecWanted);
+    if (!stOptions.bDryRun) {
+        Write(stDevice, stPlan);
+    }
+    if (stSession.bJson) {
+        PrintJson(PlanJson(stOptions, stDevice, stPlan));
+    } else {
+        Print(PlanText(stOptions, stPlan));
+    }
 }
 
 } // namespace
@@ -318,6 +366,8 @@ void AddMrAddCommand(CLI::App &stMr, SESSION_S &stSession)
         ->required();
     pstCommand->add_flag("-n,--dry-run", pstAdd->bDryRun,
                          "say what would be added or replaced, write nothing");
+    pstCommand->add_flag("--force", pstAdd->bForce,
+                         "write even when something beside the records would be lost");
     pstCommand->callback(
         [&stSession, pstAdd] { stSession.fnRun = [&stSession, pstAdd] { RunAdd(stSession, *pstAdd); }; });
 }
