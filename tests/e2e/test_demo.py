@@ -16,7 +16,7 @@ fructl: '02:00:5e:10:00:a0' is refused for 'Chassis MAC Address': it has 17 char
 """))
         self.assertEqual(re.findall(r"^\$ fructl (\w+)", stResult.stdout, re.MULTILINE),
                          ["provision", "list", "show", "map", "verify", "recover", "verify", "list", "label", "label", "label", "show", "label",
-                          "encode", "diff", "verify"])
+                          "encode", "diff", "verify", "mr", "mr", "hw", "hw", "sn", "oem"])
         self.assertIn("baseboard (0x00:0) was damaged and is restored from /usr/upgrade/fru/BaseBoard.bin\n", stResult.stdout)
         self.assertIn("\nSet baseboard FRU successfully, baseboard Product Serial Number: LH22024170099.\n"
                       "  Product Serial Number  LH22024170042 -> LH22024170099\n", stResult.stdout)

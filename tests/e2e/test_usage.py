@@ -8,13 +8,14 @@ import unittest
 
 from support import BASEBOARD_EEPROM, COMMAND, EXAMPLES, Environment, FructlTest, Run
 
-COMMANDS = ["provision", "list", "show", "verify", "map", "diff", "label", "encode", "recover", "raw"]
+COMMANDS = ["provision", "list", "show", "verify", "map", "diff", "label", "encode", "recover", "raw", "mr", "hw", "sn", "psn", "oem", "host-name", "assemble", "fields"]
 
 
 class Help(unittest.TestCase):
     def test_every_level_has_help_with_an_example(self):
         for asLevel in [[], *[[strName] for strName in COMMANDS], ["raw", "info"], ["raw", "read"],
-                        ["label", "list"], ["label", "get"], ["label", "set"]]:
+                        ["label", "list"], ["label", "get"], ["label", "set"], ["mr", "list"], ["mr", "add"], ["mr", "check"], ["mr", "guid"],
+                        ["hw", "show"], ["hw", "set"], ["oem", "show"], ["oem", "sync"], ["oem", "check"], ["oem", "copyright"], ["oem", "legal"]]:
             with self.subTest(asLevel):
                 stResult = Run(*asLevel, "--help")
                 self.assertEqual((stResult.iCode, stResult.strErr), (0, ""))

@@ -1,6 +1,8 @@
 #include "conf_check.h"
 
+#include <cerrno>
 #include <cstdlib>
+#include <cstring>
 #include <filesystem>
 #include <memory>
 
@@ -23,10 +25,12 @@ class TRIAL_ROOT
   public:
     TRIAL_ROOT() : m_strRoot(BMCHOST_GetRoot())
     {
-        m_strTrial = (std::filesystem::temp_directory_path() / "fructl-trial-XXXXXX").string();
+        const char *pcTemp = getenv("TMPDIR");
+        const std::string strWhere = pcTemp == nullptr || *pcTemp == '\0' ? "/tmp" : pcTemp;
+        m_strTrial = strWhere + "/fructl-trial-XXXXXX";
         if (mkdtemp(m_strTrial.data()) == nullptr) {
-            Fail("no directory can be made in " + std::filesystem::temp_directory_path().string() +
-                 " to try the controller's files in");
+            Fail("no directory can be made in " + EscapeText(strWhere) +
+                 " to try the controller's files in: " + strerror(errno));
         }
         (void)BMCHOST_SetRoot(m_strTrial.c_str());
     }
