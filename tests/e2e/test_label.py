@@ -1,9 +1,9 @@
 """fructl label: what a device takes, reading and writing it, every refusal, and that nothing else changes."""
 import fcntl
-import json
 import os
 import pty
 import re
+import signal
 import subprocess
 import time
 import unittest
@@ -483,6 +483,41 @@ class Trouble(LabelTest):
         self.assertEqual([stProcess.wait() for stProcess in listProcesses], [0] * 4)
         self.assertEqual([self.Good("label", "get", "psu1", strName).strOut for strName in listNames], [f"w{i}\n" for i in range(4)])
         self.Good("verify", "psu1")
+
+
+    def test_an_interrupted_write_is_finished_first(self):
+        self.Provision()
+        with open(self.Eeprom(PSU_EEPROM), "rb") as stChip:
+            fcntl.flock(stChip, fcntl.LOCK_SH)  # readers get in, the write waits
+            stProcess = subprocess.Popen([*COMMAND, "--root", str(self.pathRoot), "label", "set", "psu1", "Product Version=A7", "Product Asset Tag=RACK7"],
+                                         stdout=subprocess.DEVNULL)
+            fEnd = time.monotonic() + 60
+            while not self.WaitsInFlock(stProcess.pid) and time.monotonic() < fEnd:
+                time.sleep(0.02)
+            stProcess.send_signal(signal.SIGINT)
+            time.sleep(0.2)
+            self.assertIsNone(stProcess.poll())
+        self.assertEqual(stProcess.wait(), -signal.SIGINT)
+        # The label that was being written is in the device, the cache and the log; the next one was not begun.
+        self.assertEqual([self.Json("show", "psu1")["product"][strKey] for strKey in ("version", "assetTag")], ["A7", ""])
+        self.assertEqual([s[2] for s in self.OperationLog()], ["Set psu1 FRU successfully, psu1 Product Version: A7."])
+        self.Good("verify", "psu1")
+
+    def WaitsInFlock(self, iPid):
+        """Whether the process waits for a lock that somebody else has."""
+        with open("/proc/locks") as stLocks:
+            return any("->" in strLine and f" {iPid} " in strLine for strLine in stLocks)
+
+    def test_a_device_that_is_served_from_the_cache_needs_its_eeprom_all_the_same(self):
+        abImage = Image({3: bytes(4) + Texts("", "", "old", "", "")})
+        self.ProvisionImage(abImage, databaseOnly=True)
+        self.Good("label", "set", "dev", "Board Serial Number", "NEW-1")
+        self.assertEqual(self.Good("label", "get", "dev", "Board Serial Number").strOut, "NEW-1\n")
+        self.Eeprom(DEV_EEPROM).unlink()
+        self.assertRegex(self.Bad(1, "label", "set", "dev", "Board Serial Number", "NEW-2"),
+                         r"^'Board Serial Number' of dev \(0x20:0\) could not be written: the cache holds other bytes than were to be written, from byte 0x.* "
+                         r"\(the library says: EEPROM bus5-addr0xa6: No such file")
+        self.assertEqual(self.Good("label", "get", "dev", "Board Serial Number").strOut, "NEW-1\n")
 
 
 class Progress(LabelTest):
