@@ -154,7 +154,8 @@ void RunGet(const SESSION_S &stSession, const LABEL_OPTIONS_S &stOptions)
     }
     const LABEL_S &stLabel = FindLabel(vecRest.front());
     if (!stLabel.IsStored()) {
-        Fail("the label '" + stLabel.strName + "' is kept in the hardware FRU block, not in the FRU image");
+        Fail("the label '" + stLabel.strName +
+             "' is kept in the hardware FRU block, not in the FRU image; 'fructl hw show' reads it");
     }
     RECORD stRecord;
     DecodeTarget({stDevice, ""}, stRecord);

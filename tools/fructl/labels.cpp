@@ -299,7 +299,7 @@ void RequireAcceptedName(const DEVICE_S &stDevice, const LABEL_S &stLabel)
     if (!stLabel.IsStored()) {
         Fail("the label '" + stLabel.strName +
              "' is kept in the hardware FRU block and not in the FRU image, where 'label' would store "
-             "nothing; accepted: " +
+             "nothing; 'fructl hw set' writes it; accepted: " +
              AcceptedNames(stDevice));
     }
 }
