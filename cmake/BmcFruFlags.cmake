@@ -6,6 +6,7 @@ target_compile_options(bmcfru_warnings INTERFACE $<$<CXX_COMPILER_ID:GNU>:-Wno-p
 
 set(BMCFRU_SANITIZE "" CACHE STRING "sanitizers for every target, e.g. address,undefined")
 if(BMCFRU_SANITIZE)
-  add_compile_options(-fsanitize=${BMCFRU_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  # Line tables are all that the sanitizers' reports need.
+  add_compile_options(-fsanitize=${BMCFRU_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer -g1)
   add_link_options(-fsanitize=${BMCFRU_SANITIZE})
 endif()
