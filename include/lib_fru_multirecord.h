@@ -56,7 +56,7 @@ void FRU_destroyMultiRecords(void);
  * main FRU with FRU_syncAllMultiRecords().
  *
  * pstDestParam: type 0x03; sub-type 1 to 7; uiLength 1 to 256 bytes of value at pucBuf, which is copied.
- * Sub-type 7, the system GUID, takes uiLength 16 and reads 16 bytes at pucBuf whatever uiLength says, most
+ * Sub-type 7, the system GUID, takes uiLength 16 and reads 16 bytes at pucBuf whatever uiLength says, least
  * significant byte first; see FRU_ConvertGUIDToStandardOrder().
  *
  * A record's length byte counts value and sub-type, so only values of up to 254 bytes can be stored
@@ -91,9 +91,10 @@ u32 FRU_innerUpdateMultiRecord(const FRU_MR_PARAM_S *pstDestParam);
 u32 FRU_syncAllMultiRecords(void);
 
 /*
- * Turns a GUID of 16 bytes at pstSrcBuf, most significant byte first, into the order of a System Unique ID
- * record at pstDestBuf: bytes 12 13 14 15 10 11 8 9 7 6 5 4 3 2 1 0 of the source. Both may be the same
- * buffer. A null argument is logged and nothing is written.
+ * Writes the 16 bytes at pstSrcBuf to pstDestBuf in the order of a System Unique ID record: source bytes
+ * 12 13 14 15 10 11 8 9 7 6 5 4 3 2 1 0. From a GUID given least significant byte first (its usual text read
+ * backwards) that is the usual stored form: first three groups little-endian, the rest as written. Both may
+ * be the same buffer. A null argument is logged and nothing is written.
  */
 void FRU_ConvertGUIDToStandardOrder(const u8 *pstSrcBuf, u8 *pstDestBuf);
 
