@@ -21,8 +21,8 @@ void AddText(bench::IMAGE_S &stImage, const std::string &strText)
     stImage.vecTexts.push_back(static_cast<u32>(strText.size() + 1U));
 }
 
-// Adds an info area: its fixed bytes after version and length, then its texts. Returns its offset in 8-byte
-// units.
+// Adds an info area: its fixed bytes after version and length, then its texts. Returns its offset
+// in 8-byte units.
 u8 AddArea(bench::IMAGE_S &stImage, const std::vector<u8> &vecFixed, const std::vector<std::string> &vecTexts)
 {
     std::vector<u8> &vecBytes = stImage.vecBytes;

@@ -1,5 +1,5 @@
-// What decoding costs, beside the floor: every image byte summed once, one zeroed buffer for every decoded
-// text.
+// What decoding costs, beside the floor: every image byte summed once, one zeroed buffer for
+// every decoded text.
 #include <cstdlib>
 #include <vector>
 

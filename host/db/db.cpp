@@ -96,8 +96,8 @@ int CheckWhole(MDB_env *pstEnv)
 
 int Lengthen(MDB_env *pstEnv, u32 uiRecordLen)
 {
-    // The record's own pages, and more than a transaction's path through two trees can take. The new end is a
-    // hole.
+    // The record's own pages, and more than a transaction's path through two trees can take. The new end
+    // is a hole.
     const uint64_t uiPages = uiRecordLen / 4096U + 1U + 128U;
     const off_t iBytes = FileBytes(pstEnv);
     if (iBytes < 0) {

@@ -1,5 +1,5 @@
-// Hardware description: XML files with one element for each object, named after its class, below the root
-// element.
+// Hardware description: XML files with one element for each object, named after its class, below
+// the root element.
 //
 //   <hardware>
 //     <FRU componentType="0" offset="0" size="2048" selector="1" deviceName="baseboard"/>

@@ -1,6 +1,6 @@
-// INI bridge over libiniparser. Loading and looking up are its own; saving is ours, because its dump writes
-// values without the quotes that it needs to read them again and drops keys that stand before the first
-// section.
+// INI bridge over libiniparser. Loading and looking up are its own; saving is ours, because its dump
+// writes values without the quotes that it needs to read them again and drops keys that stand before
+// the first section.
 #include <cctype>
 #include <cerrno>
 #include <cstdarg>
@@ -37,8 +37,8 @@ dictionary *Dictionary(void *hpd)
     return static_cast<dictionary *>(hpd);
 }
 
-// Names count without case; the text under which the dictionary keeps them, or nothing when there can be
-// none.
+// Names count without case; the text under which the dictionary keeps them, or nothing when there
+// can be none.
 std::optional<std::string> EntryName(const char *pcSection, const char *pcKey)
 {
     if (pcSection == nullptr || pcKey == nullptr || *pcKey == '\0') {

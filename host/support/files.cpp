@@ -133,8 +133,8 @@ int Finish(FD fd, std::string_view svContent, const struct stat *pstOld, mode_t 
         // A file edited by root stays its owner's; others may not give files away, and need not.
         (void)!fchown(fd.Get(), pstOld->st_uid, pstOld->st_gid);
     }
-    // The content is on the disk before the name points to it: a power cut leaves the old file or the new
-    // one.
+    // The content is on the disk before the name points to it: a power cut leaves the old file or
+    // the new one.
     if (iError == 0 && (fchmod(fd.Get(), uiMode) != 0 || fsync(fd.Get()) != 0)) {
         iError = errno;
     }

@@ -26,8 +26,8 @@ void *FRU_GuardedMalloc(size_t uiSize, u32 uiLine, const char *pcFunction, const
 void *FRU_GuardedCalloc(size_t uiCount, size_t uiSize, u32 uiLine, const char *pcFunction, const char *pcFile)
 {
     if (uiCount == 0U || uiSize == 0U) {
-        // Both texts go to standard output, the first as it stands; only its blank before the bracket
-        // differs.
+        // Both texts go to standard output, the first as it stands; only its blank before
+        // the bracket differs.
         (void)fputs("Invalid CALLOC size (size or nmemb is 0 )is detected", stdout);
         (void)printf("Invalid CALLOC size (size or nmemb is 0)is detected in %d %s %s\n",
                      static_cast<int>(uiLine), pcFunction, pcFile);

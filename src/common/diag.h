@@ -1,5 +1,5 @@
-// Diagnostic messages. Include this through a module's private header, which says under which file name it
-// reports.
+// Diagnostic messages. Include this through a module's private header, which says under which file
+// name it reports.
 #ifndef FRU_COMMON_DIAG_H
 #define FRU_COMMON_DIAG_H
 
@@ -23,8 +23,8 @@
 
 #define FRU_NULL_FORMAT(pcName) "Pointer " pcName " is Null, File:%s Func:%s Line:%d"
 
-// Reports a null pointer under the name that callers know; the second form names the function that they
-// called.
+// Reports a null pointer under the name that callers know; the second form names the function
+// that they called.
 #define FRU_LOG_NULL(pcName) FRU_LOG_NULL_IN(pcName, __func__)
 #define FRU_LOG_NULL_IN(pcName, pcFunction)                                                                  \
     FRU_ReportNull(FRU_NULL_FORMAT(pcName), FRU_DIAG_FILE, (pcFunction), __LINE__)

@@ -1,6 +1,6 @@
-// The two calls with which the library itself touches the file system. A desk build links its own version of
-// file_access.cpp, which puts the controller's root directory in front of the path; paths here are the
-// controller's.
+// The two calls with which the library itself touches the file system. A desk build links its own
+// version of file_access.cpp, which puts the controller's root directory in front of the path; paths
+// here are the controller's.
 #ifndef FRU_COMMON_FILE_ACCESS_H
 #define FRU_COMMON_FILE_ACCESS_H
 

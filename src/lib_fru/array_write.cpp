@@ -13,8 +13,8 @@ namespace {
 
 constexpr u32 g_uiChunkMax = 127U;
 
-// A failed chunk or an image that could not be cached leave 0 as the result: they are in the log alone. That
-// is meant.
+// A failed chunk or an image that could not be cached leave 0 as the result: they are in the log alone.
+// That is meant.
 u32 WriteArray(u8 ucDeviceID, u32 uiFRUSize, const FRU_DATA_S *pstFRUData, const char *pcFunction)
 {
     if (uiFRUSize < FRU_COMMON_HEADER_LEN) {

@@ -1,5 +1,5 @@
-// A FRU image straight from the EEPROM that the product's hardware description names, past device table and
-// cache.
+// A FRU image straight from the EEPROM that the product's hardware description names, past device
+// table and cache.
 #include <memory>
 
 #include "bmc_eeprom.h"

@@ -43,8 +43,8 @@ inline u16 FRU_EepromOffset(const FRU_DEVICE_INFO_S &stInfo, u16 usOffset)
 // pointers give 1 without a completion code.
 u32 FRU_WriteFRUData(const u8 *pucReq, u32 uiReqLen, u8 *pucRes);
 
-// Tells the controller's services that a FRU changed. Nobody waits for them and their answer is nobody's
-// business.
+// Tells the controller's services that a FRU changed. Nobody waits for them and their answer
+// is nobody's business.
 void FRU_NotifyDeviceChanged(const FRU_DEVICE_INFO_S *pstFRUInfo);
 
 #endif

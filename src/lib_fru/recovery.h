@@ -4,9 +4,9 @@
 
 #include "lib_fru_types.h"
 
-// Writes the stored image file of the device to the device and its cached image. Returns a completion code:
-// FRU_CC_OK, FRU_CC_NOT_PRESENT (no device record) or FRU_CC_ACCESS_FAILED (anything else); failures are
-// reported.
+// Writes the stored image file of the device to the device and its cached image. Returns a completion
+// code: FRU_CC_OK, FRU_CC_NOT_PRESENT (no device record) or FRU_CC_ACCESS_FAILED (anything else);
+// failures are reported.
 u8 FRU_RecoverFRUData(u8 ucDeviceID);
 
 #endif

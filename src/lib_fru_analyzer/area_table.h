@@ -79,8 +79,7 @@ enum : u32
 // In image and release order.
 extern const FRU_AREA_S g_astFruArea[FRU_AREA_COUNT];
 
-// ---- members by offset; the record is packed, so everything is copied in and out
-// -------------------------------------------------------------------------------
+// ---- members by offset; the record is packed, so everything is copied in and out ----
 
 inline u8 *FRU_MemberAt(FRU_DATA_S *pstFRUData, u32 uiOffset)
 {

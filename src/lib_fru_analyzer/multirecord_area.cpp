@@ -7,8 +7,8 @@
 
 namespace {
 
-// One record at the reader's position. A header or data past the end of the image fails as their checksums
-// would.
+// One record at the reader's position. A header or data past the end of the image fails as
+// their checksums would.
 u32 GetRecord(FRU_READER_S &stReader, FRU_MULTIRECORD_S *pstRecord)
 {
     const u8 *pucHeader = FRU_ReadBytes(stReader, FRU_MULTIRECORD_HEADER_LEN);

@@ -59,8 +59,8 @@ u32 GetChassisTypeDesc(const FRU_AREA_S &stArea, FRU_READER_S &stReader, FRU_DAT
     return FRU_OK;
 }
 
-// Version, length and checksum; the area then lies within the image. Leaves the reader behind the length
-// byte.
+// Version, length and checksum; the area then lies within the image. Leaves the reader behind
+// the length byte.
 u32 CheckArea(const FRU_AREA_S &stArea, u32 uiOffset, u32 uiLength, FRU_READER_S &stReader,
               FRU_DATA_S *pstFRUData)
 {

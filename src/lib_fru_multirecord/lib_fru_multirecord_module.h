@@ -25,8 +25,8 @@
 #define FRU_MR_DESTROY_WAIT_S 10U
 
 #pragma pack(push, 1)
-// The head of a queued record. Its data follow in the same heap buffer: sub-type, then value, as on the
-// device.
+// The head of a queued record. Its data follow in the same heap buffer: sub-type, then value, as
+// on the device.
 typedef struct
 {
     u8 ucRecordTypeID;
@@ -58,8 +58,7 @@ typedef enum
     FRU_MR_PLACE_SAME,
 } FRU_MR_PLACE_E;
 
-// ---- store.cpp: life and lock of the store
-// --------------------------------------------------------------------
+// ---- store.cpp: life and lock of the store ----
 
 // The caller holds the mutex below.
 u32 FRU_initMultiRecords(void);
@@ -77,8 +76,7 @@ void FRU_leaveInnerStore(void);
 void FRU_lockInnerStore(void);
 void FRU_unlockInnerStore(void);
 
-// ---- record.cpp: single records
-// ---------------------------------------------------------------------------------
+// ---- record.cpp: single records ----
 
 // A record's size on the device: header and as many data bytes as its length byte says.
 u32 FRU_getInnerMultiRecordSize(const FRU_INNER_MR_S *pstInner);
@@ -93,8 +91,7 @@ FRU_INNER_MR_S *FRU_generateSingleInnerMultiRecord(const FRU_MR_PARAM_S *pstDest
 u32 FRU_addSingleMultiRecord(FRU_MULTIRECORD_S *pstFRUBuf, const FRU_INNER_MR_S *pstInnerBuf);
 u32 FRU_updateSingleMultiRecord(FRU_MULTIRECORD_S *pstDataBuf, const FRU_INNER_MR_S *pstInnerBuf);
 
-// ---- update.cpp, sync.cpp
-// ---------------------------------------------------------------------------------------
+// ---- update.cpp, sync.cpp ----
 
 // Puts a copy of the record into the store, or replaces the queued one of the same sub-type. The caller holds
 // semaphore and mutex.

@@ -11,8 +11,8 @@ namespace {
 
 const char g_acHardwareLabel[] = "Hardware FRU Label";
 
-// Value bytes 0 to 6: board type, PCB version, EEPROM version, CPLD version, as they follow each other in the
-// block.
+// Value bytes 0 to 6: board type, PCB version, EEPROM version, CPLD version, as they follow each other
+// in the block.
 void CopyVersions(FRU_HW_BOARD_INFO_S *pstBoard, const char *pcValue)
 {
     constexpr size_t uiFirst = offsetof(FRU_HW_BOARD_INFO_S, aucBoardType);

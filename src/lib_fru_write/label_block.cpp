@@ -1,5 +1,5 @@
-// The request block of the label writes: its bounded texts, its outputs, and the sentences for the operation
-// log.
+// The request block of the label writes: its bounded texts, its outputs, and the sentences for
+// the operation log.
 #include "label_block.h"
 
 #include <cstring>

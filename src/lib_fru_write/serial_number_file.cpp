@@ -33,8 +33,8 @@ u32 FRU_WriteLabelToFile(const char *pcWriteBuf, u32 uiLength)
         FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_WARNING, "file make error.");
         return FRU_ERR_FAILED;
     }
-    // Unbuffered, so that a full disk shows as a short write and not in the close, whose failure is no
-    // failure.
+    // Unbuffered, so that a full disk shows as a short write and not in the close, whose failure
+    // is no failure.
     (void)setvbuf(pstFile, nullptr, _IONBF, 0U);
     struct stat stStat = {};
     if (fstat(fileno(pstFile), &stStat) != 0) {

@@ -1,6 +1,6 @@
-// The controller that the contract tests run on. What a test must arrange beyond the platform's own calls
-// goes through here; a port brings its own adapter that defines these functions (desk/ is that of
-// libbmcfruhost).
+// The controller that the contract tests run on. What a test must arrange beyond the platform's own
+// calls goes through here; a port brings its own adapter that defines these functions (desk/ is
+// that of libbmcfruhost).
 #ifndef TESTS_CONTRACT_CONTROLLER_H
 #define TESTS_CONTRACT_CONTROLLER_H
 

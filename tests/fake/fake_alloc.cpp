@@ -1,5 +1,5 @@
-// malloc and its like as the library sees them (linked with --wrap): counted, made to fail, and kept track
-// of.
+// malloc and its like as the library sees them (linked with --wrap): counted, made to fail, and
+// kept track of.
 #include <cstddef>
 #include <cstdlib>
 #include <mutex>

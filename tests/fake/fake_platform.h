@@ -20,14 +20,12 @@ namespace fake {
 
 using BYTES = std::vector<u8>;
 
-// ---- life of a test
-// -------------------------------------------------------------------------------------------
+// ---- life of a test ----
 
 // Forgets everything: state, journals, faults, captured output. Also starts capturing standard output.
 void Reset();
 
-// ---- diagnostic messages
-// --------------------------------------------------------------------------------------
+// ---- diagnostic messages ----
 
 struct MESSAGE_S
 {
@@ -51,14 +49,12 @@ std::vector<std::string> Messages();
 std::string NullMessage(const std::string &strFile, const std::string &strFunction,
                         const std::string &strPointer);
 
-// ---- standard output
-// ------------------------------------------------------------------------------------------
+// ---- standard output ----
 
 // What was printed since Reset() or the last call; line numbers of allocation reports replaced by #.
 std::string TakeStdout();
 
-// ---- platform calls
-// -------------------------------------------------------------------------------------------
+// ---- platform calls ----
 
 // Every platform call as one line of text, in order, for example
 //   "DB_Open", "DB_Get 0x10810000 184 -> 0", "DB_Put 0x10810200 16 lib_fru_db.c -> 0", "DB_Del 0x10810200 ->
@@ -67,8 +63,7 @@ std::string TakeStdout();
 // The parameter keeps those that begin with it.
 std::vector<std::string> Calls(const std::string &strPrefix = "");
 
-// ---- faults
-// ---------------------------------------------------------------------------------------------------
+// ---- faults ----
 
 enum class KIND_E
 {
@@ -116,8 +111,7 @@ u32 LiveAllocations();
 void Sweep(const std::function<void()> &fnSetup, const std::function<void()> &fnRun,
            const std::function<void(const FAULT_S *)> &fnCheck);
 
-// ---- clock and semaphores
-// -------------------------------------------------------------------------------------
+// ---- clock and semaphores ----
 
 // What the library's clock_gettime says from now on; until then the real time.
 void SetTime(int64_t iSeconds, int64_t iNanoseconds);
@@ -126,12 +120,11 @@ void SetTime(int64_t iSeconds, int64_t iNanoseconds);
 // says; until then as long as the deadline says.
 void SetPatience(u32 uiMilliseconds);
 
-// What each sem_timedwait asked for: its deadline less the time that its thread last read from the clock, in
-// nanoseconds.
+// What each sem_timedwait asked for: its deadline less the time that its thread last read from the
+// clock, in nanoseconds.
 std::vector<int64_t> Waits();
 
-// ---- what the platform holds
-// ----------------------------------------------------------------------------------
+// ---- what the platform holds ----
 
 // Records of the database by key. A get with another length fails with 0x81000001.
 std::map<u32, BYTES> &Db();
@@ -141,8 +134,8 @@ std::map<u32, BYTES> &Db();
 BYTES &Eeprom(u8 ucBus, u8 ucAddress);
 // A chip behind a device name (EEPROM types other than 9 to 15).
 BYTES &EepromByName(const std::string &strName);
-// The result of the n-th EEPROM call (1: the first), whatever the chip says; the bytes are transferred all
-// the same.
+// The result of the n-th EEPROM call (1: the first), whatever the chip says; the bytes are transferred
+// all the same.
 void SetEepromResult(u32 uiNth, i32 iResult);
 
 // Files under a directory of this test's own, named by the controller's absolute path. They are real files.
@@ -162,8 +155,8 @@ struct RPC_REQUEST_S
     BYTES vecRequest;
 };
 const std::vector<RPC_REQUEST_S> &RpcRequests();
-// Result and texts of every call of a service and method; by default 0 and, when asked for, an answer without
-// texts.
+// Result and texts of every call of a service and method; by default 0 and, when asked for, an
+// answer without texts.
 void SetRpcAnswer(u32 uiService, u32 uiMethod, u32 uiResult, const std::vector<std::string> &vecTexts = {});
 
 void SetHwOemFlag(u32 uiFlag);  // HW_LIB_GetOemFlag, 0 by default

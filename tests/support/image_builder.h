@@ -31,8 +31,7 @@ inline u8 ZeroCheckSum(const BYTES &vecBytes)
     return static_cast<u8>(0x100U - (uiSum & 0xFFU));
 }
 
-// ---- type/length fields
-// -----------------------------------------------------------------------------------------------
+// ---- type/length fields ----
 
 // Type 0 binary, 1 BCD plus, 2 packed 6-bit ASCII, 3 8-bit ASCII.
 inline BYTES Field(u32 uiType, const BYTES &vecData)
@@ -55,8 +54,7 @@ inline std::vector<BYTES> Texts(const std::vector<std::string> &vecTexts)
     return vecFields;
 }
 
-// ---- areas
-// ------------------------------------------------------------------------------------------------------------
+// ---- areas ----
 
 // Sets the last byte so that all bytes sum to 0.
 inline void FixCheckSum(BYTES &vecArea)
@@ -95,8 +93,8 @@ inline BYTES BoardArea(u8 ucLanguage, const BYTES &vecDate, const std::vector<BY
     return InfoArea(vecFixed += vecDate, vecFields, uiUnits);
 }
 
-// Fields: manufacturer, product name, part number, version, serial number, asset tag, FRU file ID, then
-// custom fields.
+// Fields: manufacturer, product name, part number, version, serial number, asset tag, FRU file ID,
+// then custom fields.
 inline BYTES ProductArea(u8 ucLanguage, const std::vector<BYTES> &vecFields, u32 uiUnits = 0U)
 {
     return InfoArea({ucLanguage}, vecFields, uiUnits);
@@ -120,8 +118,7 @@ inline BYTES Record(u8 ucType, const BYTES &vecData, bool bLast, u8 ucVersion = 
     return vecRecord += vecData;
 }
 
-// ---- images
-// -----------------------------------------------------------------------------------------------------------
+// ---- images ----
 
 // Empty: the area is absent.
 struct AREAS_S

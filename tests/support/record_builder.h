@@ -14,8 +14,8 @@ namespace model {
 
 using TEXTS = std::vector<std::string>;
 
-// vecFields in image order (2, 5 or 7 of them); strChassisType, ucLanguage and aucDate where the area has
-// them.
+// vecFields in image order (2, 5 or 7 of them); strChassisType, ucLanguage and aucDate where the
+// area has them.
 struct AREA_S
 {
     std::string strChassisType;
@@ -61,8 +61,7 @@ inline bool operator==(const RECORD_S &stLeft, const RECORD_S &stRight)
            stLeft.vecMultiRecord == stRight.vecMultiRecord;
 }
 
-// ---- heap buffers that FRU_ANALYZER_SafeFree() releases
-// -------------------------------------------------------------------
+// ---- heap buffers that FRU_ANALYZER_SafeFree() releases ----
 
 inline u8 *Heap(const std::string &strText)
 {
@@ -88,8 +87,7 @@ inline u8 **HeapArray(const TEXTS &vecTexts)
     return ppucTexts;
 }
 
-// ---- model to record
-// --------------------------------------------------------------------------------------------------
+// ---- model to record ----
 
 inline void FillChassis(FRU_CHASSIS_INFO_S *pstArea, const AREA_S &stModel)
 {
@@ -182,8 +180,7 @@ inline void Fill(FRU_DATA_S *pstFRUData, const RECORD_S &stModel)
     }
 }
 
-// ---- record to model; a null text reads as "(null)"
-// -----------------------------------------------------------------------
+// ---- record to model; a null text reads as "(null)" ----
 
 inline std::string Str(const void *pText)
 {

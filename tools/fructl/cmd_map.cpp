@@ -73,8 +73,8 @@ std::string Meaning(const SPAN_S &stSpan)
     return strOut;
 }
 
-// The span's bytes, sixteen a line, its meaning beside the first of them. A long run of one value is told,
-// not shown.
+// The span's bytes, sixteen a line, its meaning beside the first of them. A long run of one value is
+// told, not shown.
 std::string SpanText(const SPAN_S &stSpan, const std::vector<u8> &vecBytes)
 {
     const COLOUR enColour = StyleOf(stSpan.enArea).enColour;

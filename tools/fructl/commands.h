@@ -11,8 +11,8 @@
 // Adds every command of the table.
 void AddCommands(CLI::App &stApp, SESSION_S &stSession);
 
-// A subcommand with its description and, under its options, examples: one a line, each beginning with "fructl
-// ".
+// A subcommand with its description and, under its options, examples: one a line, each beginning
+// with "fructl ".
 CLI::App *AddCommand(CLI::App &stParent, const char *pcName, const char *pcWhat, const char *pcExamples);
 
 // DEVICE and --id for commands that work on one device, or with bFiles also on an image file.

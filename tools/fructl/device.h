@@ -77,8 +77,8 @@ IMAGE_LAYOUT_S LayoutOf(const IMAGE_S &stImage, bool bFixedSlots);
 
 IMAGE_S ReadImage(const std::string &strFile);
 
-// What belongs to the target first of all: a file's image, the EEPROM's, or the cache's when the device has
-// no other.
+// What belongs to the target first of all: a file's image, the EEPROM's, or the cache's when the device
+// has no other.
 IMAGE_S ReadTarget(const TARGET_S &stTarget);
 
 #endif

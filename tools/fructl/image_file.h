@@ -11,8 +11,8 @@
 // Nothing larger is a FRU image: offsets and lengths in an image reach little beyond 4 KiB.
 constexpr size_t IMAGE_FILE_MAX = 1024U * 1024U;
 
-// A file's bytes as they are. Throws FRUCTL_ERROR when it is missing, unreadable or longer than
-// IMAGE_FILE_MAX.
+// A file's bytes as they are. Throws FRUCTL_ERROR when it is missing, unreadable or
+// longer than IMAGE_FILE_MAX.
 std::vector<u8> ReadFileBytes(const std::string &strPath);
 
 // The image that a file holds: readable hex when the name ends in ".hex", else the bytes as they are.

@@ -348,8 +348,8 @@ void WALKER::MultiRecords(u32 uiStart)
 
 void WALKER::CheckOverlaps()
 {
-    // Spans are sorted by now: two that share bytes and belong to different areas stand next to each other
-    // somewhere.
+    // Spans are sorted by now: two that share bytes and belong to different areas stand next to
+    // each other somewhere.
     for (size_t i = 1; i < m_stLayout.vecSpans.size(); i++) {
         const SPAN_S &stBefore = m_stLayout.vecSpans[i - 1U];
         const SPAN_S &stSpan = m_stLayout.vecSpans[i];

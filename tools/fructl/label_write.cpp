@@ -35,8 +35,7 @@ FRU_SET_PARA_S Block(const DEVICE_S &stDevice, const LABEL_REQUEST_S &stRequest)
     return stPara;
 }
 
-// ---- the plan
-// ----------------------------------------------------------------------------------------------
+// ---- the plan ----
 
 LABEL_STEP_S PlanStep(const DEVICE_S &stDevice, const LABEL_REQUEST_S &stRequest, RECORD &stRecord,
                       const std::vector<u8> &vecBytes)
@@ -87,8 +86,7 @@ bool IsLabelField(const std::vector<LABEL_REQUEST_S> &vecRequests, AREA enArea, 
     });
 }
 
-// ---- the write
-// -----------------------------------------------------------------------------------------------
+// ---- the write ----
 
 // What is wrong in the device after the write; empty: nothing.
 std::string WhyDeviceDiffers(const DEVICE_S &stDevice, const LABEL_STEP_S &stStep)

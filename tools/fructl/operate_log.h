@@ -4,8 +4,8 @@
 
 #include "lib_fru_types.h"
 
-// Records the sentence. Fails with a line that says it was not recorded; what it tells of has happened all
-// the same.
+// Records the sentence. Fails with a line that says it was not recorded; what it tells of has happened
+// all the same.
 void RecordOperation(bool bSuccess, const char *pcSentence, u8 ucSource);
 
 #endif

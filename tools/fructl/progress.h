@@ -10,8 +10,8 @@
 class PROGRESS
 {
   public:
-    // Of a write in several calls, uiBytes from uiFirst on in the chip, the whole; else each call's own
-    // share.
+    // Of a write in several calls, uiBytes from uiFirst on in the chip, the whole; else each
+    // call's own share.
     explicit PROGRESS(std::string strWhat, u32 uiFirst = 0, u32 uiBytes = 0);
     ~PROGRESS();
     PROGRESS(const PROGRESS &) = delete;

@@ -69,8 +69,8 @@ struct RECORD_VIEW_S
 
 RECORD_VIEW_S ViewRecord(const FRU_DATA_S &stData);
 
-// Decodes an image's bytes, with the custom-field counts preset for a baseboard's. A status code of the
-// library.
+// Decodes an image's bytes, with the custom-field counts preset for a baseboard's. A status code
+// of the library.
 u32 DecodeImage(const IMAGE_S &stImage, bool bFixedSlots, RECORD &stRecord);
 
 // Decodes a target as the library's other callers see it: a device through the cache where that is trusted, a

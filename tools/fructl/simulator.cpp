@@ -294,8 +294,8 @@ void SIMULATOR::Start(const std::string &strProgram)
     if (m_iPid > 0) {
         return;
     }
-    // It must not outlive this process, nor be stopped by the terminal before this process has seen the
-    // signal.
+    // It must not outlive this process, nor be stopped by the terminal before this process has
+    // seen the signal.
     prctl(PR_SET_PDEATHSIG, SIGTERM);
     setpgid(0, 0);
     if (getppid() != iParent) {

@@ -1,8 +1,8 @@
 // The FRU commands of the Storage function, ahead of libbmcfru's request handlers.
 //
-// The handlers take for granted that the bytes a command has are there, and that the response buffer holds
-// the largest response. Whoever carries requests to them has to see to that: here it is done, for any
-// transport.
+// The handlers take for granted that the bytes a command has are there, and that the response buffer
+// holds the largest response. Whoever carries requests to them has to see to that: here it is done,
+// for any transport.
 #ifndef IPMI_SIM_FRU_REQUESTS_H
 #define IPMI_SIM_FRU_REQUESTS_H
 

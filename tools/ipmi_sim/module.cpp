@@ -2,9 +2,9 @@
 //
 //   loadlib "/usr/lib/bmcfru/libbmcfru_ipmi_sim.so" "root=/var/lib/controller"
 //
-// The options are "root=DIR", the controller's directory, to the end of the text; ahead of it "verbose " lets
-// the library's diagnostics go to standard error. The simulator is one thread and calls its modules from
-// there only.
+// The options are "root=DIR", the controller's directory, to the end of the text; ahead of it "verbose "
+// lets the library's diagnostics go to standard error. The simulator is one thread and calls its modules
+// from there only.
 #include <cstdio>
 #include <cstring>
 #include <string>

@@ -278,8 +278,8 @@ std::vector<u8> SDR_REPOSITORY::GetSdr(const std::vector<SDR_S> &vecSdrs, const 
     return vecRes;
 }
 
-// A change gives the repository a new time stamp, by which clients throw their copies away, and cancels the
-// reservation.
+// A change gives the repository a new time stamp, by which clients throw their copies away, and
+// cancels the reservation.
 void SDR_REPOSITORY::NoteChange(const std::vector<SDR_S> &vecSdrs)
 {
     std::vector<u8> vecAll;

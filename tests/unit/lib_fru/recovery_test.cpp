@@ -1,5 +1,5 @@
-// Recovery of a damaged device from its stored image: when it runs, what it writes, how each of its steps
-// fails.
+// Recovery of a damaged device from its stored image: when it runs, what it writes, how each of
+// its steps fails.
 #include <gtest/gtest.h>
 
 #include "lib_fru/ipmi_handlers.h"

@@ -1,5 +1,5 @@
-// What the codec's tests share: a record that releases itself, decoding from exact-size buffers, message
-// lines.
+// What the codec's tests share: a record that releases itself, decoding from exact-size
+// buffers, message lines.
 #ifndef TESTS_UNIT_CODEC_TEST_HELPER_H
 #define TESTS_UNIT_CODEC_TEST_HELPER_H
 

@@ -8,8 +8,7 @@ using namespace codec;
 using image::Text;
 using image::Texts;
 
-// ---- counting
-// -----------------------------------------------------------------------------------------------------
+// ---- counting ----
 
 u32 CountFields(const BYTES &vecFields, u8 *pucCount)
 {
@@ -70,8 +69,7 @@ TEST(GetCustomerFieldCount, TheCountHasEightBits)
     }
 }
 
-// ---- the ordinary case
-// ----------------------------------------------------------------------------------------------------
+// ---- the ordinary case ----
 
 LINES Numbered(u32 uiCount)
 {
@@ -243,8 +241,7 @@ TEST_P(CustomFields, OutOfMemoryForAFieldFailsUnderItsIndex)
 INSTANTIATE_TEST_SUITE_P(Areas, CustomFields, testing::ValuesIn(AreaCases()),
                          [](const auto &stInfo) { return stInfo.param.strName; });
 
-// ---- fixed slots
-// ----------------------------------------------------------------------------------------------------------
+// ---- fixed slots ----
 
 class FixedSlots : public testing::TestWithParam<u32>
 {

@@ -7,8 +7,7 @@ namespace {
 using namespace codec;
 using model::TEXTS;
 
-// ---- joining
-// -----------------------------------------------------------------------------------------------------------
+// ---- joining ----
 
 TEST(AllocCustomField, AppendsAFieldAndALineFeed)
 {
@@ -55,8 +54,7 @@ TEST(AllocCustomField, OutOfMemoryForAFurtherFieldReleasesTheJoinedText)
                                   "FRU_AllocCustomField lib_fru_analyzer.c\n");
 }
 
-// ---- interpretation
-// ----------------------------------------------------------------------------------------------------
+// ---- interpretation ----
 
 class CUSTOM
 {
@@ -244,8 +242,7 @@ TEST(InterpretCustomField, AnAbsentAreaOrACountOfZeroIsSkipped)
     EXPECT_TRUE(none->pcBoardCustomFields == nullptr);
 }
 
-// ---- failures: each area joins, then escapes in two steps
-// ----------------------------------------------------------------
+// ---- failures: each area joins, then escapes in two steps ----
 
 struct FAILURE_S
 {
@@ -361,8 +358,7 @@ TEST(InterpretCustomField, AnyFailureLeavesNothingBehind)
         });
 }
 
-// ---- release
-// -----------------------------------------------------------------------------------------------------------
+// ---- release ----
 
 TEST(FreeCustomField, NullIsLoggedAndIgnored)
 {

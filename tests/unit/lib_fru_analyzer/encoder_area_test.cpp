@@ -6,8 +6,7 @@ namespace {
 using namespace codec;
 using model::TEXTS;
 
-// ---- rules of all three info areas
-// ------------------------------------------------------------------------------------------
+// ---- rules of all three info areas ----
 
 class EncodedArea : public testing::TestWithParam<AREA_CASE_S>
 {

@@ -19,8 +19,7 @@ model::RECORD_S FullModel()
     return stModel;
 }
 
-// ---- arguments
-// ---------------------------------------------------------------------------------------------------------
+// ---- arguments ----
 
 TEST(ConvertToArray, RefusesNull)
 {
@@ -70,8 +69,7 @@ TEST(ConvertToArray, PadIsCleared)
     EXPECT_EQ(vecBuf[6], 0U);
 }
 
-// ---- whole images
-// --------------------------------------------------------------------------------------------------------
+// ---- whole images ----
 
 TEST(ConvertToArray, WritesWhatTheFormatSays)
 {
@@ -222,8 +220,7 @@ TEST(ConvertToArray, ANullArrayIsNoFieldsWhateverTheCount)
     }
 }
 
-// ---- internal-use area
-// -----------------------------------------------------------------------------------------------------
+// ---- internal-use area ----
 
 TEST(ConvertInternalUseArea, IsFilledUpToAWholeUnit)
 {
@@ -291,8 +288,7 @@ TEST(ConvertInternalUseArea, NullDataLeavesTheEndMark)
               (BYTES{1, 1, 0, 0, 0, 0, 0, 0xFE, 1, 0xC1U, 0, 0, 0, 0, 0, 0}));
 }
 
-// ---- chassis type
-// --------------------------------------------------------------------------------------------------------
+// ---- chassis type ----
 
 TEST(GetChassisAreaTypeValue, AnUnknownTextFails)
 {
@@ -320,8 +316,7 @@ TEST(GetChassisAreaTypeValue, NullFails)
                                        Line(2, "Failed to createFRUBin of ChassisInfoArea")}));
 }
 
-// ---- MultiRecord area
-// ----------------------------------------------------------------------------------------------------
+// ---- MultiRecord area ----
 
 const std::string g_strMultiFailed = Line(2, "Failed to createFRUBin of ProductInfoArea! Ret:0xffffffff.");
 
@@ -442,8 +437,7 @@ TEST(ConvertMultiRecordArea, AStartBeyond2040IsRefused)
                      g_strMultiFailed}));
 }
 
-// ---- bounds
-// ------------------------------------------------------------------------------------------------------------
+// ---- bounds ----
 
 TEST(ConvertToArray, NothingIsWrittenPastTheBufferAtAnySize)
 {

@@ -155,8 +155,7 @@ TEST(InterpretFRUData, DecodesEveryArea)
                                        CountLine("ProductInfoArea", 3, 19)}));
 }
 
-// ---- internal-use area
-// --------------------------------------------------------------------------------------------------
+// ---- internal-use area ----
 
 TEST(InternalUseArea, IsOneFieldBehindTheVersion)
 {
@@ -228,8 +227,7 @@ TEST(InternalUseArea, OutOfMemoryFails)
                                        Line(2, "Failed to get InternalUseArea!")}));
 }
 
-// ---- rules of all three info areas
-// --------------------------------------------------------------------------------------------------
+// ---- rules of all three info areas ----
 
 class InfoArea : public testing::TestWithParam<AREA_CASE_S>
 {
@@ -436,8 +434,7 @@ TEST_P(InfoArea, AFailureKeepsWhatEarlierAreasHold)
 INSTANTIATE_TEST_SUITE_P(Areas, InfoArea, testing::ValuesIn(AreaCases()),
                          [](const auto &stInfo) { return stInfo.param.strName; });
 
-// ---- chassis type
-// -----------------------------------------------------------------------------------------------------
+// ---- chassis type ----
 
 TEST(ChassisInfoArea, EveryTypeCodeHasItsText)
 {

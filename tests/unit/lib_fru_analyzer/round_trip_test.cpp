@@ -19,8 +19,8 @@ std::string SomeText(std::mt19937 &generator, size_t uiLength)
     return strText;
 }
 
-// Any length from 0 to 63. A text of one byte is coded as 0xC1, which among custom fields is the end of the
-// list.
+// Any length from 0 to 63. A text of one byte is coded as 0xC1, which among custom fields is the end
+// of the list.
 std::string SomeField(std::mt19937 &generator, bool bCustom)
 {
     const size_t uiLength = generator() % 64U;

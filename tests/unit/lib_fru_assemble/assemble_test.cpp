@@ -32,8 +32,8 @@ const SLOTS g_mapAll = {{0, "not read"},    {1, "not read"},    {2, "not read"},
                         {8, "Maker"},       {9, "Rack server"}, {10, "P-PART"},  {11, "V1"},
                         {12, "SN-0001"},    {13, "Asset 100%s"}};
 
-// The block of texts, in a heap buffer of its exact size; a text of 128 characters fills its slot, without
-// NUL.
+// The block of texts, in a heap buffer of its exact size; a text of 128 characters fills its
+// slot, without NUL.
 std::unique_ptr<FRU_ASSEMBLE_LABEL_S> Labels(const SLOTS &mapSlots)
 {
     std::unique_ptr<FRU_ASSEMBLE_LABEL_S> upLabels(new FRU_ASSEMBLE_LABEL_S{});

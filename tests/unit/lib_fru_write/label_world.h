@@ -26,8 +26,8 @@ struct DEVICE_S
     std::string strImagePath = "/opt/fru/board1.bin";
 };
 
-// Decoded image: "board.manufacturer" -> "Maker" and so on; a presence line for each area, and MultiRecords
-// in hexadecimal.
+// Decoded image: "board.manufacturer" -> "Maker" and so on; a presence line for each area, and
+// MultiRecords in hexadecimal.
 using FIELDS = std::map<std::string, std::string>;
 
 // What goes into an image before it is encoded.

@@ -64,8 +64,8 @@ TEST(LabelWriteFailure, AMissingProductAreaIsWrittenWithTheLabel)
 
 TEST(LabelWriteFailure, ALabelOfAnAbsentAreaIsNotWrittenIntoTheImage)
 {
-    // The record takes the text, the encoder leaves an absent area out: the image stays as it was but for the
-    // product area.
+    // The record takes the text, the encoder leaves an absent area out: the image stays as it was but for
+    // the product area.
     fake::Reset();
     const DEVICE_S stDevice;
     const fake::BYTES vecImage = label::Encode(BoardOnly(), stDevice.usSize);

@@ -386,8 +386,8 @@ TEST(SerialNumberFile, ReadingIntoNoBufferIsReportedBeforeAnythingIsTouched)
     EXPECT_TRUE(fake::Calls().empty());
 }
 
-// Whatever fails: the result says whether the primary file holds the value, and a failure always has its
-// word.
+// Whatever fails: the result says whether the primary file holds the value, and a failure always
+// has its word.
 TEST(SerialNumberFile, WhateverFailsTheResultTellsWhatTheFileHolds)
 {
     u32 uiResult = 0;
