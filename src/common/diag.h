@@ -29,6 +29,23 @@
 #define FRU_LOG_NULL_IN(pcName, pcFunction)                                                                  \
     FRU_ReportNull(FRU_NULL_FORMAT(pcName), FRU_DIAG_FILE, (pcFunction), __LINE__)
 
+// The frame's first step: a null pointer is reported under its own name and the function returns uiCode, or
+// just returns.
+#define FRU_REQUIRE(pPointer, uiCode)                                                                        \
+    do {                                                                                                     \
+        if ((pPointer) == nullptr) {                                                                         \
+            FRU_LOG_NULL(#pPointer);                                                                         \
+            return (uiCode);                                                                                 \
+        }                                                                                                    \
+    } while (0)
+#define FRU_REQUIRE_OR_LEAVE(pPointer)                                                                       \
+    do {                                                                                                     \
+        if ((pPointer) == nullptr) {                                                                         \
+            FRU_LOG_NULL(#pPointer);                                                                         \
+            return;                                                                                          \
+        }                                                                                                    \
+    } while (0)
+
 // The report behind FRU_LOG_NULL; out of line, for there are many of them. pcFormat is a FRU_NULL_FORMAT.
 void FRU_ReportNull(const char *pcFormat, const char *pcFile, const char *pcFunction, u32 uiLine);
 

@@ -71,10 +71,7 @@ bool FRU_WriteImageChunks(u8 ucDeviceID, u32 uiFRUSize, u32 uiLength, const u8 *
 u32 LIB_FRU_WriteArrayFRUData(u8 ucComponentType, u8 ucInstance, const FRU_DATA_S *pstFRUData, u32 uiArg)
 {
     (void)uiArg;
-    if (pstFRUData == nullptr) {
-        FRU_LOG_NULL("pstFRUData");
-        return LIB_FRU_ERR_NULL_POINTER;
-    }
+    FRU_REQUIRE(pstFRUData, LIB_FRU_ERR_NULL_POINTER);
     u8 ucDeviceID = 0;
     if (LIB_FRU_GetDeviceID(ucComponentType, ucInstance, &ucDeviceID) != FRU_OK) {
         FRU_LOG(FRU_CAT_DATA, BMC_DIAG_WARNING, "Fail to find ComponentType:%#x,Instance:%#x!",
@@ -91,9 +88,6 @@ u32 LIB_FRU_WriteArrayFRUData(u8 ucComponentType, u8 ucInstance, const FRU_DATA_
 
 u32 LIB_FRU_OEM_WriteArrayFRUData(u8 ucDeviceID, u32 uiFRUSize, const FRU_DATA_S *pstFRUData)
 {
-    if (pstFRUData == nullptr) {
-        FRU_LOG_NULL("pstFRUData");
-        return LIB_FRU_ERR_NULL_POINTER;
-    }
+    FRU_REQUIRE(pstFRUData, LIB_FRU_ERR_NULL_POINTER);
     return WriteArray(ucDeviceID, uiFRUSize, pstFRUData, __func__);
 }

@@ -10,10 +10,7 @@
 // decoding failure and releases the record then.
 u32 LIB_FRU_GetFRUDataFromDB(u8 ucComponentType, u8 ucInstance, FRU_DATA_S *pstFRUData)
 {
-    if (pstFRUData == nullptr) {
-        FRU_LOG_NULL("pstFRUData");
-        return LIB_FRU_ERR_NULL_POINTER;
-    }
+    FRU_REQUIRE(pstFRUData, LIB_FRU_ERR_NULL_POINTER);
     u8 ucDeviceID = 0;
     if (LIB_FRU_GetDeviceID(ucComponentType, ucInstance, &ucDeviceID) != FRU_OK) {
         FRU_LOG(FRU_CAT_DATA, BMC_DIAG_WARNING, "Fail to find ComponentType:%#x,Instance:%#x!",

@@ -97,10 +97,7 @@ void AfterErase(const FRU_DEVICE_INFO_S &stInfo, const u8 *pucBuf, const FRU_CLE
 
 u32 LIB_FRU_ClearFRUElectronicLabel(FRU_CLEAR_PARA_S *pstFRUClearPara)
 {
-    if (pstFRUClearPara == nullptr) {
-        FRU_LOG_NULL("pstFRUClearPara");
-        return LIB_FRU_ERR_NULL_POINTER;
-    }
+    FRU_REQUIRE(pstFRUClearPara, LIB_FRU_ERR_NULL_POINTER);
     FRU_DEVICE_INFO_S stInfo = {};
     if (LIB_FRU_GetFRUDeviceInfo(pstFRUClearPara->ucComponentType, pstFRUClearPara->ucInstance, &stInfo) !=
         FRU_OK) {
@@ -133,10 +130,7 @@ u32 LIB_FRU_ClearFRUElectronicLabel(FRU_CLEAR_PARA_S *pstFRUClearPara)
 
 void FRU_AddClearFRULog(i32 iResult, FRU_CLEAR_PARA_S *pstFRUClearPara)
 {
-    if (pstFRUClearPara == nullptr) {
-        FRU_LOG_NULL("pstFRUClearPara");
-        return;
-    }
+    FRU_REQUIRE_OR_LEAVE(pstFRUClearPara);
     const FRU_NAME_TEXT_S stName = FRU_NameText(pstFRUClearPara->acFRUName);
     if (iResult == g_iLogSuccess) {
         (void)BMC_Scnprintf(pstFRUClearPara->acOperateLog, sizeof(pstFRUClearPara->acOperateLog),

@@ -60,10 +60,7 @@ void DebugProduct(const FRU_PRODUCT_INFO_S &stProduct)
 
 void FRU_DebugBuf(const u8 *pucBuf, u16 usLength)
 {
-    if (pucBuf == nullptr) {
-        FRU_LOG_NULL("pucBuf");
-        return;
-    }
+    FRU_REQUIRE_OR_LEAVE(pucBuf);
     for (u32 i = 1U; i <= usLength; ++i) {
         const bool bEndsLine = i % g_uiValuesPerLine == 0U || i == usLength;
         (void)(bEndsLine ? printf("%#x\n", pucBuf[i - 1U]) : printf("%#x ", pucBuf[i - 1U]));
@@ -72,10 +69,7 @@ void FRU_DebugBuf(const u8 *pucBuf, u16 usLength)
 
 void FRU_DebugData(const FRU_DATA_S *pstFRUData)
 {
-    if (pstFRUData == nullptr) {
-        FRU_LOG_NULL("pstFRUData");
-        return;
-    }
+    FRU_REQUIRE_OR_LEAVE(pstFRUData);
     const FRU_COMMON_HEADER_S &stHeader = pstFRUData->stCommonHeader;
     (void)puts("print data!");
     (void)puts("\n[======CommonHeader======]");
@@ -96,10 +90,7 @@ void FRU_DebugData(const FRU_DATA_S *pstFRUData)
 
 void FRU_DebugHWData(const FRU_HW_DATA_S *pstHWData)
 {
-    if (pstHWData == nullptr) {
-        FRU_LOG_NULL("pstHWData");
-        return;
-    }
+    FRU_REQUIRE_OR_LEAVE(pstHWData);
     const FRU_HW_BOARD_INFO_S &stBoard = pstHWData->stHwBoardInfo;
     const FRU_HW_DIAG_INFO_S &stDiag = pstHWData->stHwDiagInfo;
     (void)puts("\n[======BOARD INFO======]");

@@ -55,14 +55,8 @@ u32 FRU_ReadFRUDataFromDB(const FRU_DEVICE_INFO_S *pstFRUInfo, u16 usOffset, u32
 
 i32 FRU_ReadFRUDevice(const FRU_DEVICE_INFO_S *pstFRUInfo, u16 usOffset, u32 uiLength, u8 *pucBuf)
 {
-    if (pucBuf == nullptr) {
-        FRU_LOG_NULL("pucBuf");
-        return static_cast<i32>(FRU_ERR_NULL_POINTER);
-    }
-    if (pstFRUInfo == nullptr) {
-        FRU_LOG_NULL("pstFRUInfo");
-        return static_cast<i32>(FRU_ERR_NULL_POINTER);
-    }
+    FRU_REQUIRE(pucBuf, static_cast<i32>(FRU_ERR_NULL_POINTER));
+    FRU_REQUIRE(pstFRUInfo, static_cast<i32>(FRU_ERR_NULL_POINTER));
     const u32 uiRet = CheckLocation(pstFRUInfo);
     if (uiRet != FRU_OK) {
         return static_cast<i32>(uiRet);
@@ -80,10 +74,7 @@ i32 FRU_ReadFRUDevice(const FRU_DEVICE_INFO_S *pstFRUInfo, u16 usOffset, u32 uiL
 
 i32 FRU_WriteFRUDevice(const FRU_DEVICE_INFO_S *pstFRUInfo, u16 usOffset, u32 uiLength, const u8 *pucBuf)
 {
-    if (pucBuf == nullptr) {
-        FRU_LOG_NULL("pucBuf");
-        return static_cast<i32>(FRU_ERR_NULL_POINTER);
-    }
+    FRU_REQUIRE(pucBuf, static_cast<i32>(FRU_ERR_NULL_POINTER));
     const u32 uiRet = CheckLocation(pstFRUInfo);
     if (uiRet != FRU_OK) {
         return static_cast<i32>(uiRet);
@@ -102,23 +93,14 @@ i32 FRU_WriteFRUDevice(const FRU_DEVICE_INFO_S *pstFRUInfo, u16 usOffset, u32 ui
 
 i32 LIB_FRU_ReadFromEEPROM(const FRU_DEVICE_INFO_S *pstFRUInfo, u16 usOffset, u32 uiLength, u8 *pucBuf)
 {
-    if (pucBuf == nullptr) {
-        FRU_LOG_NULL("pucBuf");
-        return static_cast<i32>(FRU_ERR_NULL_POINTER);
-    }
-    if (pstFRUInfo == nullptr) {
-        FRU_LOG_NULL("pstFRUInfo");
-        return static_cast<i32>(FRU_ERR_NULL_POINTER);
-    }
+    FRU_REQUIRE(pucBuf, static_cast<i32>(FRU_ERR_NULL_POINTER));
+    FRU_REQUIRE(pstFRUInfo, static_cast<i32>(FRU_ERR_NULL_POINTER));
     return FRU_ReadFRUDevice(pstFRUInfo, usOffset, uiLength, pucBuf);
 }
 
 i32 FRU_ResFRUData(const FRU_DEVICE_INFO_S *pstFRUInfo, u16 usOffset, u32 uiCount, u8 *pucBuf)
 {
-    if (pucBuf == nullptr) {
-        FRU_LOG_NULL("pucBuf");
-        return static_cast<i32>(FRU_ERR_NULL_POINTER);
-    }
+    FRU_REQUIRE(pucBuf, static_cast<i32>(FRU_ERR_NULL_POINTER));
     if (FRU_ReadFRUDataFromDB(pstFRUInfo, usOffset, uiCount, pucBuf) != FRU_OK) {
         FRU_LOG(FRU_CAT_DEVICE, BMC_DIAG_WARNING, "Read FRU Data From DB failed! FRU Name:%s DeviceID:%#x.",
                 FRU_NameText(pstFRUInfo->acFRUName).acText, pstFRUInfo->ucDeviceID);

@@ -15,10 +15,7 @@ u32 UsableEntries(const FRU_DEVICE_TBL_S &stTable)
 
 u32 LIB_FRU_GetFRUDeviceTbl(FRU_DEVICE_TBL_S *pstFRUDeviceTbl)
 {
-    if (pstFRUDeviceTbl == nullptr) {
-        FRU_LOG_NULL("pstFRUDeviceTbl");
-        return LIB_FRU_ERR_NULL_POINTER;
-    }
+    FRU_REQUIRE(pstFRUDeviceTbl, LIB_FRU_ERR_NULL_POINTER);
     if (FRU_DB_GetFRUDeviceTbl(pstFRUDeviceTbl) != FRU_OK) {
         FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_WARNING, "Get fru device tbl failed!");
         return LIB_FRU_ERR_NO_DEVICE;
@@ -29,10 +26,7 @@ u32 LIB_FRU_GetFRUDeviceTbl(FRU_DEVICE_TBL_S *pstFRUDeviceTbl)
 // Belongs with the internal functions although it is exported: its codes are theirs.
 u32 LIB_FRU_GetDeviceID(u8 ucComponentType, u8 ucInstance, u8 *pucDeviceID)
 {
-    if (pucDeviceID == nullptr) {
-        FRU_LOG_NULL("pucDeviceID");
-        return FRU_ERR_NULL_POINTER;
-    }
+    FRU_REQUIRE(pucDeviceID, FRU_ERR_NULL_POINTER);
     FRU_DEVICE_TBL_S stTable = {};
     if (LIB_FRU_GetFRUDeviceTbl(&stTable) != FRU_OK) {
         FRU_LOG(FRU_CAT_DATA, BMC_DIAG_WARNING, "Fail to find fru device tbl!");
@@ -53,10 +47,7 @@ u32 LIB_FRU_GetDeviceID(u8 ucComponentType, u8 ucInstance, u8 *pucDeviceID)
 
 u32 LIB_FRU_GetFRUDeviceInfo(u8 ucComponentType, u8 ucInstance, FRU_DEVICE_INFO_S *pstFRUDeviceInfo)
 {
-    if (pstFRUDeviceInfo == nullptr) {
-        FRU_LOG_NULL("pstFRUDeviceInfo");
-        return LIB_FRU_ERR_NULL_POINTER;
-    }
+    FRU_REQUIRE(pstFRUDeviceInfo, LIB_FRU_ERR_NULL_POINTER);
     u8 ucDeviceID = 0;
     if (LIB_FRU_GetDeviceID(ucComponentType, ucInstance, &ucDeviceID) != FRU_OK) {
         FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_WARNING, "Fail to find ComponentType:%#x Instance:%#x Device ID!",
@@ -72,10 +63,7 @@ u32 LIB_FRU_GetFRUDeviceInfo(u8 ucComponentType, u8 ucInstance, FRU_DEVICE_INFO_
 
 u32 LIB_FRU_GetSDRByRecordID(u16 usRecordID, FRU_SDR_S *pstFRUSDR)
 {
-    if (pstFRUSDR == nullptr) {
-        FRU_LOG_NULL("pstFRUSDR");
-        return LIB_FRU_ERR_NULL_POINTER;
-    }
+    FRU_REQUIRE(pstFRUSDR, LIB_FRU_ERR_NULL_POINTER);
     FRU_DEVICE_TBL_S stTable = {};
     if (LIB_FRU_GetFRUDeviceTbl(&stTable) != FRU_OK) {
         // The getter's own words once more; that is meant.
@@ -100,10 +88,7 @@ u32 LIB_FRU_GetSDRByRecordID(u16 usRecordID, FRU_SDR_S *pstFRUSDR)
 
 u32 LIB_FRU_GetFRUTotalNum(u8 *pucFRUTotalNum)
 {
-    if (pucFRUTotalNum == nullptr) {
-        FRU_LOG_NULL("pucFRUTotalNum");
-        return LIB_FRU_ERR_NULL_POINTER;
-    }
+    FRU_REQUIRE(pucFRUTotalNum, LIB_FRU_ERR_NULL_POINTER);
     // A controller without a table has 0 FRUs, which is no failure here: the zeroed table answers.
     FRU_DEVICE_TBL_S stTable = {};
     (void)LIB_FRU_GetFRUDeviceTbl(&stTable);

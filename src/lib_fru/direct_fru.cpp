@@ -62,10 +62,7 @@ u32 ReadObject(const HW_FRU_OBJECT_S &stObject, FRU_DATA_S *pstFRUData)
 
 u32 LIB_FRU_GetBaseboardFRUDataByI2C(u32 uiComponentType, FRU_DATA_S *pstFRUData)
 {
-    if (pstFRUData == nullptr) {
-        FRU_LOG_NULL("pstFRUData");
-        return LIB_FRU_ERR_NULL_POINTER;
-    }
+    FRU_REQUIRE(pstFRUData, LIB_FRU_ERR_NULL_POINTER);
     const NAMESPACE upNameSpace(HW_NewNameSpace());
     if (upNameSpace == nullptr) {
         FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_WARNING, "Failed to create namespace.");

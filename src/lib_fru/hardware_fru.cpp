@@ -25,10 +25,7 @@ u32 DeviceIDOf(u32 uiComponentType, u32 uiInstance, u8 *pucDeviceID)
 
 u32 LIB_FRU_GetHWFRUData(u32 /*uiArg*/, u32 uiComponentType, u32 uiInstance, FRU_HW_DATA_S *pstHWFRU)
 {
-    if (pstHWFRU == nullptr) {
-        FRU_LOG_NULL("pstHWFRU");
-        return LIB_FRU_ERR_NULL_POINTER;
-    }
+    FRU_REQUIRE(pstHWFRU, LIB_FRU_ERR_NULL_POINTER);
     u8 ucDeviceID = 0;
     if (DeviceIDOf(uiComponentType, uiInstance, &ucDeviceID) != FRU_OK) {
         FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_WARNING, "Fail to find ComponentType:%#x,Instance:%#x!",
@@ -58,10 +55,7 @@ u32 LIB_FRU_GetHWFRUData(u32 /*uiArg*/, u32 uiComponentType, u32 uiInstance, FRU
 
 u32 LIB_FRU_WriteHWFRUBinToDevice(u32 uiComponentType, u32 uiInstance, FRU_HW_DATA_S *pstHWData)
 {
-    if (pstHWData == nullptr) {
-        FRU_LOG_NULL("pstHWData");
-        return LIB_FRU_ERR_NULL_POINTER;
-    }
+    FRU_REQUIRE(pstHWData, LIB_FRU_ERR_NULL_POINTER);
     u8 ucDeviceID = 0;
     if (DeviceIDOf(uiComponentType, uiInstance, &ucDeviceID) != FRU_OK) {
         // Worded otherwise than in the read; that is meant.

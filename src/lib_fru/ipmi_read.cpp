@@ -27,14 +27,8 @@ i32 ReadFRUBytes(const FRU_DEVICE_INFO_S &stInfo, u16 usOffset, u8 ucCount, u8 *
 u32 LIB_FRU_GetFRUAreaInfo(const u8 *pucReq, u32 uiReqLen, u8 *pucRes)
 {
     (void)uiReqLen;
-    if (pucReq == nullptr) {
-        FRU_LOG_NULL("pucReq");
-        return FRU_ERROR_RES_LEN;
-    }
-    if (pucRes == nullptr) {
-        FRU_LOG_NULL("pucRes");
-        return FRU_ERROR_RES_LEN;
-    }
+    FRU_REQUIRE(pucReq, FRU_ERROR_RES_LEN);
+    FRU_REQUIRE(pucRes, FRU_ERROR_RES_LEN);
     // Whatever follows, an update sequence is open now.
     (void)FRU_DB_PutOperateFlag(1U);
     FRU_DEVICE_INFO_S stInfo = {};
@@ -53,14 +47,8 @@ u32 LIB_FRU_ReadFRUData(const u8 *pucReq, u8 ucReqLen, u8 *pucRes, u32 uiArg)
 {
     (void)ucReqLen; // the request always has 4 bytes
     (void)uiArg;
-    if (pucReq == nullptr) {
-        FRU_LOG_NULL("pucReq");
-        return FRU_ERROR_RES_LEN;
-    }
-    if (pucRes == nullptr) {
-        FRU_LOG_NULL("pucRes");
-        return FRU_ERROR_RES_LEN;
-    }
+    FRU_REQUIRE(pucReq, FRU_ERROR_RES_LEN);
+    FRU_REQUIRE(pucRes, FRU_ERROR_RES_LEN);
     FRU_DEVICE_INFO_S stInfo = {};
     if (FRU_DB_GetFRUDeviceInfo(pucReq[0], &stInfo) != FRU_OK) {
         FRU_LOG(FRU_CAT_DEVICE, BMC_DIAG_WARNING, "Fail to find FRU Device ID[%#x]!", pucReq[0]);

@@ -80,14 +80,8 @@ void FRU_NotifyDeviceChanged(const FRU_DEVICE_INFO_S *pstFRUInfo)
 u32 FRU_WriteFRUData(const u8 *pucReq, u32 uiReqLen, u8 *pucRes)
 {
     // The response comes first here, the request in the handlers; that is meant.
-    if (pucRes == nullptr) {
-        FRU_LOG_NULL("pucRes");
-        return FRU_ERROR_RES_LEN;
-    }
-    if (pucReq == nullptr) {
-        FRU_LOG_NULL("pucReq");
-        return FRU_ERROR_RES_LEN;
-    }
+    FRU_REQUIRE(pucRes, FRU_ERROR_RES_LEN);
+    FRU_REQUIRE(pucReq, FRU_ERROR_RES_LEN);
     if (uiReqLen < FRU_WRITE_REQ_HEADER_LEN) { // the header itself would be read past its end
         return FRU_Refuse(pucRes, FRU_CC_REQUEST_LENGTH);
     }
@@ -129,14 +123,8 @@ u32 FRU_WriteFRUData(const u8 *pucReq, u32 uiReqLen, u8 *pucRes)
 
 u32 LIB_FRU_WriteFRUData(const u8 *pucReq, u32 uiReqLen, u8 *pucRes)
 {
-    if (pucReq == nullptr) {
-        FRU_LOG_NULL("pucReq");
-        return FRU_ERROR_RES_LEN;
-    }
-    if (pucRes == nullptr) {
-        FRU_LOG_NULL("pucRes");
-        return FRU_ERROR_RES_LEN;
-    }
+    FRU_REQUIRE(pucReq, FRU_ERROR_RES_LEN);
+    FRU_REQUIRE(pucRes, FRU_ERROR_RES_LEN);
     if (uiReqLen <= FRU_WRITE_REQ_HEADER_LEN) {
         return FRU_Refuse(pucRes, FRU_CC_REQUEST_LENGTH);
     }

@@ -53,14 +53,8 @@ time_t LocalTime(const struct tm &stFields)
 
 u32 LIB_FRU_CaclMfgDateTime(const char *pcMfgDate, FRU_DATA_S *pstFRUData)
 {
-    if (pcMfgDate == nullptr) {
-        FRU_LOG_NULL("pcMfgDate");
-        return FRU_ERR_NULL_POINTER;
-    }
-    if (pstFRUData == nullptr) {
-        FRU_LOG_NULL("pstFRUData");
-        return FRU_ERR_NULL_POINTER;
-    }
+    FRU_REQUIRE(pcMfgDate, FRU_ERR_NULL_POINTER);
+    FRU_REQUIRE(pstFRUData, FRU_ERR_NULL_POINTER);
     struct tm stFields = {};
     // NOLINTNEXTLINE(cert-err34-c): what sscanf takes for a number is the interface
     const int iRet = sscanf(pcMfgDate, "%d-%d-%d %d:%d:%d", &stFields.tm_year, &stFields.tm_mon,
@@ -83,14 +77,8 @@ u32 LIB_FRU_CaclMfgDateTime(const char *pcMfgDate, FRU_DATA_S *pstFRUData)
 
 u32 LIB_FRU_FormatMfgDate(const u8 *pucMfgDate, u32 uiArg, char *pcFormatMfgDate)
 {
-    if (pucMfgDate == nullptr) {
-        FRU_LOG_NULL("pucMfgDate");
-        return FRU_ERR_NULL_POINTER;
-    }
-    if (pcFormatMfgDate == nullptr) {
-        FRU_LOG_NULL("pcFormatMfgDate");
-        return FRU_ERR_NULL_POINTER;
-    }
+    FRU_REQUIRE(pucMfgDate, FRU_ERR_NULL_POINTER);
+    FRU_REQUIRE(pcFormatMfgDate, FRU_ERR_NULL_POINTER);
     const u32 uiMinutes = static_cast<u32>(pucMfgDate[0]) | static_cast<u32>(pucMfgDate[1]) << 8U |
                           static_cast<u32>(pucMfgDate[2]) << 16U;
     const u32 uiRet =

@@ -126,10 +126,7 @@ void FillIfEmpty(char *pcName, u32 uiSize, const u8 *pucValue)
 
 void FRU_GetOEMConfBeforeDeal(FRU_OEM_CONF_S *pstOemConf)
 {
-    if (pstOemConf == nullptr) {
-        FRU_LOG_NULL("pstOemConf");
-        return;
-    }
+    FRU_REQUIRE_OR_LEAVE(pstOemConf);
     FRU_OEM_CONF_S stConf = {};
     u8 *const pucConf = reinterpret_cast<u8 *>(&stConf);
     void *hpd = BRIDGE_IniLoadFile(FRU_OEM_CONF_PATH);
@@ -150,10 +147,7 @@ void FRU_GetOEMConfBeforeDeal(FRU_OEM_CONF_S *pstOemConf)
 
 void FRU_GetOEMConf(FRU_OEM_CONF_S *pstOemConf)
 {
-    if (pstOemConf == nullptr) {
-        FRU_LOG_NULL("pstOemConf");
-        return;
-    }
+    FRU_REQUIRE_OR_LEAVE(pstOemConf);
     FRU_GetOEMConfBeforeDeal(pstOemConf);
     FRU_DATA_S stData = {};
     // A FRU that cannot be read leaves the names empty; no failure of it is told to the caller.

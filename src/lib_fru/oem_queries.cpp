@@ -22,10 +22,7 @@ constexpr const char *g_pcOemFile = "/mnt/sdmmc0p2/OEMFile";
 
 u32 LIB_FRU_GetCopyRight(i32 iType, char *pcCopyRight)
 {
-    if (pcCopyRight == nullptr) {
-        FRU_LOG_NULL("pcCopyRight");
-        return LIB_FRU_ERR_NULL_POINTER;
-    }
+    FRU_REQUIRE(pcCopyRight, LIB_FRU_ERR_NULL_POINTER);
     FRU_OEM_CONF_S stConf = {};
     FRU_GetOEMConfBeforeDeal(&stConf);
     if (iType == g_iCopyrightEn) {
@@ -43,10 +40,7 @@ u32 LIB_FRU_GetCopyRight(i32 iType, char *pcCopyRight)
 
 u32 LIB_FRU_CheckOEMFromPackage(u32 uiFlag, char *pcCheckResult)
 {
-    if (pcCheckResult == nullptr) {
-        FRU_LOG_NULL("pcCheckResult");
-        return LIB_FRU_ERR_NULL_POINTER;
-    }
+    FRU_REQUIRE(pcCheckResult, LIB_FRU_ERR_NULL_POINTER);
     FRU_OEM_CONF_S stConf = {};
     FRU_GetOEMConfBeforeDeal(&stConf);
     const u32 uiCheckArea = stConf.usCheckArea;
@@ -72,10 +66,7 @@ u32 LIB_FRU_CheckOEMFromPackage(u32 uiFlag, char *pcCheckResult)
 
 u32 FRU_GetProductManufacturer(u32 uiSize, char *pcProductManufacturer)
 {
-    if (pcProductManufacturer == nullptr) {
-        FRU_LOG_NULL("pcProductManufacturer");
-        return FRU_ERR_NULL_POINTER;
-    }
+    FRU_REQUIRE(pcProductManufacturer, FRU_ERR_NULL_POINTER);
     if (HW_LIB_GetOemFlag() != FRU_OEM_MODE) {
         return FRU_ERR_FAILED;
     }
@@ -91,10 +82,7 @@ u32 FRU_GetProductManufacturer(u32 uiSize, char *pcProductManufacturer)
 
 u32 FRU_CheckCharaIsLegal(char *pcValue)
 {
-    if (pcValue == nullptr) {
-        FRU_LOG_NULL("pcValue");
-        return FRU_ERR_NULL_POINTER;
-    }
+    FRU_REQUIRE(pcValue, FRU_ERR_NULL_POINTER);
     // The whole text is in upper case before any of it is judged.
     for (char *pcChar = pcValue; *pcChar != '\0'; ++pcChar) {
         if (*pcChar >= 'a' && *pcChar <= 'z') {

@@ -80,14 +80,8 @@ void FRU_SetOEMConf(void)
 
 void FRU_ReplaceOemConf(void *hpd, const char *pcStr1, const char *pcCurrent, const char *pcKey)
 {
-    if (hpd == nullptr) {
-        FRU_LOG_NULL("hpd");
-        return;
-    }
-    if (pcStr1 == nullptr) {
-        FRU_LOG_NULL("pcStr1");
-        return;
-    }
+    FRU_REQUIRE_OR_LEAVE(hpd);
+    FRU_REQUIRE_OR_LEAVE(pcStr1);
     // No report for the other two: without a current value every new one differs, without a key there is
     // nothing to set.
     if (pcKey == nullptr || (pcCurrent != nullptr && strcmp(pcStr1, pcCurrent) == 0)) {

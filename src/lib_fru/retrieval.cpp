@@ -132,10 +132,7 @@ u32 ReadAndDecode(const FRU_DEVICE_INFO_S &stInfo, u8 ucComponentType, u8 ucInst
 
 u32 LIB_FRU_GetFRUData(u8 ucComponentType, u8 ucInstance, u8 ucReadMode, u8 ucArg, FRU_DATA_S *pstFRUData)
 {
-    if (pstFRUData == nullptr) {
-        FRU_LOG_NULL("pstFRUData");
-        return LIB_FRU_ERR_NULL_POINTER;
-    }
+    FRU_REQUIRE(pstFRUData, LIB_FRU_ERR_NULL_POINTER);
     u8 ucDeviceID = 0;
     if (LIB_FRU_GetDeviceID(ucComponentType, ucInstance, &ucDeviceID) != FRU_OK) {
         FRU_LOG(FRU_CAT_DATA, BMC_DIAG_WARNING, "Fail to find ComponentType:%#x,Instance:%#x!",

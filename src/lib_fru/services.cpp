@@ -35,10 +35,7 @@ bool IsSuccess(const char *pcText)
 
 void LIB_FRU_GetTestResult(u8 *pucTestResultByte)
 {
-    if (pucTestResultByte == nullptr) {
-        FRU_LOG_NULL("pucTestResultByte");
-        return;
-    }
+    FRU_REQUIRE_OR_LEAVE(pucTestResultByte);
     FRU_DEVICE_TBL_S stTable = {};
     if (LIB_FRU_GetFRUDeviceTbl(&stTable) != FRU_OK) {
         FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_WARNING, "Fail to find fru device tbl!");
@@ -78,10 +75,7 @@ u32 LIB_FRU_GetFeatureInfoList(void)
 
 u32 LIB_FRU_UpdateFeatureInfo(const FRU_FEATURE_UPDATE_S *pstUpdateFRUFeatureInfo)
 {
-    if (pstUpdateFRUFeatureInfo == nullptr) {
-        FRU_LOG_NULL("pstUpdateFRUFeatureInfo");
-        return LIB_FRU_ERR_NULL_POINTER;
-    }
+    FRU_REQUIRE(pstUpdateFRUFeatureInfo, LIB_FRU_ERR_NULL_POINTER);
     const u32 uiRet = MRPC_Call(g_uiFeatureService, g_uiFeatureUpdateMethod, sizeof(*pstUpdateFRUFeatureInfo),
                                 pstUpdateFRUFeatureInfo, g_uiFeatureUpdateTimeoutMs, nullptr);
     if (uiRet != FRU_OK) {
@@ -93,10 +87,7 @@ u32 LIB_FRU_UpdateFeatureInfo(const FRU_FEATURE_UPDATE_S *pstUpdateFRUFeatureInf
 
 u32 FRU_UpdateEventWithStruct(const FRU_EVENT_S *pstUpdateEvent)
 {
-    if (pstUpdateEvent == nullptr) {
-        FRU_LOG_NULL("pstUpdateEvent");
-        return FRU_ERR_NULL_POINTER;
-    }
+    FRU_REQUIRE(pstUpdateEvent, FRU_ERR_NULL_POINTER);
     // The caller gets the RPC service's own code.
     return MRPC_Call(g_uiEventService, g_uiEventMethod, sizeof(*pstUpdateEvent), pstUpdateEvent, 0U, nullptr);
 }

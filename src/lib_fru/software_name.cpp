@@ -64,10 +64,7 @@ const char *FRU_GetSoftWareName(void)
 
 void FRU_GetHostNamePrefix(u32 uiSize, char *pcHostName)
 {
-    if (pcHostName == nullptr) {
-        FRU_LOG_NULL("pcHostName");
-        return;
-    }
+    FRU_REQUIRE_OR_LEAVE(pcHostName);
     char acPrefix[FRU_SOFTWARE_NAME_LEN] = {};
     if (HW_LIB_GetOemFlag() == FRU_OEM_MODE) {
         FRU_OEM_CONF_S stConf = {};

@@ -20,14 +20,8 @@ u32 Smaller(u32 uiLeft, u32 uiRight)
 u32 LIB_FRU_GetFRUDataFromEEPROM(u32 uiTotalLen, FRU_READ_REQ_S *pstFRUReadReq, u32 uiReqLen, u8 *pucFRUBuf,
                                  u32 uiArg)
 {
-    if (pucFRUBuf == nullptr) {
-        FRU_LOG_NULL("pucFRUBuf");
-        return FRU_ERR_NULL_POINTER;
-    }
-    if (pstFRUReadReq == nullptr) {
-        FRU_LOG_NULL("pstFRUReadReq");
-        return FRU_ERR_NULL_POINTER;
-    }
+    FRU_REQUIRE(pucFRUBuf, FRU_ERR_NULL_POINTER);
+    FRU_REQUIRE(pstFRUReadReq, FRU_ERR_NULL_POINTER);
     const FRU_BUFFER upResBuf(static_cast<u8 *>(FRU_MALLOC(g_uiResponseLen)));
     if (upResBuf == nullptr) {
         FRU_LOG(FRU_CAT_DATA, BMC_DIAG_WARNING, "Fail allocating memory!");

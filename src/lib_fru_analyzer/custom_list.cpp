@@ -5,10 +5,7 @@
 
 u32 FRU_GetCustomerFieldCount(const u8 *pucStartBuff, u32 uiSize, u8 *pucCount)
 {
-    if (pucStartBuff == nullptr) {
-        FRU_LOG_NULL("pucStartBuff");
-        return FRU_ERR_NULL_POINTER;
-    }
+    FRU_REQUIRE(pucStartBuff, FRU_ERR_NULL_POINTER);
     *pucCount = 0U;
     for (u32 uiAt = 0; uiAt < uiSize; uiAt += (pucStartBuff[uiAt] & FRU_FIELD_LENGTH_MASK) + 1U) {
         if (pucStartBuff[uiAt] == FRU_FIELD_END) {

@@ -125,10 +125,7 @@ u32 InterpretArea(const CUSTOM_AREA_S &stCustom, const FRU_DATA_S *pstFRUData,
 
 char *FRU_AllocCustomField(const char *pucCustomField, char *pcJoined)
 {
-    if (pucCustomField == nullptr) {
-        FRU_LOG_NULL("pucCustomField");
-        return nullptr;
-    }
+    FRU_REQUIRE(pucCustomField, nullptr);
     const size_t uiOld = pcJoined == nullptr ? 0U : strlen(pcJoined);
     const size_t uiField = strlen(pucCustomField);
     char *pcNew = static_cast<char *>(FRU_MALLOC(uiOld + uiField + 2U));
@@ -154,14 +151,8 @@ char *FRU_AllocCustomField(const char *pucCustomField, char *pcJoined)
 
 u32 FRU_ANALYZER_InterpretCustomField(const FRU_DATA_S *pstFRUData, FRU_CUSTOM_FIELD_S *pstFRUCustomField)
 {
-    if (pstFRUData == nullptr) {
-        FRU_LOG_NULL("pstFRUData");
-        return LIB_FRU_ERR_SIZE;
-    }
-    if (pstFRUCustomField == nullptr) {
-        FRU_LOG_NULL("pstFRUCustomField");
-        return LIB_FRU_ERR_SIZE;
-    }
+    FRU_REQUIRE(pstFRUData, LIB_FRU_ERR_SIZE);
+    FRU_REQUIRE(pstFRUCustomField, LIB_FRU_ERR_SIZE);
     for (const CUSTOM_AREA_S &stCustom : g_astCustomArea) {
         if (*FRU_MemberAt(pstFRUData, g_astFruArea[stCustom.uiArea].ucHeaderByte) == 0U) {
             continue;
@@ -178,10 +169,7 @@ u32 FRU_ANALYZER_InterpretCustomField(const FRU_DATA_S *pstFRUData, FRU_CUSTOM_F
 
 void FRU_ANALYZER_FreeCustomField(FRU_CUSTOM_FIELD_S *pstCustomField)
 {
-    if (pstCustomField == nullptr) {
-        FRU_LOG_NULL("pstCustomField");
-        return;
-    }
+    FRU_REQUIRE_OR_LEAVE(pstCustomField);
     FRU_FREE(pstCustomField->pcBoardCustomFields);
     FRU_FREE(pstCustomField->pcChassisCustomFields);
     FRU_FREE(pstCustomField->pcProductCustomFields);

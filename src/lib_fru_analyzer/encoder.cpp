@@ -42,10 +42,7 @@ i32 FRU_ConvertInternalUseArea(const FRU_DATA_S *pstFRUData, u32 uiRoom, u8 *puc
 
 u32 FRU_GetChassisAreaTypeValue(const char *pcDesc, u8 *pucType)
 {
-    if (pcDesc == nullptr) {
-        FRU_LOG_NULL("pcDesc");
-        return FRU_ERR_NULL_POINTER;
-    }
+    FRU_REQUIRE(pcDesc, FRU_ERR_NULL_POINTER);
     const FRU_CHASSIS_TYPE_S *pstType = FRU_FindChassisTypeByDesc(pcDesc);
     if (pstType == nullptr) {
         FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_WARNING, "Get chassis area type desc:%s failed!", pcDesc);
@@ -204,14 +201,8 @@ i32 ConvertAreas(const FRU_DATA_S *pstFRUData, u32 uiLength, u8 *pucBuf)
 
 i32 FRU_ANALYZER_ConvertToArray(const FRU_DATA_S *pstFRUData, u32 uiLength, u8 *pucBuf)
 {
-    if (pucBuf == nullptr) {
-        FRU_LOG_NULL("pucBuf");
-        return FRU_WRITE_FAILED;
-    }
-    if (pstFRUData == nullptr) {
-        FRU_LOG_NULL("pstFRUData");
-        return FRU_WRITE_FAILED;
-    }
+    FRU_REQUIRE(pucBuf, FRU_WRITE_FAILED);
+    FRU_REQUIRE(pstFRUData, FRU_WRITE_FAILED);
     if (uiLength < FRU_COMMON_HEADER_LEN) {
         FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_ERROR, "Invalid input length: %#x", uiLength);
         return FRU_WRITE_FAILED;

@@ -37,10 +37,7 @@ char *Duplicate(const char *pcText)
 
 char *FRU_ANALYZER_Escape(const char *pcStr)
 {
-    if (pcStr == nullptr) {
-        FRU_LOG_NULL("pcStr");
-        return nullptr;
-    }
+    FRU_REQUIRE(pcStr, nullptr);
     const size_t uiLength = strlen(pcStr);
     if (uiLength == 0U) {
         char *pcEmpty = Duplicate(pcStr);

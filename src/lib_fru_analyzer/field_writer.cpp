@@ -7,14 +7,8 @@
 
 i32 FRU_WriteFRUDataByLength(const u8 *pucData, u32 uiRoom, u32 uiCount, u8 *pucBuf)
 {
-    if (pucBuf == nullptr) {
-        FRU_LOG_NULL("pucBuf");
-        return FRU_WRITE_FAILED;
-    }
-    if (pucData == nullptr) {
-        FRU_LOG_NULL("pucData");
-        return FRU_WRITE_FAILED;
-    }
+    FRU_REQUIRE(pucBuf, FRU_WRITE_FAILED);
+    FRU_REQUIRE(pucData, FRU_WRITE_FAILED);
     if (uiCount > uiRoom) {
         FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_ERROR, "FRU data exceeds[%#x, %#x]", uiCount, uiRoom);
         return FRU_WRITE_FAILED;

@@ -13,14 +13,8 @@ constexpr u32 g_uiHalf = FRU_HW_DATA_LEN / 2U;
 
 u32 FRU_ANALYZER_InterpretALLHwFRUData(const u8 *pucBuff, u32 uiSize, FRU_HW_DATA_S *pstFruHwData)
 {
-    if (pucBuff == nullptr) {
-        FRU_LOG_NULL("pucBuff");
-        return LIB_FRU_ERR_SIZE;
-    }
-    if (pstFruHwData == nullptr) {
-        FRU_LOG_NULL("pstFruHwData");
-        return LIB_FRU_ERR_SIZE;
-    }
+    FRU_REQUIRE(pucBuff, LIB_FRU_ERR_SIZE);
+    FRU_REQUIRE(pstFruHwData, LIB_FRU_ERR_SIZE);
     if (uiSize != FRU_HW_DATA_LEN) {
         FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_ERROR, "Hw Fru size:%d is not valid!", uiSize);
         return LIB_FRU_ERR_SIZE;
@@ -38,14 +32,8 @@ u32 FRU_ANALYZER_InterpretALLHwFRUData(const u8 *pucBuff, u32 uiSize, FRU_HW_DAT
 
 u32 FRU_ANALYZER_ConvertToHwArray(FRU_HW_DATA_S *pstHwData, u32 uiSize, u8 *pucBuf)
 {
-    if (pucBuf == nullptr) {
-        FRU_LOG_NULL("pucBuf");
-        return LIB_FRU_ERR_SIZE;
-    }
-    if (pstHwData == nullptr) {
-        FRU_LOG_NULL("pstHwData");
-        return LIB_FRU_ERR_SIZE;
-    }
+    FRU_REQUIRE(pucBuf, LIB_FRU_ERR_SIZE);
+    FRU_REQUIRE(pstHwData, LIB_FRU_ERR_SIZE);
     if (uiSize != FRU_HW_DATA_LEN) {
         FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_ERROR, "Hw data size:%d is not valid!", uiSize);
         return LIB_FRU_ERR_SIZE;

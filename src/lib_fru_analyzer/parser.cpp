@@ -140,10 +140,7 @@ u32 GetInfoArea(const FRU_AREA_S &stArea, u32 uiOffset, const u8 *pucBuff, u32 u
 
 u32 FRU_ANALYZER_CheckValidHeader(const u8 *pstHeader)
 {
-    if (pstHeader == nullptr) {
-        FRU_LOG_NULL("pstHeader");
-        return LIB_FRU_ERR_SIZE;
-    }
+    FRU_REQUIRE(pstHeader, LIB_FRU_ERR_SIZE);
     if (pstHeader[0] != g_ucFormatVersion) {
         FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_WARNING, "Common header format version value:%#x invalid!",
                 pstHeader[0]);
@@ -158,14 +155,8 @@ u32 FRU_ANALYZER_CheckValidHeader(const u8 *pstHeader)
 
 u32 FRU_ANALYZER_InterpretFRUData(const u8 *pucBuff, u32 uiLength, FRU_DATA_S *pstFRUData)
 {
-    if (pucBuff == nullptr) {
-        FRU_LOG_NULL("pucBuff");
-        return LIB_FRU_ERR_SIZE;
-    }
-    if (pstFRUData == nullptr) {
-        FRU_LOG_NULL("pstFRUData");
-        return LIB_FRU_ERR_SIZE;
-    }
+    FRU_REQUIRE(pucBuff, LIB_FRU_ERR_SIZE);
+    FRU_REQUIRE(pstFRUData, LIB_FRU_ERR_SIZE);
     if (uiLength == 0U) {
         FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_ERROR, "Invalid input length: %#x", uiLength);
         return LIB_FRU_ERR_SIZE;

@@ -30,10 +30,7 @@ void FreeCustomFields(FRU_DATA_S *pstFRUData, const FRU_AREA_S &stArea)
 
 void FRU_ANALYZER_SafeFree(FRU_DATA_S *pstFRUData)
 {
-    if (pstFRUData == nullptr) {
-        FRU_LOG_NULL("pstFRUData");
-        return;
-    }
+    FRU_REQUIRE_OR_LEAVE(pstFRUData);
     FRU_FREE(pstFRUData->stInternalUseArea.pucData);
     for (const FRU_AREA_S &stArea : g_astFruArea) {
         if (stArea.usChassisType != 0U) {

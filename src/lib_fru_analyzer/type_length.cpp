@@ -53,10 +53,7 @@ void FRU_ParseByASCII6Bit(const u8 *pucData, u32 uiCount, char *pcOut)
 
 u32 FRU_GetStringFromType(const u8 *pucBuf, u32 uiLeft, u8 **ppucText, u8 *pucSize)
 {
-    if (pucBuf == nullptr) {
-        FRU_LOG_NULL("pucBuf");
-        return FRU_ERR_NULL_POINTER;
-    }
+    FRU_REQUIRE(pucBuf, FRU_ERR_NULL_POINTER);
     *ppucText = nullptr;
     *pucSize = 0U;
     if (uiLeft == 0U || (pucBuf[0] & FRU_FIELD_LENGTH_MASK) >= uiLeft) {

@@ -226,14 +226,8 @@ u32 Assemble(const FRU_DEVICE_INFO_S *pstFRUInfo, const FRU_ASSEMBLE_LABEL_S *ps
 
 u32 FRU_AssembleBin(const FRU_DEVICE_INFO_S *pstFRUInfo, const FRU_ASSEMBLE_LABEL_S *pstFRULabel)
 {
-    if (pstFRUInfo == nullptr) {
-        FRU_LOG_NULL("pstFRUInfo");
-        return FRU_ERR_NULL_POINTER;
-    }
-    if (pstFRULabel == nullptr) {
-        FRU_LOG_NULL("pstFRULabel");
-        return FRU_ERR_NULL_POINTER;
-    }
+    FRU_REQUIRE(pstFRUInfo, FRU_ERR_NULL_POINTER);
+    FRU_REQUIRE(pstFRULabel, FRU_ERR_NULL_POINTER);
     FRU_DATA_S stFRUData = {};
     const u32 uiRet = Assemble(pstFRUInfo, pstFRULabel, &stFRUData);
     FRU_ANALYZER_SafeFree(&stFRUData);

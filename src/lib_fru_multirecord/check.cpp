@@ -131,14 +131,8 @@ u32 CheckEeprom(const u8 *pucBuf, u32 *puiOutCount)
 
 u32 FRU_checkAllMultiRecords(const u8 *pucBuf, u32 uiCheckType, u32 *puiOutCount)
 {
-    if (pucBuf == nullptr) {
-        FRU_LOG_NULL("pucBuf");
-        return FRU_ERR_NULL_POINTER;
-    }
-    if (puiOutCount == nullptr) {
-        FRU_LOG_NULL("puiOutCount");
-        return FRU_ERR_NULL_POINTER;
-    }
+    FRU_REQUIRE(pucBuf, FRU_ERR_NULL_POINTER);
+    FRU_REQUIRE(puiOutCount, FRU_ERR_NULL_POINTER);
     switch (uiCheckType) {
     case FRU_MR_CHECK_MEMORY:
         return CheckMemory(pucBuf, puiOutCount);

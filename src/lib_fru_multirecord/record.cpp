@@ -63,14 +63,8 @@ bool FRU_isMultiRecordEqual(u8 ucLength, const u8 *pucData, const FRU_INNER_MR_S
 
 void FRU_ConvertGUIDToStandardOrder(const u8 *pstSrcBuf, u8 *pstDestBuf)
 {
-    if (pstSrcBuf == nullptr) {
-        FRU_LOG_NULL("pstSrcBuf");
-        return;
-    }
-    if (pstDestBuf == nullptr) {
-        FRU_LOG_NULL("pstDestBuf");
-        return;
-    }
+    FRU_REQUIRE_OR_LEAVE(pstSrcBuf);
+    FRU_REQUIRE_OR_LEAVE(pstDestBuf);
     u8 aucOrdered[FRU_MR_GUID_LEN];
     for (u32 i = 0; i < FRU_MR_GUID_LEN; ++i) {
         aucOrdered[i] = pstSrcBuf[g_aucGuidSource[i]];
@@ -114,14 +108,8 @@ FRU_INNER_MR_S *FRU_generateSingleInnerMultiRecord(const FRU_MR_PARAM_S *pstDest
 
 u32 FRU_addSingleMultiRecord(FRU_MULTIRECORD_S *pstFRUBuf, const FRU_INNER_MR_S *pstInnerBuf)
 {
-    if (pstFRUBuf == nullptr) {
-        FRU_LOG_NULL("pstFRUBuf");
-        return FRU_ERR_NULL_POINTER;
-    }
-    if (pstInnerBuf == nullptr) {
-        FRU_LOG_NULL("pstInnerBuf");
-        return FRU_ERR_NULL_POINTER;
-    }
+    FRU_REQUIRE(pstFRUBuf, FRU_ERR_NULL_POINTER);
+    FRU_REQUIRE(pstInnerBuf, FRU_ERR_NULL_POINTER);
     // A value of 255 bytes has the length byte 0 and ends in the guard.
     u8 *pucData = static_cast<u8 *>(FRU_MALLOC(FRU_roundMultiRecordSize(pstInnerBuf->ucRecordLength)));
     if (pucData == nullptr) {
@@ -136,10 +124,7 @@ u32 FRU_addSingleMultiRecord(FRU_MULTIRECORD_S *pstFRUBuf, const FRU_INNER_MR_S 
 
 u32 FRU_updateSingleMultiRecord(FRU_MULTIRECORD_S *pstDataBuf, const FRU_INNER_MR_S *pstInnerBuf)
 {
-    if (pstDataBuf == nullptr) {
-        FRU_LOG_NULL("pstDataBuf");
-        return FRU_ERR_NULL_POINTER;
-    }
+    FRU_REQUIRE(pstDataBuf, FRU_ERR_NULL_POINTER);
     u8 *pucData = pstDataBuf->pucRecordData;
     if (pucData == nullptr) {
         FRU_LOG_NULL("pstDataBuf->pucRecordData");

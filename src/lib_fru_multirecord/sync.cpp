@@ -180,10 +180,7 @@ u32 SyncQueued()
 u32 FRU_tellMultiRecordExistFlag(const FRU_MULTIRECORD_S *pstFRUBuf, const FRU_INNER_MR_S *pstInnerBuf,
                                  FRU_MR_PLACE_E *pePlace, u32 *puiIndex)
 {
-    if (pstInnerBuf == nullptr) {
-        FRU_LOG_NULL("pstInnerBuf");
-        return FRU_ERR_NULL_POINTER;
-    }
+    FRU_REQUIRE(pstInnerBuf, FRU_ERR_NULL_POINTER);
     *pePlace = FRU_MR_PLACE_NONE;
     for (u32 k = 0; k < FRU_MULTIRECORD_MAX; ++k) {
         *puiIndex = k;

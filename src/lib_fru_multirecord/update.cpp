@@ -107,14 +107,8 @@ u32 FRU_queryAndUpdateInnerMultiRecord(const FRU_INNER_MR_S *pstInner)
 
 u32 FRU_innerUpdateMultiRecord(const FRU_MR_PARAM_S *pstDestParam)
 {
-    if (pstDestParam == nullptr) {
-        FRU_LOG_NULL("pstDestParam");
-        return FRU_ERR_NULL_POINTER;
-    }
-    if (pstDestParam->pucBuf == nullptr) {
-        FRU_LOG_NULL("pstDestParam->pucBuf");
-        return FRU_ERR_NULL_POINTER;
-    }
+    FRU_REQUIRE(pstDestParam, FRU_ERR_NULL_POINTER);
+    FRU_REQUIRE(pstDestParam->pucBuf, FRU_ERR_NULL_POINTER);
     if (pstDestParam->uiLength == 0U) {
         FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_ERROR, "Illegal field param!");
         return FRU_MR_FAILED;

@@ -90,20 +90,14 @@ const DIAG_FRU_LABEL_S *FRU_FindLabelByID(u32 uiLabelID)
 
 u32 FindLabelIDByName(const char *pcLableName)
 {
-    if (pcLableName == nullptr) {
-        FRU_LOG_NULL("pcLableName");
-        return FRU_ERR_NULL_POINTER;
-    }
+    FRU_REQUIRE(pcLableName, FRU_ERR_NULL_POINTER);
     const DIAG_FRU_LABEL_S *pstLabel = FRU_FindLabelByName(pcLableName);
     return pstLabel == nullptr ? g_uiLabelNotFound : pstLabel->uiLabelID;
 }
 
 u32 FRU_GetPsuFieldIDByName(const char *pcLableName)
 {
-    if (pcLableName == nullptr) {
-        FRU_LOG_NULL("pcLableName");
-        return g_uiLabelNotFound;
-    }
+    FRU_REQUIRE(pcLableName, g_uiLabelNotFound);
     // The board label of the same name comes first: a match does not end the walk, a power-supply ID does.
     u32 uiFoundID = g_uiLabelNotFound;
     for (u32 i = 0; i < g_uiDIAG_FruLabelMaxNum; ++i) {
@@ -121,10 +115,7 @@ u32 FRU_GetPsuFieldIDByName(const char *pcLableName)
 
 u32 ConfirmElectroniclabelField(DIAG_ELECTRONIC_FIELD_S *pstElectronicField)
 {
-    if (pstElectronicField == nullptr) {
-        FRU_LOG_NULL("pstElectronicField");
-        return FRU_ERR_NULL_POINTER;
-    }
+    FRU_REQUIRE(pstElectronicField, FRU_ERR_NULL_POINTER);
     for (u32 i = 0; i < g_uiFieldRows; ++i) {
         const DIAG_ELECTRONIC_FIELD_S &stRow = g_astDIAG_ElectronicField[i];
         if (stRow.ucFieldFlag == pstElectronicField->ucFieldFlag) {

@@ -26,10 +26,7 @@ void CopyVersions(FRU_HW_BOARD_INFO_S *pstBoard, const char *pcValue)
 // Its codes are not those of LIB_FRU_WriteElectronicLabel(); callers know both.
 u32 LIB_FRU_WriteHWInfo(FRU_SET_PARA_S *pstFRUSetPara)
 {
-    if (pstFRUSetPara == nullptr) {
-        FRU_LOG_NULL("pstFRUSetPara");
-        return FRU_ERR_NULL_POINTER;
-    }
+    FRU_REQUIRE(pstFRUSetPara, FRU_ERR_NULL_POINTER);
     const u8 ucType = pstFRUSetPara->ucComponentType;
     const u8 ucInstance = pstFRUSetPara->ucInstance;
     FRU_DEVICE_INFO_S stFRUInfo;

@@ -24,17 +24,13 @@ constexpr long g_lMaxLanguage = 136L;
 // Unfilled date, unfilled date and time, zero-filled date, zero-filled date and time. A date is wholly the
 // one or wholly the other; February has 29 days in every year.
 const char *const g_apcDatePatterns[] = {
-    "^[0-9]{4}-((([13578]|(10|12))-([1-9]|[1-2][0-9]|3[0-1]))|(2-([1-9]|[1-2][0-9]))|(([469]|11)-([1-9]|[1-2]"
-    "["
-    "0-9]|30)))$",
-    "^[0-9]{4}-((([13578]|(10|12))-([1-9]|[1-2][0-9]|3[0-1]))|(2-([1-9]|[1-2][0-9]))|(([469]|11)-([1-9]|[1-2]"
-    "["
-    "0-9]|30))) ([0-9]|[1][0-9]|2[0-3]):([0-9]|[1-5][0-9]):([0-9]|[1-5][0-9])$",
-    "^[0-9]{4}-(((0[13578]|(10|12))-(0[1-9]|[1-2][0-9]|3[0-1]))|(02-(0[1-9]|[1-2][0-9]))|((0[469]|11)-(0[1-9]"
-    "|"
+    "^[0-9]{4}-((([13578]|(10|12))-([1-9]|[1-2][0-9]|3[0-1]))|(2-([1-9]|[1-2][0-9]))|(([469]|11)-([1-9]|"
     "[1-2][0-9]|30)))$",
-    "^[0-9]{4}-(((0[13578]|(10|12))-(0[1-9]|[1-2][0-9]|3[0-1]))|(02-(0[1-9]|[1-2][0-9]))|((0[469]|11)-(0[1-9]"
-    "|"
+    "^[0-9]{4}-((([13578]|(10|12))-([1-9]|[1-2][0-9]|3[0-1]))|(2-([1-9]|[1-2][0-9]))|(([469]|11)-([1-9]|"
+    "[1-2][0-9]|30))) ([0-9]|[1][0-9]|2[0-3]):([0-9]|[1-5][0-9]):([0-9]|[1-5][0-9])$",
+    "^[0-9]{4}-(((0[13578]|(10|12))-(0[1-9]|[1-2][0-9]|3[0-1]))|(02-(0[1-9]|[1-2][0-9]))|((0[469]|11)-(0[1-9]|"
+    "[1-2][0-9]|30)))$",
+    "^[0-9]{4}-(((0[13578]|(10|12))-(0[1-9]|[1-2][0-9]|3[0-1]))|(02-(0[1-9]|[1-2][0-9]))|((0[469]|11)-(0[1-9]|"
     "[1-2][0-9]|30))) (0[0-9]|[1][0-9]|2[0-3]):(0[0-9]|[1-5][0-9]):(0[0-9]|[1-5][0-9])$",
 };
 const char g_acDateBound[] = "2025-12-31";
@@ -151,10 +147,7 @@ bool IsNormal(const VALUE_RULE_S &stRule, const char *pcName, char *pcValue)
 
 u32 checkRegularExpressionCorrect(const char *pcValue, const char *pcPattern)
 {
-    if (pcValue == nullptr) {
-        FRU_LOG_NULL("pcValue");
-        return 0U;
-    }
+    FRU_REQUIRE(pcValue, 0U);
     regex_t stRegex;
     if (regcomp(&stRegex, pcPattern, REG_EXTENDED) != 0) {
         return 0U;
@@ -167,10 +160,7 @@ u32 checkRegularExpressionCorrect(const char *pcValue, const char *pcPattern)
 
 u32 isLabelNameValid(const FRU_SET_PARA_S *pstFRUSetPara)
 {
-    if (pstFRUSetPara == nullptr) {
-        FRU_LOG_NULL("pstFRUSetPara");
-        return 0U;
-    }
+    FRU_REQUIRE(pstFRUSetPara, 0U);
     DIAG_ELECTRONIC_FIELD_S stField = {};
     stField.ucFieldFlag = pstFRUSetPara->ucFieldFlag;
     if (ConfirmElectroniclabelField(&stField) != FRU_OK) {
@@ -194,10 +184,7 @@ u32 isLabelNameValid(const FRU_SET_PARA_S *pstFRUSetPara)
 
 i32 isLabelValueMfgDateNormal(const char *pcValue)
 {
-    if (pcValue == nullptr) {
-        FRU_LOG_NULL("pcValue");
-        return 0;
-    }
+    FRU_REQUIRE(pcValue, 0);
     const u32 bRetNotFill = checkRegularExpressionCorrect(pcValue, g_apcDatePatterns[0]);
     const u32 bRetNotFillExt = checkRegularExpressionCorrect(pcValue, g_apcDatePatterns[1]);
     const u32 bRetFill = checkRegularExpressionCorrect(pcValue, g_apcDatePatterns[2]);
@@ -220,14 +207,8 @@ i32 isLabelValueMfgDateNormal(const char *pcValue)
 
 u32 isLabelValueValid(const char *pcName, char *pcValue, i32 iValueLen, u32 uiComponentType)
 {
-    if (pcName == nullptr) {
-        FRU_LOG_NULL("pcName");
-        return 0U;
-    }
-    if (pcValue == nullptr) {
-        FRU_LOG_NULL("pcValue");
-        return 0U;
-    }
+    FRU_REQUIRE(pcName, 0U);
+    FRU_REQUIRE(pcValue, 0U);
     // The measured length decides; the message shows the caller's, and an unknown name is a bad size too.
     const DIAG_FRU_LABEL_S *pstLabel = FRU_FindLabelByName(pcName);
     if (pstLabel == nullptr || !LengthFits(*pstLabel, pcValue, uiComponentType)) {

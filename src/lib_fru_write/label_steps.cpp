@@ -76,10 +76,7 @@ u8 *FRU_MallocLabelValue(const FRU_SET_PARA_S *pstFRUSetPara)
     const u32 uiLength = pstFRUSetPara->uiLabelValueLen;
     const u32 uiSize = uiLength + 1U;
     u8 *pucLabelValue = static_cast<u8 *>(FRU_MALLOC(uiSize));
-    if (pucLabelValue == nullptr) {
-        FRU_LOG_NULL("pucLabelValue");
-        return nullptr;
-    }
+    FRU_REQUIRE(pucLabelValue, nullptr);
     // A length that is not the text's own neither reads past the block nor costs the copy its terminator.
     const size_t uiBlock = sizeof(pstFRUSetPara->acLabelValue);
     (void)memcpy(pucLabelValue, pstFRUSetPara->acLabelValue, uiLength < uiBlock ? uiLength : uiBlock);
@@ -114,10 +111,7 @@ u32 FRU_GetElectronicLabel(const FRU_SET_PARA_S *pstFRUSetPara, FRU_DATA_S *pstF
 
 u32 FRU_CheckElectronicLabel(FRU_SET_PARA_S *pstFRUSetPara)
 {
-    if (pstFRUSetPara == nullptr) {
-        FRU_LOG_NULL("pstFRUSetPara");
-        return FRU_ERR_NULL_POINTER;
-    }
+    FRU_REQUIRE(pstFRUSetPara, FRU_ERR_NULL_POINTER);
     if (isLabelNameValid(pstFRUSetPara) != 1U) {
         char acName[sizeof(pstFRUSetPara->acLabelName) + 1U];
         FRU_CopyMember(acName, pstFRUSetPara->acLabelName, sizeof(pstFRUSetPara->acLabelName));
@@ -188,10 +182,7 @@ i32 FRU_SetElectronicLabel(const FRU_SET_PARA_S *pstFRUSetPara, const FRU_DATA_S
 
 void FRU_UpdateFRUInfo(u32 uiLabelID, const char *pcLabelValue, u32 uiLabelValueLen)
 {
-    if (pcLabelValue == nullptr) {
-        FRU_LOG_NULL("pcLabelValue");
-        return;
-    }
+    FRU_REQUIRE_OR_LEAVE(pcLabelValue);
     if (uiLabelID != g_uiProductSerialNumberID) {
         return;
     }

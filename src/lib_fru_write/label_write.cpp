@@ -43,10 +43,7 @@ void LogRequest(const FRU_SET_PARA_S *pstFRUSetPara)
 
 u32 LIB_FRU_WriteElectronicLabel(FRU_SET_PARA_S *pstFRUSetPara)
 {
-    if (pstFRUSetPara == nullptr) {
-        FRU_LOG_NULL("pstFRUSetPara");
-        return LIB_FRU_ERR_NULL_POINTER;
-    }
+    FRU_REQUIRE(pstFRUSetPara, LIB_FRU_ERR_NULL_POINTER);
     pstFRUSetPara->uiLabelValueLen =
         static_cast<u32>(strnlen(pstFRUSetPara->acLabelValue, sizeof(pstFRUSetPara->acLabelValue)));
     FRU_DEVICE_INFO_S stFRUInfo;

@@ -58,10 +58,7 @@ u32 FRU_WriteLabelToFile(const char *pcWriteBuf, u32 uiLength)
 
 u32 LIB_FRU_WritePSNToFile(const char *pcWriteBuf, u32 uiLength)
 {
-    if (pcWriteBuf == nullptr) {
-        FRU_LOG_NULL("pcWriteBuf");
-        return FRU_ERR_NULL_POINTER;
-    }
+    FRU_REQUIRE(pcWriteBuf, FRU_ERR_NULL_POINTER);
     if (BMC_CheckDirVaildStatus(g_acDirectory) != g_uiDirectoryUsable) {
         // A directory that cannot be made shows in the opening of the file.
         (void)BMC_Mkdir(g_acDirectory);
@@ -83,10 +80,7 @@ u32 LIB_FRU_WritePSNToFile(const char *pcWriteBuf, u32 uiLength)
 
 u32 FRU_UpdateProductSN(const char *pcLabelValue, u32 uiLength)
 {
-    if (pcLabelValue == nullptr) {
-        FRU_LOG_NULL("pcLabelValue");
-        return FRU_ERR_NULL_POINTER;
-    }
+    FRU_REQUIRE(pcLabelValue, FRU_ERR_NULL_POINTER);
     const u32 uiResult = LIB_FRU_WritePSNToFile(pcLabelValue, uiLength);
     if (uiResult != FRU_OK) {
         FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_WARNING, "Write PSN To File failed! Ret:%#x.", uiResult);
@@ -98,10 +92,7 @@ u32 FRU_UpdateProductSN(const char *pcLabelValue, u32 uiLength)
 // The size comes before the buffer, unlike in the writer; both orders are public.
 u32 LIB_FRU_GetPSNFromFile(u32 uiSize, char *pcPSNName)
 {
-    if (pcPSNName == nullptr) {
-        FRU_LOG_NULL("pcPSNName");
-        return FRU_ERR_NULL_POINTER;
-    }
+    FRU_REQUIRE(pcPSNName, FRU_ERR_NULL_POINTER);
     if (!FRU_FileExists(g_acPrimaryFile)) {
         return FRU_ERR_FILE_MISSING;
     }
