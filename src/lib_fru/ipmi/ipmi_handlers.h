@@ -1,0 +1,46 @@
+// Private to lib_fru: what the IPMI FRU command handlers share, and the core of Write FRU Data.
+//
+// The handlers never return a status: a failure is a response of one byte, its completion code.
+#ifndef LIB_FRU_IPMI_HANDLERS_H
+#define LIB_FRU_IPMI_HANDLERS_H
+
+#include "lib_fru_types.h"
+
+// Completion codes (IPMI 2.0, table 5-2; 0x81 is the command's own).
+#define FRU_CC_OK 0x00U
+#define FRU_CC_ACCESS_FAILED 0x81U
+#define FRU_CC_REQUEST_LENGTH 0xC7U
+#define FRU_CC_COUNT_EXCEEDS 0xC9U
+#define FRU_CC_NOT_PRESENT 0xCBU
+#define FRU_CC_OFFSET_EXCEEDS 0xCCU
+
+#define FRU_WRITE_REQ_HEADER_LEN 3U // device ID, offset low byte, offset high byte
+
+#define FRU_ERROR_RES_LEN 1U // an error's response: the completion code alone
+
+inline u32 FRU_Refuse(u8 *pucRes, u8 ucCompletionCode)
+{
+    pucRes[0] = ucCompletionCode;
+    return FRU_ERROR_RES_LEN;
+}
+
+inline u16 FRU_RequestOffset(const u8 *pucReq)
+{
+    return static_cast<u16>(pucReq[1] | (pucReq[2] << 8U));
+}
+
+// The start offset moves the FRU inside the EEPROM; the sum wraps at 64 KiB as the EEPROM's address does.
+inline u16 FRU_EepromOffset(const FRU_DEVICE_INFO_S &stInfo, u16 usOffset)
+{
+    return static_cast<u16>(stInfo.usStartOffset + usOffset);
+}
+
+// Log source of everything that this library has to say to the operation log.
+#define FRU_OPERATELOG_SOURCE 12U
+
+// Writes uiReqLen - 3 bytes from pucReq + 3 to the device, patches its cached image and tells the controller.
+// Fills pucRes (2 bytes: completion code, count) and returns the response length: 2, or 1 on an error; null
+// pointers give 1 without a completion code.
+u32 FRU_WriteFRUData(const u8 *pucReq, u32 uiReqLen, u8 *pucRes);
+
+#endif

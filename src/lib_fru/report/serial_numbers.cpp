@@ -1,0 +1,118 @@
+// One serial number of the baseboard or of the management card, along the normal or the direct path.
+#include "lib_fru/lib_fru_module.h"
+#include "lib_fru_access.h"
+#include "lib_fru_codec.h"
+#include "lib_fru_hardware.h"
+
+namespace {
+
+constexpr u8 g_ucBaseboard = 0x00U;
+constexpr u8 g_ucBmcCard = 0x30U;
+constexpr u8 g_ucInstance = 0U;
+constexpr u8 g_ucReadMode = 1U; // no recovery
+constexpr u8 g_ucReadArg = 1U;
+
+const u8 *ChassisSerial(const FRU_DATA_S &stData)
+{
+    return stData.stChassisInfo.pucChassisSerialNum;
+}
+
+const u8 *BoardSerial(const FRU_DATA_S &stData)
+{
+    return stData.stBoardInfo.pucBoardSerialNum;
+}
+
+const u8 *ProductSerial(const FRU_DATA_S &stData)
+{
+    return stData.stProductInfo.pucProductSerialNum;
+}
+
+u32 FetchNormally(u8 ucComponentType, FRU_DATA_S *pstFRUData)
+{
+    return LIB_FRU_GetFRUData(ucComponentType, g_ucInstance, g_ucReadMode, g_ucReadArg, pstFRUData);
+}
+
+u32 FetchDirectly(u8 ucComponentType, FRU_DATA_S *pstFRUData)
+{
+    return LIB_FRU_GetBaseboardFRUDataByI2C(ucComponentType, pstFRUData);
+}
+
+// A serial number: the getter that gives it out, the null-pointer report of its output, and where it is.
+struct SERIAL_SOURCE_S
+{
+    const char *pcGetter;
+    const char *pcNullFormat;
+    u32 (*pfnFetch)(u8 ucComponentType, FRU_DATA_S *pstFRUData);
+    u8 ucComponentType;
+    const u8 *(*pfnField)(const FRU_DATA_S &stData);
+};
+
+// Copies the serial number of a source into a caller's buffer; untouched when the record cannot be had.
+u32 CopySerial(const SERIAL_SOURCE_S &stSource, u32 uiSize, char *pcOut)
+{
+    if (pcOut == nullptr) {
+        FRU_ReportNull(stSource.pcNullFormat, FRU_DIAG_FILE, stSource.pcGetter, __LINE__);
+        return LIB_FRU_ERR_NULL_POINTER;
+    }
+    FRU_DATA_S stData = {};
+    const u32 uiRet = stSource.pfnFetch(stSource.ucComponentType, &stData);
+    if (uiRet != FRU_OK) {
+        if (stSource.ucComponentType == g_ucBmcCard) {
+            FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_WARNING, "Fail to get BMC card fru data! Ret:%#x", uiRet);
+        } else {
+            FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_WARNING, "Fail to get baseboard fru data! Ret:%#x", uiRet);
+        }
+        FRU_ANALYZER_SafeFree(&stData);
+        return LIB_FRU_ERR_READ;
+    }
+    (void)BMC_Strlcpy(pcOut, reinterpret_cast<const char *>(stSource.pfnField(stData)), uiSize);
+    FRU_ANALYZER_SafeFree(&stData);
+    return FRU_OK;
+}
+
+} // namespace
+
+u32 LIB_FRU_GetBaseboardChassisSN(u32 uiSize, char *pucChassisSN)
+{
+    return CopySerial(
+        {__func__, FRU_NULL_FORMAT("pucChassisSN"), FetchNormally, g_ucBaseboard, ChassisSerial}, uiSize,
+        pucChassisSN);
+}
+
+u32 LIB_FRU_GetBaseboardProductSN(u32 uiSize, char *pucProductSN)
+{
+    return CopySerial(
+        {__func__, FRU_NULL_FORMAT("pucProductSN"), FetchNormally, g_ucBaseboard, ProductSerial}, uiSize,
+        pucProductSN);
+}
+
+u32 LIB_FRU_GetMainBoardSN(u32 uiSize, char *pucBoardSN)
+{
+    return CopySerial({__func__, FRU_NULL_FORMAT("pucBoardSN"), FetchNormally, g_ucBaseboard, BoardSerial},
+                      uiSize, pucBoardSN);
+}
+
+u32 LIB_FRU_GetBmcCardSN(u32 uiSize, char *pucBoardSN)
+{
+    return CopySerial({__func__, FRU_NULL_FORMAT("pucBoardSN"), FetchNormally, g_ucBmcCard, BoardSerial},
+                      uiSize, pucBoardSN);
+}
+
+u32 LIB_FRU_GetBaseboardProductSNByI2C(u32 uiSize, char *pucProductSN)
+{
+    return CopySerial(
+        {__func__, FRU_NULL_FORMAT("pucProductSN"), FetchDirectly, g_ucBaseboard, ProductSerial}, uiSize,
+        pucProductSN);
+}
+
+u32 LIB_FRU_GetMainBoardSNByI2C(u32 uiSize, char *pucBoardSN)
+{
+    return CopySerial({__func__, FRU_NULL_FORMAT("pucBoardSN"), FetchDirectly, g_ucBaseboard, BoardSerial},
+                      uiSize, pucBoardSN);
+}
+
+u32 LIB_FRU_GetBmcCardSNByI2C(u32 uiSize, char *pucBoardSN)
+{
+    return CopySerial({__func__, FRU_NULL_FORMAT("pucBoardSN"), FetchDirectly, g_ucBmcCard, BoardSerial},
+                      uiSize, pucBoardSN);
+}
