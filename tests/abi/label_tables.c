@@ -50,6 +50,18 @@ static ROW_S ReadRow(u32 uiIndex)
     return stRow;
 }
 
+/* By name, so that this program's own idea of each address is what the table is held against. */
+static const SETTER g_apfnSetter[] = {
+    setChassisType,         setChassisPartNum,         setChassisSerialNum,   setChassisCustomerSerialNum,
+    setChassisMACAddress,   setChassisMACAddressCount, setChassisClEICode,    setChassisLocationNodeID,
+    setBoardLanuageCode,    setBoardMfgDate,           setBoardManufacturer,  setBoardProductName,
+    setBoardSerialNumber,   setBoardPartNumber,        setBoardFRUFileID,     setBoardTopSerialNumber,
+    setProductLanguageCode, setProductManufacturer,    setProductProductName, setProductSerialNumber,
+    setProductPartNumber,   setProductVersion,         setProductAssetTag,    setProductFRUFileID,
+    setProductNodeType,     setProductNodePSU,         setProductNodeNetwork, setProductNodePower,
+};
+#define SETTERS (sizeof(g_apfnSetter) / sizeof(g_apfnSetter[0]))
+
 static void WalkLabels(void)
 {
     u32 i;
@@ -68,6 +80,7 @@ static void WalkLabels(void)
         EXPECT(stRow.uiMinLen <= stRow.uiMaxLen && stRow.uiMaxLen <= 63U);
         EXPECT(stRow.ucNoneAllowed <= 1U);
         EXPECT((stRow.pfnSetLabel != NULL) == (stRow.uiLabelID <= 28U));
+        EXPECT(stRow.pfnSetLabel == (i < SETTERS ? g_apfnSetter[i] : (SETTER)NULL));
         EXPECT(stRow.pReserved == NULL);
         EXPECT(stRow.uiLabelID > 29U ? uiFoundID >= 10U && uiFoundID <= 14U : uiFoundID == stRow.uiLabelID);
         uiLastID = stRow.uiLabelID;
