@@ -5,7 +5,8 @@ usage: check_exports.py NM READELF LIBRARY VERSION_SCRIPT INCLUDE_DIR [--sanitiz
 
 The names of the version script, those that the built library exports and those that the public headers declare
 are the same set; the label tables lie where other processes expect them; and the library needs the C library
-and its platform, nothing of the C++ runtime. A sanitized build needs more, and only its exports are compared.
+and its platform, nothing of the C++ runtime and no file call with 32-bit sizes. A sanitized build needs more, and
+only its exports are compared.
 """
 import pathlib
 import re
@@ -20,6 +21,8 @@ TABLES = {
     "g_uiDIAG_ElectronicFieldMaxNum": "R",
 }
 NEEDED = re.compile(r"^(libc\.so\.\d+|libbmcfruhost\.so(\.\d+)*|ld-linux[\w.-]*\.so\.\d+)$")
+# Calls that fail on 32 bits for a file beyond 2 GiB or an inode number beyond 32 bits; their namesakes end in 64.
+NARROW = {"fopen", "freopen", "open", "openat", "fstat", "stat", "lstat", "fstatat", "lseek", "fseeko", "ftello"}
 CXX_RUNTIME = re.compile(r"^(_Z|__cxa_(?!finalize)|__gxx_|_Unwind_)")
 
 
@@ -73,6 +76,8 @@ def main():
         for strName in symbols(strNm, strLibrary, "--undefined-only"):
             if CXX_RUNTIME.match(strName):
                 asProblems.append(f"{strName}: of the C++ runtime")
+            if strName in NARROW:
+                asProblems.append(f"{strName}: knows only 32-bit file sizes on 32 bits")
     print("\n".join(asProblems))
     print(f"{len(dExported)} exported, {len(setScript)} promised, needs {' '.join(asNeeded)}")
     sys.exit(1 if asProblems else 0)

@@ -18,18 +18,18 @@
 namespace fs = std::filesystem;
 
 extern "C" {
-FILE *__real_fopen(const char *pcPath, const char *pcMode);
+FILE *__real_fopen64(const char *pcPath, const char *pcMode);
 size_t __real_fread(void *pData, size_t uiSize, size_t uiCount, FILE *pstFile);
 size_t __real_fwrite(const void *pData, size_t uiSize, size_t uiCount, FILE *pstFile);
 int __real_fclose(FILE *pstFile);
-int __real_fstat(int iFile, struct stat *pstStat);
+int __real_fstat64(int iFile, struct stat *pstStat);
 int __real_fchmod(int iFile, mode_t uiMode);
 int __real_access(const char *pcPath, int iMode);
-FILE *__wrap_fopen(const char *pcPath, const char *pcMode);
+FILE *__wrap_fopen64(const char *pcPath, const char *pcMode);
 size_t __wrap_fread(void *pData, size_t uiSize, size_t uiCount, FILE *pstFile);
 size_t __wrap_fwrite(const void *pData, size_t uiSize, size_t uiCount, FILE *pstFile);
 int __wrap_fclose(FILE *pstFile);
-int __wrap_fstat(int iFile, struct stat *pstStat);
+int __wrap_fstat64(int iFile, struct stat *pstStat);
 int __wrap_fchmod(int iFile, mode_t uiMode);
 int __wrap_access(const char *pcPath, int iMode);
 }
@@ -119,16 +119,16 @@ using fake::HOW_E;
 using fake::Journal;
 using fake::KIND_E;
 
-FILE *__wrap_fopen(const char *pcPath, const char *pcMode)
+FILE *__wrap_fopen64(const char *pcPath, const char *pcMode)
 {
     if (!fake::IsControllers(pcPath)) {
-        return __real_fopen(pcPath, pcMode);
+        return __real_fopen64(pcPath, pcMode);
     }
     FILE *pstFile = nullptr;
     if (Fault(KIND_E::FILE_CALL)) {
         errno = EACCES;
     } else {
-        pstFile = __real_fopen(fake::RealPath(pcPath).c_str(), pcMode);
+        pstFile = __real_fopen64(fake::RealPath(pcPath).c_str(), pcMode);
     }
     Journal("fopen %s %s -> %s", pcPath, pcMode, pstFile == nullptr ? "null" : "open");
     return pstFile;
@@ -165,13 +165,13 @@ int __wrap_fclose(FILE *pstFile)
     return iResult;
 }
 
-int __wrap_fstat(int iFile, struct stat *pstStat)
+int __wrap_fstat64(int iFile, struct stat *pstStat)
 {
     if (Fault(KIND_E::FILE_CALL)) {
         errno = EIO;
         return -1;
     }
-    return __real_fstat(iFile, pstStat);
+    return __real_fstat64(iFile, pstStat);
 }
 
 int __wrap_fchmod(int iFile, mode_t uiMode)
