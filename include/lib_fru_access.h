@@ -1,5 +1,5 @@
 /*
- * libbmcfru, access: device table, device I/O, IPMI handlers, retrieval, array write and clear.
+ * libbmcfru, access: device table, device I/O, retrieval, array write and clear.
  *
  * A component is named by its type and instance; the device table in the database turns them into a FRU
  * device ID, the device information record says where the device is. Both are fetched anew by every call.
@@ -16,6 +16,13 @@
 extern "C" {
 #endif
 #pragma GCC visibility push(default)
+
+/* ---- components with a meaning of their own */
+
+#define FRU_COMPONENT_BASEBOARD 0x00U /* its instance 0 is the main FRU */
+#define FRU_COMPONENT_BMC_CARD 0x30U
+#define FRU_INSTANCE_MAIN 0U
+#define FRU_DEVICE_ID_BASEBOARD 0U
 
 /* ---- device table */
 
@@ -57,43 +64,10 @@ u32 LIB_FRU_GetFRUTotalNum(u8 *pucFRUTotalNum);
 /*
  * Reads uiLength bytes at usOffset of the EEPROM (not of the FRU: the record's start offset is not added)
  * into pucBuf. Returns the bytes read, fewer than uiLength at the EEPROM's end, or a negative value: the
- * codes FRU_ERR_NULL_POINTER, FRU_ERR_FAILED (EEPROM type not within 9 to 15) and FRU_ERR_OUT_OF_RANGE (bus
- * number above 15) as i32, or the result of the EEPROM access.
+ * codes FRU_ERR_NULL_POINTER, FRU_ERR_FAILED (EEPROM type not within FRU_EEPROM_TYPE_MIN to ..._MAX) and
+ * FRU_ERR_OUT_OF_RANGE (bus number above FRU_BUS_NUMBER_MAX) as i32, or the result of the EEPROM access.
  */
 i32 LIB_FRU_ReadFromEEPROM(const FRU_DEVICE_INFO_S *pstFRUInfo, u16 usOffset, u32 uiLength, u8 *pucBuf);
-
-/* ---- IPMI FRU commands
- *
- * Handlers: request bytes in, response bytes out, multi-byte fields little-endian (IPMI 2.0, section 34).
- * They return the length of the response, which is 1 (the completion code alone) on an error; null pointers
- * return 1 as well and write nothing. Completion codes: 0x00 success; 0x81 the device could not be accessed;
- * 0xC7 request too short; 0xC9 count beyond the end of the FRU; 0xCB no such device, or its cached image
- * missing where only the cache may serve; 0xCC offset beyond the end of the FRU.
- */
-
-/*
- * Get FRU Inventory Area Info (section 34.1). Request: device ID (1 byte; uiReqLen is not looked at).
- * Response (4 bytes): completion code, FRU size, access type. Opens an update sequence: the operate flag
- * becomes 1, also when the device does not exist.
- */
-u32 LIB_FRU_GetFRUAreaInfo(const u8 *pucReq, u32 uiReqLen, u8 *pucRes);
-
-/*
- * Read FRU Data (section 34.2). Request: FRU_READ_REQ_S, always 4 bytes (ucReqLen and uiArg are not looked
- * at). Response (2 bytes and the data; pucRes holds 2 bytes and the requested count, so at most 257):
- * completion code, count returned, data. The cached image answers when the device is database-only or when
- * its cache can be trusted and read; else the device does. A read of exactly 203 bytes answers 0xCB.
- */
-u32 LIB_FRU_ReadFRUData(const u8 *pucReq, u8 ucReqLen, u8 *pucRes, u32 uiArg);
-
-/*
- * Write FRU Data (section 34.3). Request (uiReqLen bytes): device ID, offset (2 bytes), data. Response (2
- * bytes): completion code, count written. The device is written first; then its cached image is patched and
- * the controller's services are told, neither of which can fail the command. The first write after Get FRU
- * Inventory Area Info makes one entry in the operation log, of a success or a failure, and closes the
- * sequence; an entry that could not be made leaves it to the next write.
- */
-u32 LIB_FRU_WriteFRUData(const u8 *pucReq, u32 uiReqLen, u8 *pucRes);
 
 /*
  * Reads uiTotalLen bytes of a FRU into pucFRUBuf through LIB_FRU_ReadFRUData(). *pstFRUReadReq names the
@@ -109,11 +83,19 @@ u32 LIB_FRU_GetFRUDataFromEEPROM(u32 uiTotalLen, FRU_READ_REQ_S *pstFRUReadReq, 
 
 /* ---- decoded FRU data */
 
+#define FRU_READ_MODE_PLAIN 1U   /* read only */
+#define FRU_READ_MODE_RECOVER 2U /* an invalid common header is answered by a recovery, see below */
+
+/* ucArg and uiArg are handed on and looked at by nobody; calls give one of these. */
+#define FRU_READ_ARG_NONE 0U
+#define FRU_READ_ARG_USUAL 1U
+#define FRU_WRITE_ARG_USUAL 1U
+
 /*
  * Reads and decodes the image of a component's device (IPMI Platform Management FRU Information Storage
- * Definition). ucReadMode 1: read only. 2: an invalid common header is answered by writing the stored image
- * file named in the device information to the device and its cache, once, and reading again. ucArg is handed
- * to LIB_FRU_ReadFRUData(). *pstFRUData is not cleared: it keeps what the caller left in it, and the decoder
+ * Definition). With FRU_READ_MODE_RECOVER an invalid common header makes the call write the stored image file
+ * named in the device information to the device and its cache, once, and read again. ucArg is handed to
+ * LIB_FRU_ReadFRUData(). *pstFRUData is not cleared: it keeps what the caller left in it, and the decoder
  * heeds preset custom-field counts; zero it first. Release it with FRU_ANALYZER_SafeFree() whatever the
  * result.
  * 0; LIB_FRU_ERR_NULL_POINTER; LIB_FRU_ERR_NO_DEVICE_ID: no such component; LIB_FRU_ERR_NO_DEVICE: its device
@@ -153,7 +135,7 @@ u32 LIB_FRU_OEM_WriteArrayFRUData(u8 ucDeviceID, u32 uiFRUSize, const FRU_DATA_S
 /*
  * Erases a component's FRU: after a trial read every byte becomes 0xFF, on the device and in the cache;
  * device 0 (the baseboard) loses its product serial number too; a FRU event is sent. The block names the
- * component and receives the FRU name, the log source (12) and the sentence for the caller's operation log:
+ * component and receives the FRU name, the log source and the sentence for the caller's operation log:
  * that of a failure on every failure, untouched when the device information is missing. 0;
  * LIB_FRU_ERR_NULL_POINTER; LIB_FRU_ERR_NO_DEVICE: no device information, or the device does not answer with
  * its FRU size (nothing is written); LIB_FRU_ERR_SIZE: FRU size 0, or out of memory; LIB_FRU_ERR_LABEL: the
@@ -162,8 +144,8 @@ u32 LIB_FRU_OEM_WriteArrayFRUData(u8 ucDeviceID, u32 uiFRUSize, const FRU_DATA_S
 u32 LIB_FRU_ClearFRUElectronicLabel(FRU_CLEAR_PARA_S *pstFRUClearPara);
 
 /*
- * Fills the operation-log sentence of the block with its FRU name: that of a success for iResult 6, else that
- * of a failure. Makes no entry. A null block is reported.
+ * Fills the operation-log sentence of the block with its FRU name: that of a success for iResult
+ * FRU_OPERATELOG_SUCCEEDED, else that of a failure. Makes no entry. A null block is reported.
  */
 void FRU_AddClearFRULog(i32 iResult, FRU_CLEAR_PARA_S *pstFRUClearPara);
 

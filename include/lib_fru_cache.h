@@ -48,7 +48,10 @@ u32 FRU_DB_PutFRUData(u8 ucDeviceID, u16 usLength, const u8 *pucFRUBuf);
 u32 FRU_DB_GetFRUData(u8 ucDeviceID, u16 usLength, u8 *pucFRUBuf);
 u32 FRU_DB_DelFRUData(u8 ucDeviceID);
 
-/* The operate flag: 1 from Get FRU Inventory Area Info until the next logged Write FRU Data, else 0. */
+/* The operate flag: open from Get FRU Inventory Area Info until the next logged Write FRU Data, else idle. */
+#define FRU_OPERATE_IDLE 0U
+#define FRU_OPERATE_OPEN 1U
+
 u32 FRU_DB_PutOperateFlag(u8 ucOperateFlag);
 u32 FRU_DB_GetOperateFlag(u8 *pucOperateFlag);
 
@@ -56,10 +59,12 @@ u32 FRU_DB_GetOperateFlag(u8 *pucOperateFlag);
 u32 FRU_DB_PutFRUDeviceTbl(const FRU_DEVICE_TBL_S *pstFRUDeviceTbl);
 u32 FRU_DB_GetFRUDeviceTbl(FRU_DEVICE_TBL_S *pstFRUDeviceTbl);
 
-/*
- * The device's cache status. Bit 0: the cached image is not to be trusted, reads go to the device. Bits 1 and
- * 2: fault marks, which LIB_FRU_GetTestResult() turns into its bits 5 and 2.
- */
+/* The device's cache status. */
+#define FRU_CACHE_TRUSTED 0x00U
+#define FRU_CACHE_UNTRUSTED 0x01U /* the cached image is not to be trusted, reads go to the device */
+#define FRU_CACHE_FAULT_1 0x02U   /* fault marks, for LIB_FRU_GetTestResult() */
+#define FRU_CACHE_FAULT_2 0x04U
+
 u32 FRU_DB_PutFRUDataCacheStatus(u8 ucDeviceID, u8 ucCacheStatus);
 u32 FRU_DB_GetFRUDataCacheStatus(u8 ucDeviceID, u8 *pucCacheStatus);
 

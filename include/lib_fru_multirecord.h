@@ -23,6 +23,18 @@ extern "C" {
 #endif
 #pragma GCC visibility push(default)
 
+#define FRU_MR_TYPE_MANAGEMENT_ACCESS 0x03U
+#define FRU_MR_SUBTYPE_SYSTEM_URL 0x01U
+#define FRU_MR_SUBTYPE_SYSTEM_NAME 0x02U
+#define FRU_MR_SUBTYPE_SYSTEM_PING_ADDRESS 0x03U
+#define FRU_MR_SUBTYPE_COMPONENT_URL 0x04U
+#define FRU_MR_SUBTYPE_COMPONENT_NAME 0x05U
+#define FRU_MR_SUBTYPE_COMPONENT_PING_ADDRESS 0x06U
+#define FRU_MR_SUBTYPE_SYSTEM_UNIQUE_ID 0x07U
+#define FRU_MR_FORMAT_VERSION 0x02U /* low seven bits of a record's format byte */
+#define FRU_MR_VALUE_MAX 256U       /* bytes of a value, without its sub-type; see below */
+#define FRU_MR_GUID_LEN 16U
+
 #define FRU_MR_CHECK_MEMORY 0U /* pucBuf is FRU_DATA_S.astMultiRecord */
 #define FRU_MR_CHECK_EEPROM 1U /* pucBuf is the raw bytes of a MultiRecord area */
 
@@ -37,7 +49,7 @@ extern "C" {
  * failure.
  *
  * 0: valid, or empty, that is the first format byte is not version 2 (and, in memory, the first entry has no
- * data); 0xFFFFFFFF: not valid, or an unknown uiCheckType, then *puiOutCount is untouched;
+ * data); FRU_ERR_MR_FAILED: not valid, or an unknown uiCheckType, then *puiOutCount is untouched;
  * FRU_ERR_NULL_POINTER, *puiOutCount untouched too.
  *
  * Prints "FRU MultiRecord[Memory] touch the end: N" (or [EEPROM]) to standard output, without a line end.
@@ -55,7 +67,8 @@ void FRU_destroyMultiRecords(void);
  * Queues one record (a queued one of the same sub-type is replaced), then merges the whole store into the
  * main FRU with FRU_syncAllMultiRecords().
  *
- * pstDestParam: type 0x03; sub-type 1 to 7; uiLength 1 to 256 bytes of value at pucBuf, which is copied.
+ * pstDestParam: type FRU_MR_TYPE_MANAGEMENT_ACCESS; sub-type 1 to 7; uiLength 1 to FRU_MR_VALUE_MAX bytes of
+ * value at pucBuf, which is copied.
  * Sub-type 7, the system GUID, takes uiLength 16 and reads 16 bytes at pucBuf whatever uiLength says, least
  * significant byte first; see FRU_ConvertGUIDToStandardOrder().
  *
@@ -66,7 +79,7 @@ void FRU_destroyMultiRecords(void);
  *
  * 0: the merge succeeded. Only the merge decides: when the record itself could not be queued (the store was
  * not had in time, holds 64 records already, or there was no memory), that stands in the log only.
- * 0xFFFFFFFF: nothing was queued, for a value of 0 or more than 256 bytes, an unknown type or sub-type, or no
+ * FRU_ERR_MR_FAILED: nothing was queued, for a value of 0 or more than 256 bytes, an unknown type or sub-type, or no
  * memory to build the record; or the merge failed, and what was queued stays so. FRU_ERR_NULL_POINTER:
  * pstDestParam or its pucBuf is null.
  *
@@ -82,7 +95,7 @@ u32 FRU_innerUpdateMultiRecord(const FRU_MR_PARAM_S *pstDestParam);
  *
  * 0: written, or equal already, and the store is empty now; or nothing was queued, and no device was touched.
  * As LIB_FRU_WriteArrayFRUData() does not tell of a device that refused the bytes, such a write counts as
- * done: the log has it. 0xFFFFFFFF: the store could not be initialised, the FRU not read, the merge not done
+ * done: the log has it. FRU_ERR_MR_FAILED: the store could not be initialised, the FRU not read, the merge not done
  * or the image not encoded; the records stay queued and nothing was written.
  *
  * Prints "There is no need to update FRU MutiRecords data as equal!" to standard output, without a line end,

@@ -42,16 +42,25 @@ void FRU_SetOEMConf(void);
  */
 void FRU_ReplaceOemConf(void *hpd, const char *pcStr1, const char *pcCurrent, const char *pcKey);
 
+#define FRU_COPYRIGHT_CN 0
+#define FRU_COPYRIGHT_EN 1
+#define FRU_COPYRIGHT_LEN 256U
+
 /*
- * Copies a copyright line, iType 0 Chinese or 1 English, into pcCopyRight of 256 bytes.
+ * Copies a copyright line, Chinese or English by iType, into pcCopyRight of FRU_COPYRIGHT_LEN bytes.
  * FRU_OK; LIB_FRU_ERR_NULL_POINTER; LIB_FRU_ERR_READ: another type (told on standard output; the buffer stays
  * as it is).
  */
 u32 LIB_FRU_GetCopyRight(i32 iType, char *pcCopyRight);
 
+#define FRU_CHECK_AREA_ASK_BYTE 0xFFU /* either asks for the checkarea itself */
+#define FRU_CHECK_AREA_ASK_WORD 0xFFFFU
+#define FRU_CHECK_RESULT_LEN 128U
+
 /*
  * Compares the file's checkarea with uiFlag and writes the verdict as a text into pcCheckResult of at least
- * 128 bytes; for uiFlag 0xFF or 0xFFFF it writes the checkarea itself, two bytes, most significant first.
+ * FRU_CHECK_RESULT_LEN bytes; for a uiFlag that asks for it, it writes the checkarea itself, two bytes, most
+ * significant first.
  * FRU_OK, whatever the verdict; LIB_FRU_ERR_NULL_POINTER.
  */
 u32 LIB_FRU_CheckOEMFromPackage(u32 uiFlag, char *pcCheckResult);

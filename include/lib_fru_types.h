@@ -34,6 +34,7 @@ typedef int32_t i32;
 #define FRU_ERR_HW_NO_OBJECT 0x8100001FU /* hardware description: no object of that component type */
 #define FRU_ERR_FILE_EMPTY 0x81000024U   /* serial-number file: nothing read */
 #define FRU_ERR_MR_TIMEOUT 0xFFFF0006U   /* MultiRecord store: lock not had in time */
+#define FRU_ERR_MR_FAILED 0xFFFFFFFFU    /* MultiRecord store: operation failed */
 
 /* Exported LIB_FRU_ entry points and the codec. */
 #define LIB_FRU_ERR_READ 0x29000001U         /* reading or fetching FRU data failed */
@@ -54,13 +55,14 @@ typedef int32_t i32;
 #define FRU_AREA_UNIT 8U        /* offsets and area lengths in an image count units of 8 bytes */
 #define FRU_MULTIRECORD_MAX 64U /* entries of FRU_DATA_S.astMultiRecord */
 #define FRU_MULTIRECORD_HEADER_LEN 5U
-#define FRU_MULTIRECORD_END_OF_LIST 0x80U /* bit of ucRecordFormat: the last record */
-#define FRU_FIELD_END 0xC1U               /* the byte that ends an area's list of fields */
-#define FRU_FIELD_MAX_TEXT 63U            /* characters of a text that an image can hold */
+#define FRU_MULTIRECORD_END_OF_LIST 0x80U /* bit of FRU_MULTIRECORD_S.ucRecordFormat */
 #define FRU_DEVICE_TBL_MAX 100U           /* entries of the FRU device table */
 #define FRU_CHASSIS_FIXED_SLOTS 5U        /* preset stChassisInfo.ucCustomFieldCount for fixed-slot mode */
 #define FRU_PRODUCT_FIXED_SLOTS 4U        /* preset stProductInfo.ucCustomFieldCount for fixed-slot mode */
 #define FRU_HW_DATA_LEN 32U
+#define FRU_EEPROM_TYPE_MIN 9U
+#define FRU_EEPROM_TYPE_MAX 15U
+#define FRU_BUS_NUMBER_MAX 15U
 
 #pragma pack(push, 1)
 
@@ -230,11 +232,11 @@ typedef struct
     u8 ucReserved7;
     u8 ucAccessType; /* fourth byte of Get FRU Inventory Area Info */
     u8 aucReserved9[2];
-    u8 ucEEPROMType; /* 9 to 15 */
+    u8 ucEEPROMType; /* FRU_EEPROM_TYPE_MIN to FRU_EEPROM_TYPE_MAX */
     u8 aucReserved12[2];
     char acFRUName[16];
     char acImageFilePath[128]; /* stored image that restores the device */
-    u8 ucBusNumber;            /* I2C bus, 0 to 15; the I2C location begins here */
+    u8 ucBusNumber;            /* I2C bus, 0 to FRU_BUS_NUMBER_MAX; the I2C location begins here */
     u8 ucAddress;
     u8 ucSwitchLevel;
     u8 aucReserved161[19];
@@ -276,6 +278,12 @@ typedef struct
     u8 ucCount;
 } FRU_READ_REQ_S;
 
+/* The operation log: who speaks, and what the sentences of FRU_AddClearFRULog() and its like take for a result. */
+#define FRU_OPERATELOG_MODULE 17U
+#define FRU_OPERATELOG_SOURCE 12U
+#define FRU_OPERATELOG_FAILED 4
+#define FRU_OPERATELOG_SUCCEEDED 6
+
 typedef struct
 {
     u8 ucComponentType;     /* in */
@@ -283,7 +291,7 @@ typedef struct
     u32 uiReserved;         /* not used */
     char acOperateLog[512]; /* out: sentence for the caller's operation log */
     char acFRUName[16];     /* out */
-    u8 ucOperateLogType;    /* out: 12 */
+    u8 ucOperateLogType;    /* out: FRU_OPERATELOG_SOURCE */
 } FRU_CLEAR_PARA_S;
 
 typedef struct
@@ -296,7 +304,7 @@ typedef struct
     u32 uiLabelValueLen;    /* out: length of acLabelValue */
     char acOperateLog[512]; /* out: sentence for the caller's operation log */
     char acFRUName[16];     /* out: the device's name, cut to 15 characters */
-    u8 ucOperateLogType;    /* out: 12 */
+    u8 ucOperateLogType;    /* out: FRU_OPERATELOG_SOURCE */
     u8 ucFieldFlag;         /* out: the device's electronic-label field flag */
 } FRU_SET_PARA_S;
 
@@ -321,8 +329,8 @@ typedef struct
 
 typedef struct
 {
-    u8 ucRecordTypeID; /* 0x03, Management Access Record */
-    u8 ucSubType;      /* 1 to 7 */
+    u8 ucRecordTypeID; /* FRU_MR_TYPE_MANAGEMENT_ACCESS */
+    u8 ucSubType;      /* FRU_MR_SUBTYPE_..., 1 to 7 */
     u32 uiLength;      /* bytes of the value, 1 to 256 */
     u8 *pucBuf;        /* the value; stays the caller's */
 } FRU_MR_PARAM_S;

@@ -22,6 +22,15 @@ extern "C" {
 #endif
 #pragma GCC visibility push(default)
 
+#define MRPC_SERVICE_FRU_FEATURE 29U
+#define MRPC_METHOD_FEATURE_LIST 3U
+#define MRPC_METHOD_FEATURE_UPDATE 4U
+#define MRPC_METHOD_FRU_WRITTEN 5U
+#define MRPC_SERVICE_FRU_EVENT 630U
+#define MRPC_METHOD_FRU_EVENT 0U
+#define MRPC_SERVICE_FRU_CHANGED 636U
+#define MRPC_METHOD_FRU_CHANGED 0U
+
 /* An answer: uiCount NUL-terminated texts. It belongs to the caller until MRPC_MsgFree(). */
 typedef struct
 {

@@ -14,8 +14,11 @@ extern "C" {
 #endif
 #pragma GCC visibility push(default)
 
+#define OPERATELOG_RESULT_SUCCESS 99U
+#define OPERATELOG_RESULT_FAILURE 67U
+
 /*
- * Appends one entry: the text with the moment and the other arguments. uiResult: 99 success, 67 failure.
+ * Appends one entry: the text with the moment and the other arguments. uiResult is one of the two above.
  * uiLine is the caller's source line. ucSource is passed through. pcText is copied; a null one reads as an
  * empty text. 0 for success; not 0: the entry could not be written, and then nothing of it was.
  */

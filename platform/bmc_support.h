@@ -82,9 +82,12 @@ u32 BMC_CopyFileWithAllMode(const char *pcSrc, const char *pcDest);
  */
 u32 BMC_TimeStampToIsoTime(u32 uiTimeStamp, u32 uiArg, char *pcOut);
 
-/* The OEM flag of this controller; 3: OEM mode. 0 when nothing is said. On the desk it is "OemFlag" of
- * section
- * "[OEM]" in conf/capability.ini. */
+#define BMC_OEM_MODE 3U
+
+/*
+ * The OEM flag of this controller; BMC_OEM_MODE: OEM mode. 0 when nothing is said. On the desk it is "OemFlag"
+ * of section "[OEM]" in conf/capability.ini.
+ */
 u32 BMC_GetOemFlag(void);
 
 #pragma GCC visibility pop

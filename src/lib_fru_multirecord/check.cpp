@@ -60,7 +60,7 @@ bool IsRecordValid(const u8 *pucHeader, const u8 *pucData, u32 uiIndex, const TE
 // Whether this was the last record; then it says so and stores the count.
 bool IsEnd(const u8 *pucHeader, u32 uiIndex, const TEXTS_S &stTexts, u32 *puiOutCount)
 {
-    if ((pucHeader[g_uiFormatByte] & FRU_MR_END_OF_LIST) == 0U) {
+    if ((pucHeader[g_uiFormatByte] & FRU_MULTIRECORD_END_OF_LIST) == 0U) {
         return false;
     }
 #pragma GCC diagnostic push
@@ -100,7 +100,7 @@ u32 CheckMemory(const u8 *pucBuf, u32 *puiOutCount)
     }
     FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_ERROR, "Failed to find the end of MultiRecords[Memory]: Count:%d.", i);
     FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_ERROR, "Invalid FRU MultiRecord format");
-    return FRU_MR_FAILED;
+    return FRU_ERR_MR_FAILED;
 }
 
 u32 CheckEeprom(const u8 *pucBuf, u32 *puiOutCount)
@@ -124,7 +124,7 @@ u32 CheckEeprom(const u8 *pucBuf, u32 *puiOutCount)
     // "count", where the check in memory says "Count": kept.
     FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_ERROR, "Failed to find the end of MultiRecords[EEPROM]: count:%d.", i);
     FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_ERROR, "Invalid FRU MultiRecord format");
-    return FRU_MR_FAILED;
+    return FRU_ERR_MR_FAILED;
 }
 
 } // namespace
@@ -140,6 +140,6 @@ u32 FRU_checkAllMultiRecords(const u8 *pucBuf, u32 uiCheckType, u32 *puiOutCount
         return CheckEeprom(pucBuf, puiOutCount);
     default:
         FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_ERROR, "Unknown FRU MultiRecords check type: %#x", uiCheckType);
-        return FRU_MR_FAILED;
+        return FRU_ERR_MR_FAILED;
     }
 }

@@ -8,17 +8,10 @@
 
 #include "common/alloc.h"
 #include "common/diag.h"
+#include "lib_fru_multirecord.h"
 #include "lib_fru_types.h"
 
-#define FRU_MR_FAILED 0xFFFFFFFFU // the general failure of this module, -1
-
-#define FRU_MR_TYPE_MANAGEMENT_ACCESS 0x03U
-#define FRU_MR_SUBTYPE_UNIQUE_ID 0x07U // the last known sub-type
-#define FRU_MR_FORMAT_VERSION 0x02U
 #define FRU_MR_FORMAT_MASK 0x7FU
-#define FRU_MR_END_OF_LIST 0x80U
-#define FRU_MR_VALUE_MAX 0x100U
-#define FRU_MR_GUID_LEN 16U
 #define FRU_MR_CHECKED_HEADER_LEN 4U // the header checksum covers the bytes ahead of it
 
 #define FRU_MR_USER_WAIT_S 5U

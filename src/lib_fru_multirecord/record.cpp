@@ -26,7 +26,7 @@ bool IsParamValid(const FRU_MR_PARAM_S *pstDestParam)
         FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_ERROR, "Invalid length! exceeds: %#x.", pstDestParam->uiLength);
         return false;
     }
-    if (pstDestParam->ucSubType == 0U || pstDestParam->ucSubType > FRU_MR_SUBTYPE_UNIQUE_ID) {
+    if (pstDestParam->ucSubType == 0U || pstDestParam->ucSubType > FRU_MR_SUBTYPE_SYSTEM_UNIQUE_ID) {
         FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_ERROR, "Unknown MultiRecord SubType: %#x", pstDestParam->ucSubType);
         return false;
     }
@@ -91,7 +91,7 @@ FRU_INNER_MR_S *FRU_generateSingleInnerMultiRecord(const FRU_MR_PARAM_S *pstDest
     }
     u8 *pucData = FRU_getInnerMultiRecordData(upRecord.get());
     pucData[0] = pstDestParam->ucSubType;
-    if (pstDestParam->ucSubType == FRU_MR_SUBTYPE_UNIQUE_ID) {
+    if (pstDestParam->ucSubType == FRU_MR_SUBTYPE_SYSTEM_UNIQUE_ID) {
         FRU_ConvertGUIDToStandardOrder(pstDestParam->pucBuf, pucData + 1);
     } else {
         (void)memcpy(pucData + 1, pstDestParam->pucBuf, uiValueLen);
@@ -114,7 +114,7 @@ u32 FRU_addSingleMultiRecord(FRU_MULTIRECORD_S *pstFRUBuf, const FRU_INNER_MR_S 
     u8 *pucData = static_cast<u8 *>(FRU_MALLOC(FRU_roundMultiRecordSize(pstInnerBuf->ucRecordLength)));
     if (pucData == nullptr) {
         FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_ERROR, "Failed to distribute memory");
-        return FRU_MR_FAILED;
+        return FRU_ERR_MR_FAILED;
     }
     (void)memcpy(pucData, FRU_getInnerMultiRecordData(pstInnerBuf), pstInnerBuf->ucRecordLength);
     (void)memcpy(pstFRUBuf, pstInnerBuf, FRU_MULTIRECORD_HEADER_LEN);
@@ -135,7 +135,7 @@ u32 FRU_updateSingleMultiRecord(FRU_MULTIRECORD_S *pstDataBuf, const FRU_INNER_M
         u8 *pucLarger = static_cast<u8 *>(FRU_MALLOC(FRU_roundMultiRecordSize(pstInnerBuf->ucRecordLength)));
         if (pucLarger == nullptr) {
             FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_ERROR, "Failed to distribute memory");
-            return FRU_MR_FAILED;
+            return FRU_ERR_MR_FAILED;
         }
         FRU_FREE(pucData);
         pucData = pucLarger;

@@ -45,7 +45,7 @@ u32 FRU_initMultiRecords(void)
         (void)memset(&g_stInnerMRStore, 0, sizeof(g_stInnerMRStore));
         if (sem_init(&g_stInnerMRStore.stSem, 0, 0U) != 0) {
             FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_ERROR, "Failed to create sem for FRU MultiRecords");
-            return FRU_MR_FAILED;
+            return FRU_ERR_MR_FAILED;
         }
         (void)sem_post(&g_stInnerMRStore.stSem);
     }
@@ -79,7 +79,7 @@ u32 FRU_waitInnerSem(u32 uiSeconds)
     struct timespec stDeadline = {};
     if (clock_gettime(CLOCK_REALTIME, &stDeadline) != 0) {
         FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_ERROR, "Failed to get current time!");
-        return FRU_MR_FAILED;
+        return FRU_ERR_MR_FAILED;
     }
     stDeadline.tv_sec += static_cast<time_t>(uiSeconds);
     // An interruption by a signal counts as a time-out: it is not waited for again.

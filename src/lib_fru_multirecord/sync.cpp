@@ -9,11 +9,6 @@
 
 namespace {
 
-constexpr u8 g_ucMainFruType = 0;
-constexpr u8 g_ucMainFruInstance = 0;
-constexpr u8 g_ucPlainRead = 1;
-constexpr u8 g_ucFlag = 1;
-
 enum class MERGE_E
 {
     FAILED,
@@ -48,7 +43,7 @@ MERGE_E MergeIntoNewArea(FRU_DATA_S *pstFRUData)
         }
     }
     FRU_MULTIRECORD_S *pstLast = &pstFRUData->astMultiRecord[g_stInnerMRStore.ucCount - 1U];
-    SetFormat(pstLast, pstLast->ucRecordFormat | FRU_MR_END_OF_LIST);
+    SetFormat(pstLast, pstLast->ucRecordFormat | FRU_MULTIRECORD_END_OF_LIST);
     return CheckTable(pstFRUData) == FRU_OK ? MERGE_E::CHANGED : MERGE_E::FAILED;
 }
 
@@ -59,7 +54,7 @@ u32 MergeRecord(FRU_DATA_S *pstFRUData, const FRU_INNER_MR_S *pstInner, bool *pb
     u32 uiIndex = 0;
     if (FRU_tellMultiRecordExistFlag(pstFRUData->astMultiRecord, pstInner, &ePlace, &uiIndex) != FRU_OK) {
         FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_ERROR, "Tell the position and exist flag failed.");
-        return FRU_MR_FAILED;
+        return FRU_ERR_MR_FAILED;
     }
     if (ePlace == FRU_MR_PLACE_NONE) {
         return FRU_OK; // left out, not a failure: the table is full
@@ -90,7 +85,7 @@ void RenewMarks(FRU_DATA_S *pstFRUData)
     }
     if (uiUsed != 0U) {
         FRU_MULTIRECORD_S *pstLast = &pstFRUData->astMultiRecord[uiUsed - 1U];
-        SetFormat(pstLast, pstLast->ucRecordFormat | FRU_MR_END_OF_LIST);
+        SetFormat(pstLast, pstLast->ucRecordFormat | FRU_MULTIRECORD_END_OF_LIST);
     }
 }
 
@@ -139,21 +134,23 @@ MERGE_E MergeQueued(FRU_DATA_S *pstFRUData)
 // Reads, merges and writes; the record's buffers are the caller's to release.
 u32 ReadMergeWrite(FRU_DATA_S *pstFRUData)
 {
-    u32 uiRet = LIB_FRU_GetFRUData(g_ucMainFruType, g_ucMainFruInstance, g_ucPlainRead, g_ucFlag, pstFRUData);
+    u32 uiRet = LIB_FRU_GetFRUData(FRU_COMPONENT_BASEBOARD, FRU_INSTANCE_MAIN, FRU_READ_MODE_PLAIN,
+                                   FRU_READ_ARG_USUAL, pstFRUData);
     if (uiRet != FRU_OK) {
         FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_ERROR, "Failed to get fru data! Ret:%#x.", uiRet);
-        return FRU_MR_FAILED;
+        return FRU_ERR_MR_FAILED;
     }
     const MERGE_E eMerge = MergeQueued(pstFRUData);
     if (eMerge == MERGE_E::FAILED) {
         FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_ERROR, "Failed to sync FRU MultiRecords data!");
-        return FRU_MR_FAILED;
+        return FRU_ERR_MR_FAILED;
     }
     if (eMerge == MERGE_E::CHANGED) {
-        uiRet = LIB_FRU_WriteArrayFRUData(g_ucMainFruType, g_ucMainFruInstance, pstFRUData, g_ucFlag);
+        uiRet = LIB_FRU_WriteArrayFRUData(FRU_COMPONENT_BASEBOARD, FRU_INSTANCE_MAIN, pstFRUData,
+                                          FRU_WRITE_ARG_USUAL);
         if (uiRet != FRU_OK) {
             FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_ERROR, "Failed to create FRU bin data! Ret:%#x.", uiRet);
-            return FRU_MR_FAILED;
+            return FRU_ERR_MR_FAILED;
         }
     }
     return FRU_OK;
@@ -196,7 +193,7 @@ u32 FRU_tellMultiRecordExistFlag(const FRU_MULTIRECORD_S *pstFRUBuf, const FRU_I
             FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_ERROR, "Unknown ucRecordTypeID: %#x",
                     pstFRUBuf[k].ucRecordTypeID);
             FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_ERROR, "Err while comparing: index:%d.", k);
-            return FRU_MR_FAILED;
+            return FRU_ERR_MR_FAILED;
         }
         // An entry without data bytes has no sub-type.
         if (pstFRUBuf[k].ucRecordLength != 0U && pucData[0] == FRU_getInnerMultiRecordData(pstInnerBuf)[0]) {
@@ -212,7 +209,7 @@ u32 FRU_tellMultiRecordExistFlag(const FRU_MULTIRECORD_S *pstFRUBuf, const FRU_I
 u32 FRU_syncAllMultiRecords(void)
 {
     if (FRU_enterInnerStore() != FRU_OK) {
-        return FRU_MR_FAILED;
+        return FRU_ERR_MR_FAILED;
     }
     // Not checked, on purpose: after a time-out the merge runs anyway, and posts like a holder would.
     (void)FRU_waitInnerSem(FRU_MR_USER_WAIT_S);

@@ -26,7 +26,7 @@ u32 ReplaceQueued(u32 uiSlot, const FRU_INNER_MR_S *pstInner)
     if (uiSize > FRU_roundMultiRecordSize(FRU_getInnerMultiRecordSize(pstQueued))) {
         FRU_INNER_MR_S *pstLarger = AllocateLike(pstInner);
         if (pstLarger == nullptr) {
-            return FRU_MR_FAILED;
+            return FRU_ERR_MR_FAILED;
         }
         std::free(pstQueued);
         pstQueued = pstLarger;
@@ -40,7 +40,7 @@ u32 AppendQueued(const FRU_INNER_MR_S *pstInner)
 {
     FRU_INNER_MR_S *pstQueued = AllocateLike(pstInner);
     if (pstQueued == nullptr) {
-        return FRU_MR_FAILED;
+        return FRU_ERR_MR_FAILED;
     }
     (void)memcpy(pstQueued, pstInner, FRU_getInnerMultiRecordSize(pstInner));
     g_stInnerMRStore.apstRecords[g_stInnerMRStore.ucCount] = pstQueued;
@@ -90,7 +90,7 @@ u32 FRU_queryAndUpdateInnerMultiRecord(const FRU_INNER_MR_S *pstInner)
                     pstQueued->ucRecordTypeID);
             FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_ERROR, "Fail to query inner record!");
             FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_ERROR, "Failed to do query and update!");
-            return FRU_MR_FAILED;
+            return FRU_ERR_MR_FAILED;
         }
         const u8 *pucData = FRU_getInnerMultiRecordData(pstQueued);
         if (pucData[0] != FRU_getInnerMultiRecordData(pstInner)[0]) {
@@ -111,19 +111,19 @@ u32 FRU_innerUpdateMultiRecord(const FRU_MR_PARAM_S *pstDestParam)
     FRU_REQUIRE(pstDestParam->pucBuf, FRU_ERR_NULL_POINTER);
     if (pstDestParam->uiLength == 0U) {
         FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_ERROR, "Illegal field param!");
-        return FRU_MR_FAILED;
+        return FRU_ERR_MR_FAILED;
     }
     FRU_INNER_MR_BUFFER upRecord(FRU_generateSingleInnerMultiRecord(pstDestParam));
     if (upRecord == nullptr) {
         FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_ERROR, "Failed to generate one record!");
-        return FRU_MR_FAILED;
+        return FRU_ERR_MR_FAILED;
     }
     Queue(upRecord.get());
     upRecord.reset();
     const u32 uiRet = FRU_syncAllMultiRecords();
     if (uiRet != FRU_OK) {
         FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_ERROR, "Sync All MultiRecords failed! Ret:%#x.", uiRet);
-        return FRU_MR_FAILED;
+        return FRU_ERR_MR_FAILED;
     }
     return FRU_OK;
 }

@@ -3,7 +3,7 @@
 
 #include "label_block.h"
 #include "lib_fru_codec.h"
-#include "lib_fru_diagnostics.h"
+#include "lib_fru_events.h"
 #include "lib_fru_labels.h"
 #include "lib_fru_write_module.h"
 

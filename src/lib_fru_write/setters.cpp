@@ -4,7 +4,7 @@
 #include <cstring>
 
 #include "catalogue.h"
-#include "lib_fru_diagnostics.h"
+#include "lib_fru_dates.h"
 #include "lib_fru_labels.h"
 #include "lib_fru_write_module.h"
 

@@ -10,18 +10,14 @@
 
 namespace {
 
-constexpr u8 g_ucEEPROMTypeMin = 9U;
-constexpr u8 g_ucEEPROMTypeMax = 15U;
-constexpr u8 g_ucBusNumberMax = 15U;
-
 // FRU_OK when the record names an EEPROM that can be reached.
 u32 CheckLocation(const FRU_DEVICE_INFO_S *pstFRUInfo)
 {
-    if (pstFRUInfo->ucEEPROMType < g_ucEEPROMTypeMin || pstFRUInfo->ucEEPROMType > g_ucEEPROMTypeMax) {
+    if (pstFRUInfo->ucEEPROMType < FRU_EEPROM_TYPE_MIN || pstFRUInfo->ucEEPROMType > FRU_EEPROM_TYPE_MAX) {
         FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_WARNING, "Not support eeprom type:%#x!", pstFRUInfo->ucEEPROMType);
         return FRU_ERR_FAILED;
     }
-    if (pstFRUInfo->ucBusNumber > g_ucBusNumberMax) {
+    if (pstFRUInfo->ucBusNumber > FRU_BUS_NUMBER_MAX) {
         FRU_LOG(FRU_CAT_DEVICE, BMC_DIAG_WARNING, "BusNumber[%d] exceeds!", pstFRUInfo->ucBusNumber);
         return FRU_ERR_OUT_OF_RANGE;
     }

@@ -6,11 +6,9 @@
 
 #include "lib_fru_types.h"
 
-// The cached image could not be read. It is a count as well, which the callers do not tell apart: a transfer
-// of exactly this many bytes counts as a failure. That is meant.
+// The cached image could not be read. It is a count as well: Read FRU Data, a recovery and a clear's trial read
+// take a transfer of exactly this many bytes for a failure, Write FRU Data does not. Intended.
 #define FRU_RESULT_NOT_PRESENT 203
-
-#define FRU_CACHE_UNTRUSTED 0x01U // cache status: the cached image is not to be trusted
 
 // uiLength bytes from EEPROM offset usOffset (start offset included) into pucBuf. Bytes read;
 // FRU_ERR_NULL_POINTER (pucBuf or pstFRUInfo), FRU_ERR_FAILED (EEPROM type), FRU_ERR_OUT_OF_RANGE (bus
@@ -28,7 +26,7 @@ i32 FRU_ResFRUData(const FRU_DEVICE_INFO_S *pstFRUInfo, u16 usOffset, u32 uiCoun
 // size of 0); FRU_ERR_FAILED (image not readable, not writable, or ending before the bytes do).
 u32 FRU_WriteFRUDataDB(const FRU_DEVICE_INFO_S *pstFRUInfo, u16 usOffset, u32 uiLength, const u8 *pucData);
 
-// A device's cache status byte; 1 (untrusted) when it cannot be read, which is reported.
+// A device's cache status byte; FRU_CACHE_UNTRUSTED when it cannot be read, which is reported.
 u8 FRU_ReadCacheStatus(u8 ucDeviceID);
 
 // Texts of a device record, which comes from the database and may lack its NUL.

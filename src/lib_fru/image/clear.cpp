@@ -3,20 +3,16 @@
 
 #include "lib_fru/device/device_io.h"
 #include "lib_fru/device/notices.h"
-#include "lib_fru/ipmi/ipmi_handlers.h"
 #include "lib_fru/lib_fru_module.h"
 #include "lib_fru_access.h"
 #include "lib_fru_cache.h"
-#include "lib_fru_diagnostics.h"
+#include "lib_fru_events.h"
 #include "lib_fru_labels.h"
 
 namespace {
 
-constexpr u8 g_ucBaseboardDeviceID = 0U;
 constexpr int g_iErased = 0xFF;
 constexpr u32 g_uiProductSNLen = 80U;
-constexpr i32 g_iLogFailure = 4;
-constexpr i32 g_iLogSuccess = 6;
 
 // Proves that the device answers with its whole size before anything is erased; what it answers is discarded.
 bool ProveReadable(const FRU_DEVICE_INFO_S &stInfo, u8 *pucBuf)
@@ -84,7 +80,7 @@ void AfterErase(const FRU_DEVICE_INFO_S &stInfo, const u8 *pucBuf, const FRU_CLE
     if (uiRet != FRU_OK) {
         FRU_LOG(FRU_CAT_DEVICE, BMC_DIAG_WARNING, "Put FRU data buf to db failed! Ret:%#x.", uiRet);
     }
-    if (stInfo.ucDeviceID == g_ucBaseboardDeviceID) {
+    if (stInfo.ucDeviceID == FRU_DEVICE_ID_BASEBOARD) {
         ClearBaseboardTraces(stInfo);
     }
     FRU_EVENT_S stEvent = {};
@@ -109,7 +105,7 @@ u32 LIB_FRU_ClearFRUElectronicLabel(FRU_CLEAR_PARA_S *pstFRUClearPara)
     (void)BMC_Strlcpy(pstFRUClearPara->acFRUName, FRU_NameText(stInfo.acFRUName).acText,
                       sizeof(pstFRUClearPara->acFRUName));
     pstFRUClearPara->ucOperateLogType = FRU_OPERATELOG_SOURCE;
-    FRU_AddClearFRULog(g_iLogFailure, pstFRUClearPara);
+    FRU_AddClearFRULog(FRU_OPERATELOG_FAILED, pstFRUClearPara);
     const FRU_BUFFER upBuf(static_cast<u8 *>(FRU_CALLOC(1U, stInfo.usSize)));
     if (upBuf == nullptr) {
         FRU_LOG(FRU_CAT_DEVICE, BMC_DIAG_WARNING, "Failed to calloc memory of ResBuf! Size[%#x].",
@@ -125,7 +121,7 @@ u32 LIB_FRU_ClearFRUElectronicLabel(FRU_CLEAR_PARA_S *pstFRUClearPara)
     AfterErase(stInfo, upBuf.get(), *pstFRUClearPara);
     FRU_LOG(FRU_CAT_DEVICE, BMC_DIAG_INFO, "Clear FRU data successfully! FRUDeviceID:%#x.",
             stInfo.ucDeviceID);
-    FRU_AddClearFRULog(g_iLogSuccess, pstFRUClearPara);
+    FRU_AddClearFRULog(FRU_OPERATELOG_SUCCEEDED, pstFRUClearPara);
     return FRU_OK;
 }
 
@@ -133,7 +129,7 @@ void FRU_AddClearFRULog(i32 iResult, FRU_CLEAR_PARA_S *pstFRUClearPara)
 {
     FRU_REQUIRE_OR_LEAVE(pstFRUClearPara);
     const FRU_NAME_TEXT_S stName = FRU_NameText(pstFRUClearPara->acFRUName);
-    if (iResult == g_iLogSuccess) {
+    if (iResult == FRU_OPERATELOG_SUCCEEDED) {
         (void)BMC_Scnprintf(pstFRUClearPara->acOperateLog, sizeof(pstFRUClearPara->acOperateLog),
                             "Cleared %s FRU successfully.", stName.acText);
     } else {

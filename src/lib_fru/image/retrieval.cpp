@@ -2,16 +2,15 @@
 #include <cstring>
 
 #include "lib_fru/device/device_io.h"
-#include "lib_fru/ipmi/ipmi_handlers.h"
 #include "lib_fru/ipmi/recovery.h"
 #include "lib_fru/lib_fru_module.h"
 #include "lib_fru_access.h"
 #include "lib_fru_cache.h"
 #include "lib_fru_codec.h"
+#include "lib_fru_ipmi.h"
 
 namespace {
 
-constexpr u8 g_ucReadModeRecover = 2U;
 constexpr u32 g_uiChunkMax = 16U; // after the header, which is read alone
 
 // One read of a whole image.
@@ -44,7 +43,7 @@ bool ReadChunk(const FRU_READ_REQ_S &stRequest, u8 ucArg, u8 *pucResBuf)
 bool Recover(u8 ucDeviceID, u8 ucReadMode, bool *pbRecovered)
 {
     FRU_LOG(FRU_CAT_DATA, BMC_DIAG_ERROR, "Invalid header! Device ID[%#x].", ucDeviceID);
-    if (ucReadMode == g_ucReadModeRecover && !*pbRecovered && FRU_RecoverFRUData(ucDeviceID) == FRU_CC_OK) {
+    if (ucReadMode == FRU_READ_MODE_RECOVER && !*pbRecovered && FRU_RecoverFRUData(ucDeviceID) == FRU_CC_OK) {
         *pbRecovered = true;
         return true;
     }

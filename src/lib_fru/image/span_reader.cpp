@@ -1,6 +1,7 @@
 // Reads a span of any length through the Read FRU Data handler.
 #include "lib_fru/lib_fru_module.h"
 #include "lib_fru_access.h"
+#include "lib_fru_ipmi.h"
 
 #include <cstring>
 

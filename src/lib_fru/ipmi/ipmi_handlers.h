@@ -4,15 +4,7 @@
 #ifndef LIB_FRU_IPMI_HANDLERS_H
 #define LIB_FRU_IPMI_HANDLERS_H
 
-#include "lib_fru_types.h"
-
-// Completion codes (IPMI 2.0, table 5-2; 0x81 is the command's own).
-#define FRU_CC_OK 0x00U
-#define FRU_CC_ACCESS_FAILED 0x81U
-#define FRU_CC_REQUEST_LENGTH 0xC7U
-#define FRU_CC_COUNT_EXCEEDS 0xC9U
-#define FRU_CC_NOT_PRESENT 0xCBU
-#define FRU_CC_OFFSET_EXCEEDS 0xCCU
+#include "lib_fru_ipmi.h"
 
 #define FRU_WRITE_REQ_HEADER_LEN 3U // device ID, offset low byte, offset high byte
 
@@ -34,9 +26,6 @@ inline u16 FRU_EepromOffset(const FRU_DEVICE_INFO_S &stInfo, u16 usOffset)
 {
     return static_cast<u16>(stInfo.usStartOffset + usOffset);
 }
-
-// Log source of everything that this library has to say to the operation log.
-#define FRU_OPERATELOG_SOURCE 12U
 
 // Writes uiReqLen - 3 bytes from pucReq + 3 to the device, patches its cached image and tells the controller.
 // Fills pucRes (2 bytes: completion code, count) and returns the response length: 2, or 1 on an error; null

@@ -2,7 +2,6 @@
 #include "lib_fru/device/device_io.h"
 #include "lib_fru/ipmi/ipmi_handlers.h"
 #include "lib_fru/lib_fru_module.h"
-#include "lib_fru_access.h"
 #include "lib_fru_cache.h"
 
 namespace {
@@ -30,7 +29,7 @@ u32 LIB_FRU_GetFRUAreaInfo(const u8 *pucReq, u32 uiReqLen, u8 *pucRes)
     FRU_REQUIRE(pucReq, FRU_ERROR_RES_LEN);
     FRU_REQUIRE(pucRes, FRU_ERROR_RES_LEN);
     // Whatever follows, an update sequence is open now.
-    (void)FRU_DB_PutOperateFlag(1U);
+    (void)FRU_DB_PutOperateFlag(FRU_OPERATE_OPEN);
     FRU_DEVICE_INFO_S stInfo = {};
     if (FRU_DB_GetFRUDeviceInfo(pucReq[0], &stInfo) != FRU_OK) {
         FRU_LOG(FRU_CAT_DEVICE, BMC_DIAG_WARNING, "Fail to find FRU Device ID:%#x!", pucReq[0]);

@@ -7,15 +7,9 @@
 #include "lib_fru/device/notices.h"
 #include "lib_fru/ipmi/ipmi_handlers.h"
 #include "lib_fru/lib_fru_module.h"
-#include "lib_fru/oem/oem_conf.h"
-#include "lib_fru_access.h"
 #include "lib_fru_cache.h"
 
 namespace {
-
-constexpr u32 g_uiOperateLogModule = 17U;
-constexpr u32 g_uiOperateLogSuccess = 99U;
-constexpr u32 g_uiOperateLogFailure = 67U;
 
 struct OPERATE_LOG_S
 {
@@ -23,25 +17,25 @@ struct OPERATE_LOG_S
     u8 ucSource;
 };
 
-// In OEM mode the services behind 29/5 are asked as well; what they answer is released unread.
-void AskOemServices()
+// In OEM mode the feature service is told as well; what it answers is released unread.
+void TellFeatureService()
 {
-    if (HW_LIB_GetOemFlag() != FRU_OEM_MODE) {
+    if (HW_LIB_GetOemFlag() != BMC_OEM_MODE) {
         return;
     }
     MRPC_MSG_S *pstRes = nullptr;
-    if (MRPC_Call(29U, 5U, 0U, nullptr, 0U, &pstRes) != 0U) {
+    if (MRPC_Call(MRPC_SERVICE_FRU_FEATURE, MRPC_METHOD_FRU_WRITTEN, 0U, nullptr, 0U, &pstRes) != 0U) {
         FRU_LOG(FRU_CAT_DEVICE, BMC_DIAG_WARNING, "rpc call failed.");
     }
     MRPC_MsgFree(pstRes);
 }
 
 // One entry for each sequence that Get FRU Inventory Area Info opened: the first write logs it and closes it.
-// A sequence whose entry could not be made stays open, so that the next write makes it.
+// It is closed whatever the log answered: an entry that could not be made is lost, not left to the next write.
 void LogOperation(u8 ucDeviceID, bool bSuccess)
 {
     u8 ucOperateFlag = 0;
-    if (FRU_DB_GetOperateFlag(&ucOperateFlag) != FRU_OK || ucOperateFlag != 1U) {
+    if (FRU_DB_GetOperateFlag(&ucOperateFlag) != FRU_OK || ucOperateFlag != FRU_OPERATE_OPEN) {
         return;
     }
     OPERATE_LOG_S stLog = {};
@@ -53,10 +47,10 @@ void LogOperation(u8 ucDeviceID, bool bSuccess)
                             ucDeviceID);
     }
     stLog.ucSource = FRU_OPERATELOG_SOURCE;
-    if (OPERATELOG_AddLogComm(g_uiOperateLogModule, bSuccess ? g_uiOperateLogSuccess : g_uiOperateLogFailure,
-                              stLog.acText, 0U, 0U, __LINE__, stLog.ucSource) == 0U) {
-        (void)FRU_DB_PutOperateFlag(0U);
-    }
+    (void)OPERATELOG_AddLogComm(FRU_OPERATELOG_MODULE,
+                                bSuccess ? OPERATELOG_RESULT_SUCCESS : OPERATELOG_RESULT_FAILURE,
+                                stLog.acText, 0U, 0U, __LINE__, stLog.ucSource);
+    (void)FRU_DB_PutOperateFlag(FRU_OPERATE_IDLE);
 }
 
 // The device has the bytes; what follows can no longer fail the command.
@@ -67,7 +61,7 @@ void AfterDeviceWrite(const FRU_DEVICE_INFO_S &stInfo, u16 usOffset, u16 usLengt
         FRU_LOG(FRU_CAT_DEVICE, BMC_DIAG_WARNING, "Write FRU data to db failed! DeviceID:%#x Ret:%#x.",
                 stInfo.ucDeviceID, uiRet);
     }
-    AskOemServices();
+    TellFeatureService();
     FRU_NotifyDeviceChanged(&stInfo);
 }
 

@@ -1,9 +1,9 @@
 #include "lib_fru/ipmi/recovery.h"
 
 #include "lib_fru/device/device_io.h"
-#include "lib_fru/ipmi/ipmi_handlers.h"
 #include "lib_fru/lib_fru_module.h"
 #include "lib_fru_cache.h"
+#include "lib_fru_ipmi.h"
 
 namespace {
 

@@ -151,7 +151,8 @@ void FRU_GetOEMConf(FRU_OEM_CONF_S *pstOemConf)
     FRU_GetOEMConfBeforeDeal(pstOemConf);
     FRU_DATA_S stData = {};
     // A FRU that cannot be read leaves the names empty; no failure of it is told to the caller.
-    (void)LIB_FRU_GetFRUData(0U, 0U, 1U, 1U, &stData);
+    (void)LIB_FRU_GetFRUData(FRU_COMPONENT_BASEBOARD, FRU_INSTANCE_MAIN, FRU_READ_MODE_PLAIN,
+                             FRU_READ_ARG_USUAL, &stData);
     FillIfEmpty(pstOemConf->acProductName, sizeof(pstOemConf->acProductName),
                 stData.stProductInfo.pucProductName);
     FillIfEmpty(pstOemConf->acProductManufacturer, sizeof(pstOemConf->acProductManufacturer),

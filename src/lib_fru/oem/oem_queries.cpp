@@ -10,12 +10,6 @@
 
 namespace {
 
-constexpr i32 g_iCopyrightCn = 0;
-constexpr i32 g_iCopyrightEn = 1;
-constexpr u32 g_uiCopyrightLen = 256U;
-constexpr u32 g_uiCheckResultLen = 128U;
-constexpr u32 g_uiAskWord = 0xFFFFU; // either asks for the check area itself
-constexpr u32 g_uiAskByte = 0xFFU;
 constexpr const char *g_pcOemFile = "/mnt/sdmmc0p2/OEMFile";
 
 } // namespace
@@ -25,12 +19,12 @@ u32 LIB_FRU_GetCopyRight(i32 iType, char *pcCopyRight)
     FRU_REQUIRE(pcCopyRight, LIB_FRU_ERR_NULL_POINTER);
     FRU_OEM_CONF_S stConf = {};
     FRU_GetOEMConfBeforeDeal(&stConf);
-    if (iType == g_iCopyrightEn) {
-        (void)BMC_Scnprintf(pcCopyRight, g_uiCopyrightLen, "%s", stConf.acCopyrightEn);
+    if (iType == FRU_COPYRIGHT_EN) {
+        (void)BMC_Scnprintf(pcCopyRight, FRU_COPYRIGHT_LEN, "%s", stConf.acCopyrightEn);
         return FRU_OK;
     }
-    if (iType == g_iCopyrightCn) {
-        (void)BMC_Scnprintf(pcCopyRight, g_uiCopyrightLen, "%s", stConf.acCopyrightCn);
+    if (iType == FRU_COPYRIGHT_CN) {
+        (void)BMC_Scnprintf(pcCopyRight, FRU_COPYRIGHT_LEN, "%s", stConf.acCopyrightCn);
         return FRU_OK;
     }
     // Printed, not logged; spelt so on purpose.
@@ -44,20 +38,20 @@ u32 LIB_FRU_CheckOEMFromPackage(u32 uiFlag, char *pcCheckResult)
     FRU_OEM_CONF_S stConf = {};
     FRU_GetOEMConfBeforeDeal(&stConf);
     const u32 uiCheckArea = stConf.usCheckArea;
-    if (uiFlag == g_uiAskWord || uiFlag == g_uiAskByte) {
+    if (uiFlag == FRU_CHECK_AREA_ASK_WORD || uiFlag == FRU_CHECK_AREA_ASK_BYTE) {
         // Two bytes, not a text.
         const u8 aucArea[2] = {static_cast<u8>(uiCheckArea >> 8U), static_cast<u8>(uiCheckArea)};
         (void)memcpy(pcCheckResult, aucArea, sizeof(aucArea));
         return FRU_OK;
     }
     if (uiFlag == uiCheckArea) {
-        (void)BMC_Scnprintf(pcCheckResult, g_uiCheckResultLen,
+        (void)BMC_Scnprintf(pcCheckResult, FRU_CHECK_RESULT_LEN,
                             "@\n##\nTest Result: P\n#\nError Code: 0\n$$\n");
         return FRU_OK;
     }
     // A failed check is a success of the call; "Falg" is meant.
     (void)BMC_Scnprintf(
-        pcCheckResult, g_uiCheckResultLen,
+        pcCheckResult, FRU_CHECK_RESULT_LEN,
         "@\n##\nKVToolbuild_check_Flag: %d\nDIAG_check_Falg: %d\nTest Result: F\n#\nError Code: "
         "0\n$$\n",
         static_cast<int>(uiCheckArea), static_cast<int>(uiFlag));
@@ -67,7 +61,7 @@ u32 LIB_FRU_CheckOEMFromPackage(u32 uiFlag, char *pcCheckResult)
 u32 FRU_GetProductManufacturer(u32 uiSize, char *pcProductManufacturer)
 {
     FRU_REQUIRE(pcProductManufacturer, FRU_ERR_NULL_POINTER);
-    if (HW_LIB_GetOemFlag() != FRU_OEM_MODE) {
+    if (HW_LIB_GetOemFlag() != BMC_OEM_MODE) {
         return FRU_ERR_FAILED;
     }
     FRU_OEM_CONF_S stConf = {};
@@ -102,7 +96,7 @@ u32 FRU_CheckCharaIsLegal(char *pcValue)
 
 u32 LIB_FRU_GetBmcLogoFlag(void)
 {
-    if (BMC_GetOemFlag() != FRU_OEM_MODE) {
+    if (BMC_GetOemFlag() != BMC_OEM_MODE) {
         return 0U;
     }
     if (!FRU_FileExists(g_pcOemFile)) {

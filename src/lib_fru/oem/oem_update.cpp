@@ -57,7 +57,8 @@ void ReplaceKeys(void *hpd, const FRU_DATA_S &stData, const FRU_OEM_CONF_S &stCo
 void FRU_SetOEMConf(void)
 {
     FRU_DATA_S stData = {};
-    if (LIB_FRU_GetFRUData(0U, 0U, 1U, 0U, &stData) != FRU_OK) {
+    if (LIB_FRU_GetFRUData(FRU_COMPONENT_BASEBOARD, FRU_INSTANCE_MAIN, FRU_READ_MODE_PLAIN, FRU_READ_ARG_NONE,
+                           &stData) != FRU_OK) {
         BMC_DiagLogOut(g_uiSetModule, FRU_CAT_GENERAL, BMC_DIAG_ERROR, __LINE__, FRU_DIAG_FILE,
                        "Get fru info failed!");
         FRU_ANALYZER_SafeFree(&stData);

@@ -41,7 +41,7 @@ const char *FRU_SoftWareNameOf(SOFTWARE_NAME_S *pstStore)
     if (IsCached(pstStore)) {
         return pstStore->acName;
     }
-    if (HW_LIB_GetOemFlag() == FRU_OEM_MODE) {
+    if (HW_LIB_GetOemFlag() == BMC_OEM_MODE) {
         FRU_OEM_CONF_S stConf = {};
         FRU_GetOEMConfBeforeDeal(&stConf);
         return Publish(pstStore, stConf.acQbx);
@@ -66,7 +66,7 @@ void FRU_GetHostNamePrefix(u32 uiSize, char *pcHostName)
 {
     FRU_REQUIRE_OR_LEAVE(pcHostName);
     char acPrefix[FRU_SOFTWARE_NAME_LEN] = {};
-    if (HW_LIB_GetOemFlag() == FRU_OEM_MODE) {
+    if (HW_LIB_GetOemFlag() == BMC_OEM_MODE) {
         FRU_OEM_CONF_S stConf = {};
         FRU_GetOEMConfBeforeDeal(&stConf);
         (void)BMC_Strlcpy(acPrefix, stConf.acQbx, sizeof(acPrefix));

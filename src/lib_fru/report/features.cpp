@@ -4,13 +4,10 @@
 
 #include "bmc_mrpc.h"
 #include "lib_fru/lib_fru_module.h"
-#include "lib_fru_diagnostics.h"
+#include "lib_fru_features.h"
 
 namespace {
 
-constexpr u32 g_uiFeatureService = 29U;
-constexpr u32 g_uiFeatureListMethod = 3U;
-constexpr u32 g_uiFeatureUpdateMethod = 4U;
 constexpr u32 g_uiFeatureListTimeoutMs = 2000U;
 constexpr u32 g_uiFeatureUpdateTimeoutMs = 10000U;
 
@@ -24,8 +21,8 @@ bool IsSuccess(const char *pcText)
 u32 LIB_FRU_GetFeatureInfoList(void)
 {
     MRPC_MSG_S *pstRes = nullptr;
-    const u32 uiRet =
-        MRPC_Call(g_uiFeatureService, g_uiFeatureListMethod, 0U, nullptr, g_uiFeatureListTimeoutMs, &pstRes);
+    const u32 uiRet = MRPC_Call(MRPC_SERVICE_FRU_FEATURE, MRPC_METHOD_FEATURE_LIST, 0U, nullptr,
+                                g_uiFeatureListTimeoutMs, &pstRes);
     // None of these lines has an end, and none goes to the log.
     if (uiRet != FRU_OK) {
         (void)printf("Fail to get fru feature info list, Ret:%#x.", uiRet);
@@ -45,8 +42,9 @@ u32 LIB_FRU_GetFeatureInfoList(void)
 u32 LIB_FRU_UpdateFeatureInfo(const FRU_FEATURE_UPDATE_S *pstUpdateFRUFeatureInfo)
 {
     FRU_REQUIRE(pstUpdateFRUFeatureInfo, LIB_FRU_ERR_NULL_POINTER);
-    const u32 uiRet = MRPC_Call(g_uiFeatureService, g_uiFeatureUpdateMethod, sizeof(*pstUpdateFRUFeatureInfo),
-                                pstUpdateFRUFeatureInfo, g_uiFeatureUpdateTimeoutMs, nullptr);
+    const u32 uiRet =
+        MRPC_Call(MRPC_SERVICE_FRU_FEATURE, MRPC_METHOD_FEATURE_UPDATE, sizeof(*pstUpdateFRUFeatureInfo),
+                  pstUpdateFRUFeatureInfo, g_uiFeatureUpdateTimeoutMs, nullptr);
     if (uiRet != FRU_OK) {
         FRU_LOG(FRU_CAT_DATA, BMC_DIAG_WARNING, "Fail to update fru feature info! Ret:%#x.", uiRet);
         return LIB_FRU_ERR_FEATURE;

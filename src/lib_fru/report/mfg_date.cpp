@@ -3,11 +3,10 @@
 #include <ctime>
 
 #include "lib_fru/lib_fru_module.h"
-#include "lib_fru_diagnostics.h"
+#include "lib_fru_dates.h"
 
 namespace {
 
-constexpr u32 g_uiMfgEpoch = 820454400U; // 1996-01-01 00:00:00 UTC
 constexpr u32 g_uiSecondsPerMinute = 60U;
 constexpr int g_iDateFields = 3;
 constexpr int g_iDateTimeFields = 6;
@@ -18,8 +17,8 @@ int Minus(int iValue, u32 uiSubtrahend)
     return static_cast<int>(static_cast<u32>(iValue) - uiSubtrahend);
 }
 
-// Whether the process's time zone has, or ever had, daylight saving; looked at twice a year. The C library's
-// own word for it (daylight) changes with the last date that was converted.
+// Whether the process's time zone has daylight saving on any of the days that are looked at, two a year from
+// 1970 to 2038. The C library's own word for it (daylight) changes with the last date that was converted.
 bool KnowsDaylightSaving()
 {
     constexpr time_t iHalfYear = 15778476; // of 365.2425 days
@@ -66,7 +65,7 @@ u32 LIB_FRU_CaclMfgDateTime(const char *pcMfgDate, FRU_DATA_S *pstFRUData)
     stFields.tm_year = Minus(stFields.tm_year, 1900U);
     stFields.tm_mon = Minus(stFields.tm_mon, 1U);
     // Neither the fields nor mktime's result are checked: month 13 is next year's January.
-    const u32 uiSeconds = static_cast<u32>(LocalTime(stFields)) - g_uiMfgEpoch;
+    const u32 uiSeconds = static_cast<u32>(LocalTime(stFields)) - FRU_MFG_EPOCH;
     const u32 uiMinutes =
         static_cast<u32>(static_cast<i32>(uiSeconds) / static_cast<i32>(g_uiSecondsPerMinute));
     pstFRUData->stBoardInfo.aucMfgDateTime[0] = static_cast<u8>(uiMinutes);
@@ -82,7 +81,7 @@ u32 LIB_FRU_FormatMfgDate(const u8 *pucMfgDate, u32 uiArg, char *pcFormatMfgDate
     const u32 uiMinutes = static_cast<u32>(pucMfgDate[0]) | static_cast<u32>(pucMfgDate[1]) << 8U |
                           static_cast<u32>(pucMfgDate[2]) << 16U;
     const u32 uiRet =
-        BMC_TimeStampToIsoTime(g_uiMfgEpoch + uiMinutes * g_uiSecondsPerMinute, uiArg, pcFormatMfgDate);
+        BMC_TimeStampToIsoTime(FRU_MFG_EPOCH + uiMinutes * g_uiSecondsPerMinute, uiArg, pcFormatMfgDate);
     if (uiRet != FRU_OK) {
         FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_ERROR, "Time Stamp To Ch Time Failed! Ret:%#x.", uiRet);
         return FRU_ERR_FAILED;

@@ -6,12 +6,6 @@
 
 namespace {
 
-constexpr u8 g_ucBaseboard = 0x00U;
-constexpr u8 g_ucBmcCard = 0x30U;
-constexpr u8 g_ucInstance = 0U;
-constexpr u8 g_ucReadMode = 1U; // no recovery
-constexpr u8 g_ucReadArg = 1U;
-
 const u8 *ChassisSerial(const FRU_DATA_S &stData)
 {
     return stData.stChassisInfo.pucChassisSerialNum;
@@ -29,7 +23,8 @@ const u8 *ProductSerial(const FRU_DATA_S &stData)
 
 u32 FetchNormally(u8 ucComponentType, FRU_DATA_S *pstFRUData)
 {
-    return LIB_FRU_GetFRUData(ucComponentType, g_ucInstance, g_ucReadMode, g_ucReadArg, pstFRUData);
+    return LIB_FRU_GetFRUData(ucComponentType, FRU_INSTANCE_MAIN, FRU_READ_MODE_PLAIN, FRU_READ_ARG_USUAL,
+                              pstFRUData);
 }
 
 u32 FetchDirectly(u8 ucComponentType, FRU_DATA_S *pstFRUData)
@@ -57,7 +52,7 @@ u32 CopySerial(const SERIAL_SOURCE_S &stSource, u32 uiSize, char *pcOut)
     FRU_DATA_S stData = {};
     const u32 uiRet = stSource.pfnFetch(stSource.ucComponentType, &stData);
     if (uiRet != FRU_OK) {
-        if (stSource.ucComponentType == g_ucBmcCard) {
+        if (stSource.ucComponentType == FRU_COMPONENT_BMC_CARD) {
             FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_WARNING, "Fail to get BMC card fru data! Ret:%#x", uiRet);
         } else {
             FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_WARNING, "Fail to get baseboard fru data! Ret:%#x", uiRet);
@@ -75,44 +70,48 @@ u32 CopySerial(const SERIAL_SOURCE_S &stSource, u32 uiSize, char *pcOut)
 u32 LIB_FRU_GetBaseboardChassisSN(u32 uiSize, char *pucChassisSN)
 {
     return CopySerial(
-        {__func__, FRU_NULL_FORMAT("pucChassisSN"), FetchNormally, g_ucBaseboard, ChassisSerial}, uiSize,
-        pucChassisSN);
+        {__func__, FRU_NULL_FORMAT("pucChassisSN"), FetchNormally, FRU_COMPONENT_BASEBOARD, ChassisSerial},
+        uiSize, pucChassisSN);
 }
 
 u32 LIB_FRU_GetBaseboardProductSN(u32 uiSize, char *pucProductSN)
 {
     return CopySerial(
-        {__func__, FRU_NULL_FORMAT("pucProductSN"), FetchNormally, g_ucBaseboard, ProductSerial}, uiSize,
-        pucProductSN);
+        {__func__, FRU_NULL_FORMAT("pucProductSN"), FetchNormally, FRU_COMPONENT_BASEBOARD, ProductSerial},
+        uiSize, pucProductSN);
 }
 
 u32 LIB_FRU_GetMainBoardSN(u32 uiSize, char *pucBoardSN)
 {
-    return CopySerial({__func__, FRU_NULL_FORMAT("pucBoardSN"), FetchNormally, g_ucBaseboard, BoardSerial},
-                      uiSize, pucBoardSN);
+    return CopySerial(
+        {__func__, FRU_NULL_FORMAT("pucBoardSN"), FetchNormally, FRU_COMPONENT_BASEBOARD, BoardSerial},
+        uiSize, pucBoardSN);
 }
 
 u32 LIB_FRU_GetBmcCardSN(u32 uiSize, char *pucBoardSN)
 {
-    return CopySerial({__func__, FRU_NULL_FORMAT("pucBoardSN"), FetchNormally, g_ucBmcCard, BoardSerial},
-                      uiSize, pucBoardSN);
+    return CopySerial(
+        {__func__, FRU_NULL_FORMAT("pucBoardSN"), FetchNormally, FRU_COMPONENT_BMC_CARD, BoardSerial}, uiSize,
+        pucBoardSN);
 }
 
 u32 LIB_FRU_GetBaseboardProductSNByI2C(u32 uiSize, char *pucProductSN)
 {
     return CopySerial(
-        {__func__, FRU_NULL_FORMAT("pucProductSN"), FetchDirectly, g_ucBaseboard, ProductSerial}, uiSize,
-        pucProductSN);
+        {__func__, FRU_NULL_FORMAT("pucProductSN"), FetchDirectly, FRU_COMPONENT_BASEBOARD, ProductSerial},
+        uiSize, pucProductSN);
 }
 
 u32 LIB_FRU_GetMainBoardSNByI2C(u32 uiSize, char *pucBoardSN)
 {
-    return CopySerial({__func__, FRU_NULL_FORMAT("pucBoardSN"), FetchDirectly, g_ucBaseboard, BoardSerial},
-                      uiSize, pucBoardSN);
+    return CopySerial(
+        {__func__, FRU_NULL_FORMAT("pucBoardSN"), FetchDirectly, FRU_COMPONENT_BASEBOARD, BoardSerial},
+        uiSize, pucBoardSN);
 }
 
 u32 LIB_FRU_GetBmcCardSNByI2C(u32 uiSize, char *pucBoardSN)
 {
-    return CopySerial({__func__, FRU_NULL_FORMAT("pucBoardSN"), FetchDirectly, g_ucBmcCard, BoardSerial},
-                      uiSize, pucBoardSN);
+    return CopySerial(
+        {__func__, FRU_NULL_FORMAT("pucBoardSN"), FetchDirectly, FRU_COMPONENT_BMC_CARD, BoardSerial}, uiSize,
+        pucBoardSN);
 }

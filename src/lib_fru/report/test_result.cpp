@@ -2,6 +2,7 @@
 #include "lib_fru/device/device_io.h"
 #include "lib_fru/lib_fru_module.h"
 #include "lib_fru_access.h"
+#include "lib_fru_cache.h"
 #include "lib_fru_diagnostics.h"
 
 namespace {
@@ -12,7 +13,8 @@ struct FAULT_BIT_S
     u32 uiStatusBit;
     u32 uiResultBit;
 };
-constexpr FAULT_BIT_S g_astFaultBit[] = {{0x02U, 0x20U}, {0x04U, 0x04U}};
+constexpr FAULT_BIT_S g_astFaultBit[] = {{FRU_CACHE_FAULT_1, FRU_TEST_RESULT_FAULT_1},
+                                         {FRU_CACHE_FAULT_2, FRU_TEST_RESULT_FAULT_2}};
 
 } // namespace
 

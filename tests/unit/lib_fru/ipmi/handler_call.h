@@ -5,7 +5,7 @@
 #include <memory>
 
 #include "fru_device.h"
-#include "lib_fru_access.h"
+#include "lib_fru_ipmi.h"
 
 namespace device {
 

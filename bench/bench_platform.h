@@ -1,16 +1,17 @@
-// A platform for benchmarks and fuzzers: answers from memory without ceremony, and counts what it was asked.
-#ifndef TESTS_MEMORY_PLATFORM_H
-#define TESTS_MEMORY_PLATFORM_H
+// The platform of the benchmarks: answers from memory without ceremony, and counts what it was asked.
+#ifndef BENCH_PLATFORM_H
+#define BENCH_PLATFORM_H
 
 #include <cstdint>
 #include <vector>
 
 #include "bmc_types.h"
 
-namespace memory {
+namespace bench {
 
 struct COUNTS_S
 {
+    uint64_t ulAllocations;
     uint64_t ulDbCalls;
     uint64_t ulEepromReadBytes;
     uint64_t ulEepromWrittenBytes;
@@ -24,9 +25,6 @@ std::vector<u8> &Record(u32 uiKey);
 // The one EEPROM, behind every location.
 std::vector<u8> &Eeprom();
 
-// Whether the texts of diagnostic messages are made before they are dropped; false until then.
-void FormatMessages(bool bFormat);
-
-} // namespace memory
+} // namespace bench
 
 #endif
