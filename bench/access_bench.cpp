@@ -1,9 +1,10 @@
 // What retrieving a 2 KiB device costs, from the cache and from the EEPROM.
 #include <benchmark/benchmark.h>
 
+#include "bench_alloc.h"
 #include "bench_device.h"
-#include "bench_platform.h"
 #include "lib_fru.h"
+#include "memory/memory_platform.h"
 
 namespace {
 
@@ -12,7 +13,8 @@ constexpr u32 g_uiSize = 2048U;
 void GetFRUData(benchmark::State &state)
 {
     bench::Provision(g_uiSize, static_cast<u8>(state.range(0)));
-    const bench::COUNTS_S stBefore = bench::Counts();
+    const memory::COUNTS_S stBefore = memory::Counts();
+    const uint64_t ulAllocations = bench::Allocations();
     for ([[maybe_unused]] auto _ : state) {
         FRU_DATA_S stFRUData{};
         if (LIB_FRU_GetFRUData(0, 0, 1, 0, &stFRUData) != FRU_OK) {
@@ -23,8 +25,8 @@ void GetFRUData(benchmark::State &state)
     const auto fnCounter = [](uint64_t ulNow, uint64_t ulThen) {
         return benchmark::Counter(static_cast<double>(ulNow - ulThen), benchmark::Counter::kAvgIterations);
     };
-    const bench::COUNTS_S &stNow = bench::Counts();
-    state.counters["allocations"] = fnCounter(stNow.ulAllocations, stBefore.ulAllocations);
+    const memory::COUNTS_S &stNow = memory::Counts();
+    state.counters["allocations"] = fnCounter(bench::Allocations(), ulAllocations);
     state.counters["db_calls"] = fnCounter(stNow.ulDbCalls, stBefore.ulDbCalls);
     state.counters["eeprom_read_bytes"] = fnCounter(stNow.ulEepromReadBytes, stBefore.ulEepromReadBytes);
 }

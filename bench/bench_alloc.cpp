@@ -1,7 +1,7 @@
 // Counts what the library allocates (linked with --wrap).
-#include <cstddef>
+#include "bench_alloc.h"
 
-#include "bench_platform.h"
+#include <cstddef>
 
 extern "C" {
 void *__real_malloc(size_t uiSize);
@@ -10,14 +10,25 @@ void *__wrap_malloc(size_t uiSize);
 void *__wrap_calloc(size_t uiCount, size_t uiSize);
 }
 
+namespace {
+
+uint64_t g_ulAllocations;
+
+} // namespace
+
+uint64_t bench::Allocations()
+{
+    return g_ulAllocations;
+}
+
 void *__wrap_malloc(size_t uiSize)
 {
-    ++bench::Counts().ulAllocations;
+    ++g_ulAllocations;
     return __real_malloc(uiSize);
 }
 
 void *__wrap_calloc(size_t uiCount, size_t uiSize)
 {
-    ++bench::Counts().ulAllocations;
+    ++g_ulAllocations;
     return __real_calloc(uiCount, uiSize);
 }

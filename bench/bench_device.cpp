@@ -4,8 +4,8 @@
 #include <cstring>
 
 #include "bench_image.h"
-#include "bench_platform.h"
 #include "lib_fru.h"
+#include "memory/memory_platform.h"
 
 void bench::Provision(u32 uiSize, u8 ucCacheStatus)
 {
@@ -17,9 +17,9 @@ void bench::Provision(u32 uiSize, u8 ucCacheStatus)
     stInfo.ucFieldFlag = 7;
     (void)strcpy(stInfo.acFRUName, "BaseBoard");
     (void)strcpy(stInfo.acImageFilePath, "/opt/fru/BaseBoard.bin");
-    Eeprom() = InEeprom(FullImage(), uiSize);
+    memory::Eeprom() = InEeprom(FullImage(), uiSize);
     if (FRU_DB_PutFRUDeviceTbl(&stTable) != FRU_OK || FRU_DB_PutFRUDeviceInfo(0, &stInfo) != FRU_OK ||
-        FRU_DB_PutFRUData(0, static_cast<u16>(uiSize), Eeprom().data()) != FRU_OK ||
+        FRU_DB_PutFRUData(0, static_cast<u16>(uiSize), memory::Eeprom().data()) != FRU_OK ||
         FRU_DB_PutFRUDataCacheStatus(0, ucCacheStatus) != FRU_OK) {
         abort();
     }

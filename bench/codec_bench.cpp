@@ -5,8 +5,8 @@
 
 #include <benchmark/benchmark.h>
 
+#include "bench_alloc.h"
 #include "bench_image.h"
-#include "bench_platform.h"
 #include "bmc_support.h"
 #include "lib_fru.h"
 
@@ -14,14 +14,14 @@ namespace {
 
 void ReportAllocations(benchmark::State &state, uint64_t ulBefore)
 {
-    state.counters["allocations"] = benchmark::Counter(
-        static_cast<double>(bench::Counts().ulAllocations - ulBefore), benchmark::Counter::kAvgIterations);
+    state.counters["allocations"] = benchmark::Counter(static_cast<double>(bench::Allocations() - ulBefore),
+                                                       benchmark::Counter::kAvgIterations);
 }
 
 void Decode(benchmark::State &state)
 {
     const std::vector<u8> vecImage = bench::InEeprom(bench::FullImage(), 2048U);
-    const uint64_t ulBefore = bench::Counts().ulAllocations;
+    const uint64_t ulBefore = bench::Allocations();
     for ([[maybe_unused]] auto _ : state) {
         FRU_DATA_S stFRUData{};
         if (FRU_ANALYZER_InterpretFRUData(vecImage.data(), static_cast<u32>(vecImage.size()), &stFRUData) !=
@@ -40,7 +40,7 @@ void DecodeFloor(benchmark::State &state)
 {
     const bench::IMAGE_S stImage = bench::FullImage();
     std::vector<void *> vecBuffers(stImage.vecTexts.size());
-    const uint64_t ulBefore = bench::Counts().ulAllocations;
+    const uint64_t ulBefore = bench::Allocations();
     for ([[maybe_unused]] auto _ : state) {
         benchmark::DoNotOptimize(
             BMC_CalcZeroCheckSum(stImage.vecBytes.data(), static_cast<u32>(stImage.vecBytes.size())));
@@ -65,7 +65,7 @@ void Encode(benchmark::State &state)
         state.SkipWithError("the image does not decode");
     }
     std::vector<u8> vecOut(2048U);
-    const uint64_t ulBefore = bench::Counts().ulAllocations;
+    const uint64_t ulBefore = bench::Allocations();
     for ([[maybe_unused]] auto _ : state) {
         if (FRU_ANALYZER_ConvertToArray(&stFRUData, static_cast<u32>(vecOut.size()), vecOut.data()) < 0) {
             state.SkipWithError("the record does not encode");

@@ -7,8 +7,8 @@
 #include <malloc.h>
 
 #include "bench_device.h"
-#include "bench_platform.h"
 #include "lib_fru.h"
+#include "memory/memory_platform.h"
 
 extern "C" {
 void *__real_malloc(size_t uiSize);
@@ -63,7 +63,7 @@ int main()
     (void)strcpy(stPara.acLabelValue, "PRD-SERIAL-98765");
     const u32 uiResult = LIB_FRU_WriteElectronicLabel(&stPara);
     (void)printf("%zu bytes at most in %u buffers, %zu left\n", g_uiPeak, g_uiMade, g_uiLive);
-    const std::string strWritten(bench::Eeprom().begin(), bench::Eeprom().end());
+    const std::string strWritten(memory::Eeprom().begin(), memory::Eeprom().end());
     return uiResult == FRU_OK && g_uiLive == 0U && strWritten.find("PRD-SERIAL-98765") != std::string::npos
                ? 0
                : 1;

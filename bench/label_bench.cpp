@@ -3,16 +3,18 @@
 
 #include <benchmark/benchmark.h>
 
+#include "bench_alloc.h"
 #include "bench_device.h"
-#include "bench_platform.h"
 #include "lib_fru.h"
+#include "memory/memory_platform.h"
 
 namespace {
 
 void WriteLabel(benchmark::State &state)
 {
     bench::Provision(2048U, 0);
-    const bench::COUNTS_S stBefore = bench::Counts();
+    const memory::COUNTS_S stBefore = memory::Counts();
+    const uint64_t ulAllocations = bench::Allocations();
     u32 uiRound = 0;
     for ([[maybe_unused]] auto _ : state) {
         FRU_SET_PARA_S stPara{};
@@ -25,8 +27,8 @@ void WriteLabel(benchmark::State &state)
     const auto fnCounter = [](uint64_t ulNow, uint64_t ulThen) {
         return benchmark::Counter(static_cast<double>(ulNow - ulThen), benchmark::Counter::kAvgIterations);
     };
-    const bench::COUNTS_S &stNow = bench::Counts();
-    state.counters["allocations"] = fnCounter(stNow.ulAllocations, stBefore.ulAllocations);
+    const memory::COUNTS_S &stNow = memory::Counts();
+    state.counters["allocations"] = fnCounter(bench::Allocations(), ulAllocations);
     state.counters["db_calls"] = fnCounter(stNow.ulDbCalls, stBefore.ulDbCalls);
     state.counters["eeprom_read_bytes"] = fnCounter(stNow.ulEepromReadBytes, stBefore.ulEepromReadBytes);
     state.counters["eeprom_written_bytes"] =

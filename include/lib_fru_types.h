@@ -55,7 +55,9 @@ typedef int32_t i32;
 #define FRU_AREA_UNIT 8U        /* offsets and area lengths in an image count units of 8 bytes */
 #define FRU_MULTIRECORD_MAX 64U /* entries of FRU_DATA_S.astMultiRecord */
 #define FRU_MULTIRECORD_HEADER_LEN 5U
-#define FRU_MULTIRECORD_END_OF_LIST 0x80U /* bit of FRU_MULTIRECORD_S.ucRecordFormat */
+#define FRU_MULTIRECORD_END_OF_LIST 0x80U /* bit of ucRecordFormat: the last record */
+#define FRU_FIELD_END 0xC1U               /* the byte that ends an area's list of fields */
+#define FRU_FIELD_MAX_TEXT 63U            /* characters of a text that an image can hold */
 #define FRU_DEVICE_TBL_MAX 100U           /* entries of the FRU device table */
 #define FRU_CHASSIS_FIXED_SLOTS 5U        /* preset stChassisInfo.ucCustomFieldCount for fixed-slot mode */
 #define FRU_PRODUCT_FIXED_SLOTS 4U        /* preset stProductInfo.ucCustomFieldCount for fixed-slot mode */

@@ -50,6 +50,11 @@ u32 CAP_GetCommonCapabilityWithName(const char *pcObject, const char *pcName, u3
     });
 }
 
+u32 BMC_GetOemFlag(void)
+{
+    return host::OemFlag();
+}
+
 u32 HW_LIB_GetOemFlag(void)
 {
     return host::OemFlag();

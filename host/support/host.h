@@ -12,14 +12,13 @@
 
 #include "bmc_support.h"
 #include "bmcfru_host.h"
+#include "plain/plain.h"
 
 // A message of the platform itself.
 #define HOST_LOG(uiSeverity, ...)                                                                            \
     BMC_DiagLogOut(BMCHOST_DIAG_MODULE, 0U, (uiSeverity), __LINE__, __FILE_NAME__, __VA_ARGS__)
 
 namespace host {
-
-constexpr u32 g_uiFailed = 0x81000001U;
 
 // errno as text, from any thread.
 const char *ErrText(int iError);
@@ -47,9 +46,6 @@ struct LOCKS_S
     std::mutex mtxRoot;
 };
 LOCKS_S &Locks();
-
-// The whole text as a number of at most uiMax, decimal or 0x and hexadecimal; no blanks, no signs.
-std::optional<u32> ToNumber(const char *pcText, u32 uiMax);
 
 // True while this thread is inside the diagnostic sink, and so holds mtxDiag.
 bool InDiagSink();

@@ -3,7 +3,7 @@
 #define LIB_FRU_ANALYZER_CUSTOM_LIST_H
 
 #include "common/reader.h"
-#include "lib_fru_analyzer/area_table.h"
+#include "lib_fru_types.h"
 
 /*
  * Counts the fields from pucStartBuff up to their end mark; uiSize bytes are left in the area. The count has
@@ -16,7 +16,7 @@ u32 FRU_GetCustomerFieldCount(const u8 *pucStartBuff, u32 uiSize, u8 *pucCount);
  * uiAreaSize bytes, into the area's array and count; a count preset to the area's fixed slots asks for that
  * many fields. The area lies within the image. 0 or FRU_ERR_FAILED.
  */
-u32 FRU_GetCustomFields(const FRU_AREA_S &stArea, FRU_READER_S stReader, u32 uiUsed, u32 uiAreaSize,
+u32 FRU_GetCustomFields(u32 uiArea, FRU_READER_S stReader, u32 uiUsed, u32 uiAreaSize,
                         FRU_DATA_S *pstFRUData);
 
 #endif

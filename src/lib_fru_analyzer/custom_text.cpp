@@ -4,7 +4,7 @@
 #include <cstdio>
 #include <cstring>
 
-#include "lib_fru_analyzer/area_table.h"
+#include "lib_fru_analyzer/fields.h"
 #include "lib_fru_analyzer/lib_fru_analyzer_module.h"
 #include "lib_fru_codec.h"
 
@@ -49,7 +49,7 @@ constexpr CUSTOM_AREA_S g_astCustomArea[] = {
      "Escape board custom field failed!",
      "Interpret board custom field failed! Ret:%#x.",
      FRU_ERR_FAILED},
-    // Meant: unlike the other two, product fields that cannot be joined are no failure.
+    // Intended: unlike the other two, product fields that cannot be joined are no failure.
     {FRU_AREA_PRODUCT,
      {g_usNoSlot, g_usNoSlot, g_usNoSlot},
      CUSTOM_OFFSET(pcProductCustomFields),
@@ -82,10 +82,10 @@ u32 JoinFields(const CUSTOM_AREA_S &stCustom, const FRU_DATA_S *pstFRUData,
                FRU_CUSTOM_FIELD_S *pstFRUCustomField, FRU_TEXT *pupJoined)
 {
     const FRU_AREA_S &stArea = g_astFruArea[stCustom.uiArea];
-    const char *const *ppcFields = FRU_LoadPointer<const char *const *>(pstFRUData, stArea.usCustomFields);
-    const u32 uiCount = ppcFields == nullptr ? 0U : *FRU_MemberAt(pstFRUData, stArea.usCustomCount);
+    const u8 *const *ppucFields = FRU_CustomFields(pstFRUData, stArea);
+    const u32 uiCount = ppucFields == nullptr ? 0U : FRU_CustomCount(pstFRUData, stArea);
     for (u32 i = 0; i < uiCount; ++i) {
-        const char *pcField = ppcFields[i];
+        const char *pcField = reinterpret_cast<const char *>(ppucFields[i]);
         if (pcField == nullptr || *pcField == '\0') {
             continue;
         }
@@ -115,9 +115,8 @@ u32 InterpretArea(const CUSTOM_AREA_S &stCustom, const FRU_DATA_S *pstFRUData,
         return FRU_ERR_FAILED;
     }
     const u32 uiLength = static_cast<u32>(strlen(pcEscaped));
-    u8 *pucResult = reinterpret_cast<u8 *>(pstFRUCustomField);
-    (void)memcpy(pucResult + stCustom.usText, &pcEscaped, sizeof(pcEscaped));
-    (void)memcpy(pucResult + stCustom.usLength, &uiLength, sizeof(uiLength));
+    FRU_StorePointer(pstFRUCustomField, stCustom.usText, pcEscaped);
+    (void)memcpy(FRU_MemberAt(pstFRUCustomField, stCustom.usLength), &uiLength, sizeof(uiLength));
     return FRU_OK;
 }
 
@@ -154,7 +153,7 @@ u32 FRU_ANALYZER_InterpretCustomField(const FRU_DATA_S *pstFRUData, FRU_CUSTOM_F
     FRU_REQUIRE(pstFRUData, LIB_FRU_ERR_SIZE);
     FRU_REQUIRE(pstFRUCustomField, LIB_FRU_ERR_SIZE);
     for (const CUSTOM_AREA_S &stCustom : g_astCustomArea) {
-        if (*FRU_MemberAt(pstFRUData, g_astFruArea[stCustom.uiArea].ucHeaderByte) == 0U) {
+        if (FRU_AreaPlace(pstFRUData, g_astFruArea[stCustom.uiArea]) == 0U) {
             continue;
         }
         const u32 uiRet = InterpretArea(stCustom, pstFRUData, pstFRUCustomField);

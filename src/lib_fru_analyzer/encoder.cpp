@@ -1,7 +1,7 @@
 // Record to image bytes.
 #include "lib_fru_analyzer/lib_fru_analyzer_module.h"
 
-#include "lib_fru_analyzer/area_table.h"
+#include "lib_fru_analyzer/area_texts.h"
 #include "lib_fru_analyzer/chassis_type.h"
 #include "lib_fru_analyzer/field_writer.h"
 #include "lib_fru_analyzer/multirecord_area.h"
@@ -11,7 +11,6 @@
 namespace {
 
 constexpr u32 g_uiMaxUnits = 0xFFU; // the most that an offset or area-length byte holds
-constexpr u8 g_ucHeaderVersion = 1U;
 
 u32 RoundUp(u32 uiSize)
 {
@@ -52,73 +51,76 @@ u32 FRU_GetChassisAreaTypeValue(const char *pcDesc, u8 *pucType)
     return FRU_OK;
 }
 
-// What stands between the length byte and the first text.
-bool PutFixedPart(const FRU_AREA_S &stArea, const FRU_DATA_S *pstFRUData, FRU_WRITER_S &stWriter)
+bool PutChassisType(const FRU_DATA_S *pstFRUData, FRU_WRITER_S &stWriter)
 {
-    if (stArea.usChassisType != 0U) {
-        u8 ucType = 0;
-        const char *pcDesc = FRU_LoadPointer<const char *>(pstFRUData, stArea.usChassisType);
-        if (FRU_GetChassisAreaTypeValue(pcDesc, &ucType) != FRU_OK) {
-            FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_ERROR, "Error chassis type while converting ChassisInfoArea.");
-            return false;
-        }
-        if (!FRU_PutByte(stWriter, ucType, "Error ChassisType while converting ChassisInfoArea.")) {
-            return false;
-        }
+    u8 ucType = 0;
+    const u8 *pucDesc = FRU_FieldText(pstFRUData, FRU_FIELD_CHASSIS_TYPE);
+    if (FRU_GetChassisAreaTypeValue(reinterpret_cast<const char *>(pucDesc), &ucType) != FRU_OK) {
+        FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_ERROR, "Error chassis type while converting ChassisInfoArea.");
+        return false;
     }
-    for (u32 i = 0; i < stArea.uiRawCount; ++i) {
-        const FRU_RAW_ROW_S &stRow = stArea.pstRaw[i];
-        if (!FRU_PutBytes(stWriter, FRU_MemberAt(pstFRUData, stRow.usBytes), stRow.ucCount,
-                          stRow.pcEncodeError)) {
-            return false;
-        }
-    }
-    return true;
+    return FRU_PutByte(stWriter, ucType, g_astFruFieldTexts[FRU_FIELD_CHASSIS_TYPE].pcEncode);
 }
 
-bool PutFields(const FRU_AREA_S &stArea, const FRU_DATA_S *pstFRUData, FRU_WRITER_S &stWriter)
+bool PutField(u32 uiField, const FRU_DATA_S *pstFRUData, FRU_WRITER_S &stWriter)
 {
-    for (u32 i = 0; i < stArea.uiFieldCount; ++i) {
-        const FRU_FIELD_ROW_S &stRow = stArea.pstField[i];
-        const u8 *pucText = FRU_LoadPointer<const u8 *>(pstFRUData, stRow.usText);
-        if (!FRU_PutText(stWriter, pucText, stRow.pcEncodeError)) {
+    const FRU_FIELD_S &stField = g_astFruField[uiField];
+    const char *pcError = g_astFruFieldTexts[uiField].pcEncode;
+    switch (stField.ucKind) {
+    case FRU_KIND_BYTES:
+        return FRU_PutBytes(stWriter, FRU_MemberAt(pstFRUData, stField.usMember), stField.ucBytes, pcError);
+    case FRU_KIND_CHASSIS_TYPE:
+        return PutChassisType(pstFRUData, stWriter);
+    case FRU_KIND_TEXT:
+    default:
+        return FRU_PutText(stWriter, FRU_FieldText(pstFRUData, uiField), pcError);
+    }
+}
+
+// Everything between the length byte and the fill bytes.
+bool PutFields(u32 uiArea, const FRU_DATA_S *pstFRUData, FRU_WRITER_S &stWriter)
+{
+    const FRU_AREA_S &stArea = g_astFruArea[uiArea];
+    const FRU_ENCODE_TEXTS_S &stTexts = g_astFruEncodeTexts[uiArea];
+    for (u32 uiField = stArea.ucFirstField; uiField < stArea.ucEndField; ++uiField) {
+        if (!PutField(uiField, pstFRUData, stWriter)) {
             return false;
         }
     }
     // A released record keeps its count, so the array decides.
-    const u8 *const *ppucFields = FRU_LoadPointer<const u8 *const *>(pstFRUData, stArea.usCustomFields);
-    const u32 uiCount = ppucFields == nullptr ? 0U : *FRU_MemberAt(pstFRUData, stArea.usCustomCount);
+    const u8 *const *ppucFields = FRU_CustomFields(pstFRUData, stArea);
+    const u32 uiCount = ppucFields == nullptr ? 0U : FRU_CustomCount(pstFRUData, stArea);
     for (u32 i = 0; i < uiCount; ++i) {
-        if (!FRU_PutText(stWriter, ppucFields[i], stArea.stEncode.pcCustomField, i)) {
+        if (!FRU_PutText(stWriter, ppucFields[i], stTexts.pcCustomField, i)) {
             return false;
         }
     }
-    return FRU_PutByte(stWriter, FRU_FIELD_END, stArea.stEncode.pcEndChar);
+    return FRU_PutByte(stWriter, FRU_FIELD_END, stTexts.pcEndChar);
 }
 
-i32 ConvertInfoArea(const FRU_AREA_S &stArea, const FRU_DATA_S *pstFRUData, u32 uiPosition, u32 uiRoom,
-                    u8 *pucBuf)
+i32 ConvertInfoArea(u32 uiArea, const FRU_DATA_S *pstFRUData, u32 uiPosition, u32 uiRoom, u8 *pucBuf)
 {
+    const FRU_ENCODE_TEXTS_S &stTexts = g_astFruEncodeTexts[uiArea];
     FRU_WRITER_S stWriter = {pucBuf, uiRoom, 0U};
-    if (!FRU_PutByte(stWriter, *FRU_MemberAt(pstFRUData, stArea.usVersion), stArea.stEncode.pcVersion) ||
-        !FRU_PutByte(stWriter, 0U, stArea.stEncode.pcLength) || !PutFixedPart(stArea, pstFRUData, stWriter) ||
-        !PutFields(stArea, pstFRUData, stWriter)) {
+    if (!FRU_PutByte(stWriter, *FRU_MemberAt(pstFRUData, g_astFruArea[uiArea].usVersion),
+                     stTexts.pcVersion) ||
+        !FRU_PutByte(stWriter, 0U, stTexts.pcLength) || !PutFields(uiArea, pstFRUData, stWriter)) {
         return FRU_WRITE_FAILED;
     }
     const u32 uiSize = RoundUp(stWriter.uiUsed + 1U);
     const u32 uiUnits = uiSize / FRU_AREA_UNIT;
     // Neither the length byte nor the header's offset byte may wrap.
     if (uiSize - 1U >= uiRoom || uiUnits > g_uiMaxUnits || uiPosition / FRU_AREA_UNIT > g_uiMaxUnits) {
-        FRU_LOG_TABLE(FRU_CAT_GENERAL, BMC_DIAG_ERROR, stArea.stEncode.pcRelocate, uiSize);
+        FRU_LOG_TABLE(FRU_CAT_GENERAL, BMC_DIAG_ERROR, stTexts.pcRelocate, uiSize);
         return FRU_WRITE_FAILED;
     }
     FRU_WRITER_S stLength = {pucBuf, uiRoom, 1U};
-    if (!FRU_PutByte(stLength, static_cast<u8>(uiUnits), stArea.stEncode.pcLength)) {
+    if (!FRU_PutByte(stLength, static_cast<u8>(uiUnits), stTexts.pcLength)) {
         return FRU_WRITE_FAILED;
     }
     // Covers the bytes behind the end mark as the caller left them.
     FRU_WRITER_S stCheckSum = {pucBuf, uiRoom, uiSize - 1U};
-    if (!FRU_PutByte(stCheckSum, BMC_CalcZeroCheckSum(pucBuf, uiSize - 1U), stArea.stEncode.pcCheckSum)) {
+    if (!FRU_PutByte(stCheckSum, BMC_CalcZeroCheckSum(pucBuf, uiSize - 1U), stTexts.pcCheckSum)) {
         return FRU_WRITE_FAILED;
     }
     return static_cast<i32>(uiSize);
@@ -127,11 +129,11 @@ i32 ConvertInfoArea(const FRU_AREA_S &stArea, const FRU_DATA_S *pstFRUData, u32 
 i32 FinishMultiRecordArea(u32 uiWritten, u32 uiPosition, u32 uiRoom)
 {
     const u32 uiSize = RoundUp(uiWritten);
-    // Meant: one byte of room must stay, and the message is the product area's.
+    // Intended: one byte of room must stay, and the message is the product area's.
     if (uiSize >= uiRoom || uiSize > g_uiMaxUnits * FRU_AREA_UNIT ||
         uiPosition / FRU_AREA_UNIT > g_uiMaxUnits) {
-        FRU_LOG_TABLE(FRU_CAT_GENERAL, BMC_DIAG_ERROR, g_astFruArea[FRU_AREA_PRODUCT].stEncode.pcRelocate,
-                      uiSize);
+        FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_ERROR,
+                "Error relocate address while converting ProductInfoArea:length=%#x", uiSize);
         return FRU_WRITE_FAILED;
     }
     return static_cast<i32>(uiSize);
@@ -157,8 +159,8 @@ i32 FRU_ConvertMultiRecordArea(const FRU_DATA_S *pstFRUData, u32 uiPosition, u32
     return FRU_WRITE_FAILED;
 }
 
-// The areas behind the common header; returns the image's bytes or -1.
-i32 ConvertAreas(const FRU_DATA_S *pstFRUData, u32 uiLength, u8 *pucBuf)
+// The areas behind the common header, and their places into stHeader; returns the image's bytes or -1.
+i32 ConvertAreas(const FRU_DATA_S *pstFRUData, u32 uiLength, u8 *pucBuf, FRU_COMMON_HEADER_S &stHeader)
 {
     u32 uiTotal = FRU_COMMON_HEADER_LEN;
     if (pstFRUData->stCommonHeader.ucInternalUseAreaStartOffset != 0U) {
@@ -167,31 +169,32 @@ i32 ConvertAreas(const FRU_DATA_S *pstFRUData, u32 uiLength, u8 *pucBuf)
             FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_ERROR, "Failed to convert InternalUseArea");
             return FRU_WRITE_FAILED;
         }
-        pucBuf[1] = static_cast<u8>(uiTotal / FRU_AREA_UNIT);
+        stHeader.ucInternalUseAreaStartOffset = static_cast<u8>(uiTotal / FRU_AREA_UNIT);
         uiTotal += static_cast<u32>(iSize);
     }
-    for (const FRU_AREA_S &stArea : g_astFruArea) {
-        if (*FRU_MemberAt(pstFRUData, stArea.ucHeaderByte) == 0U) {
+    for (u32 uiArea = 0; uiArea < FRU_AREA_COUNT; ++uiArea) {
+        const FRU_AREA_S &stArea = g_astFruArea[uiArea];
+        if (FRU_AreaPlace(pstFRUData, stArea) == 0U) {
             continue;
         }
-        const i32 iSize = ConvertInfoArea(stArea, pstFRUData, uiTotal, uiLength - uiTotal, pucBuf + uiTotal);
+        const i32 iSize = ConvertInfoArea(uiArea, pstFRUData, uiTotal, uiLength - uiTotal, pucBuf + uiTotal);
         if (iSize < 0) {
-            FRU_LOG_TABLE(FRU_CAT_GENERAL, BMC_DIAG_ERROR, stArea.stEncode.pcClosing);
+            FRU_LOG_TABLE(FRU_CAT_GENERAL, BMC_DIAG_ERROR, g_astFruEncodeTexts[uiArea].pcClosing);
             return FRU_WRITE_FAILED;
         }
-        pucBuf[stArea.ucHeaderByte] = static_cast<u8>(uiTotal / FRU_AREA_UNIT);
+        FRU_SetAreaPlace(&stHeader, stArea, static_cast<u8>(uiTotal / FRU_AREA_UNIT));
         uiTotal += static_cast<u32>(iSize);
     }
     if (pstFRUData->stCommonHeader.ucMultiRecordAreaStartOffset != 0U) {
         const i32 iSize =
             FRU_ConvertMultiRecordArea(pstFRUData, uiTotal, uiLength - uiTotal, pucBuf + uiTotal);
         if (iSize < 0) {
-            // Meant: it speaks of the product area.
+            // Intended: it speaks of the product area.
             FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_ERROR, "Failed to createFRUBin of ProductInfoArea! Ret:%#x.",
                     static_cast<u32>(iSize));
             return FRU_WRITE_FAILED;
         }
-        pucBuf[5] = static_cast<u8>(uiTotal / FRU_AREA_UNIT);
+        stHeader.ucMultiRecordAreaStartOffset = static_cast<u8>(uiTotal / FRU_AREA_UNIT);
         uiTotal += static_cast<u32>(iSize);
     }
     return static_cast<i32>(uiTotal);
@@ -207,12 +210,16 @@ i32 FRU_ANALYZER_ConvertToArray(const FRU_DATA_S *pstFRUData, u32 uiLength, u8 *
         FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_ERROR, "Invalid input length: %#x", uiLength);
         return FRU_WRITE_FAILED;
     }
-    pucBuf[0] = g_ucHeaderVersion;
-    const i32 iTotal = ConvertAreas(pstFRUData, uiLength, pucBuf);
+    FRU_COMMON_HEADER_S stHeader;
+    (void)memcpy(&stHeader, pucBuf, sizeof(stHeader)); // what absent areas have is the caller's
+    stHeader.ucFormatVersion = FRU_AREA_VERSION;
+    const i32 iTotal = ConvertAreas(pstFRUData, uiLength, pucBuf, stHeader);
     if (iTotal < 0) {
         return FRU_WRITE_FAILED;
     }
-    pucBuf[6] = 0U;
-    pucBuf[7] = BMC_CalcZeroCheckSum(pucBuf, FRU_COMMON_HEADER_LEN - 1U);
+    stHeader.ucPad = 0U;
+    stHeader.ucChecksum =
+        BMC_CalcZeroCheckSum(reinterpret_cast<const u8 *>(&stHeader), FRU_COMMON_HEADER_LEN - 1U);
+    (void)memcpy(pucBuf, &stHeader, sizeof(stHeader));
     return iTotal;
 }

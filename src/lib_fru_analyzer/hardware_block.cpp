@@ -20,7 +20,7 @@ u32 FRU_ANALYZER_InterpretALLHwFRUData(const u8 *pucBuff, u32 uiSize, FRU_HW_DAT
         return LIB_FRU_ERR_SIZE;
     }
     (void)memcpy(pstFruHwData, pucBuff, FRU_HW_DATA_LEN);
-    // Meant: wrong CRCs are warnings, the block is shown as it was read.
+    // Intended: wrong CRCs are warnings, the block is shown as it was read.
     if (BMC_CheckCRC8(pucBuff[0], pucBuff + 1, g_uiHalf - 1U) != 0U) {
         FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_WARNING, "Check HwBoardInfo CRC8 failed!");
     }

@@ -4,8 +4,6 @@
 
 #include "lib_fru_types.h"
 
-#define FRU_MULTIRECORD_END_OF_LIST 0x80U // bit of ucRecordFormat
-
 // Walks the records of an image of uiLength bytes whose common header the record holds already. Has no
 // result: a damaged area leaves no data behind and is told of in the log only.
 void FRU_GetMultiRecordArea(const u8 *pucBuff, u32 uiLength, FRU_DATA_S *pstFRUData);

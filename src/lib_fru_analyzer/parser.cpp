@@ -1,7 +1,7 @@
 // Image bytes to record: common header, internal-use area, the three info areas.
 #include "lib_fru_analyzer/lib_fru_analyzer_module.h"
 
-#include "lib_fru_analyzer/area_table.h"
+#include "lib_fru_analyzer/area_texts.h"
 #include "lib_fru_analyzer/chassis_type.h"
 #include "lib_fru_analyzer/custom_list.h"
 #include "lib_fru_analyzer/multirecord_area.h"
@@ -9,8 +9,6 @@
 #include "lib_fru_codec.h"
 
 namespace {
-
-constexpr u8 g_ucFormatVersion = 1U;
 
 u32 GetInternalUseArea(const u8 *pucBuff, u32 uiLength, FRU_DATA_S *pstFRUData)
 {
@@ -24,7 +22,7 @@ u32 GetInternalUseArea(const u8 *pucBuff, u32 uiLength, FRU_DATA_S *pstFRUData)
     FRU_READER_S stReader = FRU_ReaderOver(pucBuff + uiStart, uiLength - uiStart);
     const u8 ucVersion = FRU_ReadByte(stReader);
     pstFRUData->stInternalUseArea.ucFormatVersion = ucVersion;
-    if (ucVersion != g_ucFormatVersion) {
+    if (ucVersion != FRU_AREA_VERSION) {
         FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_ERROR, "Error InternalUseArea format version: %#x", ucVersion);
         return FRU_ERR_FAILED;
     }
@@ -38,7 +36,7 @@ u32 GetInternalUseArea(const u8 *pucBuff, u32 uiLength, FRU_DATA_S *pstFRUData)
     return uiRet;
 }
 
-u32 GetChassisTypeDesc(const FRU_AREA_S &stArea, FRU_READER_S &stReader, FRU_DATA_S *pstFRUData)
+u32 GetChassisTypeDesc(FRU_READER_S &stReader, FRU_DATA_S *pstFRUData)
 {
     const u8 ucType = FRU_ReadByte(stReader);
     if (stReader.bPoisoned) {
@@ -49,89 +47,101 @@ u32 GetChassisTypeDesc(const FRU_AREA_S &stArea, FRU_READER_S &stReader, FRU_DAT
         FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_ERROR, "Failed to find related chassis type:%#x", ucType);
         return FRU_ERR_FAILED;
     }
-    char *pcDesc = static_cast<char *>(FRU_CALLOC(1U, FRU_CHASSIS_TYPE_DESC_LEN));
-    if (pcDesc == nullptr) {
+    u8 *pucDesc = static_cast<u8 *>(FRU_CALLOC(1U, FRU_CHASSIS_TYPE_DESC_LEN));
+    if (pucDesc == nullptr) {
         FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_ERROR, "Failed to calloc memory!");
         return FRU_ERR_FAILED;
     }
-    (void)BMC_Scnprintf(pcDesc, FRU_CHASSIS_TYPE_DESC_LEN, "%s", pstType->acDesc);
-    FRU_StorePointer(pstFRUData, stArea.usChassisType, pcDesc);
+    (void)BMC_Scnprintf(reinterpret_cast<char *>(pucDesc), FRU_CHASSIS_TYPE_DESC_LEN, "%s", pstType->acDesc);
+    FRU_StoreFieldText(pstFRUData, FRU_FIELD_CHASSIS_TYPE, pucDesc);
     return FRU_OK;
 }
 
 // Version, length and checksum; the area then lies within the image. Leaves the reader behind
 // the length byte.
-u32 CheckArea(const FRU_AREA_S &stArea, u32 uiOffset, u32 uiLength, FRU_READER_S &stReader,
-              FRU_DATA_S *pstFRUData)
+u32 CheckArea(u32 uiArea, u32 uiOffset, u32 uiLength, FRU_READER_S &stReader, FRU_DATA_S *pstFRUData)
 {
+    const FRU_AREA_S &stArea = g_astFruArea[uiArea];
+    const FRU_DECODE_TEXTS_S &stTexts = g_astFruDecodeTexts[uiArea];
     const u8 *pucStart = stReader.pucCursor;
     const u8 ucVersion = FRU_ReadByte(stReader);
     *FRU_MemberAt(pstFRUData, stArea.usVersion) = ucVersion;
-    if (ucVersion != g_ucFormatVersion) {
-        FRU_LOG_TABLE(FRU_CAT_GENERAL, BMC_DIAG_ERROR, stArea.stDecode.pcVersion, ucVersion);
+    if (ucVersion != FRU_AREA_VERSION) {
+        FRU_LOG_TABLE(FRU_CAT_GENERAL, BMC_DIAG_ERROR, stTexts.pcVersion, ucVersion);
         return FRU_ERR_FAILED;
     }
     const u32 uiUnits = FRU_ReadByte(stReader);
     *FRU_MemberAt(pstFRUData, stArea.usAreaLength) = static_cast<u8>(uiUnits);
-    // Meant: an area that ends with the image's last byte is refused.
+    // Intended: an area that ends with the image's last byte is refused.
     if ((uiUnits + uiOffset) * FRU_AREA_UNIT >= uiLength) {
-        FRU_LOG_TABLE(FRU_CAT_GENERAL, BMC_DIAG_ERROR, stArea.stDecode.pcSize, uiUnits, uiOffset, uiLength);
+        FRU_LOG_TABLE(FRU_CAT_GENERAL, BMC_DIAG_ERROR, stTexts.pcSize, uiUnits, uiOffset, uiLength);
         return FRU_ERR_FAILED;
     }
     if (BMC_CheckZeroSum(pucStart, uiUnits * FRU_AREA_UNIT) != 0U) {
-        FRU_LOG_TABLE(FRU_CAT_GENERAL, BMC_DIAG_ERROR, stArea.stDecode.pcZeroSum);
+        FRU_LOG_TABLE(FRU_CAT_GENERAL, BMC_DIAG_ERROR, stTexts.pcZeroSum);
         return FRU_ERR_FAILED;
     }
     return FRU_OK;
 }
 
-// What stands between the length byte and the first text. A read past the image makes that text fail.
-u32 GetFixedPart(const FRU_AREA_S &stArea, FRU_READER_S &stReader, FRU_DATA_S *pstFRUData)
+// Bytes past the image stay as they are; the text behind them fails then.
+u32 GetBytes(const FRU_FIELD_S &stField, FRU_READER_S &stReader, FRU_DATA_S *pstFRUData)
 {
-    if (stArea.usChassisType != 0U && GetChassisTypeDesc(stArea, stReader, pstFRUData) != FRU_OK) {
-        FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_ERROR, "Failed to get chassis type desc in ChassisInfoArea!");
-        return FRU_ERR_FAILED;
-    }
-    for (u32 i = 0; i < stArea.uiRawCount; ++i) {
-        const u8 *pucBytes = FRU_ReadBytes(stReader, stArea.pstRaw[i].ucCount);
-        if (pucBytes != nullptr) {
-            (void)memcpy(FRU_MemberAt(pstFRUData, stArea.pstRaw[i].usBytes), pucBytes,
-                         stArea.pstRaw[i].ucCount);
-        }
+    const u8 *pucBytes = FRU_ReadBytes(stReader, stField.ucBytes);
+    if (pucBytes != nullptr) {
+        (void)memcpy(FRU_MemberAt(pstFRUData, stField.usMember), pucBytes, stField.ucBytes);
     }
     return FRU_OK;
 }
 
-u32 GetInfoArea(const FRU_AREA_S &stArea, u32 uiOffset, const u8 *pucBuff, u32 uiLength,
-                FRU_DATA_S *pstFRUData)
+// Bounded by the image only: a text past the area's end is told of by the custom fields.
+u32 GetText(const FRU_FIELD_S &stField, FRU_READER_S &stReader, FRU_DATA_S *pstFRUData)
 {
+    u8 *pucText = nullptr;
+    const u32 uiRet = FRU_ReadField(stReader, &pucText, FRU_MemberAt(pstFRUData, stField.usSize));
+    FRU_StorePointer(pstFRUData, stField.usMember, pucText);
+    return uiRet;
+}
+
+u32 GetField(u32 uiField, FRU_READER_S &stReader, FRU_DATA_S *pstFRUData)
+{
+    const FRU_FIELD_S &stField = g_astFruField[uiField];
+    switch (stField.ucKind) {
+    case FRU_KIND_BYTES:
+        return GetBytes(stField, stReader, pstFRUData);
+    case FRU_KIND_CHASSIS_TYPE:
+        return GetChassisTypeDesc(stReader, pstFRUData);
+    case FRU_KIND_TEXT:
+    default:
+        return GetText(stField, stReader, pstFRUData);
+    }
+}
+
+u32 GetInfoArea(u32 uiArea, u32 uiOffset, const u8 *pucBuff, u32 uiLength, FRU_DATA_S *pstFRUData)
+{
+    const FRU_AREA_S &stArea = g_astFruArea[uiArea];
+    const FRU_DECODE_TEXTS_S &stTexts = g_astFruDecodeTexts[uiArea];
     const u32 uiStart = uiOffset * FRU_AREA_UNIT;
     if (uiStart >= uiLength) {
-        FRU_LOG_TABLE(FRU_CAT_GENERAL, BMC_DIAG_ERROR, stArea.stDecode.pcStart, uiOffset, uiLength);
+        FRU_LOG_TABLE(FRU_CAT_GENERAL, BMC_DIAG_ERROR, stTexts.pcStart, uiOffset, uiLength);
         return FRU_ERR_FAILED;
     }
     const u8 *pucStart = pucBuff + uiStart;
     FRU_READER_S stReader = FRU_ReaderOver(pucStart, uiLength - uiStart);
-    if (CheckArea(stArea, uiOffset, uiLength, stReader, pstFRUData) != FRU_OK ||
-        GetFixedPart(stArea, stReader, pstFRUData) != FRU_OK) {
+    if (CheckArea(uiArea, uiOffset, uiLength, stReader, pstFRUData) != FRU_OK) {
         return FRU_ERR_FAILED;
     }
-    for (u32 i = 0; i < stArea.uiFieldCount; ++i) {
-        // Bounded by the image only: a text past the area's end is told of below, not here.
-        const FRU_FIELD_ROW_S &stRow = stArea.pstField[i];
-        u8 *pucText = nullptr;
-        const u32 uiRet = FRU_ReadField(stReader, &pucText, FRU_MemberAt(pstFRUData, stRow.usSize));
-        FRU_StorePointer(pstFRUData, stRow.usText, pucText);
-        if (uiRet != FRU_OK) {
-            FRU_LOG_TABLE(FRU_CAT_GENERAL, BMC_DIAG_ERROR, stRow.pcDecodeError);
+    for (u32 uiField = stArea.ucFirstField; uiField < stArea.ucEndField; ++uiField) {
+        if (GetField(uiField, stReader, pstFRUData) != FRU_OK) {
+            FRU_LOG_TABLE(FRU_CAT_GENERAL, BMC_DIAG_ERROR, g_astFruFieldTexts[uiField].pcDecode);
             return FRU_ERR_FAILED;
         }
     }
     const u32 uiAreaSize = *FRU_MemberAt(pstFRUData, stArea.usAreaLength) * FRU_AREA_UNIT;
     const u32 uiUsed = static_cast<u32>(stReader.pucCursor - pucStart);
-    const u32 uiRet = FRU_GetCustomFields(stArea, stReader, uiUsed, uiAreaSize, pstFRUData);
-    if (uiRet != FRU_OK && stArea.stDecode.pcCustomClosing != nullptr) {
-        FRU_LOG_TABLE(FRU_CAT_GENERAL, BMC_DIAG_ERROR, stArea.stDecode.pcCustomClosing);
+    const u32 uiRet = FRU_GetCustomFields(uiArea, stReader, uiUsed, uiAreaSize, pstFRUData);
+    if (uiRet != FRU_OK && stTexts.pcCustomClosing != nullptr) {
+        FRU_LOG_TABLE(FRU_CAT_GENERAL, BMC_DIAG_ERROR, stTexts.pcCustomClosing);
     }
     return uiRet;
 }
@@ -141,7 +151,7 @@ u32 GetInfoArea(const FRU_AREA_S &stArea, u32 uiOffset, const u8 *pucBuff, u32 u
 u32 FRU_ANALYZER_CheckValidHeader(const u8 *pstHeader)
 {
     FRU_REQUIRE(pstHeader, LIB_FRU_ERR_SIZE);
-    if (pstHeader[0] != g_ucFormatVersion) {
+    if (pstHeader[0] != FRU_AREA_VERSION) {
         FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_WARNING, "Common header format version value:%#x invalid!",
                 pstHeader[0]);
         return LIB_FRU_ERR_HEADER;
@@ -171,10 +181,10 @@ u32 FRU_ANALYZER_InterpretFRUData(const u8 *pucBuff, u32 uiLength, FRU_DATA_S *p
         FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_ERROR, "Failed to get InternalUseArea!");
         return LIB_FRU_ERR_READ;
     }
-    for (const FRU_AREA_S &stArea : g_astFruArea) {
-        const u32 uiOffset = pucBuff[stArea.ucHeaderByte];
-        if (uiOffset != 0U && GetInfoArea(stArea, uiOffset, pucBuff, uiLength, pstFRUData) != FRU_OK) {
-            FRU_LOG_TABLE(FRU_CAT_GENERAL, BMC_DIAG_ERROR, stArea.stDecode.pcClosing);
+    for (u32 uiArea = 0; uiArea < FRU_AREA_COUNT; ++uiArea) {
+        const u32 uiOffset = FRU_AreaPlace(pstFRUData, g_astFruArea[uiArea]);
+        if (uiOffset != 0U && GetInfoArea(uiArea, uiOffset, pucBuff, uiLength, pstFRUData) != FRU_OK) {
+            FRU_LOG_TABLE(FRU_CAT_GENERAL, BMC_DIAG_ERROR, g_astFruDecodeTexts[uiArea].pcClosing);
             return LIB_FRU_ERR_READ;
         }
     }

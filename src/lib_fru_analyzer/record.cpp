@@ -1,29 +1,24 @@
 // Release of a decoded record.
 #include "lib_fru_analyzer/lib_fru_analyzer_module.h"
 
-#include "lib_fru_analyzer/area_table.h"
+#include "lib_fru_analyzer/fields.h"
 #include "lib_fru_codec.h"
 
 namespace {
 
-void FreeMember(FRU_DATA_S *pstFRUData, u32 uiOffset)
-{
-    std::free(FRU_LoadPointer<void *>(pstFRUData, uiOffset));
-    FRU_StorePointer<void *>(pstFRUData, uiOffset, nullptr);
-}
-
 void FreeCustomFields(FRU_DATA_S *pstFRUData, const FRU_AREA_S &stArea)
 {
-    u8 **ppucFields = FRU_LoadPointer<u8 **>(pstFRUData, stArea.usCustomFields);
+    u8 **ppucFields = FRU_CustomFields(pstFRUData, stArea);
     if (ppucFields == nullptr) {
         return;
     }
-    const u32 uiCount = *FRU_MemberAt(pstFRUData, stArea.usCustomCount);
+    const u32 uiCount = FRU_CustomCount(pstFRUData, stArea);
     for (u32 i = 0; i < uiCount; ++i) {
         FRU_FREE(ppucFields[i]);
     }
     // Also when the count is 0. The count itself stays, as every other plain member does.
-    FreeMember(pstFRUData, stArea.usCustomFields);
+    std::free(ppucFields);
+    FRU_StorePointer<u8 **>(pstFRUData, stArea.stCustom.usFields, nullptr);
 }
 
 } // namespace
@@ -33,11 +28,10 @@ void FRU_ANALYZER_SafeFree(FRU_DATA_S *pstFRUData)
     FRU_REQUIRE_OR_LEAVE(pstFRUData);
     FRU_FREE(pstFRUData->stInternalUseArea.pucData);
     for (const FRU_AREA_S &stArea : g_astFruArea) {
-        if (stArea.usChassisType != 0U) {
-            FreeMember(pstFRUData, stArea.usChassisType);
-        }
-        for (u32 i = 0; i < stArea.uiFieldCount; ++i) {
-            FreeMember(pstFRUData, stArea.pstField[i].usText);
+        for (u32 uiField = stArea.ucFirstField; uiField < stArea.ucEndField; ++uiField) {
+            if (g_astFruField[uiField].ucKind != FRU_KIND_BYTES) {
+                FRU_ReplaceFieldText(pstFRUData, uiField, nullptr);
+            }
         }
         FreeCustomFields(pstFRUData, stArea);
     }

@@ -5,11 +5,9 @@
 #include "common/reader.h"
 #include "lib_fru_types.h"
 
-#define FRU_FIELD_END 0xC1U         // ends a list of fields
 #define FRU_FIELD_EMPTY 0xC0U       // an empty text
 #define FRU_FIELD_LENGTH_MASK 0x3FU // data bytes; the type is in the two bits above
 #define FRU_FIELD_TYPE_SHIFT 6U
-#define FRU_FIELD_MAX_TEXT 63U
 
 /*
  * Decodes the field at pucBuf, of which uiLeft bytes may be read, into a new zero-filled heap text.

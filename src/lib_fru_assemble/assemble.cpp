@@ -3,6 +3,7 @@
 
 #include <cstring>
 
+#include "lib_fru_analyzer/fields.h"
 #include "lib_fru_assembly.h"
 #include "lib_fru_cache.h"
 #include "lib_fru_codec.h"
@@ -11,77 +12,75 @@
 namespace {
 
 constexpr u32 g_uiImageLen = 256;
-constexpr u32 g_uiDateSlot = 3;
 constexpr u32 g_uiMaxTexts = 6;
-constexpr u8 g_ucFormatVersion = 1;
-constexpr u8 g_ucPresent = 1; // the encoder lays the area out
 
-// One text of an area; the rows stand in the order in which the buffers are allocated.
+// One text of an area. The rows stand in the order in which the buffers are allocated, which is not the image's.
 struct TEXT_ROW_S
 {
-    u32 uiSlot;
-    u32 uiSizeOffset;
-    u32 uiTextOffset;
+    u8 ucSlot;
+    FRU_FIELD_ID eField;
     const char *pcNullFormat;
 };
 
-struct AREA_S
+struct ASSEMBLED_AREA_S
 {
     const char *pcFunction; // whom the reports name
-    u32 uiFirstSlot;
-    u32 uiLastSlot;
-    u32 uiTexts;
+    FRU_AREA_ID eArea;
+    u8 ucFirstSlot;
+    u8 ucLastSlot;
+    u8 ucTexts;
     TEXT_ROW_S astText[g_uiMaxTexts];
-    u32 uiFileIDOffset;
+    FRU_FIELD_ID eFileID;
     const char *pcFileIDNullFormat;
 };
 
-#define BOARD_ROW(uiSlot, Size, Text)                                                                        \
-    {                                                                                                        \
-        (uiSlot), offsetof(FRU_BOARD_INFO_S, Size), offsetof(FRU_BOARD_INFO_S, Text),                        \
-            FRU_NULL_FORMAT("pstBoardInfo->" #Text)                                                          \
-    }
-#define PRODUCT_ROW(uiSlot, Size, Text)                                                                      \
-    {                                                                                                        \
-        (uiSlot), offsetof(FRU_PRODUCT_INFO_S, Size), offsetof(FRU_PRODUCT_INFO_S, Text),                    \
-            FRU_NULL_FORMAT("pstProductInfo->" #Text)                                                        \
-    }
-
-constexpr AREA_S g_stBoardArea = {
+constexpr ASSEMBLED_AREA_S g_stBoardArea = {
     "FRU_AssembleBoardInfo",
-    g_uiDateSlot,
-    7,
+    FRU_AREA_BOARD,
+    FRU_ASSEMBLE_BOARD_MFG_DATE,
+    FRU_ASSEMBLE_BOARD_PART_NUMBER,
     4,
     {
-        BOARD_ROW(4, ucBoardMfrLen, pucBoardMfr),
-        BOARD_ROW(7, ucBoardPartNumLen, pucBoardPartNum),
-        BOARD_ROW(5, ucBoardProductNameLen, pucBoardProductName),
-        BOARD_ROW(6, ucBoardSerialNumLen, pucBoardSerialNum),
+        {FRU_ASSEMBLE_BOARD_MANUFACTURER, FRU_FIELD_BOARD_MANUFACTURER,
+         FRU_NULL_FORMAT("pstBoardInfo->pucBoardMfr")},
+        {FRU_ASSEMBLE_BOARD_PART_NUMBER, FRU_FIELD_BOARD_PART,
+         FRU_NULL_FORMAT("pstBoardInfo->pucBoardPartNum")},
+        {FRU_ASSEMBLE_BOARD_PRODUCT_NAME, FRU_FIELD_BOARD_NAME,
+         FRU_NULL_FORMAT("pstBoardInfo->pucBoardProductName")},
+        {FRU_ASSEMBLE_BOARD_SERIAL_NUMBER, FRU_FIELD_BOARD_SERIAL,
+         FRU_NULL_FORMAT("pstBoardInfo->pucBoardSerialNum")},
     },
-    offsetof(FRU_BOARD_INFO_S, pucFRUFileID),
+    FRU_FIELD_BOARD_FILE_ID,
     FRU_NULL_FORMAT("pstBoardInfo->pucFRUFileID"),
 };
 
-constexpr AREA_S g_stProductArea = {
+constexpr ASSEMBLED_AREA_S g_stProductArea = {
     "FRU_AssembleProductInfo",
-    8,
-    13,
+    FRU_AREA_PRODUCT,
+    FRU_ASSEMBLE_PRODUCT_MANUFACTURER,
+    FRU_ASSEMBLE_PRODUCT_ASSET_TAG,
     6,
     {
-        PRODUCT_ROW(8, ucMfrNameLen, pucMfrName),
-        PRODUCT_ROW(9, ucProductNameLen, pucProductName),
-        PRODUCT_ROW(10, ucProductPartNumLen, pucProductPartNum),
-        PRODUCT_ROW(11, ucProductVersionLen, pucProductVersion),
-        PRODUCT_ROW(13, ucAssetTagLen, pucAssetTag),
-        PRODUCT_ROW(12, ucProductSerialNumLen, pucProductSerialNum),
+        {FRU_ASSEMBLE_PRODUCT_MANUFACTURER, FRU_FIELD_PRODUCT_MANUFACTURER,
+         FRU_NULL_FORMAT("pstProductInfo->pucMfrName")},
+        {FRU_ASSEMBLE_PRODUCT_NAME, FRU_FIELD_PRODUCT_NAME,
+         FRU_NULL_FORMAT("pstProductInfo->pucProductName")},
+        {FRU_ASSEMBLE_PRODUCT_PART_NUMBER, FRU_FIELD_PRODUCT_PART,
+         FRU_NULL_FORMAT("pstProductInfo->pucProductPartNum")},
+        {FRU_ASSEMBLE_PRODUCT_VERSION, FRU_FIELD_PRODUCT_VERSION,
+         FRU_NULL_FORMAT("pstProductInfo->pucProductVersion")},
+        {FRU_ASSEMBLE_PRODUCT_ASSET_TAG, FRU_FIELD_PRODUCT_ASSET_TAG,
+         FRU_NULL_FORMAT("pstProductInfo->pucAssetTag")},
+        {FRU_ASSEMBLE_PRODUCT_SERIAL_NUMBER, FRU_FIELD_PRODUCT_SERIAL,
+         FRU_NULL_FORMAT("pstProductInfo->pucProductSerialNum")},
     },
-    offsetof(FRU_PRODUCT_INFO_S, pucFRUFileID),
+    FRU_FIELD_PRODUCT_FILE_ID,
     FRU_NULL_FORMAT("pstProductInfo->pucFRUFileID"),
 };
 
-bool IsNeeded(const AREA_S &stArea, const FRU_ASSEMBLE_LABEL_S *pstFRULabel)
+bool IsNeeded(const ASSEMBLED_AREA_S &stArea, const FRU_ASSEMBLE_LABEL_S *pstFRULabel)
 {
-    for (u32 i = stArea.uiFirstSlot; i <= stArea.uiLastSlot; ++i) {
+    for (u32 i = stArea.ucFirstSlot; i <= stArea.ucLastSlot; ++i) {
         if (pstFRULabel->acSlot[i][0] != '\0') {
             return true;
         }
@@ -96,44 +95,53 @@ u8 SizeOfText(const char *pcSlot)
     return uiLength == FRU_ASSEMBLE_SLOT_LEN ? u8{0} : static_cast<u8>(uiLength + 1U);
 }
 
-// Allocates a buffer into the area's (unaligned) pointer member; null was reported.
-char *AllocateInto(u8 *pucInfo, u32 uiOffset, u32 uiSize, const char *pcNullFormat, const char *pcFunction)
+// A new buffer as the field's text; null was reported.
+bool AllocateInto(FRU_DATA_S *pstFRUData, FRU_FIELD_ID eField, u32 uiSize, const char *pcNullFormat,
+                  const char *pcFunction)
 {
-    char *pcText = static_cast<char *>(FRU_CALLOC_IN(1U, uiSize, pcFunction));
-    if (pcText == nullptr) {
+    u8 *pucText = static_cast<u8 *>(FRU_CALLOC_IN(1U, uiSize, pcFunction));
+    if (pucText == nullptr) {
         FRU_ReportNull(pcNullFormat, FRU_DIAG_FILE, pcFunction, __LINE__);
-        return nullptr;
+        return false;
     }
-    (void)memcpy(pucInfo + uiOffset, &pcText, sizeof(pcText));
-    return pcText;
+    FRU_StoreFieldText(pstFRUData, eField, pucText);
+    return true;
 }
 
 // Fills the texts of one area; what it has allocated is the record's, also on failure.
-bool FillTexts(const AREA_S &stArea, const FRU_ASSEMBLE_LABEL_S *pstFRULabel, u8 *pucInfo)
+bool FillTexts(const ASSEMBLED_AREA_S &stArea, const FRU_ASSEMBLE_LABEL_S *pstFRULabel,
+               FRU_DATA_S *pstFRUData)
 {
-    char *apcText[g_uiMaxTexts] = {};
-    for (u32 i = 0; i < stArea.uiTexts; ++i) {
+    for (u32 i = 0; i < stArea.ucTexts; ++i) {
         const TEXT_ROW_S &stRow = stArea.astText[i];
-        pucInfo[stRow.uiSizeOffset] = SizeOfText(pstFRULabel->acSlot[stRow.uiSlot]);
+        *FRU_FieldSize(pstFRUData, stRow.eField) = SizeOfText(pstFRULabel->acSlot[stRow.ucSlot]);
     }
-    for (u32 i = 0; i < stArea.uiTexts; ++i) {
+    for (u32 i = 0; i < stArea.ucTexts; ++i) {
         const TEXT_ROW_S &stRow = stArea.astText[i];
-        apcText[i] = AllocateInto(pucInfo, stRow.uiTextOffset, pucInfo[stRow.uiSizeOffset],
-                                  stRow.pcNullFormat, stArea.pcFunction);
-        if (apcText[i] == nullptr) {
+        if (!AllocateInto(pstFRUData, stRow.eField, *FRU_FieldSize(pstFRUData, stRow.eField),
+                          stRow.pcNullFormat, stArea.pcFunction)) {
             return false;
         }
     }
     // Its size byte stays 0.
-    if (AllocateInto(pucInfo, stArea.uiFileIDOffset, 1U, stArea.pcFileIDNullFormat, stArea.pcFunction) ==
-        nullptr) {
+    if (!AllocateInto(pstFRUData, stArea.eFileID, 1U, stArea.pcFileIDNullFormat, stArea.pcFunction)) {
         return false;
     }
-    for (u32 i = 0; i < stArea.uiTexts; ++i) {
+    for (u32 i = 0; i < stArea.ucTexts; ++i) {
         const TEXT_ROW_S &stRow = stArea.astText[i];
-        (void)BMC_Scnprintf(apcText[i], pucInfo[stRow.uiSizeOffset], "%s", pstFRULabel->acSlot[stRow.uiSlot]);
+        (void)BMC_Scnprintf(reinterpret_cast<char *>(FRU_FieldText(pstFRUData, stRow.eField)),
+                            *FRU_FieldSize(pstFRUData, stRow.eField), "%s",
+                            pstFRULabel->acSlot[stRow.ucSlot]);
     }
     return true;
+}
+
+// Marks the area as there; the encoder finds its place.
+void BeginArea(const ASSEMBLED_AREA_S &stAssembled, FRU_DATA_S *pstFRUData)
+{
+    const FRU_AREA_S &stArea = g_astFruArea[stAssembled.eArea];
+    FRU_SetAreaPlace(&pstFRUData->stCommonHeader, stArea, FRU_AREA_PRESENT);
+    *FRU_MemberAt(pstFRUData, stArea.usVersion) = FRU_AREA_VERSION;
 }
 
 u32 FRU_AssembleBoardInfo(const FRU_ASSEMBLE_LABEL_S *pstFRULabel, FRU_DATA_S *pstFRUData)
@@ -142,17 +150,16 @@ u32 FRU_AssembleBoardInfo(const FRU_ASSEMBLE_LABEL_S *pstFRULabel, FRU_DATA_S *p
         FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_INFO, "Don't need assemble board info.");
         return FRU_OK;
     }
-    pstFRUData->stCommonHeader.ucBoardInfoAreaStartOffset = g_ucPresent;
-    FRU_BOARD_INFO_S *pstBoardInfo = &pstFRUData->stBoardInfo;
-    pstBoardInfo->ucFormatVersion = g_ucFormatVersion;
+    BeginArea(g_stBoardArea, pstFRUData);
+    const FRU_BOARD_INFO_S *pstBoardInfo = &pstFRUData->stBoardInfo;
     char acDate[FRU_ASSEMBLE_SLOT_LEN + 1U] = {};
-    (void)memcpy(acDate, pstFRULabel->acSlot[g_uiDateSlot], FRU_ASSEMBLE_SLOT_LEN);
+    (void)memcpy(acDate, pstFRULabel->acSlot[FRU_ASSEMBLE_BOARD_MFG_DATE], FRU_ASSEMBLE_SLOT_LEN);
     const u32 uiRet = LIB_FRU_CaclMfgDateTime(acDate, pstFRUData);
     if (uiRet != FRU_OK) {
         // A bad date, an empty one too, does not stop the assembly.
         FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_WARNING, "Caculate MfgDateTime failed! Ret:%#x.", uiRet);
     }
-    if (!FillTexts(g_stBoardArea, pstFRULabel, reinterpret_cast<u8 *>(pstBoardInfo))) {
+    if (!FillTexts(g_stBoardArea, pstFRULabel, pstFRUData)) {
         return FRU_ERR_FAILED;
     }
     FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_INFO,
@@ -170,10 +177,9 @@ u32 FRU_AssembleProductInfo(const FRU_ASSEMBLE_LABEL_S *pstFRULabel, FRU_DATA_S 
         FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_INFO, "Don't need assemble product info.");
         return FRU_OK;
     }
-    pstFRUData->stCommonHeader.ucProductInfoAreaStartOffset = g_ucPresent;
-    FRU_PRODUCT_INFO_S *pstProductInfo = &pstFRUData->stProductInfo;
-    pstProductInfo->ucFormatVersion = g_ucFormatVersion;
-    if (!FillTexts(g_stProductArea, pstFRULabel, reinterpret_cast<u8 *>(pstProductInfo))) {
+    BeginArea(g_stProductArea, pstFRUData);
+    const FRU_PRODUCT_INFO_S *pstProductInfo = &pstFRUData->stProductInfo;
+    if (!FillTexts(g_stProductArea, pstFRULabel, pstFRUData)) {
         return FRU_ERR_FAILED;
     }
     FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_INFO,
@@ -198,7 +204,7 @@ u32 Assemble(const FRU_DEVICE_INFO_S *pstFRUInfo, const FRU_ASSEMBLE_LABEL_S *ps
              FRU_DATA_S *pstFRUData)
 {
     u8 aucImage[g_uiImageLen] = {};
-    pstFRUData->stCommonHeader.ucFormatVersion = g_ucFormatVersion;
+    pstFRUData->stCommonHeader.ucFormatVersion = FRU_AREA_VERSION;
     if (FRU_AssembleBoardInfo(pstFRULabel, pstFRUData) != FRU_OK) {
         FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_WARNING, "Assemble board info failed!");
         return FRU_ERR_FAILED;

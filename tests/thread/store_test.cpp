@@ -10,7 +10,7 @@
 #include "lib_fru_codec.h"
 #include "lib_fru_multirecord.h"
 #include "lib_fru_multirecord/lib_fru_multirecord_module.h"
-#include "locked_platform.h"
+#include "locked/locked_platform.h"
 
 namespace {
 

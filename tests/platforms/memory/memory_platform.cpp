@@ -1,4 +1,4 @@
-#include "bench_platform.h"
+#include "memory_platform.h"
 
 #include <algorithm>
 #include <cstdarg>
@@ -19,7 +19,8 @@
 namespace {
 
 constexpr u32 g_uiFailed = 0x81000001U;
-bench::COUNTS_S g_stCounts;
+memory::COUNTS_S g_stCounts;
+bool g_bFormatMessages;
 
 std::unordered_map<u32, std::vector<u8>> &Records()
 {
@@ -29,7 +30,7 @@ std::unordered_map<u32, std::vector<u8>> &Records()
 
 } // namespace
 
-namespace bench {
+namespace memory {
 
 COUNTS_S &Counts()
 {
@@ -47,54 +48,25 @@ std::vector<u8> &Eeprom()
     return g_vecEeprom;
 }
 
-} // namespace bench
+void FormatMessages(bool bFormat)
+{
+    g_bFormatMessages = bFormat;
+}
+
+} // namespace memory
 
 extern "C" {
 
-void BMC_DiagLogOut(u32, u32, u32, u32, const char *, const char *, ...) {}
-
-i32 BMC_Scnprintf(char *pcBuf, u32 uiSize, const char *pcFormat, ...)
+void BMC_DiagLogOut(u32, u32, u32, u32, const char *, const char *pcFormat, ...)
 {
+    if (!g_bFormatMessages) {
+        return;
+    }
+    char acText[512];
     va_list vaArgs;
     va_start(vaArgs, pcFormat);
-    const int iWanted = vsnprintf(pcBuf, uiSize, pcFormat, vaArgs);
+    (void)vsnprintf(acText, sizeof(acText), pcFormat, vaArgs);
     va_end(vaArgs);
-    return std::min(iWanted, static_cast<int>(uiSize) - 1);
-}
-
-u32 BMC_Strlcpy(char *pcDest, const char *pcSrc, u32 uiSize)
-{
-    return static_cast<u32>(snprintf(pcDest, uiSize, "%s", pcSrc == nullptr ? "" : pcSrc));
-}
-
-u32 BMC_Strlcat(char *pcDest, const char *pcSrc, u32 uiCount)
-{
-    (void)strncat(pcDest, pcSrc, uiCount);
-    return static_cast<u32>(strlen(pcDest));
-}
-
-u8 BMC_CalcZeroCheckSum(const u8 *pucBuf, u32 uiLen)
-{
-    u32 uiSum = 0;
-    for (u32 i = 0; i < uiLen; ++i) {
-        uiSum += pucBuf[i];
-    }
-    return static_cast<u8>(0U - uiSum);
-}
-
-u32 BMC_CheckZeroSum(const u8 *pucBuf, u32 uiLen)
-{
-    return BMC_CalcZeroCheckSum(pucBuf, uiLen);
-}
-
-u8 BMC_CalcCRC8CheckSum(const u8 *pucBuf, u32 uiLen)
-{
-    return BMC_CalcZeroCheckSum(pucBuf, uiLen);
-}
-
-u32 BMC_CheckCRC8(u8 ucCrc, const u8 *pucBuf, u32 uiLen)
-{
-    return ucCrc == BMC_CalcZeroCheckSum(pucBuf, uiLen) ? 0U : 1U;
 }
 
 i32 BMC_GetFileSize(const char *)
@@ -119,11 +91,6 @@ u32 BMC_CheckDirVaildStatus(const char *)
 }
 
 u32 BMC_CopyFileWithAllMode(const char *, const char *)
-{
-    return g_uiFailed;
-}
-
-u32 BMC_TimeStampToIsoTime(u32, u32, char *)
 {
     return g_uiFailed;
 }
@@ -175,7 +142,7 @@ void MRPC_MsgFree(MRPC_MSG_S *) {}
 
 i32 ReadWriteEEPROM(u8, const void *, u8 *pucBuf, u32 uiOffset, u32 uiLength, u8 ucDirection)
 {
-    std::vector<u8> &vecChip = bench::Eeprom();
+    std::vector<u8> &vecChip = memory::Eeprom();
     if (uiOffset > vecChip.size()) {
         return -1;
     }

@@ -1,17 +1,16 @@
-// The platform of the benchmarks: answers from memory without ceremony, and counts what it was asked.
-#ifndef BENCH_PLATFORM_H
-#define BENCH_PLATFORM_H
+// A platform for benchmarks and fuzzers: answers from memory without ceremony, and counts what it was asked.
+#ifndef TESTS_MEMORY_PLATFORM_H
+#define TESTS_MEMORY_PLATFORM_H
 
 #include <cstdint>
 #include <vector>
 
 #include "bmc_types.h"
 
-namespace bench {
+namespace memory {
 
 struct COUNTS_S
 {
-    uint64_t ulAllocations;
     uint64_t ulDbCalls;
     uint64_t ulEepromReadBytes;
     uint64_t ulEepromWrittenBytes;
@@ -25,6 +24,9 @@ std::vector<u8> &Record(u32 uiKey);
 // The one EEPROM, behind every location.
 std::vector<u8> &Eeprom();
 
-} // namespace bench
+// Whether the texts of diagnostic messages are made before they are dropped; false until then.
+void FormatMessages(bool bFormat);
+
+} // namespace memory
 
 #endif

@@ -1,0 +1,13 @@
+// What the library has allocated so far.
+#ifndef BENCH_ALLOC_H
+#define BENCH_ALLOC_H
+
+#include <cstdint>
+
+namespace bench {
+
+uint64_t Allocations();
+
+} // namespace bench
+
+#endif

@@ -1,0 +1,31 @@
+// Inside the room: a name in an open directory, which nobody can swap under us.
+#ifndef BMCFRU_FILES_DIRECTORY_H
+#define BMCFRU_FILES_DIRECTORY_H
+
+#include <vector>
+
+#include "files/files.h"
+
+namespace files {
+
+struct SPOT_S
+{
+    Fd stBase;      // none for a plain path
+    Fd stDirectory; // O_PATH
+    std::string strName;
+};
+
+// Opens the directory that the last component lies in.
+int FindDirectory(const PLACE_S &stPlace, SPOT_S *pstSpot);
+// Goes on to where the name leads while it is a link of ours.
+int FollowLinks(SPOT_S *pstSpot);
+int OpenAt(SPOT_S *pstSpot, int iFlags, Links enLinks, Fd *pstFd, struct stat *pstStat, mode_t uiMode);
+// The base twice, and the components below it.
+int OpenPath(const PLACE_S &stPlace, Fd *pstBase, Fd *pstDirectory, std::vector<std::string> *pvecParts);
+void GiveToOwnerOf(const Fd &stBase, const Fd &stFile);
+// Flushes an O_PATH directory.
+int FlushDirectory(const Fd &stDirectory);
+
+} // namespace files
+
+#endif

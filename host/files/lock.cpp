@@ -1,0 +1,182 @@
+// Lock files: flock(2) on files that nobody else can open.
+#include <algorithm>
+#include <cerrno>
+#include <chrono>
+#include <fcntl.h>
+#include <mutex>
+#include <pthread.h>
+#include <sys/file.h>
+#include <thread>
+#include <unistd.h>
+
+#include "files/directory.h"
+
+namespace files {
+
+// Every lock of this process. flock(2) belongs to the open file, which a child of fork() shares: it closes its
+// copies at once, for else a lock would outlive the parent that is killed while it holds it.
+struct LOCK_LIST_S
+{
+    std::mutex mtx;
+    LockFile *pstFirst = nullptr;
+
+    static LOCK_LIST_S &Instance()
+    {
+        static LOCK_LIST_S *const pstList = [] {
+            (void)pthread_atfork([] { Instance().mtx.lock(); }, [] { Instance().mtx.unlock(); }, InChild);
+            return new LOCK_LIST_S; // never destroyed: threads may outlive main()
+        }();
+        return *pstList;
+    }
+
+    static void InChild()
+    {
+        LOCK_LIST_S &stList = Instance();
+        for (LockFile *pstLock = stList.pstFirst; pstLock != nullptr; pstLock = pstLock->m_pstNext) {
+            pstLock->m_stFile.Reset(-1);
+            pstLock->m_bHeld = false;
+            pstLock->m_bNamed = false;
+        }
+        stList.mtx.unlock();
+    }
+
+    void Add(LockFile *pstLock)
+    {
+        const std::lock_guard<std::mutex> lock(mtx);
+        pstLock->m_pstNext = pstFirst;
+        if (pstFirst != nullptr) {
+            pstFirst->m_pstPrevious = pstLock;
+        }
+        pstFirst = pstLock;
+    }
+
+    void Drop(const LockFile *pstLock)
+    {
+        const std::lock_guard<std::mutex> lock(mtx);
+        (pstLock->m_pstPrevious == nullptr ? pstFirst : pstLock->m_pstPrevious->m_pstNext) =
+            pstLock->m_pstNext;
+        if (pstLock->m_pstNext != nullptr) {
+            pstLock->m_pstNext->m_pstPrevious = pstLock->m_pstPrevious;
+        }
+    }
+};
+
+namespace {
+
+constexpr std::chrono::microseconds g_stFirstPause(50);
+constexpr std::chrono::microseconds g_stLongestPause(5000);
+constexpr mode_t g_uiOwnMode = 0600;
+constexpr mode_t g_uiGroupMode = 0660;
+
+mode_t ModeBelow(const SPOT_S &stSpot)
+{
+    struct stat stStat;
+    const bool bGroup =
+        stSpot.stBase && fstat(stSpot.stBase.Get(), &stStat) == 0 && (stStat.st_mode & 020U) != 0U;
+    return bGroup ? g_uiGroupMode : g_uiOwnMode;
+}
+
+} // namespace
+
+LockFile::LockFile()
+{
+    LOCK_LIST_S::Instance().Add(this);
+}
+
+LockFile::~LockFile()
+{
+    Release();
+    LOCK_LIST_S::Instance().Drop(this);
+}
+
+int LockFile::Wait(int iOperation, unsigned uiPatienceMs)
+{
+    const auto stUntil = std::chrono::steady_clock::now() + std::chrono::milliseconds(uiPatienceMs);
+    auto stPause = g_stFirstPause;
+    while (flock(m_stFile.Get(), iOperation | LOCK_NB) != 0) {
+        if (errno == EINTR) {
+            continue;
+        }
+        if (errno != EWOULDBLOCK) {
+            return errno;
+        }
+        if (std::chrono::steady_clock::now() >= stUntil) {
+            return ETIMEDOUT;
+        }
+        std::this_thread::sleep_for(stPause);
+        stPause = std::min(stPause * 2, g_stLongestPause);
+    }
+    m_bHeld = true;
+    return 0;
+}
+
+int LockFile::Take(const PLACE_S &stPlace, unsigned uiPatienceMs)
+{
+    Release();
+    SPOT_S stSpot;
+    struct stat stStat;
+    int iError = FindDirectory(stPlace, &stSpot);
+    if (iError != 0) {
+        return iError;
+    }
+    const mode_t uiMode = ModeBelow(stSpot);
+    {
+        // No fork() sees the descriptor before the list does.
+        const std::lock_guard<std::mutex> lock(LOCK_LIST_S::Instance().mtx);
+        iError = OpenAt(&stSpot, O_RDWR | O_CREAT, Links::Never, &m_stFile, &stStat, uiMode);
+    }
+    if (iError != 0) {
+        return iError;
+    }
+    if ((stStat.st_mode & 07777U & ~uiMode) != 0U) { // one that an earlier version made for everybody
+        (void)fchmod(m_stFile.Get(), uiMode);
+    }
+    return Wait(LOCK_EX, uiPatienceMs);
+}
+
+int LockFile::Share(const PLACE_S &stPlace, unsigned uiPatienceMs)
+{
+    Release();
+    int iError = 0;
+    {
+        const std::lock_guard<std::mutex> lock(LOCK_LIST_S::Instance().mtx);
+        iError = OpenRegular(stPlace, O_RDONLY, Links::Never, &m_stFile);
+    }
+    return iError == 0 ? Wait(LOCK_SH, uiPatienceMs) : iError;
+}
+
+void LockFile::Release()
+{
+    if (m_bNamed) {
+        (void)!ftruncate(m_stFile.Get(), 0);
+    }
+    if (m_bHeld) {
+        (void)flock(m_stFile.Get(), LOCK_UN); // also where a child has its copy still
+    }
+    m_bNamed = false;
+    m_bHeld = false;
+    m_stFile.Reset(-1);
+}
+
+int LockFile::SetHolder(const std::string &strHolder)
+{
+    if (!m_bHeld) {
+        return EBADF;
+    }
+    m_bNamed = true;
+    if (ftruncate(m_stFile.Get(), 0) != 0 || lseek(m_stFile.Get(), 0, SEEK_SET) != 0) {
+        return errno;
+    }
+    return WriteAll(m_stFile.Get(), strHolder + "\n");
+}
+
+std::string LockFile::Holder() const
+{
+    char acHolder[512];
+    const ssize_t iRead = m_stFile ? pread(m_stFile.Get(), acHolder, sizeof(acHolder), 0) : -1;
+    std::string strHolder(acHolder, iRead > 0 ? static_cast<size_t>(iRead) : 0U);
+    strHolder.erase(strHolder.find_last_not_of('\n') + 1U);
+    return strHolder;
+}
+
+} // namespace files

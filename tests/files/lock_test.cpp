@@ -1,0 +1,124 @@
+#include "files/files.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <chrono>
+#include <csignal>
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include "scratch.h"
+
+namespace {
+
+using files::LockFile;
+using files::PLACE_S;
+
+class Locks : public Scratch
+{};
+
+TEST_F(Locks, OneHoldsAndTheOtherWaitsNoLongerThanItsPatience)
+{
+    LockFile stFirst;
+    LockFile stSecond;
+    ASSERT_EQ(stFirst.Take(At("lock"), 0U), 0);
+    ASSERT_EQ(stFirst.SetHolder("pid 1, somebody"), 0);
+    const auto stBegin = std::chrono::steady_clock::now();
+    EXPECT_EQ(stSecond.Take(At("lock"), 50U), ETIMEDOUT);
+    EXPECT_GE(std::chrono::steady_clock::now() - stBegin, std::chrono::milliseconds(50));
+    EXPECT_EQ(stSecond.Holder(), "pid 1, somebody");
+    EXPECT_EQ(stSecond.Share(At("lock"), 0U), ETIMEDOUT);
+    stFirst.Release();
+    EXPECT_EQ(Read("lock"), "");
+    EXPECT_EQ(stSecond.Take(At("lock"), 0U), 0);
+}
+
+TEST_F(Locks, AreForTheirOwnerOnlyOrForTheGroupOfAGroupsDirectory)
+{
+    const mode_t uiBefore = umask(0);
+    LockFile stLock;
+    ASSERT_EQ(stLock.Take(PLACE_S(m_strDirectory, "lock"), 0U), 0);
+    EXPECT_EQ(Mode("lock"), 0600U);
+    ASSERT_EQ(chmod(m_strDirectory.c_str(), 0775), 0);
+    ASSERT_EQ(stLock.Take(PLACE_S(m_strDirectory, "group"), 0U), 0);
+    EXPECT_EQ(Mode("group"), 0660U);
+    Write("open", "", 0666); // as earlier versions made them
+    ASSERT_EQ(stLock.Take(At("open"), 0U), 0);
+    EXPECT_EQ(Mode("open"), 0600U);
+    umask(uiBefore);
+}
+
+TEST_F(Locks, ALinkInTheirPlaceIsNotFollowedAndItsTargetNotEmptied)
+{
+    Write("victim", "kept");
+    ASSERT_EQ(symlink("victim", At("lock").c_str()), 0);
+    LockFile stLock;
+    EXPECT_EQ(stLock.Take(At("lock"), 0U), ELOOP);
+    EXPECT_FALSE(stLock.IsHeld());
+    EXPECT_EQ(Read("victim"), "kept");
+}
+
+TEST_F(Locks, SharingMakesNoFile)
+{
+    LockFile stFirst;
+    LockFile stSecond;
+    EXPECT_EQ(stFirst.Share(At("lock"), 0U), ENOENT);
+    Write("lock", "", 0600);
+    EXPECT_EQ(stFirst.Share(At("lock"), 0U), 0);
+    EXPECT_EQ(stSecond.Share(At("lock"), 0U), 0);
+    EXPECT_EQ(LockFile().Take(At("lock"), 0U), ETIMEDOUT);
+}
+
+TEST_F(Locks, NobodyElseCanHoldThem)
+{
+    NEEDS_ROOT()
+    LockFile stLock;
+    ASSERT_EQ(stLock.Take(At("lock"), 0U), 0);
+    stLock.Release();
+    EXPECT_EQ(InChild([&] { return LockFile().Share(At("lock"), 0U); }, true), EACCES);
+}
+
+TEST_F(Locks, AChildOfForkDoesNotHoldOnToThemWhenItsParentIsKilled)
+{
+    int aiReady[2];
+    ASSERT_EQ(pipe(aiReady), 0);
+    const pid_t iParent = fork();
+    if (iParent == 0) {
+        LockFile stLock;
+        if (stLock.Take(At("lock"), 0U) != 0) {
+            _exit(1);
+        }
+        const pid_t iChild = fork();
+        if (iChild == 0) {
+            (void)!write(aiReady[1], stLock.IsHeld() ? "y" : "n", 1);
+            sleep(30);
+            _exit(0);
+        }
+        (void)!write(aiReady[1], &iChild, sizeof(iChild));
+        sleep(30);
+        _exit(0);
+    }
+    char acReady[1 + sizeof(pid_t)];
+    size_t uiRead = 0;
+    while (uiRead < sizeof(acReady)) {
+        const ssize_t iRead = read(aiReady[0], acReady + uiRead, sizeof(acReady) - uiRead);
+        ASSERT_GT(iRead, 0);
+        uiRead += static_cast<size_t>(iRead);
+    }
+    EXPECT_EQ(LockFile().Take(At("lock"), 0U), ETIMEDOUT);
+    (void)kill(iParent, SIGKILL);
+    (void)waitpid(iParent, nullptr, 0);
+    LockFile stLock;
+    EXPECT_EQ(stLock.Take(At("lock"), 1000U), 0);
+    // Whichever of the two wrote first, the child's number is in there.
+    pid_t iChild = 0;
+    const bool bChildFirst = acReady[0] == 'n';
+    std::copy_n(acReady + (bChildFirst ? 1 : 0), sizeof(iChild), reinterpret_cast<char *>(&iChild));
+    (void)kill(iChild, SIGKILL);
+    close(aiReady[0]);
+    close(aiReady[1]);
+}
+
+} // namespace
