@@ -4,7 +4,6 @@
 
 #define FRU_DIAG_FILE "lib_fru_db.c"
 
-#include "common/alloc.h"
 #include "common/diag.h"
 #include "lib_fru_types.h"
 

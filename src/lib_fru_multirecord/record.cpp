@@ -125,11 +125,8 @@ u32 FRU_addSingleMultiRecord(FRU_MULTIRECORD_S *pstFRUBuf, const FRU_INNER_MR_S 
 u32 FRU_updateSingleMultiRecord(FRU_MULTIRECORD_S *pstDataBuf, const FRU_INNER_MR_S *pstInnerBuf)
 {
     FRU_REQUIRE(pstDataBuf, FRU_ERR_NULL_POINTER);
+    FRU_REQUIRE(pstDataBuf->pucRecordData, FRU_ERR_NULL_POINTER);
     u8 *pucData = pstDataBuf->pucRecordData;
-    if (pucData == nullptr) {
-        FRU_LOG_NULL("pstDataBuf->pucRecordData");
-        return FRU_ERR_NULL_POINTER;
-    }
     // The entry's buffer holds just what its length byte says; longer data need a larger one.
     if (pstInnerBuf->ucRecordLength > pstDataBuf->ucRecordLength) {
         u8 *pucLarger = static_cast<u8 *>(FRU_MALLOC(FRU_roundMultiRecordSize(pstInnerBuf->ucRecordLength)));

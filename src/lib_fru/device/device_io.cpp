@@ -31,19 +31,17 @@ bool IsInside(const FRU_DEVICE_INFO_S *pstFRUInfo, u16 usOffset, u32 uiLength)
 
 u32 FRU_ReadFRUDataFromDB(const FRU_DEVICE_INFO_S *pstFRUInfo, u16 usOffset, u32 uiCount, u8 *pucBuf)
 {
-    const FRU_BUFFER upReadBuf(static_cast<u8 *>(FRU_MALLOC(pstFRUInfo->usSize)));
-    if (upReadBuf == nullptr) {
-        FRU_LOG_NULL("pucReadBuf");
-        return FRU_ERR_NO_MEMORY;
-    }
-    const u32 uiRet = FRU_DB_GetFRUData(pstFRUInfo->ucDeviceID, pstFRUInfo->usSize, upReadBuf.get());
+    u8 *pucReadBuf = static_cast<u8 *>(FRU_MALLOC(pstFRUInfo->usSize));
+    FRU_REQUIRE(pucReadBuf, FRU_ERR_NO_MEMORY);
+    const FRU_BUFFER upReadBuf(pucReadBuf);
+    const u32 uiRet = FRU_DB_GetFRUData(pstFRUInfo->ucDeviceID, pstFRUInfo->usSize, pucReadBuf);
     if (uiRet != FRU_OK) {
         return uiRet;
     }
     if (!IsInside(pstFRUInfo, usOffset, uiCount)) {
         return FRU_ERR_OUT_OF_RANGE;
     }
-    (void)memcpy(pucBuf, upReadBuf.get() + usOffset, uiCount);
+    (void)memcpy(pucBuf, pucReadBuf + usOffset, uiCount);
     return FRU_OK;
 }
 
@@ -107,12 +105,10 @@ i32 FRU_ResFRUData(const FRU_DEVICE_INFO_S *pstFRUInfo, u16 usOffset, u32 uiCoun
 
 u32 FRU_WriteFRUDataDB(const FRU_DEVICE_INFO_S *pstFRUInfo, u16 usOffset, u32 uiLength, const u8 *pucData)
 {
-    const FRU_BUFFER upFRUBuf(static_cast<u8 *>(FRU_MALLOC(pstFRUInfo->usSize)));
-    if (upFRUBuf == nullptr) {
-        FRU_LOG_NULL("pucFRUBuf");
-        return FRU_ERR_NO_MEMORY;
-    }
-    u32 uiRet = FRU_DB_GetFRUData(pstFRUInfo->ucDeviceID, pstFRUInfo->usSize, upFRUBuf.get());
+    u8 *pucFRUBuf = static_cast<u8 *>(FRU_MALLOC(pstFRUInfo->usSize));
+    FRU_REQUIRE(pucFRUBuf, FRU_ERR_NO_MEMORY);
+    const FRU_BUFFER upFRUBuf(pucFRUBuf);
+    u32 uiRet = FRU_DB_GetFRUData(pstFRUInfo->ucDeviceID, pstFRUInfo->usSize, pucFRUBuf);
     if (uiRet != FRU_OK) {
         FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_WARNING, "Get FRU Data failed! Ret:%#x.", uiRet);
         return FRU_ERR_FAILED;
@@ -120,8 +116,8 @@ u32 FRU_WriteFRUDataDB(const FRU_DEVICE_INFO_S *pstFRUInfo, u16 usOffset, u32 ui
     if (!IsInside(pstFRUInfo, usOffset, uiLength)) {
         return FRU_ERR_FAILED;
     }
-    (void)memcpy(upFRUBuf.get() + usOffset, pucData, uiLength);
-    uiRet = FRU_DB_PutFRUData(pstFRUInfo->ucDeviceID, pstFRUInfo->usSize, upFRUBuf.get());
+    (void)memcpy(pucFRUBuf + usOffset, pucData, uiLength);
+    uiRet = FRU_DB_PutFRUData(pstFRUInfo->ucDeviceID, pstFRUInfo->usSize, pucFRUBuf);
     if (uiRet != FRU_OK) {
         FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_WARNING, "Put FRU Data failed! Ret:%#x.", uiRet);
         return FRU_ERR_FAILED;

@@ -1,4 +1,6 @@
 // Which FRU device belongs to a component or to an SDR record. Every lookup fetches the table anew.
+#include "lib_fru/device/device_table.h"
+
 #include "lib_fru/lib_fru_module.h"
 #include "lib_fru_access.h"
 #include "lib_fru_cache.h"
@@ -45,6 +47,21 @@ u32 LIB_FRU_GetDeviceID(u8 ucComponentType, u8 ucInstance, u8 *pucDeviceID)
     return FRU_ERR_FAILED;
 }
 
+u32 FRU_FindDevice(u8 ucComponentType, u8 ucInstance, u8 *pucDeviceID, FRU_DEVICE_INFO_S *pstInfo,
+                   void (*pfnReportNoRecord)(u8 ucDeviceID))
+{
+    if (LIB_FRU_GetDeviceID(ucComponentType, ucInstance, pucDeviceID) != FRU_OK) {
+        FRU_LOG(FRU_CAT_DATA, BMC_DIAG_WARNING, "Fail to find ComponentType:%#x,Instance:%#x!",
+                ucComponentType, ucInstance);
+        return LIB_FRU_ERR_NO_DEVICE_ID;
+    }
+    if (FRU_DB_GetFRUDeviceInfo(*pucDeviceID, pstInfo) != FRU_OK) {
+        pfnReportNoRecord(*pucDeviceID);
+        return LIB_FRU_ERR_NO_DEVICE;
+    }
+    return FRU_OK;
+}
+
 u32 LIB_FRU_GetFRUDeviceInfo(u8 ucComponentType, u8 ucInstance, FRU_DEVICE_INFO_S *pstFRUDeviceInfo)
 {
     FRU_REQUIRE(pstFRUDeviceInfo, LIB_FRU_ERR_NULL_POINTER);
@@ -66,7 +83,7 @@ u32 LIB_FRU_GetSDRByRecordID(u16 usRecordID, FRU_SDR_S *pstFRUSDR)
     FRU_REQUIRE(pstFRUSDR, LIB_FRU_ERR_NULL_POINTER);
     FRU_DEVICE_TBL_S stTable = {};
     if (LIB_FRU_GetFRUDeviceTbl(&stTable) != FRU_OK) {
-        // The getter's own words once more; that is meant.
+        // The getter's own words once more. Intended.
         FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_WARNING, "Get fru device tbl failed!");
         return LIB_FRU_ERR_NO_DEVICE;
     }

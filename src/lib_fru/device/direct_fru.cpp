@@ -51,7 +51,7 @@ u32 ReadObject(const HW_FRU_OBJECT_S &stObject, FRU_DATA_S *pstFRUData)
     }
     const u32 uiRet = FRU_ANALYZER_InterpretFRUData(upBuf.get(), stObject.usSize, pstFRUData);
     if (uiRet != FRU_OK) {
-        // Success all the same: callers see an empty record. That is meant.
+        // Success all the same: callers see an empty record. Intended.
         FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_WARNING, "Interpret FRU Data failed! Ret:%#x.", uiRet);
         FRU_ANALYZER_SafeFree(pstFRUData);
     }

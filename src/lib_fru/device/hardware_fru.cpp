@@ -58,7 +58,7 @@ u32 LIB_FRU_WriteHWFRUBinToDevice(u32 uiComponentType, u32 uiInstance, FRU_HW_DA
     FRU_REQUIRE(pstHWData, LIB_FRU_ERR_NULL_POINTER);
     u8 ucDeviceID = 0;
     if (DeviceIDOf(uiComponentType, uiInstance, &ucDeviceID) != FRU_OK) {
-        // Worded otherwise than in the read; that is meant.
+        // Worded otherwise than in the read. Intended.
         FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_WARNING, "Fail to find ComponentType:%#x Instance:%#x DeviceID!",
                 uiComponentType, uiInstance);
         return LIB_FRU_ERR_NO_DEVICE_ID;

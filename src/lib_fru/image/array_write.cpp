@@ -3,6 +3,7 @@
 
 #include <cstring>
 
+#include "lib_fru/device/device_table.h"
 #include "lib_fru/ipmi/ipmi_handlers.h"
 #include "lib_fru/lib_fru_module.h"
 #include "lib_fru_access.h"
@@ -14,14 +15,14 @@ namespace {
 constexpr u32 g_uiChunkMax = 127U;
 
 // A failed chunk or an image that could not be cached leave 0 as the result: they are in the log alone.
-// That is meant.
-u32 WriteArray(u8 ucDeviceID, u32 uiFRUSize, const FRU_DATA_S *pstFRUData, const char *pcFunction)
+// Intended.
+u32 WriteArray(u8 ucDeviceID, u32 uiFRUSize, const FRU_DATA_S *pstFRUData)
 {
     if (uiFRUSize < FRU_COMMON_HEADER_LEN) {
         FRU_LOG(FRU_CAT_DATA, BMC_DIAG_ERROR, "Invalid fru size: id=%#x, size=%#x", ucDeviceID, uiFRUSize);
         return LIB_FRU_ERR_SIZE;
     }
-    const FRU_BUFFER upBuf(static_cast<u8 *>(FRU_CALLOC_IN(1U, uiFRUSize, pcFunction)));
+    const FRU_BUFFER upBuf(static_cast<u8 *>(FRU_CALLOC(1U, uiFRUSize)));
     if (upBuf == nullptr) {
         FRU_LOG(FRU_CAT_DATA, BMC_DIAG_ERROR, "Failed to calloc memory! DeviceID:%#x.", ucDeviceID);
         return LIB_FRU_ERR_SIZE;
@@ -73,21 +74,18 @@ u32 LIB_FRU_WriteArrayFRUData(u8 ucComponentType, u8 ucInstance, const FRU_DATA_
     (void)uiArg;
     FRU_REQUIRE(pstFRUData, LIB_FRU_ERR_NULL_POINTER);
     u8 ucDeviceID = 0;
-    if (LIB_FRU_GetDeviceID(ucComponentType, ucInstance, &ucDeviceID) != FRU_OK) {
-        FRU_LOG(FRU_CAT_DATA, BMC_DIAG_WARNING, "Fail to find ComponentType:%#x,Instance:%#x!",
-                ucComponentType, ucInstance);
-        return LIB_FRU_ERR_NO_DEVICE_ID;
-    }
     FRU_DEVICE_INFO_S stInfo = {};
-    if (FRU_DB_GetFRUDeviceInfo(ucDeviceID, &stInfo) != FRU_OK) {
-        FRU_LOG(FRU_CAT_DATA, BMC_DIAG_WARNING, "Fail to find FRU Device:ID=%#x!", ucDeviceID);
-        return LIB_FRU_ERR_NO_DEVICE;
+    const u32 uiRet = FRU_FindDevice(ucComponentType, ucInstance, &ucDeviceID, &stInfo, [](u8 ucID) {
+        FRU_LOG(FRU_CAT_DATA, BMC_DIAG_WARNING, "Fail to find FRU Device:ID=%#x!", ucID);
+    });
+    if (uiRet != FRU_OK) {
+        return uiRet;
     }
-    return WriteArray(stInfo.ucDeviceID, stInfo.usSize, pstFRUData, __func__);
+    return WriteArray(stInfo.ucDeviceID, stInfo.usSize, pstFRUData);
 }
 
 u32 LIB_FRU_OEM_WriteArrayFRUData(u8 ucDeviceID, u32 uiFRUSize, const FRU_DATA_S *pstFRUData)
 {
     FRU_REQUIRE(pstFRUData, LIB_FRU_ERR_NULL_POINTER);
-    return WriteArray(ucDeviceID, uiFRUSize, pstFRUData, __func__);
+    return WriteArray(ucDeviceID, uiFRUSize, pstFRUData);
 }

@@ -1,6 +1,7 @@
 // The short read path: the cached image of a component's device, decoded.
 #include <cstring>
 
+#include "lib_fru/device/device_table.h"
 #include "lib_fru/lib_fru_module.h"
 #include "lib_fru_access.h"
 #include "lib_fru_cache.h"
@@ -12,15 +13,12 @@ u32 LIB_FRU_GetFRUDataFromDB(u8 ucComponentType, u8 ucInstance, FRU_DATA_S *pstF
 {
     FRU_REQUIRE(pstFRUData, LIB_FRU_ERR_NULL_POINTER);
     u8 ucDeviceID = 0;
-    if (LIB_FRU_GetDeviceID(ucComponentType, ucInstance, &ucDeviceID) != FRU_OK) {
-        FRU_LOG(FRU_CAT_DATA, BMC_DIAG_WARNING, "Fail to find ComponentType:%#x,Instance:%#x!",
-                ucComponentType, ucInstance);
-        return LIB_FRU_ERR_NO_DEVICE_ID;
-    }
     FRU_DEVICE_INFO_S stInfo = {};
-    if (FRU_DB_GetFRUDeviceInfo(ucDeviceID, &stInfo) != FRU_OK) {
-        FRU_LOG(FRU_CAT_DATA, BMC_DIAG_WARNING, "Get fru device info failed! DeviceID:%#x.", ucDeviceID);
-        return LIB_FRU_ERR_NO_DEVICE;
+    const u32 uiRet = FRU_FindDevice(ucComponentType, ucInstance, &ucDeviceID, &stInfo, [](u8 ucID) {
+        FRU_LOG(FRU_CAT_DATA, BMC_DIAG_WARNING, "Get fru device info failed! DeviceID:%#x.", ucID);
+    });
+    if (uiRet != FRU_OK) {
+        return uiRet;
     }
     const FRU_BUFFER upFRUBuf(static_cast<u8 *>(FRU_MALLOC(stInfo.usSize)));
     if (upFRUBuf == nullptr) {

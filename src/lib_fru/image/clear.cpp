@@ -26,7 +26,7 @@ bool ProveReadable(const FRU_DEVICE_INFO_S &stInfo, u8 *pucBuf)
                 stInfo.ucDeviceID, stInfo.usStartOffset, uiSize);
         return false;
     }
-    // Taken for an absent device even when it is the FRU's size; that is meant.
+    // Taken for an absent device even when it is the FRU's size. Intended.
     if (iRead == FRU_RESULT_NOT_PRESENT) {
         FRU_LOG(FRU_CAT_DEVICE, BMC_DIAG_WARNING,
                 "FRU is not present, fru device not found! CC[%#x] CountToRead[%#x] CountReturn[%#x].",

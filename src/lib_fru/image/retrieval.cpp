@@ -2,6 +2,7 @@
 #include <cstring>
 
 #include "lib_fru/device/device_io.h"
+#include "lib_fru/device/device_table.h"
 #include "lib_fru/ipmi/recovery.h"
 #include "lib_fru/lib_fru_module.h"
 #include "lib_fru_access.h"
@@ -109,7 +110,7 @@ u32 ReadAndDecode(const FRU_DEVICE_INFO_S &stInfo, u8 ucComponentType, u8 ucInst
         FRU_LOG(FRU_CAT_DATA, BMC_DIAG_ERROR, "Fail to calloc memory of TotalBuf, size:%#x.", uiSize);
         return LIB_FRU_ERR_SIZE;
     }
-    const FRU_BUFFER upResBuf(static_cast<u8 *>(FRU_CALLOC_IN(1U, uiRoom + 2U, "LIB_FRU_GetFRUData")));
+    const FRU_BUFFER upResBuf(static_cast<u8 *>(FRU_CALLOC(1U, uiRoom + 2U)));
     if (upResBuf == nullptr) {
         FRU_LOG(FRU_CAT_DATA, BMC_DIAG_ERROR, "Fail to calloc memory of ResBuf, size=%#x", uiSize + 2U);
         return LIB_FRU_ERR_SIZE;
@@ -133,15 +134,12 @@ u32 LIB_FRU_GetFRUData(u8 ucComponentType, u8 ucInstance, u8 ucReadMode, u8 ucAr
 {
     FRU_REQUIRE(pstFRUData, LIB_FRU_ERR_NULL_POINTER);
     u8 ucDeviceID = 0;
-    if (LIB_FRU_GetDeviceID(ucComponentType, ucInstance, &ucDeviceID) != FRU_OK) {
-        FRU_LOG(FRU_CAT_DATA, BMC_DIAG_WARNING, "Fail to find ComponentType:%#x,Instance:%#x!",
-                ucComponentType, ucInstance);
-        return LIB_FRU_ERR_NO_DEVICE_ID;
-    }
     FRU_DEVICE_INFO_S stInfo = {};
-    if (FRU_DB_GetFRUDeviceInfo(ucDeviceID, &stInfo) != FRU_OK) {
-        FRU_LOG(FRU_CAT_DATA, BMC_DIAG_WARNING, "Fail to find FRU Device ID[%#x] device info!", ucDeviceID);
-        return LIB_FRU_ERR_NO_DEVICE;
+    const u32 uiRet = FRU_FindDevice(ucComponentType, ucInstance, &ucDeviceID, &stInfo, [](u8 ucID) {
+        FRU_LOG(FRU_CAT_DATA, BMC_DIAG_WARNING, "Fail to find FRU Device ID[%#x] device info!", ucID);
+    });
+    if (uiRet != FRU_OK) {
+        return uiRet;
     }
     return ReadAndDecode(stInfo, ucComponentType, ucInstance, ucReadMode, ucArg, pstFRUData);
 }

@@ -38,7 +38,7 @@ u32 LIB_FRU_GetFRUDataFromEEPROM(u32 uiTotalLen, FRU_READ_REQ_S *pstFRUReadReq, 
             FRU_LOG(FRU_CAT_DATA, BMC_DIAG_WARNING, "Read fru[%#x] data failed!", pstFRUReadReq->ucDeviceID);
             return FRU_ERR_FAILED;
         }
-        // The count that was asked for moves the span on, not the one that came back; that is meant.
+        // The count that was asked for moves the span on, not the one that came back. Intended.
         const u32 uiCount = pstFRUReadReq->ucCount;
         const u32 uiCopied = Smaller(uiCount, uiLeft);
         (void)memcpy(pucFRUBuf + (uiTotalLen - uiLeft), &upResBuf[2], uiCopied);

@@ -73,7 +73,7 @@ u32 LIB_FRU_ReadFRUData(const u8 *pucReq, u8 ucReqLen, u8 *pucRes, u32 uiArg)
                 stInfo.usStartOffset, stInfo.usSize, iRet);
         return FRU_Refuse(pucRes, FRU_CC_ACCESS_FAILED);
     }
-    // A good read of exactly that many bytes answers the same; that is meant.
+    // A good read of exactly that many bytes answers the same. Intended.
     if (iRet == FRU_RESULT_NOT_PRESENT) {
         return FRU_Refuse(pucRes, FRU_CC_NOT_PRESENT);
     }

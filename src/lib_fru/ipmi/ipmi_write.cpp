@@ -69,7 +69,7 @@ void AfterDeviceWrite(const FRU_DEVICE_INFO_S &stInfo, u16 usOffset, u16 usLengt
 
 u32 FRU_WriteFRUData(const u8 *pucReq, u32 uiReqLen, u8 *pucRes)
 {
-    // The response comes first here, the request in the handlers; that is meant.
+    // The response comes first here, the request in the handlers. Intended.
     FRU_REQUIRE(pucRes, FRU_ERROR_RES_LEN);
     FRU_REQUIRE(pucReq, FRU_ERROR_RES_LEN);
     if (uiReqLen < FRU_WRITE_REQ_HEADER_LEN) { // the header itself would be read past its end

@@ -46,7 +46,7 @@ constexpr u16 Bytes(size_t uiBytes)
     }
 
 // In the file's order. Three numbers default to the failure code and keep what fits their member: a file
-// without "checkarea" reads as 1. That is meant.
+// without "checkarea" reads as 1. Intended.
 constexpr OEM_KEY_S g_astOemKey[] = {
     OEM_TEXT("copyright_cn", acCopyrightCn, "", ""),
     OEM_TEXT("copyright_en", acCopyrightEn, "", ""),

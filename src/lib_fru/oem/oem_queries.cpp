@@ -49,7 +49,7 @@ u32 LIB_FRU_CheckOEMFromPackage(u32 uiFlag, char *pcCheckResult)
                             "@\n##\nTest Result: P\n#\nError Code: 0\n$$\n");
         return FRU_OK;
     }
-    // A failed check is a success of the call; "Falg" is meant.
+    // A failed check is a success of the call, and "Falg" is intended.
     (void)BMC_Scnprintf(
         pcCheckResult, FRU_CHECK_RESULT_LEN,
         "@\n##\nKVToolbuild_check_Flag: %d\nDIAG_check_Falg: %d\nTest Result: F\n#\nError Code: "

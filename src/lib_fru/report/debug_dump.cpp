@@ -17,7 +17,7 @@ const char *Printable(const void *pText)
 void DebugChassis(const FRU_CHASSIS_INFO_S &stChassis)
 {
     (void)puts("\n[======Chassis======]");
-    // The letter missing from "Versio" is meant.
+    // Intended: the letter missing from "Versio".
     (void)printf("ChassisInfoAreaFormatVersio:%d\n", stChassis.ucFormatVersion);
     (void)printf("ChassisInfoAreaLength:%d\n", stChassis.ucAreaLength);
     (void)printf("ChassisType:%s\n", Printable(stChassis.pucChassisType));
@@ -100,7 +100,7 @@ void FRU_DebugHWData(const FRU_HW_DATA_S *pstHWData)
     (void)printf("PCBVer:%#x\n", stBoard.ucPCBVer);
     (void)printf("EEPROMVer:%#x\n", stBoard.ucEEPROMVer);
     (void)printf("CPLDVer:%#x\n", stBoard.ucCPLDVer);
-    // "Reveser" is meant.
+    // Intended: "Reveser".
     (void)puts("Reveser:");
     FRU_DebugBuf(stBoard.aucBoardReserved, sizeof(stBoard.aucBoardReserved));
     (void)puts("\n[======DIAG INFO======]");

@@ -32,11 +32,9 @@ u32 FetchDirectly(u8 ucComponentType, FRU_DATA_S *pstFRUData)
     return LIB_FRU_GetBaseboardFRUDataByI2C(ucComponentType, pstFRUData);
 }
 
-// A serial number: the getter that gives it out, the null-pointer report of its output, and where it is.
+// A serial number: how to have the record of which component, and where it is in there.
 struct SERIAL_SOURCE_S
 {
-    const char *pcGetter;
-    const char *pcNullFormat;
     u32 (*pfnFetch)(u8 ucComponentType, FRU_DATA_S *pstFRUData);
     u8 ucComponentType;
     const u8 *(*pfnField)(const FRU_DATA_S &stData);
@@ -45,10 +43,6 @@ struct SERIAL_SOURCE_S
 // Copies the serial number of a source into a caller's buffer; untouched when the record cannot be had.
 u32 CopySerial(const SERIAL_SOURCE_S &stSource, u32 uiSize, char *pcOut)
 {
-    if (pcOut == nullptr) {
-        FRU_ReportNull(stSource.pcNullFormat, FRU_DIAG_FILE, stSource.pcGetter, __LINE__);
-        return LIB_FRU_ERR_NULL_POINTER;
-    }
     FRU_DATA_S stData = {};
     const u32 uiRet = stSource.pfnFetch(stSource.ucComponentType, &stData);
     if (uiRet != FRU_OK) {
@@ -69,49 +63,42 @@ u32 CopySerial(const SERIAL_SOURCE_S &stSource, u32 uiSize, char *pcOut)
 
 u32 LIB_FRU_GetBaseboardChassisSN(u32 uiSize, char *pucChassisSN)
 {
-    return CopySerial(
-        {__func__, FRU_NULL_FORMAT("pucChassisSN"), FetchNormally, FRU_COMPONENT_BASEBOARD, ChassisSerial},
-        uiSize, pucChassisSN);
+    FRU_REQUIRE(pucChassisSN, LIB_FRU_ERR_NULL_POINTER);
+    return CopySerial({FetchNormally, FRU_COMPONENT_BASEBOARD, ChassisSerial}, uiSize, pucChassisSN);
 }
 
 u32 LIB_FRU_GetBaseboardProductSN(u32 uiSize, char *pucProductSN)
 {
-    return CopySerial(
-        {__func__, FRU_NULL_FORMAT("pucProductSN"), FetchNormally, FRU_COMPONENT_BASEBOARD, ProductSerial},
-        uiSize, pucProductSN);
+    FRU_REQUIRE(pucProductSN, LIB_FRU_ERR_NULL_POINTER);
+    return CopySerial({FetchNormally, FRU_COMPONENT_BASEBOARD, ProductSerial}, uiSize, pucProductSN);
 }
 
 u32 LIB_FRU_GetMainBoardSN(u32 uiSize, char *pucBoardSN)
 {
-    return CopySerial(
-        {__func__, FRU_NULL_FORMAT("pucBoardSN"), FetchNormally, FRU_COMPONENT_BASEBOARD, BoardSerial},
-        uiSize, pucBoardSN);
+    FRU_REQUIRE(pucBoardSN, LIB_FRU_ERR_NULL_POINTER);
+    return CopySerial({FetchNormally, FRU_COMPONENT_BASEBOARD, BoardSerial}, uiSize, pucBoardSN);
 }
 
 u32 LIB_FRU_GetBmcCardSN(u32 uiSize, char *pucBoardSN)
 {
-    return CopySerial(
-        {__func__, FRU_NULL_FORMAT("pucBoardSN"), FetchNormally, FRU_COMPONENT_BMC_CARD, BoardSerial}, uiSize,
-        pucBoardSN);
+    FRU_REQUIRE(pucBoardSN, LIB_FRU_ERR_NULL_POINTER);
+    return CopySerial({FetchNormally, FRU_COMPONENT_BMC_CARD, BoardSerial}, uiSize, pucBoardSN);
 }
 
 u32 LIB_FRU_GetBaseboardProductSNByI2C(u32 uiSize, char *pucProductSN)
 {
-    return CopySerial(
-        {__func__, FRU_NULL_FORMAT("pucProductSN"), FetchDirectly, FRU_COMPONENT_BASEBOARD, ProductSerial},
-        uiSize, pucProductSN);
+    FRU_REQUIRE(pucProductSN, LIB_FRU_ERR_NULL_POINTER);
+    return CopySerial({FetchDirectly, FRU_COMPONENT_BASEBOARD, ProductSerial}, uiSize, pucProductSN);
 }
 
 u32 LIB_FRU_GetMainBoardSNByI2C(u32 uiSize, char *pucBoardSN)
 {
-    return CopySerial(
-        {__func__, FRU_NULL_FORMAT("pucBoardSN"), FetchDirectly, FRU_COMPONENT_BASEBOARD, BoardSerial},
-        uiSize, pucBoardSN);
+    FRU_REQUIRE(pucBoardSN, LIB_FRU_ERR_NULL_POINTER);
+    return CopySerial({FetchDirectly, FRU_COMPONENT_BASEBOARD, BoardSerial}, uiSize, pucBoardSN);
 }
 
 u32 LIB_FRU_GetBmcCardSNByI2C(u32 uiSize, char *pucBoardSN)
 {
-    return CopySerial(
-        {__func__, FRU_NULL_FORMAT("pucBoardSN"), FetchDirectly, FRU_COMPONENT_BMC_CARD, BoardSerial}, uiSize,
-        pucBoardSN);
+    FRU_REQUIRE(pucBoardSN, LIB_FRU_ERR_NULL_POINTER);
+    return CopySerial({FetchDirectly, FRU_COMPONENT_BMC_CARD, BoardSerial}, uiSize, pucBoardSN);
 }
