@@ -1,18 +1,13 @@
 // Which label names a device accepts, and which values a label accepts.
-#include "label_checks.h"
-
-#include <cctype>
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
-
-#include <regex.h>
 
 #include "catalogue.h"
 #include "label_block.h"
 #include "lib_fru_analyzer/chassis_type.h"
 #include "lib_fru_labels.h"
 #include "lib_fru_write_module.h"
+#include "value_forms.h"
 
 namespace {
 
@@ -21,20 +16,8 @@ constexpr u32 g_uiChassisPartNumID = 2U;
 constexpr u32 g_uiProductPartNumID = 21U;
 constexpr long g_lMaxLanguage = 136L;
 
-// Unfilled date, unfilled date and time, zero-filled date, zero-filled date and time. A date is wholly the
-// one or wholly the other; February has 29 days in every year.
-const char *const g_apcDatePatterns[] = {
-    "^[0-9]{4}-((([13578]|(10|12))-([1-9]|[1-2][0-9]|3[0-1]))|(2-([1-9]|[1-2][0-9]))|(([469]|11)-([1-9]|"
-    "[1-2][0-9]|30)))$",
-    "^[0-9]{4}-((([13578]|(10|12))-([1-9]|[1-2][0-9]|3[0-1]))|(2-([1-9]|[1-2][0-9]))|(([469]|11)-([1-9]|"
-    "[1-2][0-9]|30))) ([0-9]|[1][0-9]|2[0-3]):([0-9]|[1-5][0-9]):([0-9]|[1-5][0-9])$",
-    "^[0-9]{4}-(((0[13578]|(10|12))-(0[1-9]|[1-2][0-9]|3[0-1]))|(02-(0[1-9]|[1-2][0-9]))|((0[469]|11)-(0[1-9]|"
-    "[1-2][0-9]|30)))$",
-    "^[0-9]{4}-(((0[13578]|(10|12))-(0[1-9]|[1-2][0-9]|3[0-1]))|(02-(0[1-9]|[1-2][0-9]))|((0[469]|11)-(0[1-9]|"
-    "[1-2][0-9]|30))) (0[0-9]|[1][0-9]|2[0-3]):(0[0-9]|[1-5][0-9]):(0[0-9]|[1-5][0-9])$",
-};
-const char g_acDateBound[] = "2025-12-31";
-const char g_acMacPattern[] = "^([0-9a-fA-F]{2})(([0-9a-fA-F]{2}){5})$";
+// A bound by year alone, coarse on purpose: the last second of 2025 passes, the first of 2026 does not.
+const char g_acLastYear[] = "2025";
 
 bool IsChassisType(char *pcValue)
 {
@@ -48,32 +31,19 @@ bool IsMfgDate(char *pcValue)
 
 bool IsLanguageCode(char *pcValue)
 {
-    for (const char *pc = pcValue; *pc != '\0'; ++pc) {
-        if (isdigit(static_cast<unsigned char>(*pc)) == 0) {
-            return false;
-        }
-    }
-    return strtol(pcValue, nullptr, 10) <= g_lMaxLanguage;
+    return FRU_IsDigits(pcValue) && strtol(pcValue, nullptr, 10) <= g_lMaxLanguage;
 }
 
 // The caller's text is upper-cased, and stays so when it is refused afterwards.
 bool IsMacAddress(char *pcValue)
 {
-    for (char *pc = pcValue; *pc != '\0'; ++pc) {
-        *pc = static_cast<char>(toupper(static_cast<unsigned char>(*pc)));
-    }
-    return checkRegularExpressionCorrect(pcValue, g_acMacPattern) == 1U;
+    FRU_ToUpper(pcValue);
+    return FRU_IsMacAddress(pcValue);
 }
 
 bool IsPrintable(char *pcValue)
 {
-    for (const char *pc = pcValue; *pc != '\0'; ++pc) {
-        const unsigned char ucChar = static_cast<unsigned char>(*pc);
-        if (ucChar < 0x20U || ucChar > 0x7EU) {
-            return false;
-        }
-    }
-    return true;
+    return FRU_IsPrintable(pcValue);
 }
 
 // What is special about a label's values. A label without a row here is an ordinary text.
@@ -127,7 +97,7 @@ bool LengthFits(const DIAG_FRU_LABEL_S &stLabel, const char *pcValue, u32 uiComp
 bool IsBlank(const char *pcValue, i32 iValueLen)
 {
     for (i32 i = 0; i < iValueLen; ++i) {
-        if (isspace(static_cast<unsigned char>(pcValue[i])) == 0) {
+        if (!FRU_IsSpace(pcValue[i])) {
             return false;
         }
     }
@@ -144,19 +114,6 @@ bool IsNormal(const VALUE_RULE_S &stRule, const char *pcName, char *pcValue)
 }
 
 } // namespace
-
-u32 checkRegularExpressionCorrect(const char *pcValue, const char *pcPattern)
-{
-    FRU_REQUIRE(pcValue, 0U);
-    regex_t stRegex;
-    if (regcomp(&stRegex, pcPattern, REG_EXTENDED) != 0) {
-        return 0U;
-    }
-    regmatch_t stMatch;
-    const int iResult = regexec(&stRegex, pcValue, 1U, &stMatch, 0);
-    regfree(&stRegex);
-    return iResult == 0 ? 1U : 0U;
-}
 
 u32 isLabelNameValid(const FRU_SET_PARA_S *pstFRUSetPara)
 {
@@ -185,24 +142,13 @@ u32 isLabelNameValid(const FRU_SET_PARA_S *pstFRUSetPara)
 i32 isLabelValueMfgDateNormal(const char *pcValue)
 {
     FRU_REQUIRE(pcValue, 0);
-    const u32 bRetNotFill = checkRegularExpressionCorrect(pcValue, g_apcDatePatterns[0]);
-    const u32 bRetNotFillExt = checkRegularExpressionCorrect(pcValue, g_apcDatePatterns[1]);
-    const u32 bRetFill = checkRegularExpressionCorrect(pcValue, g_apcDatePatterns[2]);
-    const u32 bRetFillExt = checkRegularExpressionCorrect(pcValue, g_apcDatePatterns[3]);
+    const u32 uiForms = FRU_DateForms(pcValue);
     FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_INFO,
-            "After Correct, bRetNotFill:%d, bRetNotFillExt:%d, bRetFill:%d, bRetFillExt:%d", bRetNotFill,
-            bRetNotFillExt, bRetFill, bRetFillExt);
-    if ((bRetNotFill | bRetNotFillExt | bRetFill | bRetFillExt) == 0U) {
-        return 0;
-    }
-    // A bound by year alone, coarse on purpose: the last second of 2025 passes, the first of 2026 does not.
-    int iBoundYear = 0;
-    int iYear = 0;
-    // NOLINTNEXTLINE(cert-err34-c): the patterns left four digits in front
-    if (sscanf(g_acDateBound, "%d", &iBoundYear) == EOF || sscanf(pcValue, "%d", &iYear) == EOF) {
-        return 0;
-    }
-    return iYear <= iBoundYear ? 1 : 0;
+            "After Correct, bRetNotFill:%d, bRetNotFillExt:%d, bRetFill:%d, bRetFillExt:%d",
+            (uiForms & FRU_DATE_BARE) != 0U, (uiForms & FRU_DATE_BARE_TIME) != 0U,
+            (uiForms & FRU_DATE_FILLED) != 0U, (uiForms & FRU_DATE_FILLED_TIME) != 0U);
+    // Any form begins with the four digits of the year.
+    return uiForms != 0U && strncmp(pcValue, g_acLastYear, sizeof(g_acLastYear) - 1U) <= 0 ? 1 : 0;
 }
 
 u32 isLabelValueValid(const char *pcName, char *pcValue, i32 iValueLen, u32 uiComponentType)

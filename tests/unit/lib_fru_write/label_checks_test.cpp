@@ -5,7 +5,7 @@
 
 #include "label_texts.h"
 #include "lib_fru_labels.h"
-#include "lib_fru_write/label_checks.h"
+#include "lib_fru_write/regular_expression.h"
 
 namespace {
 
