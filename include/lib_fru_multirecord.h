@@ -9,7 +9,8 @@
  * a failed merge they stay queued for the next one.
  *
  * The store initialises itself. A process-private semaphore guards it: any call may be made from any thread.
- * Updates and merges wait at most 5 seconds for it, destroy at most 10. A merge that has waited in vain runs
+ * A merge waits at most 5 seconds for it, an update 5 to queue its record and 5 to merge, a destroy 10, whatever
+ * another thread is stuck in meanwhile (a device, its output, its log). A merge that has waited in vain runs
  * all the same, so after a time-out two merges may overlap and the FRU may be read and written by both: the
  * later write wins, and records queued in between may be dropped unwritten. The store's memory stays sound.
  */

@@ -3,8 +3,6 @@
 
 #include <cstdio>
 
-#include "lib_fru_multirecord.h"
-
 namespace {
 
 constexpr u32 g_uiFormatByte = 1;
@@ -12,61 +10,45 @@ constexpr u32 g_uiLengthByte = 2;
 constexpr u32 g_uiRecordChecksumByte = 3;
 constexpr u32 g_uiHeaderChecksumByte = 4;
 
-// The texts of the two kinds of list; both end alike.
-struct TEXTS_S
+bool IsRecordValid(const u8 *pucHeader, const u8 *pucData, u32 uiIndex, u32 uiCheckType)
 {
-    const char *pcVersion;
-    const char *pcHeader;
-    const char *pcData;
-    const char *pcEnd;
-};
-
-constexpr TEXTS_S g_stMemoryTexts = {
-    "FRU MultiRecord[Memory] invalid FormatVersion[%d]: %#x",
-    "FRU MultiRecord[Memory] header sum check err[%d]: %#x to %#x",
-    "FRU MultiRecord[Memory] record_data sum check err[%d]: %#x to %#x",
-    "FRU MultiRecord[Memory] touch the end: %d",
-};
-
-constexpr TEXTS_S g_stEepromTexts = {
-    "FRU MultiRecord[EEPROM] invalid FormatVersion[%d]: %#x",
-    "FRU MultiRecord[EEPROM] header sum check err[%d]: %#x to %#x",
-    "FRU MultiRecord[EEPROM] record_data sum check err[%d]: %#x to %#x",
-    "FRU MultiRecord[EEPROM] touch the end: %d",
-};
-
-bool IsRecordValid(const u8 *pucHeader, const u8 *pucData, u32 uiIndex, const TEXTS_S &stTexts)
-{
+    const bool bMemory = uiCheckType == FRU_MR_CHECK_MEMORY;
     // Bit 1 alone, on purpose: 0x03, 0x06 or 0x0A pass here, though not as the mark of an empty list.
     if ((pucHeader[g_uiFormatByte] & FRU_MR_FORMAT_VERSION) == 0U) {
-        FRU_LOG_TABLE(FRU_CAT_GENERAL, BMC_DIAG_ERROR, stTexts.pcVersion, uiIndex, pucHeader[g_uiFormatByte]);
+        FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_ERROR,
+                bMemory ? "FRU MultiRecord[Memory] invalid FormatVersion[%d]: %#x"
+                        : "FRU MultiRecord[EEPROM] invalid FormatVersion[%d]: %#x",
+                uiIndex, pucHeader[g_uiFormatByte]);
         return false;
     }
     const u8 ucHeaderSum = BMC_CalcZeroCheckSum(pucHeader, FRU_MR_CHECKED_HEADER_LEN);
     if (ucHeaderSum != pucHeader[g_uiHeaderChecksumByte]) {
-        FRU_LOG_TABLE(FRU_CAT_GENERAL, BMC_DIAG_ERROR, stTexts.pcHeader, uiIndex,
-                      pucHeader[g_uiHeaderChecksumByte], ucHeaderSum);
+        FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_ERROR,
+                bMemory ? "FRU MultiRecord[Memory] header sum check err[%d]: %#x to %#x"
+                        : "FRU MultiRecord[EEPROM] header sum check err[%d]: %#x to %#x",
+                uiIndex, pucHeader[g_uiHeaderChecksumByte], ucHeaderSum);
         return false;
     }
     const u8 ucDataSum = BMC_CalcZeroCheckSum(pucData, pucHeader[g_uiLengthByte]);
     if (ucDataSum != pucHeader[g_uiRecordChecksumByte]) {
-        FRU_LOG_TABLE(FRU_CAT_GENERAL, BMC_DIAG_ERROR, stTexts.pcData, uiIndex,
-                      pucHeader[g_uiRecordChecksumByte], ucDataSum);
+        FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_ERROR,
+                bMemory ? "FRU MultiRecord[Memory] record_data sum check err[%d]: %#x to %#x"
+                        : "FRU MultiRecord[EEPROM] record_data sum check err[%d]: %#x to %#x",
+                uiIndex, pucHeader[g_uiRecordChecksumByte], ucDataSum);
         return false;
     }
     return true;
 }
 
 // Whether this was the last record; then it says so and stores the count.
-bool IsEnd(const u8 *pucHeader, u32 uiIndex, const TEXTS_S &stTexts, u32 *puiOutCount)
+bool IsEnd(const u8 *pucHeader, u32 uiIndex, u32 uiCheckType, u32 *puiOutCount)
 {
     if ((pucHeader[g_uiFormatByte] & FRU_MULTIRECORD_END_OF_LIST) == 0U) {
         return false;
     }
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wformat-nonliteral"
-    (void)printf(stTexts.pcEnd, static_cast<int>(uiIndex));
-#pragma GCC diagnostic pop
+    (void)printf(uiCheckType == FRU_MR_CHECK_MEMORY ? "FRU MultiRecord[Memory] touch the end: %d"
+                                                    : "FRU MultiRecord[EEPROM] touch the end: %d",
+                 static_cast<int>(uiIndex));
     *puiOutCount = uiIndex + 1U;
     return true;
 }
@@ -91,10 +73,10 @@ u32 CheckMemory(const u8 *pucBuf, u32 *puiOutCount)
             FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_ERROR, "FRU MultiRecord[Memory] invalid null point[%d].", i);
             break;
         }
-        if (!IsRecordValid(pucHeader, pucData, i, g_stMemoryTexts)) {
+        if (!IsRecordValid(pucHeader, pucData, i, FRU_MR_CHECK_MEMORY)) {
             break;
         }
-        if (IsEnd(pucHeader, i, g_stMemoryTexts, puiOutCount)) {
+        if (IsEnd(pucHeader, i, FRU_MR_CHECK_MEMORY, puiOutCount)) {
             return FRU_OK;
         }
     }
@@ -113,10 +95,10 @@ u32 CheckEeprom(const u8 *pucBuf, u32 *puiOutCount)
     const u8 *pucHeader = pucBuf;
     for (; i < FRU_MULTIRECORD_MAX; ++i) {
         const u8 *pucData = pucHeader + FRU_MULTIRECORD_HEADER_LEN;
-        if (!IsRecordValid(pucHeader, pucData, i, g_stEepromTexts)) {
+        if (!IsRecordValid(pucHeader, pucData, i, FRU_MR_CHECK_EEPROM)) {
             break;
         }
-        if (IsEnd(pucHeader, i, g_stEepromTexts, puiOutCount)) {
+        if (IsEnd(pucHeader, i, FRU_MR_CHECK_EEPROM, puiOutCount)) {
             return FRU_OK;
         }
         pucHeader = pucData + pucHeader[g_uiLengthByte];

@@ -4,8 +4,6 @@
 
 #define FRU_DIAG_FILE "lib_fru_multirecord.c"
 
-#include <semaphore.h>
-
 #include "common/alloc.h"
 #include "common/diag.h"
 #include "lib_fru_multirecord.h"
@@ -13,9 +11,6 @@
 
 #define FRU_MR_FORMAT_MASK 0x7FU
 #define FRU_MR_CHECKED_HEADER_LEN 4U // the header checksum covers the bytes ahead of it
-
-#define FRU_MR_USER_WAIT_S 5U
-#define FRU_MR_DESTROY_WAIT_S 10U
 
 #pragma pack(push, 1)
 // The head of a queued record. Its data follow in the same heap buffer: sub-type, then value, as
@@ -30,18 +25,7 @@ typedef struct
 } FRU_INNER_MR_S;
 #pragma pack(pop)
 
-// Not packed: it holds a semaphore.
-typedef struct
-{
-    u8 ucInited;
-    u8 ucCount;
-    FRU_INNER_MR_S *apstRecords[FRU_MULTIRECORD_MAX]; // in the order in which they were queued
-    sem_t stSem;                                      // 1: free
-} FRU_INNER_MR_STORE_S;
-
 using FRU_INNER_MR_BUFFER = std::unique_ptr<FRU_INNER_MR_S, FRU_FREE_DELETER_S>;
-
-extern FRU_INNER_MR_STORE_S g_stInnerMRStore;
 
 // Where a queued record belongs in a FRU table.
 typedef enum
@@ -50,24 +34,6 @@ typedef enum
     FRU_MR_PLACE_FREE,
     FRU_MR_PLACE_SAME,
 } FRU_MR_PLACE_E;
-
-// ---- store.cpp: life and lock of the store ----
-
-// The caller holds the mutex below.
-u32 FRU_initMultiRecords(void);
-u32 FRU_waitInnerSem(u32 uiSeconds);
-// The caller holds the semaphore, and the mutex below.
-void FRU_freeInnerMultiRecords(void);
-
-// Initialises the store and keeps its semaphore alive until FRU_leaveInnerStore(): a destroy on another
-// thread empties the store at once, but leaves the semaphore to those who still wait on it.
-u32 FRU_enterInnerStore(void);
-void FRU_leaveInnerStore(void);
-
-// The semaphore may have more than one holder after a time-out. The mutex is held only while the store's
-// members are looked at or changed, never across a wait or a device access.
-void FRU_lockInnerStore(void);
-void FRU_unlockInnerStore(void);
 
 // ---- record.cpp: single records ----
 
@@ -86,8 +52,8 @@ u32 FRU_updateSingleMultiRecord(FRU_MULTIRECORD_S *pstDataBuf, const FRU_INNER_M
 
 // ---- update.cpp, sync.cpp ----
 
-// Puts a copy of the record into the store, or replaces the queued one of the same sub-type. The caller holds
-// semaphore and mutex.
+// Puts a copy of the record into the store, or replaces the queued one of the same sub-type, and tells what
+// became of it. The caller holds the semaphore.
 u32 FRU_queryAndUpdateInnerMultiRecord(const FRU_INNER_MR_S *pstInner);
 
 u32 FRU_tellMultiRecordExistFlag(const FRU_MULTIRECORD_S *pstFRUBuf, const FRU_INNER_MR_S *pstInnerBuf,

@@ -4,8 +4,6 @@
 #include <algorithm>
 #include <cstring>
 
-#include "lib_fru_multirecord.h"
-
 namespace {
 
 // Where each byte of the stored order comes from.

@@ -5,7 +5,7 @@
 
 #include "lib_fru_access.h"
 #include "lib_fru_codec.h"
-#include "lib_fru_multirecord.h"
+#include "store.h"
 
 namespace {
 
@@ -32,17 +32,16 @@ u32 CheckTable(const FRU_DATA_S *pstFRUData)
 }
 
 // The FRU has no MultiRecord area yet: it gets one with all queued records, in their order.
-MERGE_E MergeIntoNewArea(FRU_DATA_S *pstFRUData)
+MERGE_E MergeIntoNewArea(const FRU_INNER_MR_COPY_S &stQueued, FRU_DATA_S *pstFRUData)
 {
     pstFRUData->stCommonHeader.ucMultiRecordAreaStartOffset = 1U; // present; the encoder lays it out
-    for (u32 i = 0; i < g_stInnerMRStore.ucCount; ++i) {
-        if (FRU_addSingleMultiRecord(&pstFRUData->astMultiRecord[i], g_stInnerMRStore.apstRecords[i]) !=
-            FRU_OK) {
+    for (u32 i = 0; i < stQueued.uiCount; ++i) {
+        if (FRU_addSingleMultiRecord(&pstFRUData->astMultiRecord[i], stQueued.apstRecords[i]) != FRU_OK) {
             FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_ERROR, "Fail to add MultiRecord! index:%d.", i);
             return MERGE_E::FAILED;
         }
     }
-    FRU_MULTIRECORD_S *pstLast = &pstFRUData->astMultiRecord[g_stInnerMRStore.ucCount - 1U];
+    FRU_MULTIRECORD_S *pstLast = &pstFRUData->astMultiRecord[stQueued.uiCount - 1U];
     SetFormat(pstLast, pstLast->ucRecordFormat | FRU_MULTIRECORD_END_OF_LIST);
     return CheckTable(pstFRUData) == FRU_OK ? MERGE_E::CHANGED : MERGE_E::FAILED;
 }
@@ -89,15 +88,15 @@ void RenewMarks(FRU_DATA_S *pstFRUData)
     }
 }
 
-MERGE_E MergeIntoExistingArea(FRU_DATA_S *pstFRUData)
+MERGE_E MergeIntoExistingArea(const FRU_INNER_MR_COPY_S &stQueued, FRU_DATA_S *pstFRUData)
 {
     if (CheckTable(pstFRUData) != FRU_OK) {
         FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_ERROR, "Check multirecords failed.");
         return MERGE_E::FAILED;
     }
     bool bChanged = false;
-    for (u32 i = 0; i < g_stInnerMRStore.ucCount; ++i) {
-        if (MergeRecord(pstFRUData, g_stInnerMRStore.apstRecords[i], &bChanged) != FRU_OK) {
+    for (u32 i = 0; i < stQueued.uiCount; ++i) {
+        if (MergeRecord(pstFRUData, stQueued.apstRecords[i], &bChanged) != FRU_OK) {
             return MERGE_E::FAILED;
         }
     }
@@ -110,25 +109,19 @@ MERGE_E MergeIntoExistingArea(FRU_DATA_S *pstFRUData)
     return MERGE_E::CHANGED;
 }
 
-u32 CountQueued()
-{
-    FRU_lockInnerStore();
-    const u32 uiCount = g_stInnerMRStore.ucCount;
-    FRU_unlockInnerStore();
-    return uiCount;
-}
-
+// Merges from a copy: its messages and prints may take any time, and others use the store meanwhile.
 MERGE_E MergeQueued(FRU_DATA_S *pstFRUData)
 {
-    MERGE_E eMerge = MERGE_E::NOTHING;
-    FRU_lockInnerStore();
-    if (g_stInnerMRStore.ucCount != 0U) {
-        eMerge = pstFRUData->stCommonHeader.ucMultiRecordAreaStartOffset == 0U
-                     ? MergeIntoNewArea(pstFRUData)
-                     : MergeIntoExistingArea(pstFRUData);
+    FRU_INNER_MR_COPY_S stQueued = {};
+    if (!FRU_copyInnerMultiRecords(&stQueued)) {
+        return MERGE_E::FAILED;
     }
-    FRU_unlockInnerStore();
-    return eMerge;
+    if (stQueued.uiCount == 0U) {
+        return MERGE_E::NOTHING;
+    }
+    return pstFRUData->stCommonHeader.ucMultiRecordAreaStartOffset == 0U
+               ? MergeIntoNewArea(stQueued, pstFRUData)
+               : MergeIntoExistingArea(stQueued, pstFRUData);
 }
 
 // Reads, merges and writes; the record's buffers are the caller's to release.
@@ -158,16 +151,14 @@ u32 ReadMergeWrite(FRU_DATA_S *pstFRUData)
 
 u32 SyncQueued()
 {
-    if (CountQueued() == 0U) {
+    if (FRU_countInnerMultiRecords() == 0U) {
         return FRU_OK;
     }
     FRU_DATA_S stFRUData = {};
     const u32 uiRet = ReadMergeWrite(&stFRUData);
     FRU_ANALYZER_SafeFree(&stFRUData);
     if (uiRet == FRU_OK) {
-        FRU_lockInnerStore();
-        FRU_freeInnerMultiRecords();
-        FRU_unlockInnerStore();
+        FRU_emptyInnerStore();
     }
     return uiRet;
 }
@@ -208,13 +199,12 @@ u32 FRU_tellMultiRecordExistFlag(const FRU_MULTIRECORD_S *pstFRUBuf, const FRU_I
 
 u32 FRU_syncAllMultiRecords(void)
 {
-    if (FRU_enterInnerStore() != FRU_OK) {
+    // Only a store that cannot be initialised ends it: after a time-out the merge runs anyway, and posts like a
+    // holder would. Intended.
+    if (FRU_enterInnerStore(FRU_MR_USER_WAIT_S) == FRU_MR_STAY_NONE) {
         return FRU_ERR_MR_FAILED;
     }
-    // Not checked, on purpose: after a time-out the merge runs anyway, and posts like a holder would.
-    (void)FRU_waitInnerSem(FRU_MR_USER_WAIT_S);
     const u32 uiRet = SyncQueued();
-    (void)sem_post(&g_stInnerMRStore.stSem);
-    FRU_leaveInnerStore();
+    FRU_leaveInnerStore(true);
     return uiRet;
 }

@@ -1,15 +1,20 @@
 // Updates, merges and destroys of the MultiRecord store on eight threads at once.
 #include <atomic>
+#include <chrono>
 #include <cstring>
+#include <future>
 #include <set>
 #include <thread>
+
+#include <fcntl.h>
+#include <unistd.h>
 
 #include <gtest/gtest.h>
 
 #include "fake/fake_platform.h"
 #include "lib_fru_codec.h"
 #include "lib_fru_multirecord.h"
-#include "lib_fru_multirecord/lib_fru_multirecord_module.h"
+#include "lib_fru_multirecord/store_state.h"
 #include "locked/locked_platform.h"
 
 namespace {
@@ -174,6 +179,86 @@ TEST(StoreThreads, AfterTimeOutsTheStoreIsStillSound)
     }
     EXPECT_EQ(SubTypesOnTheDevice().size(), 7U);
     EXPECT_TRUE(fake::Messages().size() == 0U);
+    Destroy();
+    EXPECT_EQ(fake::LiveAllocations(), uiLive);
+}
+
+// Standard output as a pipe that is full and that nobody reads, until it is drained.
+class FULL_PIPE
+{
+  public:
+    FULL_PIPE()
+    {
+        (void)fflush(stdout);
+        (void)setvbuf(stdout, nullptr, _IONBF, 0);
+        m_iSaved = dup(STDOUT_FILENO);
+        EXPECT_EQ(pipe2(m_aiPipe, O_NONBLOCK), 0);
+        while (write(m_aiPipe[1], "x", 1) == 1) {
+        }
+        (void)fcntl(m_aiPipe[1], F_SETFL, 0);
+        (void)dup2(m_aiPipe[1], STDOUT_FILENO);
+    }
+    FULL_PIPE(const FULL_PIPE &) = delete;
+    FULL_PIPE &operator=(const FULL_PIPE &) = delete;
+    ~FULL_PIPE()
+    {
+        (void)dup2(m_iSaved, STDOUT_FILENO);
+        (void)setvbuf(stdout, nullptr, _IOLBF, BUFSIZ);
+        (void)close(m_aiPipe[0]);
+        (void)close(m_aiPipe[1]);
+        (void)close(m_iSaved);
+    }
+    void Drain()
+    {
+        char acBytes[4096];
+        while (read(m_aiPipe[0], acBytes, sizeof(acBytes)) > 0) {
+        }
+    }
+
+  private:
+    int m_aiPipe[2] = {-1, -1};
+    int m_iSaved = -1;
+};
+
+// Whether some thread is inside a print, which with a full pipe is where it stays.
+bool IsSomebodyPrinting()
+{
+    if (ftrylockfile(stdout) != 0) {
+        return true;
+    }
+    funlockfile(stdout);
+    return false;
+}
+
+TEST(StoreThreads, AHolderStuckInItsOutputLeavesADestroyItsTenSeconds)
+{
+    fake::Reset();
+    const u32 uiLive = fake::LiveAllocations();
+    PutMainFru();
+    fake::SetPatience(20);
+    u32 uiQueued = 0;
+    bool bCameBack = false;
+    {
+        FULL_PIPE pipeStdout;
+        std::thread threadHolder([] { (void)Update(1); });
+        while (!IsSomebodyPrinting()) {
+            std::this_thread::yield();
+        }
+        std::future<void> futDestroy = std::async(std::launch::async, FRU_destroyMultiRecords);
+        bCameBack = futDestroy.wait_for(std::chrono::seconds(60)) == std::future_status::ready;
+        uiQueued = FRU_countInnerMultiRecords();
+        pipeStdout.Drain();
+        threadHolder.join();
+        futDestroy.wait();
+    }
+    EXPECT_TRUE(bCameBack);
+    EXPECT_EQ(g_stInnerMRStore.ucInited, 1U);
+    EXPECT_EQ(uiQueued, 1U); // what the holder was merging is still queued
+    EXPECT_EQ(fake::Messages(),
+              (std::vector<std::string>{
+                  "0/2 lib_fru_multirecord.c: FRU Inner sem timeout: 0xa",
+                  "0/2 lib_fru_multirecord.c: FRU MultiRecord wait to destroy failed! Ret:0xffff0006."}));
+    EXPECT_EQ(SubTypesOnTheDevice(), std::set<u8>{2}); // and it came through in the end
     Destroy();
     EXPECT_EQ(fake::LiveAllocations(), uiLive);
 }

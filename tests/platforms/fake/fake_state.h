@@ -11,6 +11,7 @@ namespace fake {
 struct STATE_S
 {
     std::vector<MESSAGE_S> vecMessages;
+    std::function<void(const std::string &)> fnLogHook;
     std::vector<std::string> vecCalls;
     std::map<u32, BYTES> mapDb;
     std::map<std::string, BYTES> mapEeprom;

@@ -19,6 +19,12 @@ void SetBmcOemFlag(u32 uiFlag)
     State().uiBmcOemFlag = uiFlag;
 }
 
+void SetLogHook(std::function<void(const std::string &)> fnHook)
+{
+    const std::lock_guard<std::mutex> lock(g_mtxMessages);
+    State().fnLogHook = std::move(fnHook);
+}
+
 } // namespace fake
 
 extern "C" {
@@ -31,8 +37,16 @@ void BMC_DiagLogOut(u32 uiModule, u32 uiCategory, u32 uiSeverity, u32 uiLine, co
     va_start(vaArgs, pcFormat);
     (void)vsnprintf(acText, sizeof(acText), pcFormat, vaArgs);
     va_end(vaArgs);
-    const std::lock_guard<std::mutex> lock(g_mtxMessages);
-    fake::State().vecMessages.push_back({uiModule, uiCategory, uiSeverity, uiLine, pcFile, pcFormat, acText});
+    std::function<void(const std::string &)> fnHook;
+    {
+        const std::lock_guard<std::mutex> lock(g_mtxMessages);
+        fake::State().vecMessages.push_back(
+            {uiModule, uiCategory, uiSeverity, uiLine, pcFile, pcFormat, acText});
+        fnHook = fake::State().fnLogHook;
+    }
+    if (fnHook) {
+        fnHook(acText);
+    }
 }
 
 u32 BMC_TimeStampToIsoTime(u32 uiTimeStamp, u32 uiArg, char *pcOut)

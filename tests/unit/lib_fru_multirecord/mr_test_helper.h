@@ -15,7 +15,7 @@
 #include "fake/fake_platform.h"
 #include "lib_fru_codec.h"
 #include "lib_fru_multirecord.h"
-#include "lib_fru_multirecord/lib_fru_multirecord_module.h"
+#include "lib_fru_multirecord/store_state.h"
 #include "support/image_builder.h"
 
 namespace mr {

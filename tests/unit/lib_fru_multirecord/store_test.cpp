@@ -160,7 +160,7 @@ TEST_F(Store, DestroyWithoutAClockLeavesTheStoreIntact)
 
 TEST_F(Store, DestroyLeavesTheLockToThoseWhoStillWaitOnIt)
 {
-    ASSERT_EQ(FRU_enterInnerStore(), 0U); // as a user that is about to wait
+    ASSERT_EQ(FRU_joinInnerStore(), 0U); // as a user that is about to wait
     PutQueued(Record(3, 2, DataOf(2, "name")));
     FRU_destroyMultiRecords();
     EXPECT_EQ(g_stInnerMRStore.ucInited, 0U);
@@ -173,19 +173,19 @@ TEST_F(Store, DestroyLeavesTheLockToThoseWhoStillWaitOnIt)
     EXPECT_EQ(fake::Count(fake::KIND_E::CLOCK), uiCalls + 2U); // clock_gettime and sem_timedwait
     EXPECT_EQ(g_stInnerMRStore.ucInited, 1U);
     (void)sem_post(&g_stInnerMRStore.stSem);
-    FRU_leaveInnerStore();
+    FRU_quitInnerStore();
     EXPECT_EQ(g_stInnerMRStore.ucInited, 1U);
     EXPECT_EQ(SemValue(), 1);
 }
 
 TEST_F(Store, TheLastUserOfADestroyedStoreTakesItsLockAway)
 {
-    ASSERT_EQ(FRU_enterInnerStore(), 0U);
+    ASSERT_EQ(FRU_joinInnerStore(), 0U);
     FRU_destroyMultiRecords();
     EXPECT_EQ(SemValue(), 1);
     FRU_destroyMultiRecords(); // destroyed already, its lock or not
     EXPECT_EQ(fake::Messages(), LINES{Message("MultiRecords is not inited!")});
-    FRU_leaveInnerStore();
+    FRU_quitInnerStore();
     EXPECT_TRUE(IsStoreZero());
 }
 

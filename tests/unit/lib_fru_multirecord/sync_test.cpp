@@ -149,8 +149,8 @@ TEST_F(Sync, ANewAreaWithoutMemoryFails)
         PutMainFru(Image({}));
         PutQueued(g_vecPing);
         PutQueued(g_vecName);
-        // The read takes two buffers ahead of the records.
-        fake::Arm({fake::KIND_E::ALLOC, 3U + uiRecord, false});
+        // The read takes two buffers ahead of the records, their copy a third.
+        fake::Arm({fake::KIND_E::ALLOC, 4U + uiRecord, false});
         EXPECT_EQ(FRU_syncAllMultiRecords(), g_uiFailed);
         EXPECT_EQ(
             fake::Messages(),
@@ -158,6 +158,17 @@ TEST_F(Sync, ANewAreaWithoutMemoryFails)
                           "Fail to add MultiRecord! index:" + std::to_string(uiRecord) + ".", g_acFailed}));
         ExpectFailed({}, 2);
     }
+}
+
+TEST_F(Sync, WithoutMemoryForTheCopyOfTheQueueItFails)
+{
+    PutMainFru(Image({}));
+    PutQueued(g_vecPing);
+    PutQueued(g_vecName);
+    fake::Arm({fake::KIND_E::ALLOC, 3, false});
+    EXPECT_EQ(FRU_syncAllMultiRecords(), g_uiFailed);
+    EXPECT_EQ(fake::Messages(), MessageLines({"Failed to distribute memory", g_acFailed}));
+    ExpectFailed({}, 2);
 }
 
 TEST_F(Sync, ANewAreaFailsAtAnEmptySlot)
@@ -350,8 +361,8 @@ TEST_F(Sync, WithoutMemoryForAnAddedOrLongerRecordItFails)
         DestroyQuietly();
         PutMainFru(Image({g_vecUrl}));
         PutQueued(vecNew);
-        // The read takes two buffers, the decoded record one.
-        fake::Arm({fake::KIND_E::ALLOC, 4, false});
+        // The read takes two buffers, the decoded record one, the copy of the queue one.
+        fake::Arm({fake::KIND_E::ALLOC, 5, false});
         EXPECT_EQ(FRU_syncAllMultiRecords(), g_uiFailed);
         EXPECT_EQ(fake::Messages(), MessageLines({"Failed to distribute memory",
                                                   "Err happen while updating, return!", g_acFailed}));

@@ -296,7 +296,7 @@ TEST_F(Update_, TheMergeAloneDecidesTheResult)
 
 TEST_F(Update_, AStoreDestroyedWhileTheUpdateWaitsIsInitialisedAnew)
 {
-    ASSERT_EQ(FRU_enterInnerStore(),
+    ASSERT_EQ(FRU_joinInnerStore(),
               0U); // keeps the lock alive through the destroy, as the waiting update does
     std::thread thread;
     {
@@ -311,7 +311,7 @@ TEST_F(Update_, AStoreDestroyedWhileTheUpdateWaitsIsInitialisedAnew)
     EXPECT_EQ(g_stInnerMRStore.ucInited, 1U);
     EXPECT_EQ(QueuedCount(), 1U);
     EXPECT_EQ(Queued(0), Record(3, 2, DataOf(2, "name")));
-    FRU_leaveInnerStore();
+    FRU_quitInnerStore();
 }
 
 // ---- lengths whose length byte wraps: the interface takes them
