@@ -3,11 +3,13 @@
 #include <cstdlib>
 #include <unistd.h>
 
-#include "commands.h"
-#include "console.h"
-#include "error.h"
-#include "session.h"
-#include "text.h"
+#include "commands/commands.h"
+#include "commands/session.h"
+#include "terminal/console.h"
+#include "toolkit/base/error.h"
+#include "toolkit/base/text.h"
+#include "toolkit/controller/controller.h"
+#include "toolkit/controller/diagnostics.h"
 
 namespace {
 
@@ -83,6 +85,21 @@ void ShowLibraryOutput(const SESSION_S &stSession)
     }
 }
 
+// The controller, with what is told of it while a command runs on stderr.
+void Open(SESSION_S &stSession)
+{
+    KeepDiagnostics([&stSession](const DIAGNOSTIC_S &stDiagnostic) {
+        if (stSession.bVerbose) {
+            fprintf(stderr, "[%u] %s:%u: %s\n", stDiagnostic.uiSeverity, stDiagnostic.strFile.c_str(),
+                    stDiagnostic.uiLine, stDiagnostic.strText.c_str());
+        }
+    });
+    stSession.fnWarn = [](const std::string &strLine) {
+        fprintf(stderr, "fructl: warning: %s\n", strLine.c_str());
+    };
+    OpenController(stSession);
+}
+
 int Run(int iArgc, char **ppcArgv)
 {
     SESSION_S stSession;
@@ -95,25 +112,25 @@ int Run(int iArgc, char **ppcArgv)
     AddCommands(stApp, stSession);
     try {
         stApp.parse(iArgc, ppcArgv);
-        OpenSession(stSession);
+        Open(stSession);
         SeparateLibraryOutput();
         stSession.fnRun();
         ShowLibraryOutput(stSession);
         if (!FlushOutput()) {
             Fail("standard output could not be written");
         }
-        return stSession.enExitCode;
+        return static_cast<int>(stSession.enExitCode);
     } catch (const CLI::ParseError &stError) {
         if (stError.get_exit_code() == static_cast<int>(CLI::ExitCodes::Success)) {
             stApp.exit(stError); // help or version
-            return EXIT_CODE_OK;
+            return static_cast<int>(ExitCode::Done);
         }
         Complain(UsageText(stApp, stError));
-        return EXIT_CODE_USAGE;
-    } catch (const FRUCTL_ERROR &stError) {
+        return static_cast<int>(ExitCode::Usage);
+    } catch (const Error &stError) {
         ShowLibraryOutput(stSession);
         Complain(stError.what());
-        return stError.Code();
+        return static_cast<int>(stError.Class() == ErrorClass::Usage ? ExitCode::Usage : ExitCode::Failed);
     }
 }
 
@@ -128,6 +145,6 @@ int main(int iArgc, char **ppcArgv)
         return Run(iArgc, ppcArgv);
     } catch (const std::exception &stError) {
         Complain(std::string("failed: ") + stError.what());
-        return EXIT_CODE_FAILED;
+        return static_cast<int>(ExitCode::Failed);
     }
 }

@@ -1,0 +1,39 @@
+#include "toolkit/controller/controller.h"
+
+#include <climits>
+#include <sys/stat.h>
+
+#include "bmcfru_host.h"
+#include "toolkit/base/error.h"
+#include "toolkit/base/text.h"
+
+void OpenController(CONTROLLER_S &stController)
+{
+    if (!stController.strRoot.empty() && BMCHOST_SetRoot(stController.strRoot.c_str()) != 0U) {
+        FailUsage("--root " + EscapeText(stController.strRoot) + " is refused: the path is too long");
+    }
+    stController.strRoot = BMCHOST_GetRoot();
+}
+
+bool HasController(const CONTROLLER_S &stController)
+{
+    struct stat stStat = {};
+    return stat((stController.strRoot + BMCHOST_DB_DIR).c_str(), &stStat) == 0;
+}
+
+void RequireController(const CONTROLLER_S &stController)
+{
+    if (!HasController(stController)) {
+        Fail("there is no controller in " + stController.strRoot +
+             "; 'fructl provision FILE' makes one, --root or $FRUCTL_ROOT names another");
+    }
+}
+
+std::optional<std::string> RealPath(const std::string &strControllerPath)
+{
+    char acPath[2U * PATH_MAX] = "";
+    if (BMCHOST_ResolvePath(strControllerPath.c_str(), sizeof(acPath), acPath) != 0U) {
+        return std::nullopt;
+    }
+    return acPath;
+}

@@ -1,0 +1,28 @@
+// The controller that is worked on: one directory, the root, and who works there.
+#ifndef TOOLKIT_CONTROLLER_CONTROLLER_H
+#define TOOLKIT_CONTROLLER_CONTROLLER_H
+
+#include <functional>
+#include <optional>
+#include <string>
+
+struct CONTROLLER_S
+{
+    std::string strRoot;                                    // empty: $FRUCTL_ROOT, else ~/.local/state/fructl
+    std::string strCommandLine;                             // who works there, for the lock file
+    std::function<void(const std::string &strLine)> fnWarn; // of what is no failure; may be empty
+};
+
+// Points the platform to the root directory, and fills in which one it is.
+void OpenController(CONTROLLER_S &stController);
+
+// True when the root holds a controller's database. Asked before the database is opened, which would make it.
+bool HasController(const CONTROLLER_S &stController);
+
+// Fails with a helpful line when there is none.
+void RequireController(const CONTROLLER_S &stController);
+
+// Where a file of the controller lies in reality; nothing when its path would lead out of the root.
+std::optional<std::string> RealPath(const std::string &strControllerPath);
+
+#endif

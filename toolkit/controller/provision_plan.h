@@ -1,0 +1,48 @@
+// The description of a controller (controller.json), checked whole before anything is written.
+// examples/README.md tells what may stand in it.
+#ifndef TOOLKIT_CONTROLLER_PROVISION_PLAN_H
+#define TOOLKIT_CONTROLLER_PROVISION_PLAN_H
+
+#include <string>
+#include <vector>
+
+#include "lib_fru_types.h"
+
+// Where the hardware description lies on the controller.
+constexpr const char *CONF_HARDWARE_FILE = "/conf/hw/ProductPath/Baseboard.xml";
+
+struct DEVICE_PLAN_S
+{
+    FRU_DEVICE_TBL_ENTRY_S stEntry;
+    FRU_DEVICE_INFO_S stInfo;
+    bool bHasEeprom;  // a device served from the cache only needs none
+    u32 uiEepromSize; // bytes of the whole chip
+    bool bCached;
+    std::string strImage;        // where the image comes from; empty: erased
+    std::vector<u8> vecImage;    // exactly the FRU's size
+    std::vector<u8> vecRecovery; // exactly the FRU's size, or empty: no stored image
+};
+
+struct CONF_FILE_S
+{
+    std::string strPath; // on the controller
+    std::vector<u8> vecBytes;
+};
+
+struct CONTROLLER_PLAN_S
+{
+    std::vector<DEVICE_PLAN_S> vecDevices;
+    std::vector<CONF_FILE_S> vecConfFiles;
+};
+
+// Reads and checks the description and every file that it names. Fails with the path of the member at fault
+// and what would be accepted.
+CONTROLLER_PLAN_S ReadPlan(const std::string &strFile);
+
+// The EEPROM's contents: erased, with the images of all devices that live in the chip of this one.
+std::vector<u8> EepromContents(const CONTROLLER_PLAN_S &stPlan, const DEVICE_PLAN_S &stDevice);
+
+// A FRU Device Locator record (IPMI 2.0, section 43.8) for the device.
+FRU_SDR_S LocatorRecord(const DEVICE_PLAN_S &stDevice);
+
+#endif

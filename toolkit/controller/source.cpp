@@ -1,0 +1,135 @@
+#include "toolkit/controller/source.h"
+
+#include "lib_fru.h"
+#include "toolkit/base/error.h"
+#include "toolkit/base/file.h"
+#include "toolkit/base/text.h"
+#include "toolkit/controller/controller.h"
+#include "toolkit/controller/diagnostics.h"
+#include "toolkit/image/layout.h"
+
+namespace {
+
+constexpr u8 CACHE_NOT_TRUSTED = 1U; // bit of the cache status
+constexpr u8 READ_PREFER_CACHE = 1U;
+
+IMAGE_S ReadChip(const DEVICE_S &stDevice)
+{
+    IMAGE_S stImage = {Source::Eeprom, std::vector<u8>(stDevice.stInfo.usSize), stDevice.stInfo.usSize};
+    ClearDiagnostics();
+    const i32 iRead = LIB_FRU_ReadFromEEPROM(&stDevice.stInfo, stDevice.stInfo.usStartOffset,
+                                             stDevice.stInfo.usSize, stImage.vecBytes.data());
+    if (iRead < 0) {
+        Fail("the EEPROM of " + stDevice.Title() + " does not answer" + DiagnosticHint());
+    }
+    if (static_cast<size_t>(iRead) != stImage.vecBytes.size()) {
+        Fail(Format("the EEPROM of %s gave %d of %zu bytes", stDevice.Title().c_str(), iRead,
+                    stImage.vecBytes.size()));
+    }
+    return stImage;
+}
+
+IMAGE_S ReadCache(const DEVICE_S &stDevice)
+{
+    IMAGE_S stImage = {Source::Cache, std::vector<u8>(stDevice.stInfo.usSize), stDevice.stInfo.usSize};
+    if (stImage.vecBytes.empty() || FRU_DB_GetFRUData(stDevice.stEntry.ucDeviceID, stDevice.stInfo.usSize,
+                                                      stImage.vecBytes.data()) != FRU_OK) {
+        Fail(stDevice.Title() + " has no cached image");
+    }
+    return stImage;
+}
+
+IMAGE_S ReadStored(const DEVICE_S &stDevice)
+{
+    const std::string strPath = stDevice.ImagePath();
+    const std::optional<std::string> optReal = RealPath(strPath);
+    if (!optReal.has_value()) {
+        Fail("no stored image is named in the record of " + stDevice.Title());
+    }
+    const std::vector<u8> vecBytes = ReadFileBytes(*optReal);
+    return {Source::Stored, vecBytes, vecBytes.size()};
+}
+
+} // namespace
+
+IMAGE_S ReadSource(const DEVICE_S &stDevice, Source enSource)
+{
+    switch (enSource) {
+    case Source::Eeprom:
+        return ReadChip(stDevice);
+    case Source::Cache:
+        return ReadCache(stDevice);
+    case Source::Stored:
+        return ReadStored(stDevice);
+    default:
+        Fail(stDevice.Title() + " is no file");
+    }
+}
+
+std::optional<IMAGE_S> FindSource(const DEVICE_S &stDevice, Source enSource)
+{
+    try {
+        return ReadSource(stDevice, enSource);
+    } catch (const Error &) {
+        return std::nullopt;
+    }
+}
+
+Source HomeOf(const DEVICE_S &stDevice)
+{
+    return stDevice.IsDatabaseOnly() ? Source::Cache : Source::Eeprom;
+}
+
+IMAGE_S ReadTarget(const TARGET_S &stTarget)
+{
+    if (!stTarget.optDevice.has_value()) {
+        return ReadImage(stTarget.strFile);
+    }
+    const DEVICE_S &stDevice = *stTarget.optDevice;
+    if (!stDevice.IsDatabaseOnly()) {
+        return ReadChip(stDevice);
+    }
+    const std::optional<IMAGE_S> optCached = FindSource(stDevice, Source::Cache);
+    if (!optCached.has_value()) {
+        Fail(stDevice.Title() + " is served from the cache only, and there is no cached image of it");
+    }
+    return *optCached;
+}
+
+bool IsCacheTrusted(const DEVICE_S &stDevice)
+{
+    u8 ucStatus = CACHE_NOT_TRUSTED; // unreadable counts as not to be trusted
+    const bool bRead = FRU_DB_GetFRUDataCacheStatus(stDevice.stEntry.ucDeviceID, &ucStatus) == FRU_OK;
+    return stDevice.IsDatabaseOnly() || (bRead && (ucStatus & CACHE_NOT_TRUSTED) == 0U);
+}
+
+u32 DecodeStatus(const TARGET_S &stTarget, Record &stRecord)
+{
+    ClearDiagnostics();
+    if (!stTarget.optDevice.has_value()) {
+        return DecodeImage(ReadImage(stTarget.strFile), false, stRecord);
+    }
+    const FRU_DEVICE_TBL_ENTRY_S &stEntry = stTarget.optDevice->stEntry;
+    return LIB_FRU_GetFRUData(stEntry.ucComponentType, stEntry.ucInstance, READ_PREFER_CACHE, 0U,
+                              stRecord.Data());
+}
+
+void DecodeTarget(const TARGET_S &stTarget, Record &stRecord)
+{
+    const u32 uiRet = DecodeStatus(stTarget, stRecord);
+    if (uiRet == FRU_OK) {
+        return;
+    }
+    const std::string strStatus = "cannot decode " + stTarget.Title() + ": " + StatusText(uiRet);
+    const std::string strHint = DiagnosticHint();
+    const IMAGE_LAYOUT_S stLayout = LayoutOf(ReadTarget(stTarget), stTarget.HasFixedSlots());
+    if (stLayout.vecAreas == std::vector<Area>{Area::Hardware}) {
+        Fail(stTarget.Title() + " holds no FRU image but a hardware block; 'fructl hw show' shows it");
+    }
+    for (const FINDING_S &stFinding : stLayout.vecFindings) {
+        if (!stFinding.bWarning) {
+            Fail(strStatus + "; " + FindingText(stFinding) + "; 'fructl verify' tells all");
+        }
+    }
+    Fail(strStatus + strHint);
+}

@@ -1,0 +1,19 @@
+// A whole image from texts, into the cache.
+#ifndef TOOLKIT_EDIT_ASSEMBLE_H
+#define TOOLKIT_EDIT_ASSEMBLE_H
+
+#include <vector>
+
+#include "toolkit/base/name_value.h"
+#include "toolkit/controller/device.h"
+
+// The texts that it can be made from.
+const std::vector<SETTABLE_S> &AssemblyTexts();
+
+// Fails when a text is refused, or the device. bForce: also one with an EEPROM of its own.
+void CheckAssembly(const DEVICE_S &stDevice, const std::vector<NAME_VALUE_S> &vecGiven, bool bForce);
+
+// Makes the image from checked texts. Fails when the cache does not hold it afterwards.
+void Assemble(const DEVICE_S &stDevice, const std::vector<NAME_VALUE_S> &vecGiven);
+
+#endif

@@ -1,0 +1,43 @@
+#include "toolkit/edit/hardware_label.h"
+
+#include <cstring>
+
+#include "lib_fru.h"
+#include "toolkit/base/error.h"
+#include "toolkit/base/text.h"
+#include "toolkit/controller/diagnostics.h"
+#include "toolkit/controller/hardware.h"
+#include "toolkit/controller/operate_log.h"
+#include "toolkit/edit/uninterrupted.h"
+
+namespace {
+
+constexpr const char *HARDWARE_LABEL = "Hardware FRU Label";
+
+} // namespace
+
+std::string WriteHardwareLabel(const DEVICE_S &stDevice, const HardwareLabel &aucLabel)
+{
+    FRU_SET_PARA_S stPara = {};
+    stPara.ucComponentType = stDevice.stEntry.ucComponentType;
+    stPara.ucInstance = stDevice.stEntry.ucInstance;
+    memcpy(stPara.acLabelName, HARDWARE_LABEL, strlen(HARDWARE_LABEL));
+    memcpy(stPara.acLabelValue, aucLabel.data(), aucLabel.size());
+    const Uninterrupted stUninterrupted;
+    ClearDiagnostics();
+    const u32 uiRet = LIB_FRU_WriteHWInfo(&stPara);
+    const std::string strHint = DiagnosticHint();
+    if (stPara.acOperateLog[0] != '\0') {
+        RecordOperation(uiRet == FRU_OK, stPara.acOperateLog, stPara.ucOperateLogType);
+    }
+    if (uiRet != FRU_OK) {
+        Fail("the hardware block of " + stDevice.Title() + " could not be written: " + StatusText(uiRet) +
+             strHint);
+    }
+    const HW_BLOCK_S stAfter = ReadDeviceBlock(stDevice);
+    if (stAfter.Label() != aucLabel || !stAfter.IsGood()) {
+        Fail("the library reports success, but the EEPROM of " + stDevice.Title() +
+             " does not hold what was written");
+    }
+    return stPara.acOperateLog;
+}

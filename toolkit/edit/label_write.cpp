@@ -1,0 +1,237 @@
+#include "toolkit/edit/label_write.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "lib_fru.h"
+#include "toolkit/base/error.h"
+#include "toolkit/base/file.h"
+#include "toolkit/base/text.h"
+#include "toolkit/controller/controller.h"
+#include "toolkit/controller/diagnostics.h"
+#include "toolkit/controller/operate_log.h"
+#include "toolkit/controller/serial_file.h"
+#include "toolkit/controller/source.h"
+#include "toolkit/controller/target.h"
+#include "toolkit/edit/rewrite.h"
+#include "toolkit/edit/uninterrupted.h"
+#include "toolkit/image/image.h"
+#include "toolkit/image/layout.h"
+#include "toolkit/image/record.h"
+
+namespace {
+
+constexpr i32 OPERATE_FAILED = 4;
+
+FRU_SET_PARA_S Block(const DEVICE_S &stDevice, const LABEL_REQUEST_S &stRequest)
+{
+    FRU_SET_PARA_S stPara = {};
+    stPara.ucComponentType = stDevice.stEntry.ucComponentType;
+    stPara.ucInstance = stDevice.stEntry.ucInstance;
+    stPara.ucFieldFlag = stDevice.stInfo.ucFieldFlag;
+    stPara.uiLabelID = stRequest.stLabel.uiID;
+    // Both are known to fit: the name is the catalogue's, the value has been checked.
+    memcpy(stPara.acLabelName, stRequest.stLabel.strName.data(),
+           std::min(stRequest.stLabel.strName.size(), sizeof(stPara.acLabelName) - 1U));
+    memcpy(stPara.acLabelValue, stRequest.strValue.data(),
+           std::min(stRequest.strValue.size(), sizeof(stPara.acLabelValue) - 1U));
+    stPara.uiLabelValueLen = static_cast<u32>(stRequest.strValue.size());
+    return stPara;
+}
+
+// ---- the plan ----
+
+LABEL_STEP_S PlanStep(const DEVICE_S &stDevice, const LABEL_REQUEST_S &stRequest, Record &stRecord,
+                      const std::vector<u8> &vecBytes)
+{
+    const LABEL_S &stLabel = stRequest.stLabel;
+    const RECORD_VIEW_S stView = ViewRecord(*stRecord.Data());
+    if (!LabelValue(stView, stLabel).has_value()) {
+        Fail(stDevice.Title() + " has no place for '" + stLabel.strName + "', which is " +
+             (stLabel.optSlot.has_value() ? "" : "the ") + stLabel.strField + " of the " +
+             AreaName(stLabel.enArea) + ": its image has " + WhyNoValue(stView, stLabel) +
+             "; nothing was written");
+    }
+    FRU_SET_PARA_S stPara = Block(stDevice, stRequest);
+    ClearDiagnostics();
+    // The check upper-cases a MAC address in the block, as it will in the write.
+    if (FRU_CheckElectronicLabel(&stPara) != FRU_OK ||
+        FRU_ReplaceElectronicLabel(&stPara, stRecord.Data()) != FRU_OK) {
+        Fail(stDevice.Title() + ": the library refuses '" + stLabel.strName + "'" + Cause() +
+             "; nothing was written");
+    }
+    const std::string strWhat = "the new '" + stLabel.strName + "'";
+    LABEL_STEP_S stStep = {stRequest, std::nullopt, "", EncodeAnew(stDevice, strWhat, stRecord)};
+    RequireReadable(stDevice, strWhat, stRecord, Overlay(vecBytes, stStep.vecEncoded));
+    stStep.strNew = LabelValue(ViewRecord(*stRecord.Data()), stLabel).value_or("");
+    return stStep;
+}
+
+std::vector<BYTE_RUN_S> Changes(const std::vector<u8> &vecOld, const std::vector<u8> &vecNew)
+{
+    std::vector<BYTE_RUN_S> vecRuns;
+    for (size_t i = 0; i < vecOld.size(); i++) {
+        if (vecOld[i] == vecNew[i]) {
+            continue;
+        }
+        if (vecRuns.empty() || vecRuns.back().uiOffset + vecRuns.back().vecOld.size() != i) {
+            vecRuns.push_back({static_cast<u32>(i), {}, {}});
+        }
+        vecRuns.back().vecOld.push_back(vecOld[i]);
+        vecRuns.back().vecNew.push_back(vecNew[i]);
+    }
+    return vecRuns;
+}
+
+bool IsLabelField(const std::vector<LABEL_REQUEST_S> &vecRequests, Area enArea, const std::string &strField)
+{
+    return std::any_of(vecRequests.begin(), vecRequests.end(), [&](const LABEL_REQUEST_S &stRequest) {
+        return stRequest.stLabel.enArea == enArea && stRequest.stLabel.strField == strField;
+    });
+}
+
+// ---- the write ----
+
+// What is wrong in the device after the write; empty: nothing.
+std::string WhyDeviceDiffers(const DEVICE_S &stDevice, const LABEL_STEP_S &stStep)
+{
+    try {
+        const IMAGE_S stRead = ReadTarget({stDevice, ""});
+        for (size_t i = 0; i < stStep.vecEncoded.size(); i++) {
+            if (stRead.vecBytes[i] != stStep.vecEncoded[i]) {
+                return Format(
+                    "the %s holds other bytes than were to be written, from byte 0x%04zx on (0x%02x, "
+                    "not 0x%02x)",
+                    SourceName(stRead.enSource), i, stRead.vecBytes[i], stStep.vecEncoded[i]);
+            }
+        }
+        return "";
+    } catch (const Error &stError) {
+        return stError.what();
+    }
+}
+
+void RequireCache(const DEVICE_S &stDevice, const LABEL_STEP_S &stStep, const std::string &strCause)
+{
+    const std::optional<IMAGE_S> optCached = FindSource(stDevice, Source::Cache);
+    std::vector<u8> vecExpected = stStep.vecEncoded;
+    vecExpected.resize(stDevice.stInfo.usSize);
+    if (!optCached.has_value() || optCached->vecBytes != vecExpected) {
+        Fail("the EEPROM of " + stDevice.Title() + " holds the new '" + stStep.stRequest.stLabel.strName +
+             "', but its cached image could not be renewed" + strCause);
+    }
+}
+
+// The library keeps the baseboard's product serial number in a file as well, with a copy; it tells nobody
+// when it could not.
+std::string WhySerialFilesDiffer(const LABEL_STEP_S &stStep, const std::string &strCause)
+{
+    for (const char *pcPath : {SERIAL_FILE, SERIAL_COPY}) {
+        std::string strFound;
+        std::string strWhy = strCause;
+        try {
+            const std::vector<u8> vecBytes = ReadFileBytes(RealPath(pcPath).value_or(""));
+            strFound.assign(vecBytes.begin(), vecBytes.end());
+        } catch (const Error &stError) {
+            strWhy = strWhy.empty() ? std::string(" (") + stError.what() + ")" : strWhy;
+        }
+        if (strFound != stStep.strNew) {
+            return "the device holds the new '" + stStep.stRequest.stLabel.strName + "', but its file " +
+                   pcPath + " on the controller could not be written" + strWhy;
+        }
+    }
+    return "";
+}
+
+} // namespace
+
+void CheckRequests(const DEVICE_S &stDevice, const std::vector<LABEL_REQUEST_S> &vecRequests)
+{
+    for (size_t i = 0; i < vecRequests.size(); i++) {
+        const LABEL_S &stLabel = vecRequests[i].stLabel;
+        for (size_t j = 0; j < i; j++) {
+            if (vecRequests[j].stLabel.uiID == stLabel.uiID) {
+                FailUsage("'" + stLabel.strName + "' is given twice; accepted: each label once");
+            }
+        }
+        RequireAcceptedName(stDevice, stLabel);
+        RequireAcceptedValue(stDevice, stLabel, vecRequests[i].strValue);
+    }
+}
+
+LABEL_PLAN_S PlanLabels(const DEVICE_S &stDevice, const std::vector<LABEL_REQUEST_S> &vecRequests)
+{
+    const TARGET_S stTarget = {stDevice, ""};
+    Record stBefore;
+    DecodeTarget(stTarget, stBefore); // from here on the image is known to be readable: no recovery sets in
+    const IMAGE_S stImage = ReadTarget(stTarget);
+    Record stRecord;
+    const FRU_SET_PARA_S stPara = Block(stDevice, vecRequests.front());
+    ClearDiagnostics();
+    if (FRU_GetElectronicLabel(&stPara, stRecord.Data()) != FRU_OK) {
+        Fail("cannot decode " + stDevice.Title() + Cause());
+    }
+    LABEL_PLAN_S stPlan;
+    const RECORD_VIEW_S stView = ViewRecord(*stBefore.Data());
+    for (const LABEL_REQUEST_S &stRequest : vecRequests) {
+        stPlan.vecSteps.push_back(PlanStep(stDevice, stRequest, stRecord, stImage.vecBytes));
+        stPlan.vecSteps.back().optOld = LabelValue(stView, stRequest.stLabel);
+        if (stPlan.vecSteps.back().strNew != stRequest.strValue) {
+            stPlan.vecNotes.push_back(stRequest.stLabel.strName + " will read as '" +
+                                      EscapeText(stPlan.vecSteps.back().strNew) + "'");
+        }
+        if (stRequest.strValue.size() == 1U && !stRequest.stLabel.bNumber) {
+            stPlan.vecNotes.push_back(stRequest.stLabel.strName +
+                                      " has one character, and its length byte is 0xc1, which other readers "
+                                      "may take for the end of the fields");
+        }
+    }
+    std::vector<u8> vecAfter = stImage.vecBytes;
+    for (const LABEL_STEP_S &stStep : stPlan.vecSteps) {
+        vecAfter = Overlay(vecAfter, stStep.vecEncoded);
+    }
+    stPlan.vecChanges = Changes(stImage.vecBytes, vecAfter);
+    const REWRITE_S stRewrite =
+        CompareImages(stDevice, stImage, vecAfter, [&](Area enArea, const std::string &strField) {
+            return IsLabelField(vecRequests, enArea, strField);
+        });
+    stPlan.vecNotes.insert(stPlan.vecNotes.end(), stRewrite.vecNotes.begin(), stRewrite.vecNotes.end());
+    stPlan.vecLosses = stRewrite.vecLosses;
+    return stPlan;
+}
+
+WRITTEN_S WriteStep(const DEVICE_S &stDevice, const LABEL_STEP_S &stStep, ProgressView *pstView)
+{
+    FRU_SET_PARA_S stPara = Block(stDevice, stStep.stRequest);
+    const std::string strName = stStep.stRequest.stLabel.strName;
+    const Uninterrupted stUninterrupted;
+    std::string strFailure;
+    ClearDiagnostics();
+    {
+        const WriteProgress stProgress(pstView, "writing " + stDevice.Title(), stDevice.stInfo.usStartOffset,
+                                       static_cast<u32>(stStep.vecEncoded.size()));
+        const u32 uiRet = LIB_FRU_WriteElectronicLabel(&stPara);
+        strFailure = (uiRet == FRU_OK) ? "" : StatusText(uiRet);
+    }
+    const std::string strCause = Cause();
+    if (strFailure.empty()) {
+        // The array write reports success also when a chunk of it failed.
+        strFailure = WhyDeviceDiffers(stDevice, stStep);
+    }
+    if (!strFailure.empty()) {
+        FRU_AddComOperateLog(OPERATE_FAILED, &stPara);
+        std::string strUnlogged;
+        try {
+            RecordOperation(false, stPara.acOperateLog, stPara.ucOperateLogType);
+        } catch (const Error &stError) {
+            strUnlogged = std::string("; ") + stError.what();
+        }
+        Fail("'" + strName + "' of " + stDevice.Title() + " could not be written: " + strFailure + strCause +
+             strUnlogged);
+    }
+    RecordOperation(true, stPara.acOperateLog, stPara.ucOperateLogType);
+    RequireCache(stDevice, stStep, strCause);
+    const bool bSerialFiles = stDevice.stEntry.ucComponentType == 0U &&
+                              stStep.stRequest.stLabel.uiID == LABEL_PRODUCT_SERIAL_NUMBER;
+    return {stPara.acOperateLog, bSerialFiles ? WhySerialFilesDiffer(stStep, strCause) : ""};
+}

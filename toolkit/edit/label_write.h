@@ -1,0 +1,61 @@
+// Writing labels: first a plan, which touches nothing, then the library's own write of each label with a
+// check of what is in the device afterwards.
+#ifndef TOOLKIT_EDIT_LABEL_WRITE_H
+#define TOOLKIT_EDIT_LABEL_WRITE_H
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "lib_fru_types.h"
+#include "toolkit/controller/device.h"
+#include "toolkit/edit/labels.h"
+#include "toolkit/edit/progress.h"
+
+struct LABEL_REQUEST_S
+{
+    LABEL_S stLabel;
+    std::string strValue;
+};
+
+// One label's write.
+struct LABEL_STEP_S
+{
+    LABEL_REQUEST_S stRequest;
+    std::optional<std::string> optOld; // raw; nothing: the image has no such field yet
+    std::string strNew;                // raw, as it will be read
+    std::vector<u8> vecEncoded;        // the image that the library writes from the FRU's start on
+};
+
+struct BYTE_RUN_S
+{
+    u32 uiOffset; // in the FRU
+    std::vector<u8> vecOld;
+    std::vector<u8> vecNew;
+};
+
+struct LABEL_PLAN_S
+{
+    std::vector<LABEL_STEP_S> vecSteps;
+    std::vector<BYTE_RUN_S> vecChanges; // from the device's bytes now to those after the last step
+    std::vector<std::string> vecNotes;  // what changes beside the labels, harmless
+    std::vector<std::string> vecLosses; // what would be lost beside the labels
+};
+
+// Fails when a name or a value is refused, or a label is given twice. Touches nothing.
+void CheckRequests(const DEVICE_S &stDevice, const std::vector<LABEL_REQUEST_S> &vecRequests);
+
+// Reads the device and works out every step for checked requests. Fails when a step would.
+LABEL_PLAN_S PlanLabels(const DEVICE_S &stDevice, const std::vector<LABEL_REQUEST_S> &vecRequests);
+
+struct WRITTEN_S
+{
+    std::string strSentence;  // the operation log's
+    std::string strAftermath; // not empty: the device holds the label, but something beside it failed
+};
+
+// Writes one step and records it in the operation log. Fails when the device or its cached image does not
+// hold the planned image afterwards.
+WRITTEN_S WriteStep(const DEVICE_S &stDevice, const LABEL_STEP_S &stStep, ProgressView *pstView);
+
+#endif

@@ -1,0 +1,357 @@
+#include "toolkit/edit/labels.h"
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+
+#include "lib_fru.h"
+#include "toolkit/base/error.h"
+#include "toolkit/base/text.h"
+#include "toolkit/controller/diagnostics.h"
+#include "toolkit/image/names.h"
+
+namespace {
+
+constexpr u32 NOT_FOUND = 36U;
+constexpr u32 LABEL_MAC_ADDRESS = 5U;
+constexpr size_t NEAR_NAMES = 3U;
+
+// Where a label's field is, by label ID; and what its values are, where that is not any text.
+struct PLACE_S
+{
+    u32 uiID;
+    Area enArea;
+    const char *pcField; // null: a custom field
+    u32 uiSlot;
+    const char *pcAccepts;
+};
+
+constexpr const char *TEXT = "text";
+constexpr const char *CUSTOM_TEXT = "text, but not one character";
+
+constexpr PLACE_S g_astPlaces[] = {
+    {1, Area::Chassis, "chassis type", 0, "name of a chassis type"},
+    {2, Area::Chassis, "part number", 0, TEXT},
+    {3, Area::Chassis, "serial number", 0, TEXT},
+    {4, Area::Chassis, nullptr, 0, CUSTOM_TEXT},
+    {5, Area::Chassis, nullptr, 1, "12 hexadecimal digits"},
+    {6, Area::Chassis, nullptr, 2, CUSTOM_TEXT},
+    {7, Area::Chassis, nullptr, 3, CUSTOM_TEXT},
+    {8, Area::Chassis, nullptr, 4, CUSTOM_TEXT},
+    {9, Area::Board, "language", 0, "number, 0 to 136"},
+    {10, Area::Board, "manufacturing date", 0, "date, or date and time"},
+    {11, Area::Board, "manufacturer", 0, TEXT},
+    {12, Area::Board, "product name", 0, TEXT},
+    {13, Area::Board, "serial number", 0, TEXT},
+    {14, Area::Board, "part number", 0, TEXT},
+    {15, Area::Board, "FRU file ID", 0, TEXT},
+    {16, Area::Board, nullptr, 0, CUSTOM_TEXT},
+    {17, Area::Product, "language", 0, "number, 0 to 136"},
+    {18, Area::Product, "manufacturer", 0, TEXT},
+    {19, Area::Product, "product name", 0, TEXT},
+    {20, Area::Product, "serial number", 0, TEXT},
+    {21, Area::Product, "part number", 0, TEXT},
+    {22, Area::Product, "version", 0, TEXT},
+    {23, Area::Product, "asset tag", 0, TEXT},
+    {24, Area::Product, "FRU file ID", 0, TEXT},
+    {25, Area::Product, nullptr, 0, CUSTOM_TEXT},
+    {26, Area::Product, nullptr, 1, CUSTOM_TEXT},
+    {27, Area::Product, nullptr, 2, CUSTOM_TEXT},
+    {28, Area::Product, nullptr, 3, CUSTOM_TEXT},
+};
+
+LABEL_S MakeLabel(const DIAG_FRU_LABEL_S &stRow)
+{
+    LABEL_S stLabel = {stRow.uiLabelID,
+                       stRow.pcLabelName,
+                       stRow.uiMinLen,
+                       stRow.uiMaxLen,
+                       stRow.ucNoneAllowed == 1U,
+                       Area::Unused,
+                       "",
+                       std::nullopt,
+                       false,
+                       "bytes of the hardware FRU block",
+                       std::nullopt};
+    for (const PLACE_S &stPlace : g_astPlaces) {
+        if (stPlace.uiID == stLabel.uiID) {
+            stLabel.enArea = stPlace.enArea;
+            stLabel.strField = stPlace.pcField != nullptr ? std::string(stPlace.pcField)
+                                                          : Format("custom field %u", stPlace.uiSlot + 1U);
+            if (stPlace.pcField == nullptr) {
+                stLabel.optSlot = stPlace.uiSlot;
+            }
+            stLabel.bNumber = stLabel.strField == "language";
+            stLabel.pcAccepts = stPlace.pcAccepts;
+        }
+    }
+    const u32 uiPsuField = FRU_GetPsuFieldIDByName(stLabel.strName.c_str());
+    if (uiPsuField != NOT_FOUND) {
+        stLabel.optPsuField = uiPsuField;
+    }
+    return stLabel;
+}
+
+std::string Lower(std::string strText)
+{
+    for (char &cChar : strText) {
+        cChar = (cChar >= 'A' && cChar <= 'Z') ? static_cast<char>(cChar - 'A' + 'a') : cChar;
+    }
+    return strText;
+}
+
+// Changes of one character that make the one text of the other.
+size_t Distance(const std::string &strLeft, const std::string &strRight)
+{
+    std::vector<size_t> vecRow(strRight.size() + 1U);
+    for (size_t j = 0; j < vecRow.size(); j++) {
+        vecRow[j] = j;
+    }
+    for (size_t i = 0; i < strLeft.size(); i++) {
+        size_t uiDiagonal = vecRow[0];
+        vecRow[0] = i + 1U;
+        for (size_t j = 0; j < strRight.size(); j++) {
+            const size_t uiChange = uiDiagonal + (strLeft[i] == strRight[j] ? 0U : 1U);
+            uiDiagonal = vecRow[j + 1U];
+            vecRow[j + 1U] = std::min({uiChange, vecRow[j] + 1U, vecRow[j + 1U] + 1U});
+        }
+    }
+    return vecRow.back();
+}
+
+// Those of the names that the text may have meant, the nearest first.
+std::vector<std::string> NearNames(const std::string &strText, const std::vector<std::string> &vecNames)
+{
+    const std::string strLower = Lower(strText);
+    std::vector<std::pair<size_t, std::string>> vecNear;
+    for (const std::string &strName : vecNames) {
+        const size_t uiDistance = Distance(strLower, Lower(strName));
+        const bool bPart = strText.size() >= 3U && Lower(strName).find(strLower) != std::string::npos;
+        if (uiDistance <= std::max<size_t>(2U, strName.size() / 4U)) {
+            vecNear.emplace_back(uiDistance, strName);
+        } else if (bPart) {
+            vecNear.emplace_back(100U + strName.size(), strName);
+        }
+    }
+    std::stable_sort(vecNear.begin(), vecNear.end(),
+                     [](const auto &stLeft, const auto &stRight) { return stLeft.first < stRight.first; });
+    std::vector<std::string> vecOut;
+    for (size_t i = 0; i < vecNear.size() && i < NEAR_NAMES; i++) {
+        vecOut.push_back("'" + vecNear[i].second + "'");
+    }
+    return vecOut;
+}
+
+FRU_SET_PARA_S NameBlock(const DEVICE_S &stDevice, const LABEL_S &stLabel)
+{
+    FRU_SET_PARA_S stPara = {};
+    stPara.ucComponentType = stDevice.stEntry.ucComponentType;
+    stPara.ucInstance = stDevice.stEntry.ucInstance;
+    stPara.ucFieldFlag = stDevice.stInfo.ucFieldFlag;
+    memcpy(stPara.acLabelName, stLabel.strName.data(),
+           std::min(stLabel.strName.size(), sizeof(stPara.acLabelName) - 1U));
+    return stPara;
+}
+
+std::string AcceptedNames(const DEVICE_S &stDevice)
+{
+    std::vector<std::string> vecNames;
+    for (const LABEL_S &stLabel : Labels()) {
+        if (IsAccepted(stDevice, stLabel) && stLabel.IsStored()) {
+            vecNames.push_back(stLabel.strName);
+        }
+    }
+    return vecNames.empty() ? "none" : Join(vecNames, ", ");
+}
+
+bool IsDigits(const std::string &strText)
+{
+    return strText.find_first_not_of("0123456789") == std::string::npos;
+}
+
+// What a label takes, behind "accepted: ".
+std::string AcceptedValues(const LABEL_S &stLabel, u8 ucComponentType)
+{
+    const std::string strNone = stLabel.bNoneAllowed ? ", or NONE" : "";
+    if (stLabel.uiID == LABEL_MAC_ADDRESS) {
+        return "12 hexadecimal digits without separators, such as 02005E1000A0" + strNone;
+    }
+    if (stLabel.strField == "chassis type") {
+        return Join(ChassisTypeNames(), ", ");
+    }
+    if (stLabel.strField == "manufacturing date") {
+        return "2024-03-18 or 2024-03-18 09:30:00, wholly with leading zeros or wholly without (2024-3-18 "
+               "9:30:0), up to the year 2025";
+    }
+    if (stLabel.bNumber) {
+        return "0 to 136, in decimal digits";
+    }
+    const u32 uiMax = MaxLength(stLabel, ucComponentType);
+    return (stLabel.uiMinLen == 0U ? Format("up to %u", uiMax)
+                                   : Format("%u to %u", stLabel.uiMinLen, uiMax)) +
+           " printable ASCII characters" + strNone;
+}
+
+// What the value is refused for, in the order in which the library checks; empty when nothing of what is
+// known. It is asked only about values that the library refuses.
+std::string WhyRefused(const LABEL_S &stLabel, const std::string &strValue, u8 ucComponentType,
+                       const std::vector<std::string> &vecSaid)
+{
+    if (strValue.size() < stLabel.uiMinLen || strValue.size() > MaxLength(stLabel, ucComponentType)) {
+        return "it has " + Count(strValue.size(), "character");
+    }
+    // Some labels may be blank; the library has said whether this one's blanks were the reason.
+    if (std::find(vecSaid.begin(), vecSaid.end(), "Label Value is null.") != vecSaid.end()) {
+        return "it is blank";
+    }
+    if (strValue.size() == 1U && stLabel.optSlot.has_value()) {
+        return "a custom field of one character would begin with 0xc1, the mark that ends the fields";
+    }
+    if (strValue.compare(0, 4U, "NONE") == 0 && !stLabel.bNoneAllowed) {
+        return "it begins with NONE, which stands for an absent value, and this label always has one";
+    }
+    if (stLabel.uiID == LABEL_MAC_ADDRESS) {
+        return "it is no MAC address";
+    }
+    if (stLabel.strField == "chassis type") {
+        const std::vector<std::string> vecNear = NearNames(strValue, ChassisTypeNames());
+        return "it is no chassis type" +
+               (vecNear.empty() ? "" : "; did you mean " + Join(vecNear, " or ") + "?");
+    }
+    if (stLabel.strField == "manufacturing date") {
+        return "it is no date up to the year 2025";
+    }
+    if (stLabel.bNumber) {
+        return IsDigits(strValue) ? "it is too large" : "it is no number";
+    }
+    for (size_t i = 0; i < strValue.size(); i++) {
+        const u8 ucByte = static_cast<u8>(strValue[i]);
+        if (ucByte < 0x20U || ucByte > 0x7EU) {
+            return Format("its byte %zu is 0x%02x", i + 1U, ucByte);
+        }
+    }
+    return "the library refuses it (" + Join(vecSaid, " | ") + ")";
+}
+
+const AREA_VIEW_S *FindArea(const RECORD_VIEW_S &stView, Area enArea)
+{
+    for (const AREA_VIEW_S &stArea : stView.vecAreas) {
+        if (stArea.enArea == enArea) {
+            return &stArea;
+        }
+    }
+    return nullptr;
+}
+
+} // namespace
+
+const std::vector<LABEL_S> &Labels()
+{
+    static const std::vector<LABEL_S> vecLabels = [] {
+        std::vector<LABEL_S> vecRows;
+        for (u32 i = 0; i < g_uiDIAG_FruLabelMaxNum; i++) {
+            const DIAG_FRU_LABEL_S stRow = g_astDIAG_FruLabel[i];
+            // The first row of a name is the one that the name stands for.
+            if (FindLabelIDByName(stRow.pcLabelName) == stRow.uiLabelID) {
+                vecRows.push_back(MakeLabel(stRow));
+            }
+        }
+        return vecRows;
+    }();
+    return vecLabels;
+}
+
+const LABEL_S &FindLabel(const std::string &strName)
+{
+    const u32 uiID = FindLabelIDByName(strName.c_str());
+    std::vector<std::string> vecNames;
+    for (const LABEL_S &stLabel : Labels()) {
+        if (stLabel.uiID == uiID) {
+            return stLabel;
+        }
+        vecNames.push_back(stLabel.strName);
+    }
+    const std::vector<std::string> vecNear = NearNames(strName, vecNames);
+    Fail("there is no label '" + EscapeText(strName) + "'" +
+         (vecNear.empty() ? "" : "; did you mean " + Join(vecNear, " or ") + "?") +
+         "; 'fructl label list' tells all names");
+}
+
+bool IsAccepted(const DEVICE_S &stDevice, const LABEL_S &stLabel)
+{
+    const FRU_SET_PARA_S stPara = NameBlock(stDevice, stLabel);
+    return isLabelNameValid(&stPara) == 1U;
+}
+
+u32 MaxLength(const LABEL_S &stLabel, u8 ucComponentType)
+{
+    // On component type 0 part numbers of chassis and product have the format's whole length.
+    constexpr u32 uiPartNumberMax = 63U;
+    const bool bPartNumber = stLabel.uiID == 2U || stLabel.uiID == 21U;
+    return ucComponentType == 0U && bPartNumber ? uiPartNumberMax : stLabel.uiMaxLen;
+}
+
+void RequireAcceptedName(const DEVICE_S &stDevice, const LABEL_S &stLabel)
+{
+    if (!IsAccepted(stDevice, stLabel)) {
+        Fail(stDevice.Title() + " does not take the label '" + stLabel.strName + "' (its field flag is " +
+             Format("%u", stDevice.stInfo.ucFieldFlag) + "); accepted: " + AcceptedNames(stDevice));
+    }
+    if (!stLabel.IsStored()) {
+        Fail("the label '" + stLabel.strName +
+             "' is kept in the hardware FRU block and not in the FRU image, where 'label' would store "
+             "nothing; 'fructl hw set' writes it; accepted: " +
+             AcceptedNames(stDevice));
+    }
+}
+
+void RequireAcceptedValue(const DEVICE_S &stDevice, const LABEL_S &stLabel, const std::string &strValue)
+{
+    constexpr size_t uiBlock = sizeof(FRU_SET_PARA_S::acLabelValue);
+    const u8 ucType = stDevice.stEntry.ucComponentType;
+    const std::string strWhat = "'" + EscapeText(strValue) + "' is refused for '" + stLabel.strName + "': ";
+    const std::string strAccepted = "; accepted: " + AcceptedValues(stLabel, ucType);
+    if (strValue.size() >= uiBlock) {
+        Fail(strWhat + Format("it has %zu bytes, and a request holds %zu", strValue.size(), uiBlock - 1U) +
+             strAccepted);
+    }
+    std::array<char, uiBlock> acValue = {};
+    memcpy(acValue.data(), strValue.data(), strValue.size());
+    ClearDiagnostics();
+    if (isLabelValueValid(stLabel.strName.c_str(), acValue.data(), static_cast<i32>(strValue.size()),
+                          ucType) != 1U) {
+        Fail(strWhat + WhyRefused(stLabel, strValue, ucType, TakeDiagnostics()) + strAccepted);
+    }
+}
+
+std::optional<std::string> LabelValue(const RECORD_VIEW_S &stView, const LABEL_S &stLabel)
+{
+    const AREA_VIEW_S *pstArea = FindArea(stView, stLabel.enArea);
+    if (pstArea == nullptr) {
+        return std::nullopt;
+    }
+    if (stLabel.optSlot.has_value()) {
+        return *stLabel.optSlot < pstArea->vecCustomFields.size()
+                   ? std::optional<std::string>(pstArea->vecCustomFields[*stLabel.optSlot])
+                   : std::nullopt;
+    }
+    for (const FIELD_VIEW_S &stField : pstArea->vecFields) {
+        if (stField.strName == stLabel.strField) {
+            return stLabel.bNumber ? Format("%u", stField.uiNumber) : stField.strText;
+        }
+    }
+    return std::nullopt;
+}
+
+std::string WhyNoValue(const RECORD_VIEW_S &stView, const LABEL_S &stLabel)
+{
+    if (!stLabel.IsStored()) {
+        return "not in the FRU image";
+    }
+    const AREA_VIEW_S *pstArea = FindArea(stView, stLabel.enArea);
+    if (pstArea == nullptr) {
+        return std::string("no ") + AreaName(stLabel.enArea);
+    }
+    const size_t uiCount = pstArea->vecCustomFields.size();
+    return uiCount == 0U ? "no custom fields there" : "only " + Count(uiCount, "custom field") + " there";
+}

@@ -1,0 +1,226 @@
+#include "toolkit/edit/multirecord_add.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+#include <new>
+#include <numeric>
+
+#include "lib_fru.h"
+#include "toolkit/base/error.h"
+#include "toolkit/base/text.h"
+#include "toolkit/controller/diagnostics.h"
+#include "toolkit/controller/source.h"
+#include "toolkit/controller/target.h"
+#include "toolkit/edit/uninterrupted.h"
+#include "toolkit/image/image.h"
+#include "toolkit/image/layout.h"
+#include "toolkit/image/multirecord.h"
+#include "toolkit/image/record.h"
+
+namespace {
+
+constexpr size_t VALUE_MAX = 254U; // the length byte counts the sub-type too
+constexpr u8 MR_FORMAT = 0x02U;
+constexpr u8 MR_END_OF_LIST = 0x80U;
+
+bool HoldsSubType(const FRU_MULTIRECORD_S &stRecord, u8 ucSubType)
+{
+    return stRecord.ucRecordTypeID == MR_MANAGEMENT_ACCESS && stRecord.ucRecordLength != 0U &&
+           stRecord.pucRecordData[0] == ucSubType;
+}
+
+// The entry with that sub-record type, else the first free one; null: neither.
+FRU_MULTIRECORD_S *FindEntry(FRU_DATA_S *pstData, u8 ucSubType)
+{
+    for (FRU_MULTIRECORD_S &stRecord : pstData->astMultiRecord) {
+        if (stRecord.pucRecordData == nullptr || HoldsSubType(stRecord, ucSubType)) {
+            return &stRecord;
+        }
+    }
+    return nullptr;
+}
+
+u8 ZeroSum(const u8 *pucBytes, size_t uiLength)
+{
+    return static_cast<u8>(0U - std::accumulate(pucBytes, pucBytes + uiLength, 0U));
+}
+
+void Put(FRU_MULTIRECORD_S *pstEntry, const WANTED_RECORD_S &stWanted)
+{
+    u8 *pucData = static_cast<u8 *>(malloc(stWanted.vecData.size()));
+    if (pucData == nullptr) {
+        throw std::bad_alloc();
+    }
+    memcpy(pucData, stWanted.vecData.data(), stWanted.vecData.size());
+    free(pstEntry->pucRecordData);
+    *pstEntry = {MR_MANAGEMENT_ACCESS,
+                 MR_FORMAT,
+                 static_cast<u8>(stWanted.vecData.size()),
+                 ZeroSum(pucData, stWanted.vecData.size()),
+                 0U,
+                 pucData};
+}
+
+// The last record says that it is the last, no other does.
+void RenewMarks(FRU_DATA_S *pstData)
+{
+    constexpr size_t uiSummed = FRU_MULTIRECORD_HEADER_LEN - 1U;
+    for (size_t i = 0; i < FRU_MULTIRECORD_MAX && pstData->astMultiRecord[i].pucRecordData != nullptr; i++) {
+        FRU_MULTIRECORD_S &stRecord = pstData->astMultiRecord[i];
+        const bool bLast =
+            i + 1U == FRU_MULTIRECORD_MAX || pstData->astMultiRecord[i + 1U].pucRecordData == nullptr;
+        stRecord.ucRecordFormat = static_cast<u8>(bLast ? stRecord.ucRecordFormat | MR_END_OF_LIST
+                                                        : stRecord.ucRecordFormat & ~MR_END_OF_LIST);
+        stRecord.ucHeaderChecksum = ZeroSum(reinterpret_cast<const u8 *>(&stRecord), uiSummed);
+    }
+    pstData->stCommonHeader.ucMultiRecordAreaStartOffset = 1U; // present; the encoder lays it out
+}
+
+// What the library's merge will refuse, or do to records that cannot be read, is told before it begins.
+void CheckList(const DEVICE_S &stDevice, const FRU_DATA_S &stData)
+{
+    const bool bArea = stData.stCommonHeader.ucMultiRecordAreaStartOffset != 0U;
+    const std::string strMore = "; 'fructl mr check' and 'fructl verify' tell more";
+    if (bArea && stData.astMultiRecord[0].pucRecordData == nullptr) {
+        Fail("the MultiRecord area of " + stDevice.Title() +
+             " is damaged: no record of it can be read, and adding one would drop them all" + strMore);
+    }
+    u32 uiCount = 0;
+    ClearDiagnostics();
+    const u32 uiRet = FRU_checkAllMultiRecords(reinterpret_cast<const u8 *>(stData.astMultiRecord),
+                                               FRU_MR_CHECK_MEMORY, &uiCount);
+    if (bArea && uiRet != FRU_OK) {
+        Fail("the MultiRecords of " + stDevice.Title() + " are not in order, so none can be added" +
+             DiagnosticHint() + strMore);
+    }
+}
+
+// Where the record goes, and what becomes of what is there.
+FRU_MULTIRECORD_S *Place(const DEVICE_S &stDevice, FRU_DATA_S *pstData, WANTED_RECORD_S &stWanted)
+{
+    FRU_MULTIRECORD_S *pstEntry = FindEntry(pstData, stWanted.ucSubType);
+    if (pstEntry == nullptr) {
+        Fail(stDevice.Title() +
+             Format(" holds %u MultiRecords already, and none is a ", FRU_MULTIRECORD_MAX) +
+             stWanted.Row().pcTitle + "; there is no place for more");
+    }
+    const u8 *pucOld = pstEntry->pucRecordData;
+    if (pucOld != nullptr) {
+        stWanted.vecOld.assign(pucOld, pucOld + pstEntry->ucRecordLength);
+        stWanted.enAction = stWanted.vecOld == stWanted.vecData ? RecordAction::Keep : RecordAction::Replace;
+    }
+    return pstEntry;
+}
+
+// The library's result does not tell of an EEPROM that took no bytes: only what is read back counts.
+void CheckWritten(const DEVICE_S &stDevice, const RECORD_PLAN_S &stPlan, const std::string &strCause)
+{
+    const auto fnHolds = [&](const IMAGE_S &stImage) {
+        return std::equal(stPlan.vecEncoded.begin(), stPlan.vecEncoded.end(), stImage.vecBytes.begin());
+    };
+    if (!fnHolds(ReadTarget({stDevice, ""}))) {
+        Fail("the library reports success, but " + stDevice.Title() + " does not hold the new records" +
+             strCause +
+             "; 'fructl mr check' and 'fructl verify' tell "
+             "what it holds");
+    }
+    const std::optional<IMAGE_S> optCached = FindSource(stDevice, Source::Cache);
+    if (!stPlan.vecEncoded.empty() && (!optCached.has_value() || !fnHolds(*optCached))) {
+        Fail(stDevice.Title() + " holds the new records, but its cached image could not be renewed" +
+             strCause);
+    }
+}
+
+} // namespace
+
+const std::vector<SETTABLE_S> &AccessRecords()
+{
+    static const std::vector<SETTABLE_S> vecRecords = {
+        {"system-url", "System URL"},
+        {"system-name", "System Name"},
+        {"system-ping-address", "System Ping Address"},
+        {"component-url", "Component URL"},
+        {"component-name", "Component Name"},
+        {"component-ping-address", "Component Ping Address"},
+        {"system-guid", "System Unique ID"},
+    };
+    return vecRecords;
+}
+
+WANTED_RECORD_S WantedRecord(const NAME_VALUE_S &stGiven)
+{
+    WANTED_RECORD_S stWanted = {static_cast<u8>(stGiven.uiIndex + 1U), {}, {}, RecordAction::Add, {}};
+    stWanted.vecData.push_back(stWanted.ucSubType);
+    if (stWanted.ucSubType == MR_SUBTYPE_GUID) {
+        const GuidBytes aucGiven = ParseGuid(stGiven.strValue);
+        GuidBytes aucStored = {};
+        FRU_ConvertGUIDToStandardOrder(aucGiven.data(), aucStored.data());
+        stWanted.vecValue.assign(aucGiven.begin(), aucGiven.end());
+        stWanted.vecData.insert(stWanted.vecData.end(), aucStored.begin(), aucStored.end());
+        return stWanted;
+    }
+    const std::string &strValue = stGiven.strValue;
+    const bool bPrintable = std::all_of(strValue.begin(), strValue.end(), [](char cChar) {
+        return (static_cast<u8>(cChar) & 0x7FU) >= 0x20U && cChar != 0x7F;
+    });
+    if (strValue.empty() || strValue.size() > VALUE_MAX || !bPrintable) {
+        FailUsage(std::string("the value of ") + stWanted.Row().pcName +
+                  Format(" (%zu characters) is refused; accepted: 1 to %zu printable characters, as the "
+                         "record's length byte holds no more",
+                         strValue.size(), VALUE_MAX));
+    }
+    stWanted.vecValue.assign(strValue.begin(), strValue.end());
+    stWanted.vecData.insert(stWanted.vecData.end(), stWanted.vecValue.begin(), stWanted.vecValue.end());
+    return stWanted;
+}
+
+RECORD_PLAN_S PlanAccessRecords(const DEVICE_S &stDevice, const std::vector<WANTED_RECORD_S> &vecWanted)
+{
+    RECORD_PLAN_S stPlan = {vecWanted, {}, {}};
+    const TARGET_S stTarget = {stDevice, ""};
+    Record stRecord;
+    DecodeTarget(stTarget, stRecord);
+    CheckList(stDevice, *stRecord.Data());
+    const IMAGE_S stImage = ReadTarget(stTarget);
+    std::vector<u8> vecAfter = stImage.vecBytes;
+    for (WANTED_RECORD_S &stWanted : stPlan.vecWanted) {
+        FRU_MULTIRECORD_S *pstEntry = Place(stDevice, stRecord.Data(), stWanted);
+        if (stWanted.enAction == RecordAction::Keep) {
+            continue;
+        }
+        const std::string strWhat = std::string("the new ") + stWanted.Row().pcTitle;
+        Put(pstEntry, stWanted);
+        RenewMarks(stRecord.Data());
+        stPlan.vecEncoded = EncodeAnew(stDevice, strWhat, stRecord);
+        vecAfter = Overlay(vecAfter, stPlan.vecEncoded);
+        RequireReadable(stDevice, strWhat, stRecord, vecAfter);
+    }
+    if (!stPlan.vecEncoded.empty()) {
+        stPlan.stRewrite =
+            CompareImages(stDevice, stImage, vecAfter, [](Area enArea, const std::string & /*strField*/) {
+                return enArea == Area::MultiRecord;
+            });
+    }
+    return stPlan;
+}
+
+// Every update is a merge and a device write of its own: no call queues a record without merging it.
+void WriteAccessRecords(const DEVICE_S &stDevice, RECORD_PLAN_S &stPlan, ProgressView *pstView)
+{
+    const Uninterrupted stUninterrupted;
+    const WriteProgress stProgress(pstView, "writing " + stDevice.Title());
+    ClearDiagnostics();
+    std::vector<std::string> vecDone;
+    for (WANTED_RECORD_S &stWanted : stPlan.vecWanted) {
+        const FRU_MR_PARAM_S stParam = {MR_MANAGEMENT_ACCESS, stWanted.ucSubType,
+                                        static_cast<u32>(stWanted.vecValue.size()), stWanted.vecValue.data()};
+        const u32 uiRet = FRU_innerUpdateMultiRecord(&stParam);
+        if (uiRet != FRU_OK) {
+            Fail(std::string(stWanted.Row().pcName) + " could not be written: " + MultiRecordStatus(uiRet) +
+                 Cause() + (vecDone.empty() ? "" : "; written before it: " + Join(vecDone, ", ")));
+        }
+        vecDone.emplace_back(stWanted.Row().pcName);
+    }
+    CheckWritten(stDevice, stPlan, Cause());
+}

@@ -1,0 +1,116 @@
+#include "toolkit/edit/recover.h"
+
+#include <sys/stat.h>
+
+#include "lib_fru.h"
+#include "toolkit/base/error.h"
+#include "toolkit/base/text.h"
+#include "toolkit/controller/controller.h"
+#include "toolkit/controller/diagnostics.h"
+#include "toolkit/controller/source.h"
+#include "toolkit/image/image.h"
+#include "toolkit/image/layout.h"
+#include "toolkit/image/record.h"
+
+namespace {
+
+constexpr u8 READ_WITH_RECOVERY = 2U;
+constexpr u8 CACHE_NOT_TRUSTED = 1U;
+
+// Sends reads to the EEPROM for as long as it lives: a good cached image would hide a damaged EEPROM.
+class CacheBypass
+{
+  public:
+    explicit CacheBypass(u8 ucDeviceID) : m_ucDeviceID(ucDeviceID)
+    {
+        m_bKnown = FRU_DB_GetFRUDataCacheStatus(ucDeviceID, &m_ucStatus) == FRU_OK;
+        if (m_bKnown && (m_ucStatus & CACHE_NOT_TRUSTED) == 0U) {
+            const u32 uiRet = FRU_DB_PutFRUDataCacheStatus(ucDeviceID, m_ucStatus | CACHE_NOT_TRUSTED);
+            if (uiRet != FRU_OK) {
+                Fail("the cache status cannot be written: " + StatusText(uiRet));
+            }
+        }
+    }
+    ~CacheBypass()
+    {
+        if (m_bKnown && (m_ucStatus & CACHE_NOT_TRUSTED) == 0U) {
+            // Should this fail, reads keep going to the EEPROM, which is safe.
+            (void)FRU_DB_PutFRUDataCacheStatus(m_ucDeviceID, m_ucStatus);
+        }
+    }
+    CacheBypass(const CacheBypass &) = delete;
+    CacheBypass &operator=(const CacheBypass &) = delete;
+
+  private:
+    const u8 m_ucDeviceID;
+    u8 m_ucStatus = CACHE_NOT_TRUSTED;
+    bool m_bKnown;
+};
+
+bool HasValidHeader(const std::vector<u8> &vecBytes)
+{
+    return vecBytes.size() >= FRU_COMMON_HEADER_LEN &&
+           FRU_ANALYZER_CheckValidHeader(vecBytes.data()) == FRU_OK;
+}
+
+// Why the stored image could not help, in the order in which the recovery meets the reasons.
+std::string WhyNot(const DEVICE_S &stDevice, const std::vector<std::string> &vecSaid)
+{
+    const std::string strPath = stDevice.ImagePath();
+    if (strPath.empty()) {
+        return "no stored image is named in its record";
+    }
+    const std::string strReal = RealPath(strPath).value_or("");
+    struct stat stStat = {};
+    if (strReal.empty() || stat(strReal.c_str(), &stStat) != 0) {
+        return "its stored image " + EscapeText(strPath) + " is missing (looked for as " + strReal + ")";
+    }
+    if (stStat.st_size == 0) {
+        return "its stored image " + EscapeText(strPath) + " is empty";
+    }
+    std::string strWhy = "its stored image " + EscapeText(strPath) + " did not help";
+    return vecSaid.empty() ? strWhy : strWhy + " (the library says: " + Join(vecSaid, " | ") + ")";
+}
+
+} // namespace
+
+Recovery Recover(const DEVICE_S &stDevice)
+{
+    const IMAGE_S stBefore = ReadTarget({stDevice, ""});
+    const bool bWasValid = HasValidHeader(stBefore.vecBytes);
+    Record stRecord;
+    u32 uiRet = FRU_OK;
+    {
+        const CacheBypass stBypass(stDevice.stEntry.ucDeviceID);
+        ClearDiagnostics();
+        uiRet = LIB_FRU_GetFRUData(stDevice.stEntry.ucComponentType, stDevice.stEntry.ucInstance,
+                                   READ_WITH_RECOVERY, 0U, stRecord.Data());
+    }
+    const std::vector<std::string> vecSaid = TakeDiagnostics();
+    const std::string strStatus = uiRet == FRU_OK ? "" : StatusText(uiRet);
+    const std::string strCannot = stDevice.Title() + " could not be restored: ";
+    const IMAGE_S stAfter = ReadTarget({stDevice, ""});
+    if (bWasValid && uiRet != FRU_OK) {
+        const IMAGE_LAYOUT_S stLayout = LayoutOf(stAfter, stDevice.HasFixedSlots());
+        const std::string strFirst =
+            stLayout.vecFindings.empty() ? strStatus : FindingText(stLayout.vecFindings.front());
+        Fail(stDevice.Title() +
+             " is damaged but was not restored: the stored image is used only when the common header is "
+             "invalid, and this one is valid; " +
+             strFirst);
+    }
+    if (uiRet == FRU_OK && bWasValid) {
+        return Recovery::Fine;
+    }
+    if (uiRet == FRU_OK) {
+        return Recovery::Restored;
+    }
+    if (HasValidHeader(stAfter.vecBytes)) {
+        Fail(stDevice.Title() + " was restored from " + EscapeText(stDevice.ImagePath()) +
+             ", but that image is itself damaged: " + strStatus);
+    }
+    if (stDevice.IsDatabaseOnly()) {
+        Fail(strCannot + "it is served from the cache only; " + strStatus);
+    }
+    Fail(strCannot + WhyNot(stDevice, vecSaid) + "; " + strStatus);
+}

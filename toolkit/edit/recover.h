@@ -1,0 +1,16 @@
+// Restoring a device whose image has a damaged header from its stored image.
+#ifndef TOOLKIT_EDIT_RECOVER_H
+#define TOOLKIT_EDIT_RECOVER_H
+
+#include "toolkit/controller/device.h"
+
+enum class Recovery
+{
+    Fine, // nothing was written
+    Restored
+};
+
+// Fails when the device is not in order afterwards, and says why.
+Recovery Recover(const DEVICE_S &stDevice);
+
+#endif

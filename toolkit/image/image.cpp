@@ -1,0 +1,56 @@
+#include "toolkit/image/image.h"
+
+#include "toolkit/base/error.h"
+#include "toolkit/base/text.h"
+#include "toolkit/image/image_file.h"
+
+namespace {
+
+constexpr size_t FILE_PADDING = 8U;
+
+// Up to the end of the last area, when the image is sound; else all.
+size_t UsedBytes(const IMAGE_S &stImage, bool bFixedSlots)
+{
+    const IMAGE_LAYOUT_S stLayout = LayoutOf(stImage, bFixedSlots);
+    size_t uiEnd = 0;
+    for (const SPAN_S &stSpan : stLayout.vecSpans) {
+        uiEnd = stSpan.enArea == Area::Unused ? uiEnd
+                                              : std::max(uiEnd, size_t{stSpan.uiOffset} + stSpan.uiLength);
+    }
+    return stLayout.IsSound() ? uiEnd : stImage.vecBytes.size();
+}
+
+} // namespace
+
+const char *SourceName(Source enSource)
+{
+    static const char *const apcNames[] = {"EEPROM", "cache", "stored image", "file"};
+    return apcNames[static_cast<size_t>(enSource)];
+}
+
+IMAGE_LAYOUT_S LayoutOf(const IMAGE_S &stImage, bool bFixedSlots)
+{
+    return WalkImage(stImage.vecBytes, stImage.uiStored, bFixedSlots);
+}
+
+std::optional<size_t> FirstDifference(const IMAGE_S &stLeft, const IMAGE_S &stRight, bool bFixedSlots)
+{
+    const size_t uiEnd = std::max(UsedBytes(stLeft, bFixedSlots), UsedBytes(stRight, bFixedSlots));
+    for (size_t i = 0; i < uiEnd; i++) {
+        if (stLeft.vecBytes[i] != stRight.vecBytes[i]) {
+            return i;
+        }
+    }
+    return std::nullopt;
+}
+
+IMAGE_S ReadImage(const std::string &strFile)
+{
+    IMAGE_S stImage = {Source::File, ReadImageFile(strFile), 0U};
+    stImage.uiStored = stImage.vecBytes.size();
+    if (stImage.vecBytes.empty()) {
+        Fail("the image file " + EscapeText(strFile) + " is empty");
+    }
+    stImage.vecBytes.resize(stImage.uiStored + FILE_PADDING, 0xFFU);
+    return stImage;
+}

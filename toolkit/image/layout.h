@@ -1,0 +1,67 @@
+// Walks an image's bytes: which byte belongs to which area and field, what it says, and what is wrong with
+// it. The decoder only tells that an area is bad; this tells where and why. verify, show and map share it.
+#ifndef TOOLKIT_IMAGE_LAYOUT_H
+#define TOOLKIT_IMAGE_LAYOUT_H
+
+#include <string>
+#include <vector>
+
+#include "lib_fru_types.h"
+
+enum class Area
+{
+    Header,
+    InternalUse,
+    Chassis,
+    Board,
+    Product,
+    MultiRecord,
+    Unused,
+    Hardware // a hardware block in place of a FRU image
+};
+
+// A run of bytes with one meaning.
+struct SPAN_S
+{
+    u32 uiOffset;
+    u32 uiLength;
+    Area enArea;
+    std::string strField;
+    std::string strText;    // what the bytes say; raw, not escaped
+    std::string strNote;    // how they say it, where that is not plain
+    std::string strProblem; // empty: none
+};
+
+struct FINDING_S
+{
+    u32 uiOffset; // the byte at fault
+    Area enArea;
+    std::string strWhat;
+    bool bWarning; // worth a look, but every reader takes the image as it is
+};
+
+struct IMAGE_LAYOUT_S
+{
+    std::vector<SPAN_S> vecSpans;       // by offset
+    std::vector<FINDING_S> vecFindings; // by offset
+    std::vector<Area> vecAreas;         // the areas that the header names, in image order
+    u32 uiMultiRecords = 0;             // records seen
+    bool bErased = false;               // every byte is 0xFF
+
+    bool IsSound() const; // no finding but warnings
+};
+
+// A name for people: "chassis info area".
+const char *AreaName(Area enArea);
+// A name for programs: "chassis".
+const char *AreaKey(Area enArea);
+
+// "byte 0x0007  common header: checksum: ..."
+std::string FindingText(const FINDING_S &stFinding);
+
+// Of vecImage the first uiStored bytes are the image's own and are told of; the rest lies behind it in the
+// EEPROM and bounds the decoder only. bFixedSlots: the image is read with exactly 5 chassis and 4 product
+// custom fields, as a baseboard's is.
+IMAGE_LAYOUT_S WalkImage(const std::vector<u8> &vecImage, size_t uiStored, bool bFixedSlots);
+
+#endif

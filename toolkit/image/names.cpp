@@ -1,0 +1,64 @@
+#include "toolkit/image/names.h"
+
+#include <array>
+#include <cstring>
+
+#include "lib_fru.h"
+#include "toolkit/base/text.h"
+
+std::string ChassisTypeName(u8 ucType)
+{
+    // The table of names is the library's own: it decodes an image that has nothing but this type.
+    std::array<u8, 32> aucImage = {1, 0, 1, 0, 0, 0, 0, 0xFE, 1, 1, ucType, 0xC0, 0xC0, 0xC1, 0, 0};
+    aucImage[15] = static_cast<u8>(0U - (1U + 1U + ucType + 0xC0U + 0xC0U + 0xC1U));
+    FRU_DATA_S stData = {};
+    std::string strName;
+    if (FRU_ANALYZER_InterpretFRUData(aucImage.data(), aucImage.size(), &stData) == FRU_OK) {
+        const char *pcName = stData.stChassisInfo.pucChassisType;
+        strName = (pcName != nullptr) ? pcName : "";
+    }
+    FRU_ANALYZER_SafeFree(&stData);
+    return strName;
+}
+
+std::vector<std::string> ChassisTypeNames()
+{
+    std::vector<std::string> vecNames;
+    for (std::string strName = ChassisTypeName(0U); !strName.empty();
+         strName = ChassisTypeName(static_cast<u8>(vecNames.size()))) {
+        vecNames.push_back(strName);
+    }
+    return vecNames;
+}
+
+std::string LanguageName(u8 ucLanguage)
+{
+    return (ucLanguage == 0U || ucLanguage == 25U) ? "English" : Format("code %u", ucLanguage);
+}
+
+std::string MfgDateText(const u8 *pucMfgDate)
+{
+    char acText[64] = "";
+    const u32 uiRet = LIB_FRU_FormatMfgDate(pucMfgDate, 0U, acText);
+    return uiRet == FRU_OK ? acText : StatusText(uiRet);
+}
+
+const char *CompletionCodeName(u8 ucCode)
+{
+    switch (ucCode) {
+    case 0x00:
+        return "success";
+    case 0x81:
+        return "the device could not be accessed";
+    case 0xC7:
+        return "request length invalid: no data to write";
+    case 0xC9:
+        return "the count reaches beyond the end of the FRU";
+    case 0xCB:
+        return "no such FRU device, or its cached image cannot be read";
+    case 0xCC:
+        return "the offset lies at or beyond the end of the FRU";
+    default:
+        return "not a code that these commands give";
+    }
+}

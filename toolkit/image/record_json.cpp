@@ -1,0 +1,383 @@
+#include "toolkit/image/record_json.h"
+
+#include <cstddef>
+#include <cstdlib>
+#include <cstring>
+#include <new>
+
+#include "lib_fru.h"
+#include "toolkit/base/text.h"
+#include "toolkit/image/layout.h"
+#include "toolkit/image/names.h"
+
+using nlohmann::json;
+
+namespace {
+
+constexpr size_t TEXT_MAX = 63U; // a length byte counts no further
+constexpr size_t CUSTOM_FIELDS_MAX = 255U;
+constexpr u32 MINUTES_MAX = 0xFFFFFFU;
+constexpr u8 AREA_VERSION = 1U;
+constexpr u8 MR_END_OF_LIST = 0x80U;
+
+struct TEXT_ROW_S
+{
+    const char *pcKey;
+    size_t uiText; // where in the record the text's pointer is
+};
+
+// Where an area's members are in the record.
+struct AREA_ROW_S
+{
+    const char *pcKey;
+    size_t uiPresence;
+    size_t uiVersion;
+    std::vector<const char *> vecNumbers; // members beside texts and custom fields
+    std::vector<TEXT_ROW_S> vecTexts;
+    size_t uiCustomFields;
+    size_t uiCustomCount;
+};
+
+#define AT(Member) offsetof(FRU_DATA_S, Member)
+
+const std::vector<AREA_ROW_S> &AreaRows()
+{
+    static const std::vector<AREA_ROW_S> vecRows = {
+        {"chassis",
+         AT(stCommonHeader.ucChassisInfoAreaStartOffset),
+         AT(stChassisInfo.ucFormatVersion),
+         {"type"},
+         {{"partNumber", AT(stChassisInfo.pucChassisPartNum)},
+          {"serialNumber", AT(stChassisInfo.pucChassisSerialNum)}},
+         AT(stChassisInfo.ppucCustomFields),
+         AT(stChassisInfo.ucCustomFieldCount)},
+        {"board",
+         AT(stCommonHeader.ucBoardInfoAreaStartOffset),
+         AT(stBoardInfo.ucFormatVersion),
+         {"language", "languageCode", "mfgDate", "mfgDateMinutes"},
+         {{"manufacturer", AT(stBoardInfo.pucBoardMfr)},
+          {"productName", AT(stBoardInfo.pucBoardProductName)},
+          {"serialNumber", AT(stBoardInfo.pucBoardSerialNum)},
+          {"partNumber", AT(stBoardInfo.pucBoardPartNum)},
+          {"fruFileId", AT(stBoardInfo.pucFRUFileID)}},
+         AT(stBoardInfo.ppucCustomFields),
+         AT(stBoardInfo.ucCustomFieldCount)},
+        {"product",
+         AT(stCommonHeader.ucProductInfoAreaStartOffset),
+         AT(stProductInfo.ucFormatVersion),
+         {"language", "languageCode"},
+         {{"manufacturer", AT(stProductInfo.pucMfrName)},
+          {"productName", AT(stProductInfo.pucProductName)},
+          {"partNumber", AT(stProductInfo.pucProductPartNum)},
+          {"version", AT(stProductInfo.pucProductVersion)},
+          {"serialNumber", AT(stProductInfo.pucProductSerialNum)},
+          {"assetTag", AT(stProductInfo.pucAssetTag)},
+          {"fruFileId", AT(stProductInfo.pucFRUFileID)}},
+         AT(stProductInfo.ppucCustomFields),
+         AT(stProductInfo.ucCustomFieldCount)},
+    };
+    return vecRows;
+}
+
+u8 *At(Record &stRecord, size_t uiOffset)
+{
+    return reinterpret_cast<u8 *>(stRecord.Data()) + uiOffset;
+}
+
+// The record releases its buffers with free().
+void *Allocate(size_t uiCount, size_t uiSize)
+{
+    void *pBuffer = calloc(uiCount, uiSize);
+    if (pBuffer == nullptr) {
+        throw std::bad_alloc();
+    }
+    return pBuffer;
+}
+
+u8 *HeapText(const std::string &strText, size_t uiSize)
+{
+    u8 *pucText = static_cast<u8 *>(Allocate(uiSize, 1U));
+    memcpy(pucText, strText.data(), strText.size());
+    return pucText;
+}
+
+// Pointers of the packed record are not aligned.
+void StorePointer(Record &stRecord, size_t uiOffset, const void *pPointer)
+{
+    memcpy(At(stRecord, uiOffset), &pPointer, sizeof(pPointer));
+}
+
+// A text as the record keeps it. bListed: it stands in a list of fields, which the byte 0xc1 would end.
+std::string Latin1Text(const JsonNode &stNode, bool bListed)
+{
+    const std::string strAccepted =
+        Format("accepted: a text of %s%zu Latin-1 characters", bListed ? "0 or 2 to " : "0 to ", TEXT_MAX);
+    if (!stNode.Value().is_string()) {
+        stNode.Refuse("not a text; " + strAccepted);
+    }
+    const std::optional<std::string> optText = Utf8ToLatin1(stNode.Value().get_ref<const std::string &>());
+    if (!optText.has_value()) {
+        stNode.Refuse("holds a character beyond U+00FF, which the format has no byte for; " + strAccepted);
+    }
+    if (optText->find('\0') != std::string::npos) {
+        stNode.Refuse("holds a NUL, where every reader ends the text; " + strAccepted + " without it");
+    }
+    if (optText->size() > TEXT_MAX) {
+        stNode.Refuse(
+            Format("has %zu characters, but a length byte counts only to %zu; ", optText->size(), TEXT_MAX) +
+            strAccepted);
+    }
+    if (bListed && optText->size() == 1U) {
+        stNode.Refuse(
+            "has one character, and its length byte would be 0xc1, the mark that ends the fields; " +
+            strAccepted);
+    }
+    return *optText;
+}
+
+std::string TextMember(const JsonNode &stArea, const char *pcKey)
+{
+    return stArea.Has(pcKey) ? Latin1Text(stArea.Member(pcKey), true) : "";
+}
+
+void FillCustomFields(const JsonNode &stArea, const AREA_ROW_S &stRow, Record &stRecord)
+{
+    if (!stArea.Has("customFields")) {
+        return;
+    }
+    const std::vector<JsonNode> vecFields = stArea.Elements("customFields");
+    if (vecFields.size() > CUSTOM_FIELDS_MAX) {
+        stArea.RefuseMember("customFields",
+                            Format("%zu fields; accepted: 0 to %zu", vecFields.size(), CUSTOM_FIELDS_MAX));
+    }
+    if (vecFields.empty()) {
+        return;
+    }
+    u8 **ppucFields = static_cast<u8 **>(Allocate(vecFields.size(), sizeof(u8 *)));
+    // The record owns the array from here on, also when a field of it is refused.
+    StorePointer(stRecord, stRow.uiCustomFields, ppucFields);
+    *At(stRecord, stRow.uiCustomCount) = static_cast<u8>(vecFields.size());
+    for (size_t i = 0; i < vecFields.size(); i++) {
+        const std::string strText = Latin1Text(vecFields[i], true);
+        ppucFields[i] = HeapText(strText, strText.size() + 1U);
+    }
+}
+
+// A text that only says what a number beside it says must agree with it, or an edited one would be lost.
+void RequireAgreement(const JsonNode &stObject, const char *pcKey, const std::string &strExpected,
+                      const char *pcDecisive)
+{
+    if (stObject.Has(pcKey) && stObject.Member(pcKey).Value() != json(strExpected)) {
+        stObject.RefuseMember(pcKey, "contradicts " + std::string(pcDecisive) + ", which says '" +
+                                         EscapeText(strExpected) + "'; change both or leave this one out");
+    }
+}
+
+u8 LanguageOf(const JsonNode &stArea)
+{
+    if (stArea.Has("languageCode")) {
+        const u8 ucCode = static_cast<u8>(stArea.Number("languageCode", 0U, 0xFFU));
+        RequireAgreement(stArea, "language", LanguageName(ucCode), "languageCode");
+        return ucCode;
+    }
+    if (!stArea.Has("language")) {
+        return 0U;
+    }
+    for (u32 uiCode = 0; uiCode <= 0xFFU; uiCode++) {
+        if (stArea.Member("language").Value() == json(LanguageName(static_cast<u8>(uiCode)))) {
+            return static_cast<u8>(uiCode);
+        }
+    }
+    stArea.RefuseMember("language", "unknown; accepted: \"English\" or \"code N\" with N of 1 to 255, or the "
+                                    "number as languageCode");
+}
+
+void FillMfgDate(const JsonNode &stArea, Record &stRecord)
+{
+    u8 aucDate[3] = {};
+    if (stArea.Has("mfgDateMinutes")) {
+        const u32 uiMinutes = stArea.Number("mfgDateMinutes", 0U, MINUTES_MAX);
+        for (u32 i = 0; i < sizeof(aucDate); i++) {
+            aucDate[i] = static_cast<u8>(uiMinutes >> (8U * i));
+        }
+        RequireAgreement(stArea, "mfgDate", MfgDateText(aucDate), "mfgDateMinutes");
+    } else if (stArea.Has("mfgDate")) {
+        const std::string strDate = stArea.Text("mfgDate", 1U, TEXT_MAX);
+        FRU_DATA_S stConverted = {};
+        const u32 uiRet = LIB_FRU_CaclMfgDateTime(strDate.c_str(), &stConverted);
+        memcpy(aucDate, stConverted.stBoardInfo.aucMfgDateTime, sizeof(aucDate));
+        const std::string strRead = MfgDateText(aucDate);
+        if (uiRet != FRU_OK || (strRead != strDate && strRead != strDate + " 00:00:00")) {
+            stArea.RefuseMember("mfgDate", "'" + EscapeText(strDate) +
+                                               "' is refused; accepted: YYYY-MM-DD or YYYY-MM-DD HH:MM:00, "
+                                               "1996-01-01 to 2027-11-24, or the minutes since then as "
+                                               "mfgDateMinutes");
+        }
+    }
+    memcpy(stRecord.Data()->stBoardInfo.aucMfgDateTime, aucDate, sizeof(aucDate));
+}
+
+void FillChassisType(const JsonNode &stArea, Record &stRecord)
+{
+    constexpr size_t uiBuffer = 64U;
+    const std::vector<std::string> vecNames = ChassisTypeNames();
+    const std::string strName = stArea.Text("type", 1U, uiBuffer - 1U);
+    if (std::find(vecNames.begin(), vecNames.end(), strName) == vecNames.end()) {
+        stArea.RefuseMember("type", "'" + EscapeText(strName) +
+                                        "' is no chassis type; accepted: " + Join(vecNames, ", "));
+    }
+    StorePointer(stRecord, AT(stChassisInfo.pucChassisType), HeapText(strName, uiBuffer));
+}
+
+void FillArea(const JsonNode &stDocument, const AREA_ROW_S &stRow, Record &stRecord)
+{
+    if (!stDocument.Has(stRow.pcKey)) {
+        return;
+    }
+    const JsonNode stArea = stDocument.Member(stRow.pcKey);
+    std::vector<const char *> vecNames = stRow.vecNumbers;
+    for (const TEXT_ROW_S &stText : stRow.vecTexts) {
+        vecNames.push_back(stText.pcKey);
+    }
+    vecNames.push_back("customFields");
+    stArea.RequireObject(vecNames);
+    *At(stRecord, stRow.uiPresence) = 1U;
+    *At(stRecord, stRow.uiVersion) = AREA_VERSION;
+    for (const TEXT_ROW_S &stText : stRow.vecTexts) {
+        const std::string strText = TextMember(stArea, stText.pcKey);
+        StorePointer(stRecord, stText.uiText, HeapText(strText, strText.size() + 1U));
+    }
+    FillCustomFields(stArea, stRow, stRecord);
+    const std::string strArea = stRow.pcKey;
+    if (strArea == "chassis") {
+        FillChassisType(stArea, stRecord);
+    } else if (strArea == "board") {
+        stRecord.Data()->stBoardInfo.ucLanguage = LanguageOf(stArea);
+        FillMfgDate(stArea, stRecord);
+    } else {
+        stRecord.Data()->stProductInfo.ucLanguage = LanguageOf(stArea);
+    }
+}
+
+void FillInternalUse(const JsonNode &stDocument, Record &stRecord)
+{
+    if (!stDocument.Has("internalUse")) {
+        return;
+    }
+    const JsonNode stArea = stDocument.Member("internalUse");
+    stArea.RequireObject({"data"});
+    stRecord.Data()->stCommonHeader.ucInternalUseAreaStartOffset = 1U;
+    stRecord.Data()->stInternalUseArea.ucFormatVersion = AREA_VERSION;
+    // One field and no list of them: a single character does no harm here.
+    const std::string strData = stArea.Has("data") ? Latin1Text(stArea.Member("data"), false) : "";
+    stRecord.Data()->stInternalUseArea.pucData = HeapText(strData, strData.size() + 1U);
+}
+
+u8 ZeroSum(const u8 *pucBytes, size_t uiLength)
+{
+    u8 ucSum = 0;
+    for (size_t i = 0; i < uiLength; i++) {
+        ucSum = static_cast<u8>(ucSum + pucBytes[i]);
+    }
+    return static_cast<u8>(0U - ucSum);
+}
+
+void FillMultiRecord(const JsonNode &stNode, bool bLast, FRU_MULTIRECORD_S &stRecord)
+{
+    stNode.RequireObject({"type", "formatVersion", "name", "text", "data"});
+    stRecord.ucRecordTypeID = static_cast<u8>(stNode.Number("type", 0U, 0xFFU));
+    const u32 uiFormat = stNode.Number("formatVersion", 0U, 0x0FU, 2U);
+    stRecord.ucRecordFormat = static_cast<u8>(uiFormat | (bLast ? MR_END_OF_LIST : 0U));
+    const JsonNode stData = stNode.Member("data");
+    const std::optional<std::vector<u8>> optData =
+        stData.Value().is_string() ? ParseHexBytes(stData.Value().get_ref<const std::string &>())
+                                   : std::nullopt;
+    if (!optData.has_value() || optData->empty() || optData->size() > 0xFFU) {
+        stData.Refuse("refused; accepted: 1 to 255 bytes as a text of two hex digits each");
+    }
+    u8 *pucData = HeapText(std::string(optData->begin(), optData->end()), optData->size());
+    stRecord.pucRecordData = pucData;
+    stRecord.ucRecordLength = static_cast<u8>(optData->size());
+    stRecord.ucRecordChecksum = ZeroSum(pucData, optData->size());
+    stRecord.ucHeaderChecksum = 0U;
+    stRecord.ucHeaderChecksum = ZeroSum(reinterpret_cast<const u8 *>(&stRecord), FRU_MULTIRECORD_HEADER_LEN);
+}
+
+void FillMultiRecords(const JsonNode &stDocument, Record &stRecord)
+{
+    if (stDocument.Has("multiRecordsDamaged")) {
+        stDocument.RefuseMember(
+            "multiRecordsDamaged",
+            "the document is of an image whose MultiRecords cannot be read; accepted: the "
+            "member left out, and the records written down in multiRecords");
+    }
+    if (!stDocument.Has("multiRecords")) {
+        return;
+    }
+    const std::vector<JsonNode> vecNodes = stDocument.Elements("multiRecords");
+    if (vecNodes.size() > FRU_MULTIRECORD_MAX) {
+        stDocument.RefuseMember(
+            "multiRecords", Format("%zu records; accepted: 0 to %u", vecNodes.size(), FRU_MULTIRECORD_MAX));
+    }
+    for (size_t i = 0; i < vecNodes.size(); i++) {
+        stRecord.Data()->stCommonHeader.ucMultiRecordAreaStartOffset = 1U;
+        FillMultiRecord(vecNodes[i], i + 1U == vecNodes.size(), stRecord.Data()->astMultiRecord[i]);
+    }
+    const RECORD_VIEW_S stView = ViewRecord(*stRecord.Data());
+    for (size_t i = 0; i < vecNodes.size(); i++) {
+        RequireAgreement(vecNodes[i], "name", stView.vecMultiRecords[i].strName, "type and data");
+        RequireAgreement(vecNodes[i], "text", Latin1ToUtf8(stView.vecMultiRecords[i].strText), "data");
+    }
+}
+
+Json AreaJson(const AREA_VIEW_S &stArea)
+{
+    Json stJson = Json::object();
+    for (const FIELD_VIEW_S &stField : stArea.vecFields) {
+        stJson[stField.strKey] = Latin1ToUtf8(stField.strText);
+        if (!stField.strNumberKey.empty()) {
+            stJson[stField.strNumberKey] = stField.uiNumber;
+        }
+    }
+    if (stArea.enArea != Area::InternalUse) {
+        stJson["customFields"] = Json::array();
+    }
+    for (const std::string &strField : stArea.vecCustomFields) {
+        stJson["customFields"].push_back(Latin1ToUtf8(strField));
+    }
+    return stJson;
+}
+
+} // namespace
+
+Json RecordJson(const RECORD_VIEW_S &stView)
+{
+    Json stJson = Json::object();
+    for (const AREA_VIEW_S &stArea : stView.vecAreas) {
+        stJson[AreaKey(stArea.enArea)] = AreaJson(stArea);
+    }
+    stJson["multiRecords"] = Json::array();
+    for (const MULTIRECORD_VIEW_S &stRecord : stView.vecMultiRecords) {
+        stJson["multiRecords"].push_back({{"type", stRecord.ucType},
+                                          {"formatVersion", stRecord.ucFormatVersion},
+                                          {"name", stRecord.strName},
+                                          {"text", Latin1ToUtf8(stRecord.strText)},
+                                          {"data", HexBytes(stRecord.vecData)}});
+    }
+    if (stView.bMultiRecordArea && stView.vecMultiRecords.empty()) {
+        stJson["multiRecordsDamaged"] = true;
+    }
+    return stJson;
+}
+
+void BuildRecord(const JsonNode &stDocument, Record &stRecord)
+{
+    // "device" and "file" tell where a shown record came from and are no part of it.
+    stDocument.RequireObject({"device", "file", "internalUse", "chassis", "board", "product", "multiRecords",
+                              "multiRecordsDamaged"});
+    FillInternalUse(stDocument, stRecord);
+    for (const AREA_ROW_S &stRow : AreaRows()) {
+        FillArea(stDocument, stRow, stRecord);
+    }
+    FillMultiRecords(stDocument, stRecord);
+}

@@ -1,0 +1,64 @@
+#include "commands/commands.h"
+
+namespace {
+
+// One a line, in the order of the help, with what a group of them is about.
+constexpr void (*g_apfnCommands[])(CLI::App &stParent, SESSION_S &stSession) = {
+    AddProvisionCommand,  // made once
+    AddListCommand,       // read
+    AddShowCommand,       //
+    AddVerifyCommand,     //
+    AddMapCommand,        //
+    AddDiffCommand,       //
+    AddFieldsCommand,     //
+    AddSnCommand,         //
+    AddPsnCommand,        //
+    AddLabelCommand,      // written
+    AddEncodeCommand,     //
+    AddClearCommand,      //
+    AddRecoverCommand,    //
+    AddMrCommand,         // read and written
+    AddHwCommand,         //
+    AddOemCommand,        //
+    AddAssembleCommand,   //
+    AddRawCommand,        // bytes
+    AddDateCommand,       //
+    AddTestResultCommand, // the controller as a whole
+    AddFeaturesCommand,   //
+    AddHostNameCommand,   //
+    AddMonitorCommand,    //
+    AddServeCommand,      //
+};
+
+} // namespace
+
+void AddCommands(CLI::App &stApp, SESSION_S &stSession)
+{
+    for (const auto pfnAdd : g_apfnCommands) {
+        pfnAdd(stApp, stSession);
+    }
+}
+
+CLI::App *AddCommand(CLI::App &stParent, const char *pcName, const char *pcWhat, const char *pcExamples)
+{
+    CLI::App *pstCommand = stParent.add_subcommand(pcName, pcWhat);
+    std::string strFooter = "Examples:\n  ";
+    for (const char *pcChar = pcExamples; *pcChar != '\0'; pcChar++) {
+        strFooter += *pcChar;
+        strFooter += (*pcChar == '\n') ? "  " : "";
+    }
+    pstCommand->footer(strFooter + "\n");
+    // Lets --json and its like stand behind the command as well.
+    pstCommand->fallthrough();
+    return pstCommand;
+}
+
+void AddTargetOptions(CLI::App *pstCommand, TARGET_OPTIONS_S &stOptions, bool bFiles)
+{
+    pstCommand->add_option(
+        bFiles ? "DEVICE|FILE" : "DEVICE", stOptions.strTarget,
+        bFiles ? "TYPE:INSTANCE (such as 0x30:0), a device's name, or an image file (*.hex: readable hex)"
+               : "TYPE:INSTANCE (such as 0x30:0) or a device's name");
+    pstCommand->add_option("--id", stOptions.strDeviceID, "the device by its FRU device ID instead, 0 to 255")
+        ->type_name("N");
+}

@@ -1,0 +1,74 @@
+// fructl encode: an image file from the JSON document of a record.
+#include <filesystem>
+#include <sys/stat.h>
+
+#include "commands/commands.h"
+#include "terminal/console.h"
+#include "terminal/json_out.h"
+#include "toolkit/base/error.h"
+#include "toolkit/base/json_node.h"
+#include "toolkit/base/text.h"
+#include "toolkit/edit/encode.h"
+#include "toolkit/image/layout.h"
+#include "toolkit/image/record.h"
+#include "toolkit/image/record_json.h"
+
+namespace {
+
+struct ENCODE_S
+{
+    std::string strDocument;
+    std::string strOutput;
+    std::string strSize;
+    bool bForce = false;
+};
+
+void RunEncode(const SESSION_S &stSession, const ENCODE_S &stOptions)
+{
+    struct stat stStat = {};
+    if (!stOptions.bForce && stat(stOptions.strOutput.c_str(), &stStat) == 0) {
+        Fail(EscapeText(stOptions.strOutput) + " is there already; --force replaces it");
+    }
+    const nlohmann::json stParsed = ParseJsonFile(stOptions.strDocument);
+    Record stRecord;
+    BuildRecord(JsonNode(stParsed, stOptions.strDocument, ""), stRecord);
+    const std::vector<u8> vecImage = MakeImageFile(stRecord, stOptions.strDocument, stOptions.strSize);
+    WriteImageFile(stOptions.strOutput, vecImage);
+    const RECORD_VIEW_S stView = ViewRecord(*stRecord.Data());
+    std::vector<std::string> vecParts = {"header"};
+    for (const AREA_VIEW_S &stArea : stView.vecAreas) {
+        vecParts.emplace_back(AreaKey(stArea.enArea));
+    }
+    if (!stView.vecMultiRecords.empty()) {
+        vecParts.push_back(Count(stView.vecMultiRecords.size(), "MultiRecord"));
+    }
+    if (stSession.bJson) {
+        PrintJson({{"file", stOptions.strOutput}, {"size", vecImage.size()}, {"contents", vecParts}});
+    } else {
+        Print(Paint(Colour::Green, EscapeText(stOptions.strOutput)) +
+              Format(": %zu bytes: ", vecImage.size()) + Join(vecParts, ", ") + "\n");
+    }
+}
+
+} // namespace
+
+void AddEncodeCommand(CLI::App &stParent, SESSION_S &stSession)
+{
+    const auto pstOptions = std::make_shared<ENCODE_S>();
+    CLI::App *pstCommand = AddCommand(
+        stParent, "encode", "Make an image file from what 'show --json' printed",
+        "fructl --json show baseboard > board.json\n"
+        "fructl encode board.json -o board.bin --size 2048\nfructl encode board.json -o board.hex");
+    pstCommand->add_option("FILE", pstOptions->strDocument, "the record as JSON, as 'show --json' prints it")
+        ->required();
+    pstCommand
+        ->add_option("-o,--output", pstOptions->strOutput, "the image file to make (*.hex: readable hex)")
+        ->type_name("FILE")
+        ->required();
+    pstCommand->add_option("--size", pstOptions->strSize, "bytes of the image, filled up with 0xff")
+        ->type_name("N");
+    pstCommand->add_flag("--force", pstOptions->bForce, "replace a file that is there");
+    pstCommand->callback([&stSession, pstOptions] {
+        stSession.fnRun = [&stSession, pstOptions] { RunEncode(stSession, *pstOptions); };
+    });
+}

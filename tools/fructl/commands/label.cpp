@@ -1,0 +1,408 @@
+// fructl label: the named fields of a device, listed, read and written.
+#include "commands/commands.h"
+#include "terminal/console.h"
+#include "terminal/json_out.h"
+#include "terminal/progress.h"
+#include "toolkit/base/error.h"
+#include "toolkit/base/json.h"
+#include "toolkit/base/text.h"
+#include "toolkit/controller/device.h"
+#include "toolkit/controller/device_json.h"
+#include "toolkit/controller/root_lock.h"
+#include "toolkit/controller/source.h"
+#include "toolkit/controller/target.h"
+#include "toolkit/edit/label_write.h"
+#include "toolkit/edit/labels.h"
+#include "toolkit/image/layout.h"
+#include "toolkit/image/record.h"
+
+namespace {
+
+struct LABEL_OPTIONS_S
+{
+    // Up to three words one by one: CLI11 would take a value in brackets apart if they were one list.
+    std::string astrWords[3];
+    const CLI::Option *apstWords[3] = {};
+    std::vector<std::string> vecMore;
+    std::string strDeviceID;
+    bool bDryRun = false;
+    bool bForce = false;
+};
+
+// The device, and the words behind it: with --id none of the words is a device.
+DEVICE_S TakeDevice(const SESSION_S &stSession, const LABEL_OPTIONS_S &stOptions,
+                    std::vector<std::string> &vecRest)
+{
+    for (size_t i = 0; i < std::size(stOptions.apstWords); i++) {
+        // An empty word counts: it is an empty value.
+        if (stOptions.apstWords[i] != nullptr && stOptions.apstWords[i]->count() != 0U) {
+            vecRest.push_back(stOptions.astrWords[i]);
+        }
+    }
+    vecRest.insert(vecRest.end(), stOptions.vecMore.begin(), stOptions.vecMore.end());
+    TARGET_OPTIONS_S stTarget = {"", stOptions.strDeviceID};
+    if (stOptions.strDeviceID.empty() && !vecRest.empty()) {
+        stTarget.strTarget = vecRest.front();
+        vecRest.erase(vecRest.begin());
+    }
+    return ResolveDevice(stSession, stTarget);
+}
+
+const char *AreaOf(const LABEL_S &stLabel)
+{
+    return stLabel.IsStored() ? AreaKey(stLabel.enArea) : "hardware";
+}
+
+Json LabelJson(const LABEL_S &stLabel, u32 uiMaxLen)
+{
+    Json stJson = {{"id", stLabel.uiID},
+                   {"name", stLabel.strName},
+                   {"area", AreaOf(stLabel)},
+                   {"field", stLabel.IsStored() ? Json(stLabel.strField) : Json(nullptr)},
+                   {"minLength", stLabel.uiMinLen},
+                   {"maxLength", uiMaxLen},
+                   {"noneAllowed", stLabel.bNoneAllowed},
+                   {"accepts", stLabel.pcAccepts}};
+    stJson["powerSupplyField"] = stLabel.optPsuField.has_value() ? Json(*stLabel.optPsuField) : Json(nullptr);
+    return stJson;
+}
+
+std::string SharedNamesText(const std::vector<LABEL_S> &vecLabels)
+{
+    std::vector<std::string> vecNames;
+    for (const LABEL_S &stLabel : vecLabels) {
+        if (stLabel.optPsuField.has_value()) {
+            vecNames.push_back(stLabel.strName);
+        }
+    }
+    return vecNames.empty() ? ""
+                            : "\n" + Join(vecNames, ", ") +
+                                  ": power-supply fields have these names too; here they are the board info "
+                                  "area's fields, on power supplies as well.\n";
+}
+
+void PrintLabels(const SESSION_S &stSession, const std::optional<DEVICE_S> &optDevice,
+                 const std::vector<LABEL_S> &vecLabels, const std::optional<RECORD_VIEW_S> &optView)
+{
+    std::vector<const char *> vecHeadings = {"LABEL", "AREA", "LENGTH", "NONE", "ACCEPTS"};
+    if (optView.has_value()) {
+        vecHeadings.push_back("VALUE");
+    }
+    Table stTable(vecHeadings);
+    Json stList = Json::array();
+    const u8 ucType = optDevice.has_value() ? optDevice->stEntry.ucComponentType : 0xFFU;
+    for (const LABEL_S &stLabel : vecLabels) {
+        const u32 uiMaxLen = MaxLength(stLabel, ucType);
+        Json stJson = LabelJson(stLabel, uiMaxLen);
+        std::string strValue;
+        Colour enColour = Colour::Cyan;
+        if (optView.has_value()) {
+            const std::optional<std::string> optValue = LabelValue(*optView, stLabel);
+            stJson["value"] = optValue.has_value() ? Json(Latin1ToUtf8(*optValue)) : Json(nullptr);
+            strValue = !optValue.has_value() ? "(" + WhyNoValue(*optView, stLabel) + ")"
+                       : optValue->empty()   ? "-"
+                                             : EscapeText(*optValue);
+            enColour = optValue.has_value() && !optValue->empty() ? Colour::Cyan : Colour::Dim;
+        }
+        stList.push_back(stJson);
+        stTable.Row({stLabel.strName, AreaOf(stLabel), Format("%u-%u", stLabel.uiMinLen, uiMaxLen),
+                     stLabel.bNoneAllowed ? "yes" : "no", stLabel.pcAccepts, strValue},
+                    {Colour::None, Colour::Dim, Colour::None, Colour::None, Colour::None, enColour});
+    }
+    if (!stSession.bJson) {
+        Print(stTable.Text() + SharedNamesText(vecLabels));
+        return;
+    }
+    Json stJson = Json::object();
+    if (optDevice.has_value()) {
+        stJson = {{"device", DeviceJson(*optDevice)}, {"fieldFlag", optDevice->stInfo.ucFieldFlag}};
+    }
+    stJson["labels"] = stList;
+    PrintJson(stJson);
+}
+
+void RunList(const SESSION_S &stSession, const LABEL_OPTIONS_S &stOptions)
+{
+    if (stOptions.apstWords[0]->count() == 0U && stOptions.strDeviceID.empty()) {
+        PrintLabels(stSession, std::nullopt, Labels(), std::nullopt);
+        return;
+    }
+    std::vector<std::string> vecRest;
+    const DEVICE_S stDevice = TakeDevice(stSession, stOptions, vecRest);
+    if (!vecRest.empty()) {
+        FailUsage("'" + EscapeText(vecRest.front()) + "' is one word too many; accepted: one device");
+    }
+    std::vector<LABEL_S> vecAccepted;
+    for (const LABEL_S &stLabel : Labels()) {
+        if (IsAccepted(stDevice, stLabel)) {
+            vecAccepted.push_back(stLabel);
+        }
+    }
+    if (vecAccepted.empty() && !stSession.bJson) {
+        Print(stDevice.Title() +
+              Format(" takes no labels: its field flag is %u\n", u32{stDevice.stInfo.ucFieldFlag}));
+        return;
+    }
+    Record stRecord;
+    try {
+        DecodeTarget({stDevice, ""}, stRecord);
+    } catch (const Error &) {
+        PrintLabels(stSession, stDevice, vecAccepted, std::nullopt);
+        throw; // the names are known all the same, the values are not
+    }
+    PrintLabels(stSession, stDevice, vecAccepted, ViewRecord(*stRecord.Data()));
+}
+
+void RunGet(const SESSION_S &stSession, const LABEL_OPTIONS_S &stOptions)
+{
+    std::vector<std::string> vecRest;
+    const DEVICE_S stDevice = TakeDevice(stSession, stOptions, vecRest);
+    if (vecRest.size() != 1U) {
+        FailUsage(vecRest.empty()
+                      ? "no label is named; 'fructl label list' tells their names"
+                      : "'" + EscapeText(vecRest[1]) + "' is one word too many; accepted: one label's name");
+    }
+    const LABEL_S &stLabel = FindLabel(vecRest.front());
+    if (!stLabel.IsStored()) {
+        Fail("the label '" + stLabel.strName +
+             "' is kept in the hardware FRU block, not in the FRU image; 'fructl hw show' reads it");
+    }
+    Record stRecord;
+    DecodeTarget({stDevice, ""}, stRecord);
+    const RECORD_VIEW_S stView = ViewRecord(*stRecord.Data());
+    const std::optional<std::string> optValue = LabelValue(stView, stLabel);
+    if (!optValue.has_value()) {
+        Fail(stDevice.Title() + " has no '" + stLabel.strName + "': its image has " +
+             WhyNoValue(stView, stLabel));
+    }
+    if (stSession.bJson) {
+        Json stJson = {{"device", DeviceJson(stDevice)}};
+        stJson.update(LabelJson(stLabel, MaxLength(stLabel, stDevice.stEntry.ucComponentType)));
+        stJson["value"] = Latin1ToUtf8(*optValue);
+        PrintJson(stJson);
+    } else {
+        Print(EscapeText(*optValue) + "\n");
+    }
+}
+
+// "NAME VALUE", or any number of "NAME=VALUE".
+std::vector<LABEL_REQUEST_S> ParseRequests(const std::vector<std::string> &vecWords)
+{
+    if (vecWords.size() == 2U && vecWords[0].find('=') == std::string::npos) {
+        return {{FindLabel(vecWords[0]), vecWords[1]}};
+    }
+    if (vecWords.empty()) {
+        FailUsage("no label is named; accepted: NAME VALUE, or NAME=VALUE once or several times");
+    }
+    std::vector<LABEL_REQUEST_S> vecRequests;
+    for (const std::string &strWord : vecWords) {
+        const size_t uiEquals = strWord.find('=');
+        if (uiEquals == std::string::npos) {
+            FailUsage("'" + EscapeText(strWord) +
+                      "' is not NAME=VALUE; accepted: NAME VALUE, or NAME=VALUE once or several times");
+        }
+        vecRequests.push_back({FindLabel(strWord.substr(0, uiEquals)), strWord.substr(uiEquals + 1U)});
+    }
+    return vecRequests;
+}
+
+Json PlanJson(const DEVICE_S &stDevice, const LABEL_PLAN_S &stPlan, bool bDryRun,
+              const std::vector<std::string> &vecSentences)
+{
+    Json stLabels = Json::array();
+    for (size_t i = 0; i < stPlan.vecSteps.size(); i++) {
+        const LABEL_STEP_S &stStep = stPlan.vecSteps[i];
+        const LABEL_S &stLabel = stStep.stRequest.stLabel;
+        Json stJson = {
+            {"id", stLabel.uiID},
+            {"name", stLabel.strName},
+            {"old", stStep.optOld.has_value() ? Json(Latin1ToUtf8(*stStep.optOld)) : Json(nullptr)},
+            {"new", Latin1ToUtf8(stStep.strNew)}};
+        if (!bDryRun) {
+            stJson["operationLog"] = Latin1ToUtf8(vecSentences[i]);
+        }
+        stLabels.push_back(stJson);
+    }
+    Json stBytes = Json::array();
+    for (const BYTE_RUN_S &stRun : stPlan.vecChanges) {
+        stBytes.push_back(
+            {{"offset", stRun.uiOffset}, {"old", HexBytes(stRun.vecOld)}, {"new", HexBytes(stRun.vecNew)}});
+    }
+    return {{"device", DeviceJson(stDevice)},
+            {"dryRun", bDryRun},
+            {"labels", stLabels},
+            {"bytes", stBytes},
+            {"notes", stPlan.vecNotes},
+            {"losses", stPlan.vecLosses}};
+}
+
+std::string StepsText(const LABEL_PLAN_S &stPlan)
+{
+    size_t uiWidth = 0;
+    for (const LABEL_STEP_S &stStep : stPlan.vecSteps) {
+        uiWidth = std::max(uiWidth, stStep.stRequest.stLabel.strName.size());
+    }
+    const auto fnShown = [](const std::optional<std::string> &optText) {
+        return !optText.has_value() ? "(none)" : optText->empty() ? "-" : EscapeText(*optText);
+    };
+    std::string strOut;
+    for (const LABEL_STEP_S &stStep : stPlan.vecSteps) {
+        strOut += Format("  %-*s  ", static_cast<int>(uiWidth), stStep.stRequest.stLabel.strName.c_str()) +
+                  Paint(Colour::Red, fnShown(stStep.optOld)) + " -> " +
+                  Paint(Colour::Green, fnShown(stStep.strNew)) + "\n";
+    }
+    for (const std::string &strNote : stPlan.vecNotes) {
+        strOut += "  " + Paint(Colour::Yellow, "note:") + " " + strNote + "\n";
+    }
+    for (const std::string &strLoss : stPlan.vecLosses) {
+        strOut += "  " + Paint(Colour::Red, "lost:") + " " + strLoss + "\n";
+    }
+    return strOut;
+}
+
+// The runs of changed bytes, at most 16 a line: "0x00dd  4c 48 -> 4d 49".
+std::string BytesText(const LABEL_PLAN_S &stPlan)
+{
+    constexpr size_t uiLine = 16U;
+    size_t uiCount = 0;
+    std::string strRows;
+    for (const BYTE_RUN_S &stRun : stPlan.vecChanges) {
+        uiCount += stRun.vecOld.size();
+        for (size_t i = 0; i < stRun.vecOld.size(); i += uiLine) {
+            const size_t uiPart = std::min(uiLine, stRun.vecOld.size() - i);
+            strRows += Format("    0x%04zx  ", stRun.uiOffset + i) +
+                       HexBytes(stRun.vecOld.data() + i, uiPart) + " -> " +
+                       HexBytes(stRun.vecNew.data() + i, uiPart) + "\n";
+        }
+    }
+    return "  " +
+           (uiCount == 0U ? std::string("no byte would change") : Count(uiCount, "byte") + " would change") +
+           "\n" + strRows;
+}
+
+// Each label in turn; when one fails, the line tells what is written and what is not.
+std::vector<std::string> WriteAll(const DEVICE_S &stDevice, const LABEL_PLAN_S &stPlan,
+                                  std::string &strAftermath)
+{
+    std::vector<std::string> vecSentences;
+    std::vector<std::string> vecWritten;
+    for (const LABEL_STEP_S &stStep : stPlan.vecSteps) {
+        try {
+            const WRITTEN_S stWritten = WriteStep(stDevice, stStep, TerminalProgress());
+            vecSentences.push_back(stWritten.strSentence);
+            strAftermath = stWritten.strAftermath.empty() ? strAftermath : stWritten.strAftermath;
+            vecWritten.push_back("'" + stStep.stRequest.stLabel.strName + "'");
+        } catch (const Error &stError) {
+            if (stPlan.vecSteps.size() == 1U) {
+                throw;
+            }
+            std::vector<std::string> vecLeft;
+            for (size_t i = vecWritten.size() + 1U; i < stPlan.vecSteps.size(); i++) {
+                vecLeft.push_back("'" + stPlan.vecSteps[i].stRequest.stLabel.strName + "'");
+            }
+            Fail(stError.what() +
+                 (vecWritten.empty() ? "" : "; written before it: " + Join(vecWritten, ", ")) +
+                 (vecLeft.empty() ? "" : "; not written: " + Join(vecLeft, ", ")));
+        }
+    }
+    return vecSentences;
+}
+
+void RunSet(const SESSION_S &stSession, const LABEL_OPTIONS_S &stOptions)
+{
+    std::vector<std::string> vecRest;
+    const DEVICE_S stDevice = TakeDevice(stSession, stOptions, vecRest);
+    const std::vector<LABEL_REQUEST_S> vecRequests = ParseRequests(vecRest);
+    CheckRequests(stDevice, vecRequests);
+    if (stOptions.bDryRun) {
+        const LABEL_PLAN_S stPlan = PlanLabels(stDevice, vecRequests);
+        if (stSession.bJson) {
+            PrintJson(PlanJson(stDevice, stPlan, true, {}));
+        } else {
+            Print(stDevice.Title() + ": nothing was written; this would be\n" + StepsText(stPlan) +
+                  BytesText(stPlan));
+        }
+        return;
+    }
+    const RootLock stLock(stSession);
+    const LABEL_PLAN_S stPlan = PlanLabels(stDevice, vecRequests);
+    if (!stPlan.vecLosses.empty() && !stOptions.bForce) {
+        Fail("refused, for the library writes the whole image of " + stDevice.Title() +
+             " anew and would lose: " + Join(stPlan.vecLosses, "; ") +
+             "; --dry-run shows every byte, --force writes");
+    }
+    std::string strAftermath;
+    const std::vector<std::string> vecSentences = WriteAll(stDevice, stPlan, strAftermath);
+    if (stSession.bJson) {
+        PrintJson(PlanJson(stDevice, stPlan, false, vecSentences));
+    } else {
+        for (const std::string &strSentence : vecSentences) {
+            Print(Paint(Colour::Green, EscapeText(strSentence)) + "\n");
+        }
+        Print(StepsText(stPlan));
+    }
+    if (!strAftermath.empty()) {
+        Fail(strAftermath);
+    }
+}
+
+struct WORD_S
+{
+    const char *pcName;
+    const char *pcWhat;
+};
+
+CLI::App *AddVerb(CLI::App &stLabel, const char *pcName, const char *pcWhat, const char *pcExamples,
+                  const std::vector<WORD_S> &vecWords, LABEL_OPTIONS_S &stOptions)
+{
+    CLI::App *pstCommand = AddCommand(stLabel, pcName, pcWhat, pcExamples);
+    for (size_t i = 0; i < vecWords.size(); i++) {
+        stOptions.apstWords[i] =
+            pstCommand->add_option(vecWords[i].pcName, stOptions.astrWords[i], vecWords[i].pcWhat);
+    }
+    pstCommand->add_option("--id", stOptions.strDeviceID, "the device by its FRU device ID, 0 to 255")
+        ->type_name("N");
+    return pstCommand;
+}
+
+} // namespace
+
+void AddLabelCommand(CLI::App &stParent, SESSION_S &stSession)
+{
+    const WORD_S stDevice = {"DEVICE", "TYPE:INSTANCE (such as 0x30:0) or a device's name; none with --id"};
+    CLI::App *pstLabel =
+        AddCommand(stParent, "label", "List, read and write the named fields of a device",
+                   "fructl label list psu1\nfructl label get baseboard \"Product Serial Number\"\n"
+                   "fructl label set baseboard \"Product Serial Number\" LH22024170042");
+    pstLabel->require_subcommand(1);
+    const auto pstList = std::make_shared<LABEL_OPTIONS_S>();
+    AddVerb(*pstLabel, "list",
+            "The labels that a device takes, their limits and values; without one, all labels",
+            "fructl label list\nfructl label list baseboard\nfructl label list --id 1 --json", {stDevice},
+            *pstList)
+        ->callback([&stSession, pstList] {
+            stSession.fnRun = [&stSession, pstList] { RunList(stSession, *pstList); };
+        });
+    const auto pstGet = std::make_shared<LABEL_OPTIONS_S>();
+    AddVerb(*pstLabel, "get", "One label's value",
+            "fructl label get baseboard \"Board Serial Number\"\nfructl label get --id 1 Mfg.Date",
+            {stDevice, {"NAME", "the label's name, as 'fructl label list' tells it"}}, *pstGet)
+        ->callback(
+            [&stSession, pstGet] { stSession.fnRun = [&stSession, pstGet] { RunGet(stSession, *pstGet); }; });
+    const auto pstSet = std::make_shared<LABEL_OPTIONS_S>();
+    CLI::App *pstSetCommand = AddVerb(
+        *pstLabel, "set", "Write labels; all are checked before the first is written",
+        "fructl label set baseboard \"Product Serial Number\" LH22024170042\n"
+        "fructl label set psu1 \"Product Asset Tag=RACK7\" \"Board Part Number=LHPS800-A2\" --dry-run",
+        {stDevice,
+         {"NAME", "the label's name; or NAME=VALUE, and more of them behind it"},
+         {"VALUE", "its value, when NAME has none"}},
+        *pstSet);
+    pstSetCommand->add_option("MORE", pstSet->vecMore, "NAME=VALUE");
+    pstSetCommand->add_flag("--dry-run", pstSet->bDryRun,
+                            "show old and new and the bytes that would change, and write nothing");
+    pstSetCommand->add_flag("--force", pstSet->bForce,
+                            "write even when something beside the labels would be lost");
+    pstSetCommand->callback(
+        [&stSession, pstSet] { stSession.fnRun = [&stSession, pstSet] { RunSet(stSession, *pstSet); }; });
+}

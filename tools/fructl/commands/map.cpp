@@ -1,0 +1,171 @@
+// fructl map: an image's bytes, each with the area and field that it belongs to.
+#include "commands/commands.h"
+#include "terminal/console.h"
+#include "terminal/json_out.h"
+#include "toolkit/base/json.h"
+#include "toolkit/base/text.h"
+#include "toolkit/controller/device_json.h"
+#include "toolkit/controller/source.h"
+#include "toolkit/controller/target.h"
+#include "toolkit/image/image.h"
+#include "toolkit/image/layout.h"
+#include "toolkit/image/layout_json.h"
+
+namespace {
+
+constexpr size_t BYTES_PER_LINE = 16U;
+constexpr size_t HEX_WIDTH = 3U * BYTES_PER_LINE + 1U;
+constexpr size_t UNITS_PER_LINE = 64U;
+
+struct AREA_STYLE_S
+{
+    char cLetter; // in the overview
+    Colour enColour;
+};
+
+AREA_STYLE_S StyleOf(Area enArea)
+{
+    static const AREA_STYLE_S astStyles[] = {
+        {'H', Colour::Bold},   {'I', Colour::Magenta}, {'C', Colour::Green}, {'B', Colour::Cyan},
+        {'P', Colour::Yellow}, {'M', Colour::Blue},    {'.', Colour::Dim},   {'W', Colour::Bold}};
+    return astStyles[static_cast<size_t>(enArea)];
+}
+
+// One letter for each 8 bytes, the unit in which areas are placed.
+std::string Overview(const std::vector<SPAN_S> &vecSpans, size_t uiLength)
+{
+    std::vector<Area> vecUnits((uiLength + FRU_AREA_UNIT - 1U) / FRU_AREA_UNIT, Area::Unused);
+    for (const SPAN_S &stSpan : vecSpans) {
+        for (size_t i = stSpan.uiOffset / FRU_AREA_UNIT;
+             stSpan.enArea != Area::Unused && i <= (stSpan.uiOffset + stSpan.uiLength - 1U) / FRU_AREA_UNIT &&
+             i < vecUnits.size();
+             i++) {
+            vecUnits[i] = stSpan.enArea;
+        }
+    }
+    std::string strOut;
+    for (size_t i = 0; i < vecUnits.size(); i++) {
+        const AREA_STYLE_S stStyle = StyleOf(vecUnits[i]);
+        if (i % UNITS_PER_LINE == 0U) {
+            strOut += (i == 0U ? "" : "\n") + Paint(Colour::Dim, Format("  %04zx  ", i * FRU_AREA_UNIT));
+        }
+        strOut += Paint(stStyle.enColour, std::string(1U, stStyle.cLetter));
+    }
+    return strOut + "\n";
+}
+
+std::string Legend(const std::vector<SPAN_S> &vecSpans)
+{
+    size_t auiBytes[static_cast<size_t>(Area::Hardware) + 1U] = {};
+    for (const SPAN_S &stSpan : vecSpans) {
+        auiBytes[static_cast<size_t>(stSpan.enArea)] += stSpan.uiLength;
+    }
+    std::vector<std::string> vecParts;
+    for (size_t i = 0; i < std::size(auiBytes); i++) {
+        if (auiBytes[i] != 0U) {
+            const Area enArea = static_cast<Area>(i);
+            vecParts.push_back(Paint(StyleOf(enArea).enColour, std::string(1U, StyleOf(enArea).cLetter)) +
+                               Format(" %s %zu", AreaName(enArea), auiBytes[i]));
+        }
+    }
+    return "  One letter is 8 bytes. Bytes in each area: " + Join(vecParts, ", ") + "\n";
+}
+
+std::string Meaning(const SPAN_S &stSpan)
+{
+    std::string strOut = stSpan.strField;
+    strOut += stSpan.strText.empty() ? "" : ": " + EscapeText(stSpan.strText);
+    strOut += stSpan.strNote.empty() ? "" : Paint(Colour::Dim, " (" + stSpan.strNote + ")");
+    strOut += stSpan.strProblem.empty() ? "" : "  " + Paint(Colour::Red, "<- " + stSpan.strProblem);
+    return strOut;
+}
+
+// The span's bytes, sixteen a line, its meaning beside the first of them. A long run of one value is
+// told, not shown.
+std::string SpanText(const SPAN_S &stSpan, const std::vector<u8> &vecBytes)
+{
+    const Colour enColour = StyleOf(stSpan.enArea).enColour;
+    const size_t uiEnd = stSpan.uiOffset + stSpan.uiLength;
+    const bool bRun = stSpan.enArea == Area::Unused && stSpan.uiLength > BYTES_PER_LINE &&
+                      stSpan.strNote.compare(0, 3, "all") == 0;
+    std::string strOut;
+    for (size_t i = stSpan.uiOffset; i < uiEnd; i += BYTES_PER_LINE) {
+        const size_t uiCount = std::min(BYTES_PER_LINE, uiEnd - i);
+        const std::string strHex = bRun ? Format("%02x ... (%u bytes)", vecBytes[i], stSpan.uiLength)
+                                        : HexBytes(&vecBytes[i], uiCount);
+        const std::string strPad(strHex.size() < HEX_WIDTH ? HEX_WIDTH - strHex.size() : 1U, ' ');
+        strOut += Paint(Colour::Dim, Format("  %04zx  ", i)) + Paint(enColour, strHex);
+        strOut += (i == stSpan.uiOffset) ? strPad + Meaning(stSpan) : "";
+        strOut += "\n";
+        if (bRun) {
+            break;
+        }
+    }
+    return strOut;
+}
+
+Json MapJson(const TARGET_S &stTarget, const IMAGE_S &stImage, const IMAGE_LAYOUT_S &stLayout)
+{
+    Json stJson = TargetJson(stTarget);
+    stJson["source"] = SourceName(stImage.enSource);
+    stJson["size"] = stImage.uiStored;
+    stJson.update(FindingsJson(stLayout));
+    stJson["spans"] = Json::array();
+    for (const SPAN_S &stSpan : stLayout.vecSpans) {
+        Json stOut = {{"offset", stSpan.uiOffset},
+                      {"length", stSpan.uiLength},
+                      {"area", AreaKey(stSpan.enArea)},
+                      {"field", stSpan.strField},
+                      {"text", Latin1ToUtf8(stSpan.strText)},
+                      {"bytes", HexBytes(&stImage.vecBytes[stSpan.uiOffset], stSpan.uiLength)}};
+        if (!stSpan.strNote.empty()) {
+            stOut["note"] = stSpan.strNote;
+        }
+        if (!stSpan.strProblem.empty()) {
+            stOut["problem"] = stSpan.strProblem;
+        }
+        stJson["spans"].push_back(stOut);
+    }
+    return stJson;
+}
+
+void RunMap(const SESSION_S &stSession, const TARGET_OPTIONS_S &stOptions)
+{
+    const TARGET_S stTarget = ResolveTarget(stSession, stOptions);
+    const IMAGE_S stImage = ReadTarget(stTarget);
+    const IMAGE_LAYOUT_S stLayout = LayoutOf(stImage, stTarget.HasFixedSlots());
+    if (stSession.bJson) {
+        PrintJson(MapJson(stTarget, stImage, stLayout));
+        return;
+    }
+    std::string strOut = Paint(Colour::Bold, stTarget.Title()) +
+                         Format("  %s, %zu bytes\n\n", SourceName(stImage.enSource), stImage.uiStored);
+    strOut += Overview(stLayout.vecSpans, stImage.uiStored) + Legend(stLayout.vecSpans);
+    const SPAN_S *pstBefore = nullptr;
+    for (const SPAN_S &stSpan : stLayout.vecSpans) {
+        if (pstBefore == nullptr || pstBefore->enArea != stSpan.enArea) {
+            strOut += "\n" + Paint(StyleOf(stSpan.enArea).enColour, AreaName(stSpan.enArea)) + "\n";
+        }
+        strOut += SpanText(stSpan, stImage.vecBytes);
+        pstBefore = &stSpan;
+    }
+    strOut += stLayout.vecFindings.empty() ? "" : "\nWhat is wrong\n";
+    for (const FINDING_S &stFinding : stLayout.vecFindings) {
+        strOut += "  " + FindingText(stFinding) + "\n";
+    }
+    Print(strOut);
+}
+
+} // namespace
+
+void AddMapCommand(CLI::App &stParent, SESSION_S &stSession)
+{
+    const auto pstOptions = std::make_shared<TARGET_OPTIONS_S>();
+    CLI::App *pstCommand =
+        AddCommand(stParent, "map", "Show which byte of an image belongs to which area and field",
+                   "fructl map baseboard\nfructl map dump.bin\nfructl map examples/psu1.hex --json");
+    AddTargetOptions(pstCommand, *pstOptions, true);
+    pstCommand->callback([&stSession, pstOptions] {
+        stSession.fnRun = [&stSession, pstOptions] { RunMap(stSession, *pstOptions); };
+    });
+}

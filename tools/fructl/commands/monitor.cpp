@@ -1,0 +1,139 @@
+// fructl monitor: follows the controller's FRU events as they happen.
+#include <cerrno>
+#include <csignal>
+#include <cstring>
+#include <ctime>
+#include <fcntl.h>
+#include <unistd.h>
+
+#include "bmcfru_host.h"
+#include "commands/commands.h"
+#include "lib_fru.h"
+#include "terminal/console.h"
+#include "toolkit/base/error.h"
+#include "toolkit/base/json.h"
+#include "toolkit/base/text.h"
+#include "toolkit/controller/controller.h"
+
+namespace {
+
+volatile sig_atomic_t g_iStop = 0;
+
+void Stop(int /*iSignal*/)
+{
+    g_iStop = 1;
+}
+
+struct MONITOR_S
+{
+    bool bAll = false;
+    std::string strCount;
+};
+
+std::string LabelName(u32 uiLabelID)
+{
+    for (u32 i = 0; i < g_uiDIAG_FruLabelMaxNum; i++) {
+        if (g_astDIAG_FruLabel[i].uiLabelID == uiLabelID) {
+            return g_astDIAG_FruLabel[i].pcLabelName;
+        }
+    }
+    return Format("label %u", uiLabelID);
+}
+
+// One event for people. A line that is not an event is shown as it is.
+std::string Describe(const std::string &strLine)
+{
+    const Json stEvent = Json::parse(strLine, nullptr, false);
+    if (!stEvent.is_object()) {
+        return EscapeText(strLine);
+    }
+    const std::string strName = stEvent.value("event", std::string("?"));
+    std::string strText = Paint(Colour::Dim, EscapeText(stEvent.value("time", std::string("?")))) + "  " +
+                          Paint(Colour::Bold, EscapeText(strName));
+    if (stEvent.contains("componentType")) {
+        strText += Format("  0x%02x:%u", stEvent.value("componentType", 0U), stEvent.value("instance", 0U));
+    }
+    if (stEvent.value("labelId", 0U) != 0U) {
+        strText += "  " + LabelName(stEvent.value("labelId", 0U));
+    }
+    if (stEvent.contains("deviceId")) {
+        strText += Format("  ID %u ", stEvent.value("deviceId", 0U)) +
+                   EscapeText(stEvent.value("name", std::string()));
+    }
+    return strText;
+}
+
+// Opens the journal, waiting for the first event to make it. -1 when stopped.
+int OpenJournal(const std::string &strPath)
+{
+    while (g_iStop == 0) {
+        const int iFd = open(strPath.c_str(), O_RDONLY | O_CLOEXEC);
+        if (iFd >= 0) {
+            return iFd;
+        }
+        if (errno != ENOENT) {
+            Fail("cannot read " + strPath + ": " + strerror(errno));
+        }
+        usleep(100000U);
+    }
+    return -1;
+}
+
+void RunMonitor(const SESSION_S &stSession, const MONITOR_S &stOptions)
+{
+    RequireController(stSession);
+    const std::optional<u32> optCount =
+        stOptions.strCount.empty() ? std::optional<u32>(0U) : ParseNumber(stOptions.strCount, 1000000U);
+    if (!optCount.has_value() || (!stOptions.strCount.empty() && *optCount == 0U)) {
+        FailUsage("--count " + EscapeText(stOptions.strCount) + " is refused; accepted: 1 to 1000000");
+    }
+    struct sigaction stAction = {};
+    stAction.sa_handler = Stop;
+    sigaction(SIGINT, &stAction, nullptr);
+    sigaction(SIGTERM, &stAction, nullptr);
+
+    const std::string strPath = stSession.strRoot + BMCHOST_EVENT_JOURNAL;
+    const bool bFromEnd = !stOptions.bAll && access(strPath.c_str(), F_OK) == 0;
+    const int iFd = OpenJournal(strPath);
+    if (iFd >= 0 && bFromEnd) {
+        lseek(iFd, 0, SEEK_END);
+    }
+    std::string strPending;
+    u32 uiShown = 0;
+    while (iFd >= 0 && g_iStop == 0) {
+        char acChunk[4096];
+        const ssize_t iRead = read(iFd, acChunk, sizeof(acChunk));
+        if (iRead <= 0) {
+            usleep(50000U);
+            continue;
+        }
+        strPending.append(acChunk, static_cast<size_t>(iRead));
+        for (size_t uiEnd; (uiEnd = strPending.find('\n')) != std::string::npos;) {
+            const std::string strLine = strPending.substr(0, uiEnd);
+            strPending.erase(0, uiEnd + 1U);
+            Print((stSession.bJson ? strLine : Describe(strLine)) + "\n");
+            (void)FlushOutput();
+            if (++uiShown == *optCount) {
+                close(iFd);
+                return;
+            }
+        }
+    }
+    if (iFd >= 0) {
+        close(iFd);
+    }
+}
+
+} // namespace
+
+void AddMonitorCommand(CLI::App &stParent, SESSION_S &stSession)
+{
+    const auto pstOptions = std::make_shared<MONITOR_S>();
+    CLI::App *pstCommand = AddCommand(stParent, "monitor", "Follow the controller's FRU events until Ctrl-C",
+                                      "fructl monitor\nfructl monitor --all --count 10 --json");
+    pstCommand->add_flag("--all", pstOptions->bAll, "begin with the events of the past");
+    pstCommand->add_option("--count", pstOptions->strCount, "stop after that many events")->type_name("N");
+    pstCommand->callback([&stSession, pstOptions] {
+        stSession.fnRun = [&stSession, pstOptions] { RunMonitor(stSession, *pstOptions); };
+    });
+}

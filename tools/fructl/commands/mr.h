@@ -1,0 +1,10 @@
+// fructl mr: the MultiRecords of FRU images.
+#ifndef FRUCTL_COMMANDS_MR_H
+#define FRUCTL_COMMANDS_MR_H
+
+#include "commands/session.h"
+
+// Adds "mr add"; it stands in mr_add.cpp.
+void AddMrAddCommand(CLI::App &stMr, SESSION_S &stSession);
+
+#endif

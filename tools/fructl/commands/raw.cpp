@@ -1,0 +1,176 @@
+#include "commands/raw.h"
+
+#include "commands/commands.h"
+#include "lib_fru.h"
+#include "terminal/console.h"
+#include "terminal/json_out.h"
+#include "toolkit/base/error.h"
+#include "toolkit/base/text.h"
+#include "toolkit/controller/diagnostics.h"
+#include "toolkit/controller/root_lock.h"
+#include "toolkit/controller/target.h"
+#include "toolkit/image/names.h"
+
+// fructl raw: the IPMI FRU commands, bytes in and bytes out.
+
+namespace {
+
+// The largest response: completion code, count and 255 bytes.
+constexpr size_t RESPONSE_MAX = 257U;
+
+// Data bytes of one write request; the answer tells their number in one byte.
+constexpr size_t WRITE_MAX = 255U;
+
+struct RAW_READ_S
+{
+    TARGET_OPTIONS_S stTarget;
+    std::string strOffset = "0";
+    std::string strCount = "16";
+};
+
+struct RAW_WRITE_S
+{
+    TARGET_OPTIONS_S stTarget;
+    std::string strOffset;
+    std::vector<std::string> vecBytes;
+};
+
+std::vector<u8> HexOption(const std::string &strText)
+{
+    std::string strDigits;
+    for (const char cChar : strText) {
+        strDigits += (cChar == ' ') ? "" : std::string(1U, cChar);
+    }
+    const bool bHex = strDigits.find_first_not_of("0123456789abcdefABCDEF") == std::string::npos;
+    if (!bHex || strDigits.empty() || strDigits.size() % 2U != 0U || strDigits.size() / 2U > WRITE_MAX) {
+        FailUsage("--bytes " + EscapeText(strText) +
+                  Format(" is refused; accepted: 1 to %zu bytes of two hex digits each", WRITE_MAX));
+    }
+    std::vector<u8> vecBytes;
+    for (size_t i = 0; i < strDigits.size(); i += 2U) {
+        vecBytes.push_back(static_cast<u8>(std::stoul(strDigits.substr(i, 2U), nullptr, 16)));
+    }
+    return vecBytes;
+}
+
+void RunInfo(const SESSION_S &stSession, const TARGET_OPTIONS_S &stOptions)
+{
+    const std::vector<u8> vecRequest = {ResolveDeviceID(stSession, stOptions)};
+    std::vector<u8> vecResponse(RESPONSE_MAX);
+    // This request opens an update sequence in the database, so it counts as writing.
+    const RootLock stLock(stSession);
+    vecResponse.resize(
+        LIB_FRU_GetFRUAreaInfo(vecRequest.data(), static_cast<u32>(vecRequest.size()), vecResponse.data()));
+    ReportExchange(stSession, "Get FRU Inventory Area Info", vecRequest, vecResponse);
+}
+
+void RunRead(const SESSION_S &stSession, const RAW_READ_S &stOptions)
+{
+    const u32 uiOffset = NumberOption("--offset", stOptions.strOffset, 0xFFFFU);
+    const u32 uiCount = NumberOption("--count", stOptions.strCount, 0xFFU);
+    const std::vector<u8> vecRequest = {ResolveDeviceID(stSession, stOptions.stTarget),
+                                        static_cast<u8>(uiOffset), static_cast<u8>(uiOffset >> 8U),
+                                        static_cast<u8>(uiCount)};
+    std::vector<u8> vecResponse(RESPONSE_MAX);
+    vecResponse.resize(
+        LIB_FRU_ReadFRUData(vecRequest.data(), static_cast<u8>(vecRequest.size()), vecResponse.data(), 0U));
+    ReportExchange(stSession, "Read FRU Data", vecRequest, vecResponse);
+}
+
+void RunWrite(const SESSION_S &stSession, const RAW_WRITE_S &stOptions)
+{
+    const u32 uiOffset = NumberOption("--offset", stOptions.strOffset, 0xFFFFU);
+    const std::vector<u8> vecData = HexOption(Join(stOptions.vecBytes, ""));
+    std::vector<u8> vecRequest(vecData.size() + 3U);
+    vecRequest[0] = ResolveDeviceID(stSession, stOptions.stTarget);
+    vecRequest[1] = static_cast<u8>(uiOffset);
+    vecRequest[2] = static_cast<u8>(uiOffset >> 8U);
+    std::copy(vecData.begin(), vecData.end(), vecRequest.begin() + 3);
+    std::vector<u8> vecResponse(RESPONSE_MAX);
+    const RootLock stLock(stSession);
+    vecResponse.resize(
+        LIB_FRU_WriteFRUData(vecRequest.data(), static_cast<u32>(vecRequest.size()), vecResponse.data()));
+    ReportExchange(stSession, "Write FRU Data", vecRequest, vecResponse);
+}
+
+void AddWrite(CLI::App &stRaw, SESSION_S &stSession)
+{
+    const auto pstWrite = std::make_shared<RAW_WRITE_S>();
+    CLI::App *pstCommand =
+        AddCommand(stRaw, "write", "Write FRU Data: bytes as they are, nothing is checked or recomputed",
+                   "fructl raw write baseboard --offset 0x20 --bytes \"c4 54 45 53 54\"\n"
+                   "fructl raw write --id 2 --offset 0 --bytes 01");
+    AddTargetOptions(pstCommand, pstWrite->stTarget, false);
+    pstCommand->add_option("--offset", pstWrite->strOffset, "first byte, 0 to 0xffff")
+        ->type_name("N")
+        ->required();
+    pstCommand
+        ->add_option("--bytes", pstWrite->vecBytes, "up to 255 bytes in hex, blanks between them or not")
+        ->type_name("HEX")
+        ->required();
+    pstCommand->callback([&stSession, pstWrite] {
+        stSession.fnRun = [&stSession, pstWrite] { RunWrite(stSession, *pstWrite); };
+    });
+}
+
+} // namespace
+
+u32 NumberOption(const char *pcOption, const std::string &strText, u32 uiMax)
+{
+    const std::optional<u32> optNumber = ParseNumber(strText, uiMax);
+    if (!optNumber.has_value()) {
+        FailUsage(Format("%s %s is refused; accepted: 0 to %u, decimal or 0x", pcOption,
+                         EscapeText(strText).c_str(), uiMax));
+    }
+    return *optNumber;
+}
+
+void ReportExchange(const SESSION_S &stSession, const char *pcCommand, const std::vector<u8> &vecRequest,
+                    const std::vector<u8> &vecResponse)
+{
+    const u8 ucCode = vecResponse.empty() ? 0xFFU : vecResponse[0];
+    const std::string strCode = Format("0x%02x (%s)", ucCode, CompletionCodeName(ucCode));
+    if (stSession.bJson) {
+        PrintJson({{"command", pcCommand},
+                   {"request", HexBytes(vecRequest)},
+                   {"response", HexBytes(vecResponse)},
+                   {"completionCode", ucCode},
+                   {"meaning", CompletionCodeName(ucCode)}});
+    } else {
+        Print(Paint(Colour::Bold, pcCommand) + "\n  request   " + HexBytes(vecRequest) + "\n  response  " +
+              HexBytes(vecResponse) + "\n  code      " +
+              Paint(ucCode == 0U ? Colour::Green : Colour::Red, strCode) + "\n");
+    }
+    if (ucCode != 0U) {
+        Fail(std::string(pcCommand) + " ended with completion code " + strCode + DiagnosticHint());
+    }
+}
+
+void AddRawCommand(CLI::App &stParent, SESSION_S &stSession)
+{
+    CLI::App *pstRaw = AddCommand(stParent, "raw", "Send an IPMI FRU command, bytes in and bytes out",
+                                  "fructl raw info --id 0\nfructl raw read baseboard --offset 0 --count 8");
+    pstRaw->require_subcommand(1);
+    const auto pstInfo = std::make_shared<TARGET_OPTIONS_S>();
+    CLI::App *pstInfoCommand =
+        AddCommand(*pstRaw, "info", "Get FRU Inventory Area Info: size and access type",
+                   "fructl raw info baseboard\nfructl raw info --id 1 --json");
+    AddTargetOptions(pstInfoCommand, *pstInfo, false);
+    pstInfoCommand->callback(
+        [&stSession, pstInfo] { stSession.fnRun = [&stSession, pstInfo] { RunInfo(stSession, *pstInfo); }; });
+
+    const auto pstRead = std::make_shared<RAW_READ_S>();
+    CLI::App *pstReadCommand =
+        AddCommand(*pstRaw, "read", "Read FRU Data",
+                   "fructl raw read baseboard --offset 8 --count 32\nfructl raw read --id 0x02");
+    AddTargetOptions(pstReadCommand, pstRead->stTarget, false);
+    pstReadCommand->add_option("--offset", pstRead->strOffset, "first byte, 0 to 0xffff")
+        ->type_name("N")
+        ->capture_default_str();
+    pstReadCommand->add_option("--count", pstRead->strCount, "how many bytes, 0 to 255")
+        ->type_name("N")
+        ->capture_default_str();
+    pstReadCommand->callback(
+        [&stSession, pstRead] { stSession.fnRun = [&stSession, pstRead] { RunRead(stSession, *pstRead); }; });
+    AddWrite(*pstRaw, stSession);
+}

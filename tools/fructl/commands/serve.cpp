@@ -1,0 +1,177 @@
+// fructl serve: the controller's FRU devices for IPMI clients, through OpenIPMI's simulator.
+#include <algorithm>
+#include <cctype>
+#include <csignal>
+#include <cstring>
+
+#include "commands/commands.h"
+#include "commands/simulator.h"
+#include "terminal/console.h"
+#include "terminal/json_out.h"
+#include "toolkit/base/error.h"
+#include "toolkit/base/file.h"
+#include "toolkit/base/text.h"
+#include "toolkit/controller/controller.h"
+#include "toolkit/controller/device.h"
+
+namespace {
+
+constexpr u32 PORT_DEFAULT = 9623U;
+constexpr const char *ADDRESS_DEFAULT = "127.0.0.1";
+constexpr const char *USER_DEFAULT = "admin";
+constexpr const char *PASSWORD_DEFAULT = "admin"; // on the loopback address only
+// What the simulator keeps of them.
+constexpr size_t USER_MAX = 15U;
+constexpr size_t PASSWORD_MAX = 19U;
+
+struct SERVE_S
+{
+    std::string strPort = std::to_string(PORT_DEFAULT);
+    std::string strAddress = ADDRESS_DEFAULT;
+    std::string strUser = USER_DEFAULT;
+    std::string strPasswordFile;
+};
+
+// A word of the simulator's configuration: it stands in double quotes, and blanks end it all the same.
+bool IsWord(const std::string &strText, size_t uiMax)
+{
+    return !strText.empty() && strText.size() <= uiMax &&
+           std::all_of(strText.begin(), strText.end(),
+                       [](char cLetter) { return cLetter > ' ' && cLetter <= '~'; });
+}
+
+std::string ReadPassword(const std::string &strFile)
+{
+    const std::vector<u8> vecBytes = ReadFileBytes(strFile);
+    const std::string strText(vecBytes.begin(), vecBytes.end());
+    std::string strPassword = strText.substr(0U, strText.find_first_of("\r\n"));
+    if (!IsWord(strPassword, PASSWORD_MAX)) {
+        Fail(Format("the first line of %s is no password; accepted: 1 to %zu printable ASCII characters "
+                    "without blanks",
+                    EscapeText(strFile).c_str(), PASSWORD_MAX));
+    }
+    return strPassword;
+}
+
+SERVICE_S ServiceOf(const SESSION_S &stSession, const SERVE_S &stOptions)
+{
+    SERVICE_S stService;
+    const std::optional<u32> optPort = ParseNumber(stOptions.strPort, 0xFFFFU);
+    if (optPort.value_or(0U) == 0U) {
+        FailUsage("--port " + EscapeText(stOptions.strPort) +
+                  " is refused: clients must know the port; accepted: 1 to 65535");
+    }
+    if (!IsWord(stOptions.strUser, USER_MAX)) {
+        FailUsage(Format("--user %s is refused; accepted: 1 to %zu printable ASCII characters without blanks",
+                         EscapeText(stOptions.strUser).c_str(), USER_MAX));
+    }
+    stService.usPort = static_cast<u16>(*optPort);
+    stService.strAddress = stOptions.strAddress;
+    stService.strUser = stOptions.strUser;
+    stService.strRoot = stSession.strRoot;
+    stService.bVerbose = stSession.bVerbose;
+    const bool bLoopback = IsLoopback(MakeEndpoint(stService.strAddress, stService.usPort));
+    stService.strPassword =
+        stOptions.strPasswordFile.empty() ? PASSWORD_DEFAULT : ReadPassword(stOptions.strPasswordFile);
+    if (!bLoopback && stService.strPassword == PASSWORD_DEFAULT) {
+        FailUsage(
+            "--address " + EscapeText(stService.strAddress) +
+            " is refused with the default password; accepted: another one, through --password-file FILE");
+    }
+    return stService;
+}
+
+// In single quotes where a shell would not take the text as it is.
+std::string ShellWord(const std::string &strText)
+{
+    const bool bPlain = std::all_of(strText.begin(), strText.end(), [](char cLetter) {
+        return isalnum(static_cast<unsigned char>(cLetter)) != 0 || strchr("._-/:@%+,", cLetter) != nullptr;
+    });
+    if (bPlain) {
+        return strText;
+    }
+    std::string strOut = "'";
+    for (const char cLetter : strText) {
+        strOut += cLetter == '\'' ? "'\\''" : std::string(1U, cLetter);
+    }
+    return strOut + "'";
+}
+
+// The line that lists all devices; a password given in a file stays there. Cipher suite 3 is the best that
+// the simulator speaks, and it cannot be asked for its list.
+std::string ClientLine(const SERVICE_S &stService, const std::string &strPasswordFile)
+{
+    std::string strHost = stService.strAddress;
+    strHost = strHost == "0.0.0.0" ? "127.0.0.1" : strHost == "::" ? "::1" : strHost;
+    return Format("ipmitool -I lanplus -C 3 -H %s -p %u -U %s %s fru print", strHost.c_str(),
+                  stService.usPort, ShellWord(stService.strUser).c_str(),
+                  strPasswordFile.empty() ? "-P admin" : ("-f " + ShellWord(strPasswordFile)).c_str());
+}
+
+void Announce(const SESSION_S &stSession, const SERVE_S &stOptions, const SERVICE_S &stService, pid_t iPid)
+{
+    const size_t uiDevices = LoadDevices(stSession).size();
+    const std::string strClient = ClientLine(stService, stOptions.strPasswordFile);
+    if (stSession.bJson) {
+        PrintJson({{"address", stService.strAddress},
+                   {"port", stService.usPort},
+                   {"user", stService.strUser},
+                   {"devices", uiDevices},
+                   {"pid", iPid},
+                   {"client", strClient}});
+    } else {
+        Print(Format("serving %s of %s at %s, UDP port %u, until Ctrl-C\n  ",
+                     Count(uiDevices, "FRU device").c_str(), EscapeText(stSession.strRoot).c_str(),
+                     stService.strAddress.c_str(), stService.usPort) +
+              Paint(Colour::Bold, strClient) + "\n");
+    }
+    (void)FlushOutput();
+}
+
+void RunServe(const SESSION_S &stSession, const SERVE_S &stOptions)
+{
+    RequireController(stSession);
+    const SERVICE_S stService = ServiceOf(stSession, stOptions);
+    (void)LoadDevices(stSession); // without a device table there is nothing to serve
+    sigset_t stSignals;
+    sigemptyset(&stSignals);
+    for (const int iSignal : {SIGINT, SIGTERM, SIGHUP, SIGCHLD}) {
+        sigaddset(&stSignals, iSignal);
+    }
+    sigprocmask(SIG_BLOCK, &stSignals, nullptr);
+    Simulator stSimulator(stService);
+    Announce(stSession, stOptions, stService, stSimulator.Pid());
+    int iSignal = SIGCHLD;
+    while (iSignal == SIGCHLD) {
+        if (stSimulator.HasEnded()) {
+            Fail("the service has ended: " + stSimulator.EndText());
+        }
+        if (sigwait(&stSignals, &iSignal) != 0) {
+            Fail("cannot wait for signals");
+        }
+    }
+}
+
+} // namespace
+
+void AddServeCommand(CLI::App &stParent, SESSION_S &stSession)
+{
+    const auto pstOptions = std::make_shared<SERVE_S>();
+    CLI::App *pstCommand = AddCommand(
+        stParent, "serve", "Serve the devices to IPMI clients over the network, until Ctrl-C",
+        "fructl serve\nfructl serve --port 623 --address 192.0.2.7 --user service --password-file secret");
+    pstCommand->add_option("--port", pstOptions->strPort, "UDP port")->type_name("N")->capture_default_str();
+    pstCommand->add_option("--address", pstOptions->strAddress, "numeric address to listen on")
+        ->type_name("A")
+        ->capture_default_str();
+    pstCommand->add_option("--user", pstOptions->strUser, "who may log in")
+        ->type_name("NAME")
+        ->capture_default_str();
+    pstCommand
+        ->add_option("--password-file", pstOptions->strPasswordFile,
+                     "file with the password in its first line (else: admin, on the loopback address only)")
+        ->type_name("FILE");
+    pstCommand->callback([&stSession, pstOptions] {
+        stSession.fnRun = [&stSession, pstOptions] { RunServe(stSession, *pstOptions); };
+    });
+}

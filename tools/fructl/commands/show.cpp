@@ -1,0 +1,136 @@
+// fructl show: a device or an image file, decoded.
+#include <map>
+
+#include "commands/commands.h"
+#include "terminal/console.h"
+#include "terminal/json_out.h"
+#include "toolkit/base/json.h"
+#include "toolkit/base/text.h"
+#include "toolkit/controller/device_json.h"
+#include "toolkit/controller/source.h"
+#include "toolkit/controller/target.h"
+#include "toolkit/image/image.h"
+#include "toolkit/image/layout.h"
+#include "toolkit/image/record.h"
+#include "toolkit/image/record_json.h"
+
+namespace {
+
+constexpr size_t RECORD_COLUMNS = 96U; // 32 bytes in hex
+
+using Notes = std::map<std::pair<Area, std::string>, std::string>;
+
+// How texts are stored, where that is not plain, by area and field name.
+Notes StorageNotes(const TARGET_S &stTarget)
+{
+    Notes mapNotes;
+    const IMAGE_LAYOUT_S stLayout = LayoutOf(ReadTarget(stTarget), stTarget.HasFixedSlots());
+    for (const SPAN_S &stSpan : stLayout.vecSpans) {
+        if (!stSpan.strNote.empty() && stSpan.strNote != "empty") {
+            mapNotes[{stSpan.enArea, stSpan.strField}] = stSpan.strNote;
+        }
+    }
+    return mapNotes;
+}
+
+std::string Heading(Area enArea)
+{
+    std::string strName = AreaName(enArea);
+    strName[0] = static_cast<char>(toupper(strName[0]));
+    return Paint(Colour::Bold, strName) + "\n";
+}
+
+std::string Row(const std::string &strName, const std::string &strText, const std::string &strNote)
+{
+    const std::string strShown = strText.empty() ? Paint(Colour::Dim, "-") : EscapeText(strText);
+    return Format("  %-19s ", strName.c_str()) + strShown +
+           (strNote.empty() ? "" : Paint(Colour::Dim, "  (" + strNote + ")")) + "\n";
+}
+
+std::string AreaText(const AREA_VIEW_S &stArea, const Notes &mapNotes)
+{
+    const auto fnNote = [&](const std::string &strName) {
+        const auto itNote = mapNotes.find({stArea.enArea, strName});
+        return itNote != mapNotes.end() ? itNote->second : std::string();
+    };
+    std::string strOut = Heading(stArea.enArea);
+    for (const FIELD_VIEW_S &stField : stArea.vecFields) {
+        strOut += Row(stField.strName, stField.strText, fnNote(stField.strName));
+    }
+    for (size_t i = 0; i < stArea.vecCustomFields.size(); i++) {
+        const std::string strName = Format("custom field %zu", i + 1U);
+        strOut += Row(strName, stArea.vecCustomFields[i], fnNote(strName));
+    }
+    return strOut;
+}
+
+std::string MultiRecordsText(const RECORD_VIEW_S &stView)
+{
+    if (!stView.bMultiRecordArea) {
+        return "";
+    }
+    std::string strOut = Heading(Area::MultiRecord);
+    if (stView.vecMultiRecords.empty()) {
+        return strOut + "  " + Paint(Colour::Red, "damaged: no record can be read") +
+               " ('fructl verify' tells why)\n";
+    }
+    for (const MULTIRECORD_VIEW_S &stRecord : stView.vecMultiRecords) {
+        strOut += "  " + stRecord.strName +
+                  Paint(Colour::Dim,
+                        Format(" (type 0x%02x, %zu bytes)", stRecord.ucType, stRecord.vecData.size())) +
+                  "\n";
+        // Hex of a long record goes on many lines; known texts are never so long.
+        const std::string strText = EscapeText(stRecord.strText);
+        for (size_t i = 0; i < strText.size(); i += RECORD_COLUMNS) {
+            strOut += "    " + strText.substr(i, RECORD_COLUMNS) + "\n";
+        }
+    }
+    return strOut;
+}
+
+std::string TitleText(const TARGET_S &stTarget)
+{
+    const std::string strTitle = Paint(Colour::Bold, stTarget.Title());
+    if (!stTarget.optDevice.has_value()) {
+        return strTitle + "\n";
+    }
+    const FRU_DEVICE_INFO_S &stInfo = stTarget.optDevice->stInfo;
+    return strTitle +
+           Format("  FRU device ID %u, %u bytes at 0x%04x of the EEPROM on bus %u, address 0x%02x\n",
+                  stTarget.optDevice->stEntry.ucDeviceID, stInfo.usSize, stInfo.usStartOffset,
+                  stInfo.ucBusNumber, stInfo.ucAddress);
+}
+
+void RunShow(const SESSION_S &stSession, const TARGET_OPTIONS_S &stOptions)
+{
+    const TARGET_S stTarget = ResolveTarget(stSession, stOptions);
+    Record stRecord;
+    DecodeTarget(stTarget, stRecord);
+    const RECORD_VIEW_S stView = ViewRecord(*stRecord.Data());
+    if (stSession.bJson) {
+        Json stJson = TargetJson(stTarget);
+        stJson.update(RecordJson(stView));
+        PrintJson(stJson);
+        return;
+    }
+    const Notes mapNotes = StorageNotes(stTarget);
+    std::string strOut = TitleText(stTarget);
+    for (const AREA_VIEW_S &stArea : stView.vecAreas) {
+        strOut += "\n" + AreaText(stArea, mapNotes);
+    }
+    Print(strOut + (stView.bMultiRecordArea ? "\n" : "") + MultiRecordsText(stView));
+}
+
+} // namespace
+
+void AddShowCommand(CLI::App &stParent, SESSION_S &stSession)
+{
+    const auto pstOptions = std::make_shared<TARGET_OPTIONS_S>();
+    CLI::App *pstCommand = AddCommand(
+        stParent, "show", "Show a device or an image file, decoded",
+        "fructl show baseboard\nfructl show 0x30:0\nfructl show --id 1 --json\nfructl show dump.bin");
+    AddTargetOptions(pstCommand, *pstOptions, true);
+    pstCommand->callback([&stSession, pstOptions] {
+        stSession.fnRun = [&stSession, pstOptions] { RunShow(stSession, *pstOptions); };
+    });
+}

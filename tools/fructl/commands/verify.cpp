@@ -1,0 +1,188 @@
+// fructl verify: is every byte of an image as it should be, and if not, what is wrong where.
+#include "commands/commands.h"
+#include "terminal/console.h"
+#include "terminal/json_out.h"
+#include "toolkit/base/error.h"
+#include "toolkit/base/json.h"
+#include "toolkit/base/text.h"
+#include "toolkit/controller/device.h"
+#include "toolkit/controller/device_json.h"
+#include "toolkit/controller/diagnostics.h"
+#include "toolkit/controller/source.h"
+#include "toolkit/controller/target.h"
+#include "toolkit/image/hardware_block.h"
+#include "toolkit/image/image.h"
+#include "toolkit/image/layout.h"
+#include "toolkit/image/layout_json.h"
+#include "toolkit/image/record.h"
+
+namespace {
+
+// One checked image: a device's EEPROM, a device's cached image or a file.
+struct CHECK_S
+{
+    std::string strTitle;
+    Json stJson;
+    IMAGE_LAYOUT_S stLayout;
+    std::string strFailure; // not empty: there are no bytes to look at, or the library disagrees
+    bool bCheckedLibrary;
+
+    bool IsGood() const
+    {
+        return strFailure.empty() && stLayout.IsSound();
+    }
+};
+
+CHECK_S CheckImage(const TARGET_S &stTarget, const IMAGE_S &stImage)
+{
+    CHECK_S stCheck = {stTarget.Title(), TargetJson(stTarget), LayoutOf(stImage, stTarget.HasFixedSlots()),
+                       "", true};
+    if (stImage.enSource == Source::Cache) {
+        stCheck.strTitle += ", cached image";
+    }
+    stCheck.stJson["source"] = SourceName(stImage.enSource);
+    // The library has the last word: what it refuses is not in order, whatever the walk above thinks.
+    // It has no word on a hardware block, whose CRC-8 bytes it has computed for the walk.
+    if (IsHardwareBlock(stImage.vecBytes, stImage.uiStored)) {
+        return stCheck;
+    }
+    Record stRecord;
+    ClearDiagnostics();
+    const u32 uiRet = DecodeImage(stImage, stTarget.HasFixedSlots(), stRecord);
+    if (uiRet != FRU_OK && stCheck.stLayout.IsSound()) {
+        stCheck.strFailure = "the library refuses it: " + StatusText(uiRet) + DiagnosticHint();
+    }
+    return stCheck;
+}
+
+CHECK_S Unreadable(const TARGET_S &stTarget, Source enSource, const std::string &strWhy)
+{
+    CHECK_S stCheck = {stTarget.Title(), TargetJson(stTarget), {}, strWhy, false};
+    stCheck.stJson["source"] = SourceName(enSource);
+    return stCheck;
+}
+
+// The EEPROM's image, and the cached one where it is served to readers and is another.
+void CheckTarget(const TARGET_S &stTarget, std::vector<CHECK_S> &vecChecks)
+{
+    std::optional<IMAGE_S> optImage;
+    try {
+        optImage = ReadTarget(stTarget);
+        vecChecks.push_back(CheckImage(stTarget, *optImage));
+    } catch (const Error &stError) {
+        vecChecks.push_back(Unreadable(
+            stTarget, stTarget.optDevice.has_value() ? Source::Eeprom : Source::File, stError.what()));
+    }
+    if (!stTarget.optDevice.has_value() || stTarget.optDevice->IsDatabaseOnly() ||
+        !IsCacheTrusted(*stTarget.optDevice)) {
+        return;
+    }
+    const std::optional<IMAGE_S> optCached = FindSource(*stTarget.optDevice, Source::Cache);
+    if (!optCached.has_value() || !optImage.has_value()) {
+        return;
+    }
+    const std::optional<size_t> optAt = FirstDifference(*optImage, *optCached, stTarget.HasFixedSlots());
+    if (optAt.has_value()) {
+        CHECK_S stCheck = CheckImage(stTarget, *optCached);
+        stCheck.strFailure =
+            Format("%s the EEPROM from byte 0x%04zx on (0x%02x in the EEPROM, 0x%02x cached)",
+                   stCheck.stLayout.IsSound() ? "sound in itself, but differs from" : "differs from", *optAt,
+                   optImage->vecBytes[*optAt], optCached->vecBytes[*optAt]);
+        vecChecks.push_back(stCheck);
+    }
+}
+
+std::string GoodText(const IMAGE_LAYOUT_S &stLayout)
+{
+    if (stLayout.vecAreas == std::vector<Area>{Area::Hardware}) {
+        return AreaName(Area::Hardware);
+    }
+    std::vector<std::string> vecParts = {"header"};
+    for (const Area enArea : stLayout.vecAreas) {
+        vecParts.push_back(enArea == Area::MultiRecord ? Count(stLayout.uiMultiRecords, "MultiRecord")
+                                                       : AreaKey(enArea));
+    }
+    return Join(vecParts, ", ");
+}
+
+std::string CheckText(const CHECK_S &stCheck)
+{
+    std::string strOut = stCheck.IsGood() ? Paint(Colour::Green, "good  ") : Paint(Colour::Red, "WRONG ");
+    strOut += " " + Paint(Colour::Bold, stCheck.strTitle);
+    strOut += stCheck.IsGood() ? ": " + GoodText(stCheck.stLayout) + "\n" : "\n";
+    if (!stCheck.strFailure.empty()) {
+        strOut += "         " + stCheck.strFailure + "\n";
+    }
+    for (const FINDING_S &stFinding : stCheck.stLayout.vecFindings) {
+        strOut += "         " + FindingText(stFinding) +
+                  (stFinding.bWarning ? Paint(Colour::Yellow, " (a warning only)") : "") + "\n";
+    }
+    return strOut;
+}
+
+void PrintChecks(const SESSION_S &stSession, const std::vector<CHECK_S> &vecChecks)
+{
+    Json stImages = Json::array();
+    for (const CHECK_S &stCheck : vecChecks) {
+        if (!stSession.bJson) {
+            Print(CheckText(stCheck));
+            continue;
+        }
+        Json stJson = stCheck.stJson;
+        stJson.update(FindingsJson(stCheck.stLayout));
+        stJson["sound"] = stCheck.IsGood();
+        if (!stCheck.strFailure.empty()) {
+            stJson["failure"] = stCheck.strFailure;
+        }
+        stImages.push_back(stJson);
+    }
+    if (stSession.bJson) {
+        PrintJson({{"images", stImages}});
+    }
+}
+
+void RunVerify(const SESSION_S &stSession, const std::vector<std::string> &vecTargets,
+               const std::string &strDeviceID)
+{
+    std::vector<CHECK_S> vecChecks;
+    for (const std::string &strTarget : vecTargets) {
+        CheckTarget(ResolveTarget(stSession, {strTarget, ""}), vecChecks);
+    }
+    if (!strDeviceID.empty()) {
+        CheckTarget(ResolveTarget(stSession, {"", strDeviceID}), vecChecks);
+    }
+    if (vecTargets.empty() && strDeviceID.empty()) {
+        for (const DEVICE_S &stDevice : LoadDevices(stSession)) {
+            CheckTarget({stDevice, ""}, vecChecks);
+        }
+    }
+    PrintChecks(stSession, vecChecks);
+    size_t uiWrong = 0;
+    for (const CHECK_S &stCheck : vecChecks) {
+        uiWrong += stCheck.IsGood() ? 0U : 1U;
+    }
+    if (uiWrong != 0U) {
+        Fail(Format("verify: %zu of %s %s not in order", uiWrong, Count(vecChecks.size(), "image").c_str(),
+                    uiWrong == 1U ? "is" : "are"));
+    }
+}
+
+} // namespace
+
+void AddVerifyCommand(CLI::App &stParent, SESSION_S &stSession)
+{
+    const auto pvecTargets = std::make_shared<std::vector<std::string>>();
+    const auto pstrDeviceID = std::make_shared<std::string>();
+    CLI::App *pstCommand = AddCommand(
+        stParent, "verify", "Check images byte by byte; exit 1 when anything is wrong",
+        "fructl verify\nfructl verify baseboard 0x30:0\nfructl verify dump.bin examples/*.hex --json");
+    pstCommand->add_option("DEVICE|FILE", *pvecTargets,
+                           "devices or image files; none: all devices, their EEPROMs and the cached images "
+                           "that differ from them");
+    pstCommand->add_option("--id", *pstrDeviceID, "a device by its FRU device ID, 0 to 255")->type_name("N");
+    pstCommand->callback([&stSession, pvecTargets, pstrDeviceID] {
+        stSession.fnRun = [&stSession, pvecTargets, pstrDeviceID] {
+            RunVerify(stSession, *pvecTargets, *pstrDeviceID);
+        };
+    });
+}
