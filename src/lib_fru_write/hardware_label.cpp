@@ -33,7 +33,7 @@ u32 LIB_FRU_WriteHWInfo(FRU_SET_PARA_S *pstFRUSetPara)
     if (FRU_FetchBlockDevice(pstFRUSetPara, &stFRUInfo) != FRU_OK) {
         return LIB_FRU_ERR_NO_DEVICE;
     }
-    FRU_AddHWOperateLog(g_iOperateFailure, pstFRUSetPara);
+    FRU_AddHWOperateLog(FRU_OPERATELOG_FAILED, pstFRUSetPara);
     if (FRU_ResolveBlockLabel(pstFRUSetPara) != FRU_OK) {
         return LIB_FRU_ERR_NO_DEVICE;
     }
@@ -54,6 +54,6 @@ u32 LIB_FRU_WriteHWInfo(FRU_SET_PARA_S *pstFRUSetPara)
         FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_WARNING, "Write HW Info To Device failed! Ret:%#x.", uiResult);
         return FRU_ERR_FAILED;
     }
-    FRU_AddHWOperateLog(g_iOperateSuccess, pstFRUSetPara);
+    FRU_AddHWOperateLog(FRU_OPERATELOG_SUCCEEDED, pstFRUSetPara);
     return FRU_OK;
 }

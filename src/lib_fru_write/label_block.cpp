@@ -5,53 +5,21 @@
 #include <cstring>
 
 #include "catalogue.h"
+#include "common/text.h"
 #include "lib_fru_access.h"
 #include "lib_fru_labels.h"
 #include "lib_fru_write_module.h"
 
 namespace {
 
-constexpr u8 g_ucOperateLogType = 12U;
-
-// Both label writes have one sentence for a failure, and one each for a success.
-void FillSentence(i32 iResult, FRU_SET_PARA_S *pstFRUSetPara, bool bHardware, const char *pcFunction)
+// One sentence for the failures of both label writes.
+void FillFailure(FRU_SET_PARA_S *pstFRUSetPara)
 {
-    if (pstFRUSetPara == nullptr) {
-        FRU_LOG_NULL_IN("pstFRUSetPara", pcFunction);
-        return;
-    }
-    char acFRUName[sizeof(pstFRUSetPara->acFRUName) + 1U];
-    char acName[sizeof(pstFRUSetPara->acLabelName) + 1U];
-    char acValue[sizeof(pstFRUSetPara->acLabelValue) + 1U];
-    FRU_CopyMember(acFRUName, pstFRUSetPara->acFRUName, sizeof(pstFRUSetPara->acFRUName));
-    FRU_CopyMember(acName, pstFRUSetPara->acLabelName, sizeof(pstFRUSetPara->acLabelName));
-    FRU_CopyMember(acValue, pstFRUSetPara->acLabelValue, sizeof(pstFRUSetPara->acLabelValue));
-    char *pcSentence = pstFRUSetPara->acOperateLog;
-    constexpr u32 uiSize = sizeof(pstFRUSetPara->acOperateLog);
-    if (iResult != g_iOperateSuccess) {
-        (void)BMC_Scnprintf(pcSentence, uiSize, "Failed to set %s FRU.", acFRUName);
-    } else if (bHardware) {
-        (void)BMC_Scnprintf(pcSentence, uiSize, "Set %s %s successfully.", acFRUName, acName);
-    } else {
-        // The FRU name stands twice, in the sentence's head and before the label.
-        (void)BMC_Scnprintf(pcSentence, uiSize, "Set %s FRU successfully, %s %s: %s.", acFRUName, acFRUName,
-                            acName, acValue);
-    }
+    (void)BMC_Scnprintf(pstFRUSetPara->acOperateLog, sizeof(pstFRUSetPara->acOperateLog),
+                        "Failed to set %s FRU.", FRU_TextOf(pstFRUSetPara->acFRUName).acText);
 }
 
 } // namespace
-
-void FRU_CopyMember(char *pcDest, const char *pcMember, size_t uiSize)
-{
-    const size_t uiLength = strnlen(pcMember, uiSize);
-    (void)memcpy(pcDest, pcMember, uiLength);
-    pcDest[uiLength] = '\0';
-}
-
-bool FRU_IsTerminated(const char *pcMember, size_t uiSize)
-{
-    return memchr(pcMember, '\0', uiSize) != nullptr;
-}
 
 u32 FRU_LabelIDOfBlock(const FRU_SET_PARA_S *pstFRUSetPara)
 {
@@ -70,8 +38,8 @@ u32 FRU_FetchBlockDevice(FRU_SET_PARA_S *pstFRUSetPara, FRU_DEVICE_INFO_S *pstFR
                 ucType, ucInstance);
         return LIB_FRU_ERR_NO_DEVICE;
     }
-    FRU_CopyMember(pstFRUSetPara->acFRUName, pstFRUInfo->acFRUName, sizeof(pstFRUSetPara->acFRUName) - 1U);
-    pstFRUSetPara->ucOperateLogType = g_ucOperateLogType;
+    FRU_CopyText(pstFRUSetPara->acFRUName, pstFRUInfo->acFRUName, sizeof(pstFRUSetPara->acFRUName) - 1U);
+    pstFRUSetPara->ucOperateLogType = FRU_OPERATELOG_SOURCE;
     return FRU_OK;
 }
 
@@ -79,9 +47,8 @@ u32 FRU_ResolveBlockLabel(FRU_SET_PARA_S *pstFRUSetPara)
 {
     const u32 uiLabelID = FRU_LabelIDOfBlock(pstFRUSetPara);
     if (uiLabelID == g_uiLabelNotFound) {
-        char acName[sizeof(pstFRUSetPara->acLabelName) + 1U];
-        FRU_CopyMember(acName, pstFRUSetPara->acLabelName, sizeof(pstFRUSetPara->acLabelName));
-        FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_ERROR, "Find Label ID by name[%s] failed!", acName);
+        FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_ERROR, "Find Label ID by name[%s] failed!",
+                FRU_TextOf(pstFRUSetPara->acLabelName).acText);
         return FRU_ERR_FAILED;
     }
     pstFRUSetPara->uiLabelID = uiLabelID;
@@ -90,10 +57,27 @@ u32 FRU_ResolveBlockLabel(FRU_SET_PARA_S *pstFRUSetPara)
 
 void FRU_AddComOperateLog(i32 iResult, FRU_SET_PARA_S *pstFRUSetPara)
 {
-    FillSentence(iResult, pstFRUSetPara, false, __func__);
+    FRU_REQUIRE_OR_LEAVE(pstFRUSetPara);
+    if (iResult != FRU_OPERATELOG_SUCCEEDED) {
+        FillFailure(pstFRUSetPara);
+        return;
+    }
+    // The FRU name stands twice, in the sentence's head and before the label.
+    const auto stFRUName = FRU_TextOf(pstFRUSetPara->acFRUName);
+    (void)BMC_Scnprintf(pstFRUSetPara->acOperateLog, sizeof(pstFRUSetPara->acOperateLog),
+                        "Set %s FRU successfully, %s %s: %s.", stFRUName.acText, stFRUName.acText,
+                        FRU_TextOf(pstFRUSetPara->acLabelName).acText,
+                        FRU_TextOf(pstFRUSetPara->acLabelValue).acText);
 }
 
 void FRU_AddHWOperateLog(i32 iResult, FRU_SET_PARA_S *pstFRUSetPara)
 {
-    FillSentence(iResult, pstFRUSetPara, true, __func__);
+    FRU_REQUIRE_OR_LEAVE(pstFRUSetPara);
+    if (iResult != FRU_OPERATELOG_SUCCEEDED) {
+        FillFailure(pstFRUSetPara);
+        return;
+    }
+    (void)BMC_Scnprintf(pstFRUSetPara->acOperateLog, sizeof(pstFRUSetPara->acOperateLog),
+                        "Set %s %s successfully.", FRU_TextOf(pstFRUSetPara->acFRUName).acText,
+                        FRU_TextOf(pstFRUSetPara->acLabelName).acText);
 }

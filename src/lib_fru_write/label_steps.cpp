@@ -2,6 +2,7 @@
 #include <cstring>
 
 #include "catalogue.h"
+#include "common/text.h"
 #include "label_block.h"
 #include "lib_fru_access.h"
 #include "lib_fru_codec.h"
@@ -10,7 +11,6 @@
 
 namespace {
 
-constexpr u8 g_ucReadAndRecover = 2U; // read mode that restores a damaged device from its stored image
 constexpr u32 g_uiProductSerialNumberID = 20U;
 
 // The texts of an empty product area in the order of their allocation.
@@ -36,19 +36,6 @@ const DEFAULT_TEXT_S g_astDefaultTexts[] = {
     FRU_DEFAULT_TEXT(ucAssetTagLen, 1U, pucAssetTag),
     FRU_DEFAULT_TEXT(ucFRUFileIDLen, 1U, pucFRUFileID),
 };
-
-bool HasArguments(const FRU_SET_PARA_S *pstFRUSetPara, const FRU_DATA_S *pstFRUData, const char *pcFunction)
-{
-    if (pstFRUSetPara == nullptr) {
-        FRU_LOG_NULL_IN("pstFRUSetPara", pcFunction);
-        return false;
-    }
-    if (pstFRUData == nullptr) {
-        FRU_LOG_NULL_IN("pstFRUData", pcFunction);
-        return false;
-    }
-    return true;
-}
 
 // An empty product area, so that product labels can be written on any device.
 u32 SetProductAreaDefault(FRU_DATA_S *pstFRUData)
@@ -87,11 +74,10 @@ u8 *FRU_MallocLabelValue(const FRU_SET_PARA_S *pstFRUSetPara)
 
 u32 FRU_GetElectronicLabel(const FRU_SET_PARA_S *pstFRUSetPara, FRU_DATA_S *pstFRUData)
 {
-    if (!HasArguments(pstFRUSetPara, pstFRUData, __func__)) {
-        return FRU_ERR_NULL_POINTER;
-    }
+    FRU_REQUIRE(pstFRUSetPara, FRU_ERR_NULL_POINTER);
+    FRU_REQUIRE(pstFRUData, FRU_ERR_NULL_POINTER);
     u32 uiResult = LIB_FRU_GetFRUData(pstFRUSetPara->ucComponentType, pstFRUSetPara->ucInstance,
-                                      g_ucReadAndRecover, 1U, pstFRUData);
+                                      FRU_READ_MODE_RECOVER, FRU_READ_ARG_USUAL, pstFRUData);
     if (uiResult != FRU_OK) {
         FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_ERROR, "Get FRU data failed! Ret:%#x.", uiResult);
         FRU_ANALYZER_SafeFree(pstFRUData);
@@ -113,23 +99,22 @@ u32 FRU_CheckElectronicLabel(FRU_SET_PARA_S *pstFRUSetPara)
 {
     FRU_REQUIRE(pstFRUSetPara, FRU_ERR_NULL_POINTER);
     if (isLabelNameValid(pstFRUSetPara) != 1U) {
-        char acName[sizeof(pstFRUSetPara->acLabelName) + 1U];
-        FRU_CopyMember(acName, pstFRUSetPara->acLabelName, sizeof(pstFRUSetPara->acLabelName));
-        FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_ERROR, "Label name[%s] is invalid!", acName);
+        FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_ERROR, "Label name[%s] is invalid!",
+                FRU_TextOf(pstFRUSetPara->acLabelName).acText);
         return FRU_ERR_FAILED;
     }
     // A value without an end inside the block is never valid. The check sees a copy that has one, and says
     // why it refuses the length.
     char *pcValue = pstFRUSetPara->acLabelValue;
     const bool bTerminated = FRU_IsTerminated(pcValue, sizeof(pstFRUSetPara->acLabelValue));
-    char acValue[sizeof(pstFRUSetPara->acLabelValue) + 1U];
-    FRU_CopyMember(acValue, pcValue, sizeof(pstFRUSetPara->acLabelValue));
+    auto stCopy = FRU_TextOf(pstFRUSetPara->acLabelValue);
+    char *pcChecked = bTerminated ? pcValue : stCopy.acText;
     const i32 iLength = static_cast<i32>(pstFRUSetPara->uiLabelValueLen);
-    const u32 uiValid = isLabelValueValid(pstFRUSetPara->acLabelName, bTerminated ? pcValue : acValue,
-                                          iLength, pstFRUSetPara->ucComponentType);
+    const u32 uiValid =
+        isLabelValueValid(pstFRUSetPara->acLabelName, pcChecked, iLength, pstFRUSetPara->ucComponentType);
     if (uiValid != 1U || !bTerminated) {
-        FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_ERROR, "Label value[%s] length[%d] is invalid!",
-                bTerminated ? pcValue : acValue, iLength);
+        FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_ERROR, "Label value[%s] length[%d] is invalid!", pcChecked,
+                iLength);
         return FRU_ERR_FAILED;
     }
     return FRU_OK;
@@ -137,9 +122,8 @@ u32 FRU_CheckElectronicLabel(FRU_SET_PARA_S *pstFRUSetPara)
 
 u32 FRU_ReplaceElectronicLabel(const FRU_SET_PARA_S *pstFRUSetPara, FRU_DATA_S *pstFRUData)
 {
-    if (!HasArguments(pstFRUSetPara, pstFRUData, __func__)) {
-        return FRU_ERR_NULL_POINTER;
-    }
+    FRU_REQUIRE(pstFRUSetPara, FRU_ERR_NULL_POINTER);
+    FRU_REQUIRE(pstFRUData, FRU_ERR_NULL_POINTER);
     const DIAG_FRU_LABEL_S *pstLabel = FRU_FindLabelByID(pstFRUSetPara->uiLabelID);
     if (pstLabel == nullptr) {
         FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_ERROR, "Find fru label replace failed! Ret:%#x.", FRU_ERR_FAILED);
@@ -168,11 +152,10 @@ u32 FRU_ReplaceElectronicLabel(const FRU_SET_PARA_S *pstFRUSetPara, FRU_DATA_S *
 
 i32 FRU_SetElectronicLabel(const FRU_SET_PARA_S *pstFRUSetPara, const FRU_DATA_S *pstFRUData)
 {
-    if (!HasArguments(pstFRUSetPara, pstFRUData, __func__)) {
-        return static_cast<i32>(FRU_ERR_NULL_POINTER);
-    }
-    const u32 uiResult =
-        LIB_FRU_WriteArrayFRUData(pstFRUSetPara->ucComponentType, pstFRUSetPara->ucInstance, pstFRUData, 1U);
+    FRU_REQUIRE(pstFRUSetPara, static_cast<i32>(FRU_ERR_NULL_POINTER));
+    FRU_REQUIRE(pstFRUData, static_cast<i32>(FRU_ERR_NULL_POINTER));
+    const u32 uiResult = LIB_FRU_WriteArrayFRUData(pstFRUSetPara->ucComponentType, pstFRUSetPara->ucInstance,
+                                                   pstFRUData, FRU_WRITE_ARG_USUAL);
     if (uiResult != FRU_OK) {
         FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_ERROR, "Write FRU array data failed! Ret:%#x.", uiResult);
         return static_cast<i32>(FRU_ERR_FAILED);

@@ -1,6 +1,7 @@
 // Writing one electronic label: read the whole image, change one field, write the whole image back.
 #include <cstring>
 
+#include "common/text.h"
 #include "label_block.h"
 #include "lib_fru_codec.h"
 #include "lib_fru_events.h"
@@ -31,12 +32,11 @@ u32 ReadChangeWrite(const FRU_SET_PARA_S *pstFRUSetPara, FRU_DATA_S *pstFRUData)
 
 void LogRequest(const FRU_SET_PARA_S *pstFRUSetPara)
 {
-    char acValue[sizeof(pstFRUSetPara->acLabelValue) + 1U];
-    FRU_CopyMember(acValue, pstFRUSetPara->acLabelValue, sizeof(pstFRUSetPara->acLabelValue));
     FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_INFO,
             "ComponentType[%#x] Instance[%d] LabelName[%s] LabelValue[%s:%d] LabelID[%d].",
-            pstFRUSetPara->ucComponentType, pstFRUSetPara->ucInstance, pstFRUSetPara->acLabelName, acValue,
-            static_cast<i32>(pstFRUSetPara->uiLabelValueLen), static_cast<i32>(pstFRUSetPara->uiLabelID));
+            pstFRUSetPara->ucComponentType, pstFRUSetPara->ucInstance, pstFRUSetPara->acLabelName,
+            FRU_TextOf(pstFRUSetPara->acLabelValue).acText, static_cast<i32>(pstFRUSetPara->uiLabelValueLen),
+            static_cast<i32>(pstFRUSetPara->uiLabelID));
 }
 
 } // namespace
@@ -51,7 +51,7 @@ u32 LIB_FRU_WriteElectronicLabel(FRU_SET_PARA_S *pstFRUSetPara)
         return LIB_FRU_ERR_NO_DEVICE;
     }
     pstFRUSetPara->ucFieldFlag = stFRUInfo.ucFieldFlag;
-    FRU_AddComOperateLog(g_iOperateFailure, pstFRUSetPara);
+    FRU_AddComOperateLog(FRU_OPERATELOG_FAILED, pstFRUSetPara);
     if (FRU_ResolveBlockLabel(pstFRUSetPara) != FRU_OK) {
         return LIB_FRU_ERR_LABEL;
     }
@@ -67,7 +67,7 @@ u32 LIB_FRU_WriteElectronicLabel(FRU_SET_PARA_S *pstFRUSetPara)
     if (uiResult != FRU_OK) {
         return LIB_FRU_ERR_LABEL;
     }
-    FRU_AddComOperateLog(g_iOperateSuccess, pstFRUSetPara);
+    FRU_AddComOperateLog(FRU_OPERATELOG_SUCCEEDED, pstFRUSetPara);
     if (pstFRUSetPara->ucComponentType == 0U) {
         FRU_UpdateFRUInfo(pstFRUSetPara->uiLabelID, pstFRUSetPara->acLabelValue,
                           pstFRUSetPara->uiLabelValueLen);

@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "bmc_eeprom.h"
+#include "common/text.h"
 #include "lib_fru/lib_fru_module.h"
 #include "lib_fru_access.h"
 #include "lib_fru_cache.h"
@@ -97,7 +98,7 @@ i32 FRU_ResFRUData(const FRU_DEVICE_INFO_S *pstFRUInfo, u16 usOffset, u32 uiCoun
     FRU_REQUIRE(pucBuf, static_cast<i32>(FRU_ERR_NULL_POINTER));
     if (FRU_ReadFRUDataFromDB(pstFRUInfo, usOffset, uiCount, pucBuf) != FRU_OK) {
         FRU_LOG(FRU_CAT_DEVICE, BMC_DIAG_WARNING, "Read FRU Data From DB failed! FRU Name:%s DeviceID:%#x.",
-                FRU_NameText(pstFRUInfo->acFRUName).acText, pstFRUInfo->ucDeviceID);
+                FRU_TextOf(pstFRUInfo->acFRUName).acText, pstFRUInfo->ucDeviceID);
         return FRU_RESULT_NOT_PRESENT;
     }
     return static_cast<i32>(uiCount);
@@ -135,18 +136,4 @@ u8 FRU_ReadCacheStatus(u8 ucDeviceID)
         return FRU_CACHE_UNTRUSTED;
     }
     return ucCacheStatus;
-}
-
-FRU_NAME_TEXT_S FRU_NameText(const char *pcName)
-{
-    FRU_NAME_TEXT_S stText = {};
-    (void)memcpy(stText.acText, pcName, sizeof(stText.acText) - 1U);
-    return stText;
-}
-
-FRU_PATH_TEXT_S FRU_PathText(const char *pcPath)
-{
-    FRU_PATH_TEXT_S stText = {};
-    (void)memcpy(stText.acText, pcPath, sizeof(stText.acText) - 1U);
-    return stText;
 }

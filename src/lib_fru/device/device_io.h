@@ -29,18 +29,4 @@ u32 FRU_WriteFRUDataDB(const FRU_DEVICE_INFO_S *pstFRUInfo, u16 usOffset, u32 ui
 // A device's cache status byte; FRU_CACHE_UNTRUSTED when it cannot be read, which is reported.
 u8 FRU_ReadCacheStatus(u8 ucDeviceID);
 
-// Texts of a device record, which comes from the database and may lack its NUL.
-struct FRU_NAME_TEXT_S
-{
-    char acText[sizeof(FRU_DEVICE_INFO_S::acFRUName) + 1U];
-};
-struct FRU_PATH_TEXT_S
-{
-    char acText[sizeof(FRU_DEVICE_INFO_S::acImageFilePath) + 1U];
-};
-
-// The text in the 16 bytes of a FRU name, and in the 128 bytes of an image file path.
-FRU_NAME_TEXT_S FRU_NameText(const char *pcName);
-FRU_PATH_TEXT_S FRU_PathText(const char *pcPath);
-
 #endif

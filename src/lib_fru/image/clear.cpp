@@ -1,6 +1,7 @@
 // Erases a component's FRU device: every byte 0xFF, on the device and in the cache.
 #include <cstring>
 
+#include "common/text.h"
 #include "lib_fru/device/device_io.h"
 #include "lib_fru/device/notices.h"
 #include "lib_fru/lib_fru_module.h"
@@ -102,7 +103,7 @@ u32 LIB_FRU_ClearFRUElectronicLabel(FRU_CLEAR_PARA_S *pstFRUClearPara)
                 pstFRUClearPara->ucComponentType, pstFRUClearPara->ucInstance);
         return LIB_FRU_ERR_NO_DEVICE;
     }
-    (void)BMC_Strlcpy(pstFRUClearPara->acFRUName, FRU_NameText(stInfo.acFRUName).acText,
+    (void)BMC_Strlcpy(pstFRUClearPara->acFRUName, FRU_TextOf(stInfo.acFRUName).acText,
                       sizeof(pstFRUClearPara->acFRUName));
     pstFRUClearPara->ucOperateLogType = FRU_OPERATELOG_SOURCE;
     FRU_AddClearFRULog(FRU_OPERATELOG_FAILED, pstFRUClearPara);
@@ -128,7 +129,7 @@ u32 LIB_FRU_ClearFRUElectronicLabel(FRU_CLEAR_PARA_S *pstFRUClearPara)
 void FRU_AddClearFRULog(i32 iResult, FRU_CLEAR_PARA_S *pstFRUClearPara)
 {
     FRU_REQUIRE_OR_LEAVE(pstFRUClearPara);
-    const FRU_NAME_TEXT_S stName = FRU_NameText(pstFRUClearPara->acFRUName);
+    const auto stName = FRU_TextOf(pstFRUClearPara->acFRUName);
     if (iResult == FRU_OPERATELOG_SUCCEEDED) {
         (void)BMC_Scnprintf(pstFRUClearPara->acOperateLog, sizeof(pstFRUClearPara->acOperateLog),
                             "Cleared %s FRU successfully.", stName.acText);

@@ -1,6 +1,7 @@
 // The main read path: the whole image of a component's device, chunk by chunk, with recovery, decoded.
 #include <cstring>
 
+#include "common/text.h"
 #include "lib_fru/device/device_io.h"
 #include "lib_fru/device/device_table.h"
 #include "lib_fru/ipmi/recovery.h"
@@ -85,7 +86,7 @@ bool ReadImage(const FRU_DEVICE_INFO_S &stInfo, u8 ucReadMode, u8 ucArg, u8 *puc
 // A baseboard's areas always carry the same number of custom fields; its stored image tells that it is one.
 void PresetCustomFields(const FRU_DEVICE_INFO_S &stInfo, FRU_DATA_S *pstFRUData)
 {
-    const FRU_PATH_TEXT_S stPath = FRU_PathText(stInfo.acImageFilePath);
+    const auto stPath = FRU_TextOf(stInfo.acImageFilePath);
     if (strstr(stPath.acText, "BaseBoard.bin") != nullptr || strstr(stPath.acText, "MBP.bin") != nullptr) {
         pstFRUData->stChassisInfo.ucCustomFieldCount = FRU_CHASSIS_FIXED_SLOTS;
         pstFRUData->stProductInfo.ucCustomFieldCount = FRU_PRODUCT_FIXED_SLOTS;

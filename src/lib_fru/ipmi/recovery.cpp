@@ -1,5 +1,6 @@
 #include "lib_fru/ipmi/recovery.h"
 
+#include "common/text.h"
 #include "lib_fru/device/device_io.h"
 #include "lib_fru/lib_fru_module.h"
 #include "lib_fru_cache.h"
@@ -33,7 +34,7 @@ FRU_BUFFER LoadStoredImage(const char *pcPath, u32 *puiFileSize)
 bool RestoreDevice(const FRU_DEVICE_INFO_S &stInfo)
 {
     u32 uiFileSize = 0;
-    const FRU_PATH_TEXT_S stPath = FRU_PathText(stInfo.acImageFilePath);
+    const auto stPath = FRU_TextOf(stInfo.acImageFilePath);
     const FRU_BUFFER upFile = LoadStoredImage(stPath.acText, &uiFileSize);
     if (upFile == nullptr) {
         return false;

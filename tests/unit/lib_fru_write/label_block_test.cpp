@@ -37,25 +37,6 @@ void ExpectOnlySentenceChanged(FRU_SET_PARA_S stBefore, const FRU_SET_PARA_S &st
     EXPECT_EQ(memcmp(&stBefore, &stAfter, sizeof(stBefore)), 0);
 }
 
-TEST(LabelBlock, AMemberIsCopiedUpToItsNulOrItsEnd)
-{
-    const auto upWhole = label::Exactly("0123456789ABCDEF");
-    char acCopy[17];
-    FRU_CopyMember(acCopy, upWhole.get(), 16U);
-    EXPECT_STREQ(acCopy, "0123456789ABCDEF");
-    FRU_CopyMember(acCopy, label::Text("name").get(), 16U);
-    EXPECT_STREQ(acCopy, "name");
-    FRU_CopyMember(acCopy, upWhole.get(), 0U);
-    EXPECT_STREQ(acCopy, "");
-}
-
-TEST(LabelBlock, ATerminatorCountsOnlyInsideTheMember)
-{
-    EXPECT_TRUE(FRU_IsTerminated(label::Text("012").get(), 4U));
-    EXPECT_FALSE(FRU_IsTerminated(label::Text("0123").get(), 4U));
-    EXPECT_FALSE(FRU_IsTerminated(label::Exactly("0123").get(), 4U));
-}
-
 TEST(LabelBlock, ABlocksNameIsLookedUpWithinTheBlock)
 {
     fake::Reset();

@@ -3,6 +3,7 @@
 
 #include <memory>
 
+#include "common/text.h"
 #include "fru_device.h"
 #include "lib_fru/device/device_io.h"
 #include "lib_fru_access.h"
@@ -299,12 +300,12 @@ TEST(DeviceIo, AFruNameWithoutItsNulEndsWithItsMember)
 TEST(DeviceIo, TextsOfADeviceRecordAreBounded)
 {
     FRU_DEVICE_INFO_S stInfo = device::Info(64);
-    EXPECT_STREQ(FRU_NameText(stInfo.acFRUName).acText, "PSU2");
-    EXPECT_STREQ(FRU_PathText(stInfo.acImageFilePath).acText, "/opt/fru/psu.bin");
+    EXPECT_STREQ(FRU_TextOf(stInfo.acFRUName).acText, "PSU2");
+    EXPECT_STREQ(FRU_TextOf(stInfo.acImageFilePath).acText, "/opt/fru/psu.bin");
     (void)memset(stInfo.acFRUName, 'N', sizeof(stInfo.acFRUName));
     (void)memset(stInfo.acImageFilePath, 'P', sizeof(stInfo.acImageFilePath));
-    EXPECT_EQ(std::string(FRU_NameText(stInfo.acFRUName).acText), std::string(16, 'N'));
-    EXPECT_EQ(std::string(FRU_PathText(stInfo.acImageFilePath).acText), std::string(128, 'P'));
+    EXPECT_EQ(std::string(FRU_TextOf(stInfo.acFRUName).acText), std::string(16, 'N'));
+    EXPECT_EQ(std::string(FRU_TextOf(stInfo.acImageFilePath).acText), std::string(128, 'P'));
 }
 
 // ---- patching the cached image
