@@ -17,7 +17,8 @@ void GetFRUData(benchmark::State &state)
     const uint64_t ulAllocations = bench::Allocations();
     for ([[maybe_unused]] auto _ : state) {
         FRU_DATA_S stFRUData{};
-        if (LIB_FRU_GetFRUData(0, 0, 1, 0, &stFRUData) != FRU_OK) {
+        if (LIB_FRU_GetFRUData(FRU_COMPONENT_BASEBOARD, FRU_INSTANCE_MAIN, FRU_READ_MODE_PLAIN,
+                               FRU_READ_ARG_NONE, &stFRUData) != FRU_OK) {
             state.SkipWithError("the device cannot be read");
         }
         FRU_ANALYZER_SafeFree(&stFRUData);

@@ -9,10 +9,11 @@
  * a failed merge they stay queued for the next one.
  *
  * The store initialises itself. A process-private semaphore guards it: any call may be made from any thread.
- * A merge waits at most 5 seconds for it, an update 5 to queue its record and 5 to merge, a destroy 10, whatever
- * another thread is stuck in meanwhile (a device, its output, its log). A merge that has waited in vain runs
- * all the same, so after a time-out two merges may overlap and the FRU may be read and written by both: the
- * later write wins, and records queued in between may be dropped unwritten. The store's memory stays sound.
+ * A merge waits at most 5 seconds for it, an update 5 to queue its record and 5 to merge, a destroy 10,
+ * whatever another thread is stuck in meanwhile (a device, its output, its log). A merge that has waited in
+ * vain runs all the same, so after a time-out two merges may overlap and the FRU may be read and written by
+ * both: the later write wins, and records queued in between may be dropped unwritten. The store's memory
+ * stays sound.
  */
 #ifndef LIB_FRU_MULTIRECORD_H
 #define LIB_FRU_MULTIRECORD_H
@@ -80,9 +81,9 @@ void FRU_destroyMultiRecords(void);
  *
  * 0: the merge succeeded. Only the merge decides: when the record itself could not be queued (the store was
  * not had in time, holds 64 records already, or there was no memory), that stands in the log only.
- * FRU_ERR_MR_FAILED: nothing was queued, for a value of 0 or more than 256 bytes, an unknown type or sub-type, or no
- * memory to build the record; or the merge failed, and what was queued stays so. FRU_ERR_NULL_POINTER:
- * pstDestParam or its pucBuf is null.
+ * FRU_ERR_MR_FAILED: nothing was queued, for a value of 0 or more than 256 bytes, an unknown type or
+ * sub-type, or no memory to build the record; or the merge failed, and what was queued stays so.
+ * FRU_ERR_NULL_POINTER: pstDestParam or its pucBuf is null.
  *
  * Prints "Inner MultiRecord is equal: typeID:0x3" to standard output, without a line end, when the same
  * record is queued already.
@@ -96,8 +97,8 @@ u32 FRU_innerUpdateMultiRecord(const FRU_MR_PARAM_S *pstDestParam);
  *
  * 0: written, or equal already, and the store is empty now; or nothing was queued, and no device was touched.
  * As LIB_FRU_WriteArrayFRUData() does not tell of a device that refused the bytes, such a write counts as
- * done: the log has it. FRU_ERR_MR_FAILED: the store could not be initialised, the FRU not read, the merge not done
- * or the image not encoded; the records stay queued and nothing was written.
+ * done: the log has it. FRU_ERR_MR_FAILED: the store could not be initialised, the FRU not read, the merge
+ * not done or the image not encoded; the records stay queued and nothing was written.
  *
  * Prints "There is no need to update FRU MutiRecords data as equal!" to standard output, without a line end,
  * when there was nothing to write.

@@ -280,7 +280,7 @@ typedef struct
     u8 ucCount;
 } FRU_READ_REQ_S;
 
-/* The operation log: who speaks, and what the sentences of FRU_AddClearFRULog() and its like take for a result. */
+/* The operation log: who speaks, and what FRU_AddClearFRULog() and its like take for a result. */
 #define FRU_OPERATELOG_MODULE 17U
 #define FRU_OPERATELOG_SOURCE 12U
 #define FRU_OPERATELOG_FAILED 4

@@ -1,7 +1,8 @@
 // The thirteen cache records: each call opens the database, checks its pointer and makes one database call,
-// whose result it hands on unlogged; callers report it with what they know. The handle comes before the pointer,
-// so a call with both faults reports the handle alone. A null pointer is "out of range" here and nowhere else in
-// the library. Both are intended. The handle is never kept: another process may have replaced the database.
+// whose result it hands on unlogged; callers report it with what they know. The handle comes before the
+// pointer, so a call with both faults reports the handle alone. A null pointer is "out of range" here and
+// nowhere else in the library. Both are intended. The handle is never kept: another process may have replaced
+// the database.
 #include "lib_fru_cache.h"
 
 #include "bmc_db.h"

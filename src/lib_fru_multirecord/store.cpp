@@ -1,5 +1,5 @@
-// The store of queued MultiRecords. Nothing is printed and no message made while the mutex is held: either may
-// block for ever (a full pipe, a log that is stuck), and the mutex is waited for without a limit.
+// The store of queued MultiRecords. Nothing is printed and no message made while the mutex is held: either
+// may block for ever (a full pipe, a log that is stuck), and the mutex is waited for without a limit.
 #include "store.h"
 
 #include <cstring>
@@ -117,12 +117,14 @@ FRU_MR_PUT_E Put(const FRU_INNER_MR_S *pstInner)
     return Append(pstInner);
 }
 
+// What the queued records occupy, rounding included: a record without data bytes has its sub-type in there.
 u32 BytesQueued()
 {
     u32 uiBytes = 0;
     for (u32 i = 0; i < g_stInnerMRStore.ucCount; ++i) {
         const FRU_INNER_MR_S *pstQueued = g_stInnerMRStore.apstRecords[i];
-        uiBytes += pstQueued == nullptr ? 0U : FRU_getInnerMultiRecordSize(pstQueued);
+        uiBytes +=
+            pstQueued == nullptr ? 0U : FRU_roundMultiRecordSize(FRU_getInnerMultiRecordSize(pstQueued));
     }
     return uiBytes;
 }
@@ -144,7 +146,7 @@ bool Copy(FRU_INNER_MR_COPY_S *pstCopy)
         const u32 uiSize = FRU_getInnerMultiRecordSize(pstQueued);
         (void)memcpy(pucNext, pstQueued, uiSize);
         pstCopy->apstRecords[i] = reinterpret_cast<const FRU_INNER_MR_S *>(pucNext);
-        pucNext += uiSize;
+        pucNext += FRU_roundMultiRecordSize(uiSize);
     }
     return true;
 }

@@ -199,8 +199,8 @@ u32 FRU_tellMultiRecordExistFlag(const FRU_MULTIRECORD_S *pstFRUBuf, const FRU_I
 
 u32 FRU_syncAllMultiRecords(void)
 {
-    // Only a store that cannot be initialised ends it: after a time-out the merge runs anyway, and posts like a
-    // holder would. Intended.
+    // Only a store that cannot be initialised ends it: after a time-out the merge runs anyway, and posts like
+    // a holder would. Intended.
     if (FRU_enterInnerStore(FRU_MR_USER_WAIT_S) == FRU_MR_STAY_NONE) {
         return FRU_ERR_MR_FAILED;
     }

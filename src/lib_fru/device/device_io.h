@@ -6,8 +6,8 @@
 
 #include "lib_fru_types.h"
 
-// The cached image could not be read. It is a count as well: Read FRU Data, a recovery and a clear's trial read
-// take a transfer of exactly this many bytes for a failure, Write FRU Data does not. Intended.
+// The cached image could not be read. It is a count as well: Read FRU Data, a recovery and a clear's trial
+// read take a transfer of exactly this many bytes for a failure, Write FRU Data does not. Intended.
 #define FRU_RESULT_NOT_PRESENT 203
 
 // uiLength bytes from EEPROM offset usOffset (start offset included) into pucBuf. Bytes read;

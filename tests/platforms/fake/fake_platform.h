@@ -45,7 +45,8 @@ const std::vector<MESSAGE_S> &RawMessages();
 // "[0]0/7 lib_fru.c: Pointer pucBuf is Null, File:lib_fru.c Func:LIB_FRU_ReadFRUData Line:#".
 std::vector<std::string> Messages();
 
-// Is called with every message's text from now on, on the thread that logs it and after it was noted; may block.
+// Is called with every message's text from now on, on the thread that logs it and after it was noted; may
+// block.
 void SetLogHook(std::function<void(const std::string &)> fnHook);
 
 // One line of that form for a null-pointer report.

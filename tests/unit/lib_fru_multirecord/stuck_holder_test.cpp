@@ -1,5 +1,5 @@
-// A thread that holds the store and never comes back from a message or a device: nobody waits for it longer than the
-// store's own limits.
+// A thread that holds the store and never comes back from a message or a device: nobody waits for it longer
+// than the store's own limits.
 #include <chrono>
 #include <future>
 
@@ -12,8 +12,8 @@ namespace {
 constexpr int64_t g_iSecond = 1000000000;
 constexpr auto g_tmHung = std::chrono::seconds(20);
 
-// Runs an update on a thread of its own, which gets no further than the message with this text, until the test lets
-// it go.
+// Runs an update on a thread of its own, which gets no further than the message with this text, until the
+// test lets it go.
 class STUCK_UPDATE
 {
   public:
