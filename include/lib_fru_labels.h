@@ -23,12 +23,53 @@ extern "C" {
 
 /* ---- catalogue */
 
+/* Label IDs. There is no 30; power-supply fields bear names of board labels. */
+enum
+{
+    FRU_LABEL_CHASSIS_TYPE = 1,
+    FRU_LABEL_CHASSIS_PART_NUMBER,
+    FRU_LABEL_CHASSIS_SERIAL_NUMBER,
+    FRU_LABEL_CHASSIS_CUSTOMER_SERIAL_NUMBER,
+    FRU_LABEL_CHASSIS_MAC_ADDRESS,
+    FRU_LABEL_CHASSIS_MAC_ADDRESS_COUNT,
+    FRU_LABEL_CHASSIS_CLEI_CODE,
+    FRU_LABEL_CHASSIS_LOCATION_NODE_ID,
+    FRU_LABEL_BOARD_LANGUAGE,
+    FRU_LABEL_BOARD_MFG_DATE,
+    FRU_LABEL_BOARD_MANUFACTURER,
+    FRU_LABEL_BOARD_PRODUCT_NAME,
+    FRU_LABEL_BOARD_SERIAL_NUMBER,
+    FRU_LABEL_BOARD_PART_NUMBER,
+    FRU_LABEL_BOARD_FRU_FILE_ID,
+    FRU_LABEL_BOARD_TOP_SERIAL_NUMBER,
+    FRU_LABEL_PRODUCT_LANGUAGE,
+    FRU_LABEL_PRODUCT_MANUFACTURER,
+    FRU_LABEL_PRODUCT_PRODUCT_NAME,
+    FRU_LABEL_PRODUCT_SERIAL_NUMBER,
+    FRU_LABEL_PRODUCT_PART_NUMBER,
+    FRU_LABEL_PRODUCT_VERSION,
+    FRU_LABEL_PRODUCT_ASSET_TAG,
+    FRU_LABEL_PRODUCT_FRU_FILE_ID,
+    FRU_LABEL_PRODUCT_NODE_TYPE,
+    FRU_LABEL_PRODUCT_NODE_PSU,
+    FRU_LABEL_PRODUCT_NODE_NETWORK,
+    FRU_LABEL_PRODUCT_NODE_POWER,
+    FRU_LABEL_HARDWARE,
+    FRU_LABEL_PSU_PRODUCT_NAME = 31,
+    FRU_LABEL_PSU_SERIAL_NUMBER,
+    FRU_LABEL_PSU_MFG_DATE,
+    FRU_LABEL_PSU_MANUFACTURER,
+    FRU_LABEL_PSU_PART_NUMBER
+};
+#define FRU_LABEL_NOT_FOUND 36U /* what lookups answer for "no such label" */
+
+#define FRU_LABEL_ROWS 34U /* rows of the catalogue as it is delivered */
+
 /*
- * The labels, g_uiDIAG_FruLabelMaxNum (34) rows, packed: 25 bytes a row where pointers have 4. IDs 1 to 8 are
- * chassis labels, 9 to 16 board labels, 17 to 28 product labels, 29 the hardware label; 31 to 35 are
- * power-supply fields under names of board labels; there is no 30. Lookups by name find the first row, so the
- * board label. Both lie in writable data and every lookup goes by them; whoever changes them does so before
- * any label call is under way.
+ * The labels, g_uiDIAG_FruLabelMaxNum rows in the order of their IDs, packed: 25 bytes a row where pointers
+ * have 4. Lookups by name find the first row, so the board label. Table and count lie in writable data, every
+ * lookup goes by them, and pfnSetLabel is called as it stands there; whoever changes them does so before any
+ * label call is under way. What a label's values must look like besides their length goes by its name.
  */
 extern DIAG_FRU_LABEL_S g_astDIAG_FruLabel[];
 extern u32 g_uiDIAG_FruLabelMaxNum;
@@ -40,12 +81,12 @@ extern u32 g_uiDIAG_FruLabelMaxNum;
 extern const DIAG_ELECTRONIC_FIELD_S g_astDIAG_ElectronicField[];
 extern const u32 g_uiDIAG_ElectronicFieldMaxNum;
 
-/* The label ID of a name, compared whole and with its case; 36: there is none; FRU_ERR_NULL_POINTER. */
+/* The label ID of a name, compared whole and with its case; FRU_LABEL_NOT_FOUND; FRU_ERR_NULL_POINTER. */
 u32 FindLabelIDByName(const char *pcLableName);
 
 /*
  * The power-supply field of a name: "Board Product Name" 0, "Board Serial Number" 1, "Mfg.Date" 2, "Board
- * Manufacturer" 3, "Board Part Number" 4; 36 for every other name and for a null pointer.
+ * Manufacturer" 3, "Board Part Number" 4; FRU_LABEL_NOT_FOUND for every other name and for a null pointer.
  */
 u32 FRU_GetPsuFieldIDByName(const char *pcLableName);
 
@@ -168,14 +209,15 @@ u32 FRU_ReplaceElectronicLabel(const FRU_SET_PARA_S *pstFRUSetPara, FRU_DATA_S *
 i32 FRU_SetElectronicLabel(const FRU_SET_PARA_S *pstFRUSetPara, const FRU_DATA_S *pstFRUData);
 
 /*
- * Fills acOperateLog from the block's other texts: iResult 6 with the sentence of a success, any other with
- * that of a failure. Makes no entry. A null block is reported.
+ * Fills acOperateLog from the block's other texts: iResult FRU_OPERATELOG_SUCCEEDED with the sentence of a
+ * success, any other with that of a failure. Makes no entry. A null block is reported.
  */
 void FRU_AddComOperateLog(i32 iResult, FRU_SET_PARA_S *pstFRUSetPara);
 
 /*
- * What follows the write of a label on component type 0: ID 20 mirrors the uiLabelValueLen bytes of
- * pcLabelValue with FRU_UpdateProductSN(), every other ID does nothing. A null value is reported.
+ * What follows the write of a label on component type 0: FRU_LABEL_PRODUCT_SERIAL_NUMBER mirrors the
+ * uiLabelValueLen bytes of pcLabelValue with FRU_UpdateProductSN(), every other ID does nothing. A null value
+ * is reported.
  */
 void FRU_UpdateFRUInfo(u32 uiLabelID, const char *pcLabelValue, u32 uiLabelValueLen);
 

@@ -30,11 +30,12 @@
     FRU_ReportNull(FRU_NULL_FORMAT(pcName), FRU_DIAG_FILE, (pcFunction), __LINE__)
 
 // The frame's first step: a null pointer is reported under its own name and the function returns uiCode, or
-// just returns.
-#define FRU_REQUIRE(pPointer, uiCode)                                                                        \
+// just returns. The second form names the function that callers called.
+#define FRU_REQUIRE(pPointer, uiCode) FRU_REQUIRE_IN(pPointer, uiCode, __func__)
+#define FRU_REQUIRE_IN(pPointer, uiCode, pcFunction)                                                         \
     do {                                                                                                     \
         if ((pPointer) == nullptr) {                                                                         \
-            FRU_LOG_NULL(#pPointer);                                                                         \
+            FRU_LOG_NULL_IN(#pPointer, pcFunction);                                                          \
             return (uiCode);                                                                                 \
         }                                                                                                    \
     } while (0)

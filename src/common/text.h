@@ -1,5 +1,5 @@
-// Texts in members of fixed size. They come from the database or from other processes, and one that fills its member
-// has no NUL.
+// Texts in members of fixed size. They come from the database or from other processes, and one that fills its
+// member has no NUL.
 #ifndef FRU_COMMON_TEXT_H
 #define FRU_COMMON_TEXT_H
 

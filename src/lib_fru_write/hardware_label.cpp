@@ -2,14 +2,13 @@
 // the device's field flag is looked at, on purpose.
 #include <cstring>
 
+#include "catalogue.h"
 #include "label_block.h"
 #include "lib_fru_hardware.h"
 #include "lib_fru_labels.h"
 #include "lib_fru_write_module.h"
 
 namespace {
-
-const char g_acHardwareLabel[] = "Hardware FRU Label";
 
 // Value bytes 0 to 6: board type, PCB version, EEPROM version, CPLD version, as they follow each other
 // in the block.
@@ -37,7 +36,8 @@ u32 LIB_FRU_WriteHWInfo(FRU_SET_PARA_S *pstFRUSetPara)
     if (FRU_ResolveBlockLabel(pstFRUSetPara) != FRU_OK) {
         return LIB_FRU_ERR_NO_DEVICE;
     }
-    if (strncmp(pstFRUSetPara->acLabelName, g_acHardwareLabel, sizeof(g_acHardwareLabel) - 1U) != 0) {
+    const char *pcHardware = FRU_LabelOfID(FRU_LABEL_HARDWARE).pcName;
+    if (strncmp(pstFRUSetPara->acLabelName, pcHardware, strlen(pcHardware)) != 0) {
         FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_WARNING, "LabelName[%s] invalid!", pstFRUSetPara->acLabelName);
         return FRU_ERR_FAILED;
     }

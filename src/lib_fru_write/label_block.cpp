@@ -25,7 +25,7 @@ u32 FRU_LabelIDOfBlock(const FRU_SET_PARA_S *pstFRUSetPara)
 {
     const char *pcName = pstFRUSetPara->acLabelName;
     return FRU_IsTerminated(pcName, sizeof(pstFRUSetPara->acLabelName)) ? FindLabelIDByName(pcName)
-                                                                        : g_uiLabelNotFound;
+                                                                        : FRU_LABEL_NOT_FOUND;
 }
 
 u32 FRU_FetchBlockDevice(FRU_SET_PARA_S *pstFRUSetPara, FRU_DEVICE_INFO_S *pstFRUInfo)
@@ -46,7 +46,7 @@ u32 FRU_FetchBlockDevice(FRU_SET_PARA_S *pstFRUSetPara, FRU_DEVICE_INFO_S *pstFR
 u32 FRU_ResolveBlockLabel(FRU_SET_PARA_S *pstFRUSetPara)
 {
     const u32 uiLabelID = FRU_LabelIDOfBlock(pstFRUSetPara);
-    if (uiLabelID == g_uiLabelNotFound) {
+    if (uiLabelID == FRU_LABEL_NOT_FOUND) {
         FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_ERROR, "Find Label ID by name[%s] failed!",
                 FRU_TextOf(pstFRUSetPara->acLabelName).acText);
         return FRU_ERR_FAILED;

@@ -4,6 +4,7 @@
 
 #include "catalogue.h"
 #include "label_block.h"
+#include "lib_fru_access.h"
 #include "lib_fru_analyzer/chassis_type.h"
 #include "lib_fru_labels.h"
 #include "lib_fru_write_module.h"
@@ -11,84 +12,34 @@
 
 namespace {
 
-constexpr u32 g_uiMaxPartNumLen = 63U; // on component type 0, whatever the catalogue says
-constexpr u32 g_uiChassisPartNumID = 2U;
-constexpr u32 g_uiProductPartNumID = 21U;
 constexpr long g_lMaxLanguage = 136L;
 
 // A bound by year alone, coarse on purpose: the last second of 2025 passes, the first of 2026 does not.
 const char g_acLastYear[] = "2025";
 
-bool IsChassisType(char *pcValue)
+bool IsAccepted(FRU_RULE_ID eRule, char *pcValue)
 {
-    return FRU_FindChassisTypeByDesc(pcValue) != nullptr;
-}
-
-bool IsMfgDate(char *pcValue)
-{
-    return isLabelValueMfgDateNormal(pcValue) == 1;
-}
-
-bool IsLanguageCode(char *pcValue)
-{
-    return FRU_IsDigits(pcValue) && strtol(pcValue, nullptr, 10) <= g_lMaxLanguage;
-}
-
-// The caller's text is upper-cased, and stays so when it is refused afterwards.
-bool IsMacAddress(char *pcValue)
-{
-    FRU_ToUpper(pcValue);
-    return FRU_IsMacAddress(pcValue);
-}
-
-bool IsPrintable(char *pcValue)
-{
-    return FRU_IsPrintable(pcValue);
-}
-
-// What is special about a label's values. A label without a row here is an ordinary text.
-struct VALUE_RULE_S
-{
-    const char *pcName;
-    bool bBlankAllowed;
-    bool bCustomField; // such a field refuses a value of one character
-    bool (*pfnAccept)(char *pcValue);
-};
-
-const VALUE_RULE_S g_astRules[] = {
-    {"Chassis Type", false, false, IsChassisType},
-    {"Chassis Customer Serial Number", false, true, IsPrintable},
-    {"Chassis MAC Address", false, true, IsMacAddress},
-    {"Chassis MAC Address Count", false, true, IsPrintable},
-    {"CLEI Code", false, true, IsPrintable},
-    {"Chassis Location Node ID", false, true, IsPrintable},
-    {"Language Code", false, false, IsLanguageCode},
-    {"Mfg.Date", false, false, IsMfgDate},
-    {"Board Top Serial Number", true, true, IsPrintable},
-    {"Product Language Code", false, false, IsLanguageCode},
-    {"Product Asset Tag", true, false, IsPrintable},
-    {"Product Node Type", true, true, IsPrintable},
-    {"Product Node PSU", true, true, IsPrintable},
-    {"Product Node Network", true, true, IsPrintable},
-    {"Product Node Power", true, true, IsPrintable},
-};
-const VALUE_RULE_S g_stTextRule = {nullptr, false, false, IsPrintable};
-
-const VALUE_RULE_S &RuleOf(const char *pcName)
-{
-    for (const VALUE_RULE_S &stRule : g_astRules) {
-        if (strcmp(stRule.pcName, pcName) == 0) {
-            return stRule;
-        }
+    switch (eRule) {
+    case FRU_RULE_CHASSIS_TYPE:
+        return FRU_FindChassisTypeByDesc(pcValue) != nullptr;
+    case FRU_RULE_DATE:
+        return isLabelValueMfgDateNormal(pcValue) == 1;
+    case FRU_RULE_LANGUAGE:
+        return FRU_IsDigits(pcValue) && strtol(pcValue, nullptr, 10) <= g_lMaxLanguage;
+    case FRU_RULE_MAC_ADDRESS:
+        // The caller's text is upper-cased, and stays so when it is refused afterwards.
+        FRU_ToUpper(pcValue);
+        return FRU_IsMacAddress(pcValue);
+    default:
+        return FRU_IsPrintable(pcValue);
     }
-    return g_stTextRule;
 }
 
 bool LengthFits(const DIAG_FRU_LABEL_S &stLabel, const char *pcValue, u32 uiComponentType)
 {
-    const bool bPartNum =
-        stLabel.uiLabelID == g_uiChassisPartNumID || stLabel.uiLabelID == g_uiProductPartNumID;
-    const size_t uiMaxLen = uiComponentType == 0U && bPartNum ? g_uiMaxPartNumLen : stLabel.uiMaxLen;
+    const bool bLong = uiComponentType == FRU_COMPONENT_BASEBOARD &&
+                       (FRU_LabelOfID(stLabel.uiLabelID).ucSpecial & FRU_LONG_PART_NUMBER) != 0U;
+    const size_t uiMaxLen = bLong ? FRU_FIELD_MAX_TEXT : stLabel.uiMaxLen;
     const size_t uiLength = strnlen(pcValue, uiMaxLen + 1U);
     return uiLength >= stLabel.uiMinLen && uiLength <= uiMaxLen;
 }
@@ -104,13 +55,9 @@ bool IsBlank(const char *pcValue, i32 iValueLen)
     return true;
 }
 
-bool IsNormal(const VALUE_RULE_S &stRule, const char *pcName, char *pcValue)
+bool IsNone(const char *pcValue)
 {
-    if (strncmp(pcValue, "NONE", 4U) == 0) {
-        const DIAG_FRU_LABEL_S *pstLabel = FRU_FindLabelByName(pcName);
-        return pstLabel != nullptr && pstLabel->ucNoneAllowed == 1U;
-    }
-    return stRule.pfnAccept(pcValue);
+    return strncmp(pcValue, "NONE", 4U) == 0;
 }
 
 } // namespace
@@ -125,7 +72,7 @@ u32 isLabelNameValid(const FRU_SET_PARA_S *pstFRUSetPara)
         return 0U;
     }
     const u32 uiLabelID = FRU_LabelIDOfBlock(pstFRUSetPara);
-    if (uiLabelID == g_uiLabelNotFound) {
+    if (uiLabelID == FRU_LABEL_NOT_FOUND) {
         FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_WARNING, "Find Electronic label Name Failed! LabelId:%#x\n",
                 uiLabelID);
         return 0U;
@@ -161,16 +108,17 @@ u32 isLabelValueValid(const char *pcName, char *pcValue, i32 iValueLen, u32 uiCo
         FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_ERROR, "Label Value Size:%d invalid!", iValueLen);
         return 0U;
     }
-    const VALUE_RULE_S &stRule = RuleOf(pcName);
-    if (!stRule.bBlankAllowed && IsBlank(pcValue, iValueLen)) {
+    const FRU_LABEL_S &stOwn = FRU_LabelOfName(pcName);
+    if ((stOwn.ucSpecial & FRU_BLANK_ALLOWED) == 0U && IsBlank(pcValue, iValueLen)) {
         FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_ERROR, "Label Value is null.");
         return 0U;
     }
-    if (stRule.bCustomField && pcValue[0] != '\0' && pcValue[1] == '\0') {
+    if (stOwn.stTarget.eSets == FRU_SETS_CUSTOM && pcValue[0] != '\0' && pcValue[1] == '\0') {
         FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_ERROR, "Write 1 bytes to this area is forbidden!\n");
         return 0U;
     }
-    if (!IsNormal(stRule, pcName, pcValue)) {
+    const bool bAccepted = IsNone(pcValue) ? pstLabel->ucNoneAllowed == 1U : IsAccepted(stOwn.eRule, pcValue);
+    if (!bAccepted) {
         FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_ERROR, "pcValue is not Norm.");
         return 0U;
     }

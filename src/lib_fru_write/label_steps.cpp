@@ -5,53 +5,32 @@
 #include "common/text.h"
 #include "label_block.h"
 #include "lib_fru_access.h"
+#include "lib_fru_analyzer/fields.h"
 #include "lib_fru_codec.h"
 #include "lib_fru_labels.h"
 #include "lib_fru_write_module.h"
 
 namespace {
 
-constexpr u32 g_uiProductSerialNumberID = 20U;
-
-// The texts of an empty product area in the order of their allocation.
-struct DEFAULT_TEXT_S
-{
-    size_t uiLen;
-    u8 ucLen;
-    size_t uiText;
-};
-
-#define FRU_DEFAULT_TEXT(LenMember, ucLen, TextMember)                                                       \
-    {                                                                                                        \
-        offsetof(FRU_DATA_S, stProductInfo.LenMember), (ucLen),                                              \
-            offsetof(FRU_DATA_S, stProductInfo.TextMember)                                                   \
-    }
-const DEFAULT_TEXT_S g_astDefaultTexts[] = {
-    // 0 on purpose; its buffer has one byte as the others have.
-    FRU_DEFAULT_TEXT(ucMfrNameLen, 0U, pucMfrName),
-    FRU_DEFAULT_TEXT(ucProductNameLen, 1U, pucProductName),
-    FRU_DEFAULT_TEXT(ucProductPartNumLen, 1U, pucProductPartNum),
-    FRU_DEFAULT_TEXT(ucProductVersionLen, 1U, pucProductVersion),
-    FRU_DEFAULT_TEXT(ucProductSerialNumLen, 1U, pucProductSerialNum),
-    FRU_DEFAULT_TEXT(ucAssetTagLen, 1U, pucAssetTag),
-    FRU_DEFAULT_TEXT(ucFRUFileIDLen, 1U, pucFRUFileID),
-};
-
 // An empty product area, so that product labels can be written on any device.
 u32 SetProductAreaDefault(FRU_DATA_S *pstFRUData)
 {
-    pstFRUData->stCommonHeader.ucProductInfoAreaStartOffset = 1U; // present; the encoder finds the place
-    pstFRUData->stProductInfo.ucFormatVersion = 1U;
+    const FRU_AREA_S &stArea = g_astFruArea[FRU_AREA_PRODUCT];
+    FRU_SetAreaPlace(&pstFRUData->stCommonHeader, stArea, FRU_AREA_PRESENT);
+    pstFRUData->stProductInfo.ucFormatVersion = FRU_AREA_VERSION;
     pstFRUData->stProductInfo.ucAreaLength = 0U;
-    pstFRUData->stProductInfo.ucLanguage = 0U;
-    u8 *pucRecord = reinterpret_cast<u8 *>(pstFRUData);
-    for (const DEFAULT_TEXT_S &stText : g_astDefaultTexts) {
-        pucRecord[stText.uiLen] = stText.ucLen;
-        void *pEmptyText = FRU_MALLOC(1U);
-        if (pEmptyText == nullptr) {
+    for (u32 i = stArea.ucFirstField; i < stArea.ucEndField; ++i) {
+        if (g_astFruField[i].ucKind == FRU_KIND_BYTES) {
+            (void)memset(FRU_FieldBytes(pstFRUData, i), 0, g_astFruField[i].ucBytes);
+            continue;
+        }
+        // 0 for the manufacturer on purpose; its buffer has one byte as the others have.
+        *FRU_FieldSize(pstFRUData, i) = i == FRU_FIELD_PRODUCT_MANUFACTURER ? 0U : 1U;
+        u8 *pucEmptyText = static_cast<u8 *>(FRU_MALLOC(1U));
+        if (pucEmptyText == nullptr) {
             return FRU_ERR_FAILED;
         }
-        (void)memcpy(pucRecord + stText.uiText, &pEmptyText, sizeof(pEmptyText));
+        FRU_StoreFieldText(pstFRUData, i, pucEmptyText);
     }
     pstFRUData->stProductInfo.ucCustomFieldCount = 0U;
     return FRU_OK;
@@ -166,7 +145,7 @@ i32 FRU_SetElectronicLabel(const FRU_SET_PARA_S *pstFRUSetPara, const FRU_DATA_S
 void FRU_UpdateFRUInfo(u32 uiLabelID, const char *pcLabelValue, u32 uiLabelValueLen)
 {
     FRU_REQUIRE_OR_LEAVE(pcLabelValue);
-    if (uiLabelID != g_uiProductSerialNumberID) {
+    if (uiLabelID != FRU_LABEL_PRODUCT_SERIAL_NUMBER) {
         return;
     }
     const u32 uiResult = FRU_UpdateProductSN(pcLabelValue, uiLabelValueLen);

@@ -1,4 +1,5 @@
-// Matchers by hand: a compiled expression would cost a thousand times as much and ask the locale what a digit is.
+// Matchers by hand: a compiled expression would cost a thousand times as much and ask the locale what a digit
+// is.
 #include "value_forms.h"
 
 namespace {

@@ -1,5 +1,5 @@
-// A caller's locale changes nothing that the library decides: each call answers in these locales, byte for byte, what
-// it answers in the plain one.
+// A caller's locale changes nothing that the library decides: each call answers in these locales, byte for
+// byte, what it answers in the plain one.
 #include <clocale>
 #include <cstdlib>
 #include <cstring>
