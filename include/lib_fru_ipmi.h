@@ -23,6 +23,16 @@ extern "C" {
 #define FRU_CC_NOT_PRESENT 0xCBU    /* no such device, or no cached image where only the cache may serve */
 #define FRU_CC_OFFSET_EXCEEDS 0xCCU /* offset beyond the end of the FRU */
 
+/* Lengths in bytes. */
+#define FRU_ERROR_RES_LEN 1U        /* an error's response: the completion code alone */
+#define FRU_AREA_INFO_REQ_LEN 1U    /* device ID */
+#define FRU_AREA_INFO_RES_LEN 4U    /* completion code, FRU size (2 bytes), access type */
+#define FRU_READ_REQ_LEN 4U         /* FRU_READ_REQ_S */
+#define FRU_READ_RES_HEADER_LEN 2U  /* completion code, count; data follow */
+#define FRU_READ_COUNT_MAX 255U     /* what the count byte can ask for */
+#define FRU_WRITE_REQ_HEADER_LEN 3U /* device ID, offset (2 bytes); data follow */
+#define FRU_WRITE_RES_LEN 2U        /* completion code, count */
+
 /*
  * Get FRU Inventory Area Info (section 34.1). Request: device ID (1 byte; uiReqLen is not looked at).
  * Response (4 bytes): completion code, FRU size, access type. Opens an update sequence: the operate flag

@@ -58,7 +58,7 @@ bool FRU_WriteImageChunks(u8 ucDeviceID, u32 uiFRUSize, u32 uiLength, const u8 *
         aucReq[1] = static_cast<u8>(uiPosition & 0xFFU);
         aucReq[2] = static_cast<u8>((uiPosition >> 8U) & 0xFFU);
         (void)memcpy(&aucReq[FRU_WRITE_REQ_HEADER_LEN], pucBuf + uiPosition, uiChunk);
-        u8 aucRes[2] = {};
+        u8 aucRes[FRU_WRITE_RES_LEN] = {};
         (void)FRU_WriteFRUData(aucReq, uiChunk + FRU_WRITE_REQ_HEADER_LEN, aucRes);
         if (aucRes[0] != FRU_CC_OK) {
             FRU_LOG(FRU_CAT_DATA, BMC_DIAG_ERROR, "Fail to write FRU DATA to eeprom: CC:%#x!", aucRes[0]);

@@ -8,6 +8,7 @@
 #include "lib_fru_access.h"
 #include "lib_fru_cache.h"
 #include "lib_fru_events.h"
+#include "lib_fru_ipmi.h"
 #include "lib_fru_labels.h"
 
 namespace {
@@ -31,7 +32,7 @@ bool ProveReadable(const FRU_DEVICE_INFO_S &stInfo, u8 *pucBuf)
     if (iRead == FRU_RESULT_NOT_PRESENT) {
         FRU_LOG(FRU_CAT_DEVICE, BMC_DIAG_WARNING,
                 "FRU is not present, fru device not found! CC[%#x] CountToRead[%#x] CountReturn[%#x].",
-                FRU_RESULT_NOT_PRESENT, uiSize + 2U, FRU_RESULT_NOT_PRESENT);
+                FRU_RESULT_NOT_PRESENT, uiSize + FRU_READ_RES_HEADER_LEN, FRU_RESULT_NOT_PRESENT);
         return false;
     }
     if (static_cast<u32>(iRead) != uiSize) {

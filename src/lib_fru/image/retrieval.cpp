@@ -35,7 +35,7 @@ bool ReadChunk(const FRU_READ_REQ_S &stRequest, u8 ucArg, u8 *pucResBuf)
                               pucResBuf, ucArg);
     if (pucResBuf[0] != FRU_CC_OK || pucResBuf[1] != stRequest.ucCount) {
         FRU_LOG(FRU_CAT_DATA, BMC_DIAG_ERROR, "Fail to read fru data! CompletionCode[%#x], Size[%#x.%#x]",
-                pucResBuf[0], stRequest.ucCount + 2U, pucResBuf[1]);
+                pucResBuf[0], stRequest.ucCount + FRU_READ_RES_HEADER_LEN, pucResBuf[1]);
         return false;
     }
     return true;
@@ -62,7 +62,7 @@ bool ReadImage(const FRU_DEVICE_INFO_S &stInfo, u8 ucReadMode, u8 ucArg, u8 *puc
         if (!ReadChunk(stRead.stRequest, ucArg, pucResBuf)) {
             return false;
         }
-        const u8 *pucData = &pucResBuf[2];
+        const u8 *pucData = &pucResBuf[FRU_READ_RES_HEADER_LEN];
         if (stRead.stRequest.usOffset == 0U && FRU_ANALYZER_CheckValidHeader(pucData) != FRU_OK) {
             if (!Recover(stInfo.ucDeviceID, ucReadMode, &bRecovered)) {
                 return false;
@@ -111,9 +111,10 @@ u32 ReadAndDecode(const FRU_DEVICE_INFO_S &stInfo, u8 ucComponentType, u8 ucInst
         FRU_LOG(FRU_CAT_DATA, BMC_DIAG_ERROR, "Fail to calloc memory of TotalBuf, size:%#x.", uiSize);
         return LIB_FRU_ERR_SIZE;
     }
-    const FRU_BUFFER upResBuf(static_cast<u8 *>(FRU_CALLOC(1U, uiRoom + 2U)));
+    const FRU_BUFFER upResBuf(static_cast<u8 *>(FRU_CALLOC(1U, uiRoom + FRU_READ_RES_HEADER_LEN)));
     if (upResBuf == nullptr) {
-        FRU_LOG(FRU_CAT_DATA, BMC_DIAG_ERROR, "Fail to calloc memory of ResBuf, size=%#x", uiSize + 2U);
+        FRU_LOG(FRU_CAT_DATA, BMC_DIAG_ERROR, "Fail to calloc memory of ResBuf, size=%#x",
+                uiSize + FRU_READ_RES_HEADER_LEN);
         return LIB_FRU_ERR_SIZE;
     }
     if (!ReadImage(stInfo, ucReadMode, ucArg, upResBuf.get(), upTotalBuf.get())) {

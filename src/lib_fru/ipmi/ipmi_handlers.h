@@ -6,10 +6,6 @@
 
 #include "lib_fru_ipmi.h"
 
-#define FRU_WRITE_REQ_HEADER_LEN 3U // device ID, offset low byte, offset high byte
-
-#define FRU_ERROR_RES_LEN 1U // an error's response: the completion code alone
-
 inline u32 FRU_Refuse(u8 *pucRes, u8 ucCompletionCode)
 {
     pucRes[0] = ucCompletionCode;

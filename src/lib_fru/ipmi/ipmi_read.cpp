@@ -39,7 +39,7 @@ u32 LIB_FRU_GetFRUAreaInfo(const u8 *pucReq, u32 uiReqLen, u8 *pucRes)
     pucRes[1] = static_cast<u8>(stInfo.usSize & 0xFFU);
     pucRes[2] = static_cast<u8>(stInfo.usSize >> 8U);
     pucRes[3] = stInfo.ucAccessType;
-    return 4U;
+    return FRU_AREA_INFO_RES_LEN;
 }
 
 u32 LIB_FRU_ReadFRUData(const u8 *pucReq, u8 ucReqLen, u8 *pucRes, u32 uiArg)
@@ -66,7 +66,7 @@ u32 LIB_FRU_ReadFRUData(const u8 *pucReq, u8 ucReqLen, u8 *pucRes, u32 uiArg)
         return FRU_Refuse(pucRes, FRU_CC_COUNT_EXCEEDS);
     }
     pucRes[0] = FRU_CC_OK;
-    const i32 iRet = ReadFRUBytes(stInfo, usOffset, ucCount, &pucRes[2]);
+    const i32 iRet = ReadFRUBytes(stInfo, usOffset, ucCount, &pucRes[FRU_READ_RES_HEADER_LEN]);
     if (iRet < 0) {
         FRU_LOG(FRU_CAT_DEVICE, BMC_DIAG_WARNING,
                 "Fail to read fru data! ID[%#x] Offset[%#x] Size[%d] Ret[%d].", stInfo.ucDeviceID,
@@ -83,5 +83,5 @@ u32 LIB_FRU_ReadFRUData(const u8 *pucReq, u8 ucReqLen, u8 *pucRes, u32 uiArg)
                 "Read length is not equal! ReqLen[%#x] RetLen[%#x] ID[%#x].", ucCount, pucRes[1],
                 stInfo.ucDeviceID);
     }
-    return pucRes[1] + 2U;
+    return pucRes[1] + FRU_READ_RES_HEADER_LEN;
 }

@@ -109,7 +109,7 @@ u32 FRU_WriteFRUData(const u8 *pucReq, u32 uiReqLen, u8 *pucRes)
                 usLength, pucRes[1], iRet);
     }
     AfterDeviceWrite(stInfo, usOffset, usLength, pucData);
-    return 2U;
+    return FRU_WRITE_RES_LEN;
 }
 
 u32 LIB_FRU_WriteFRUData(const u8 *pucReq, u32 uiReqLen, u8 *pucRes)
