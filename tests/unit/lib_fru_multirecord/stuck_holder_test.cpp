@@ -20,7 +20,8 @@ class STUCK_UPDATE
     explicit STUCK_UPDATE(const std::string &strText)
     {
         fake::SetLogHook([this, strText](const std::string &strMessage) {
-            if (std::this_thread::get_id() == m_idThread && strMessage.find(strText) == 0U) {
+            if (std::this_thread::get_id() == m_idThread && strMessage.find(strText) == 0U && !m_bStuck) {
+                m_bStuck = true;
                 m_promStuck.set_value();
                 m_futLetGo.wait();
             }
@@ -52,6 +53,7 @@ class STUCK_UPDATE
     std::promise<void> m_promLetGo;
     std::shared_future<void> m_futLetGo = m_promLetGo.get_future();
     std::atomic<std::thread::id> m_idThread{};
+    bool m_bStuck = false; // only its own thread looks at it
     bool m_bLetGo = false;
     std::thread m_thread; // last: it uses the others
 };
