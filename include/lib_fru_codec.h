@@ -49,15 +49,18 @@ u32 FRU_ANALYZER_InterpretFRUData(const u8 *pucBuff, u32 uiLength, FRU_DATA_S *p
  * written past uiLength. The record stays as it is.
  *
  * An area is emitted when its offset in stCommonHeader is not 0; the real offsets, area lengths and checksums
- * are computed. Texts become 8-bit ASCII fields; a custom field of a single byte is coded as C1h, the
+ * are computed. Texts become 8-bit ASCII fields; a custom field of a single byte is coded as FRU_FIELD_END, the
  * format's own end mark, so that a decoder takes it as the end of the list (section 13). A null text or
  * custom field leaves no field in the image, an empty one an empty field; a null custom-field array counts as
  * no fields. MultiRecord headers are copied as they are, their checksums included.
  *
+ * The MultiRecord area counts for its size modulo 2048: of records that need 2048 bytes or more, the image's
+ * returned size leaves bytes out. A caller that wants such an image whole decodes it again and compares.
+ *
  * Returns the bytes of the image (at least 8), or -1: null pointer, uiLength below 8 or too small, a chassis
- * type that is no known text, a text above 63 bytes, an area above 2040 bytes or starting beyond byte 2040, a
- * MultiRecord without data, or no MultiRecord with the end-of-list bit. The buffer then holds part of an
- * image and is not to be used.
+ * type that is no known text, a text above FRU_FIELD_MAX_TEXT bytes, an info area above 2040 bytes, an area
+ * starting beyond byte 2040, a MultiRecord without data, or no MultiRecord with the end-of-list bit. The
+ * buffer then holds part of an image and is not to be used.
  */
 i32 FRU_ANALYZER_ConvertToArray(const FRU_DATA_S *pstFRUData, u32 uiLength, u8 *pucBuf);
 

@@ -1,26 +1,57 @@
+// Serves all modules, so it has no file name of its own.
+#define FRU_DIAG_FILE ""
+
 #include "common/alloc.h"
 
 #include <cstdio>
-#include <cstdlib>
+#include <cstring>
 
-#include "bmc_support.h"
+#include "common/diag.h"
 
 namespace {
 
-constexpr u32 g_uiModule = 24U;
+// calloc() by hand: malloc() has memory at hand that calloc() does not look for. The compiler would make a calloc()
+// of it if it saw both calls.
+[[gnu::noinline]] void *Allocate(size_t uiSize)
+{
+    return malloc(uiSize);
+}
+
+void *AllocateZeroed(size_t uiSize)
+{
+    void *pBuffer = Allocate(uiSize);
+    return pBuffer == nullptr ? nullptr : memset(pBuffer, 0, uiSize);
+}
+
+bool IsSizeZero(size_t uiSize, u32 uiLine, const char *pcFunction, const char *pcFile)
+{
+    if (uiSize != 0U) {
+        return false;
+    }
+    BMC_DiagLogOut(FRU_DIAG_MODULE, FRU_CAT_GENERAL, BMC_DIAG_SIZE, uiLine, pcFile,
+                   "Invalid MALLOC size (size is 0)is detected");
+    (void)printf("Invalid MALLOC size (size is 0)is detected in %d %s %s\n", static_cast<int>(uiLine),
+                 pcFunction, pcFile);
+    return true;
+}
 
 } // namespace
 
-void *FRU_GuardedMalloc(size_t uiSize, u32 uiLine, const char *pcFunction, const char *pcFile)
+void *FRU_GuardedAlloc(size_t uiSize, u32 uiLine, const char *pcFunction, const char *pcFile)
 {
-    if (uiSize == 0U) {
-        BMC_DiagLogOut(g_uiModule, 0U, BMC_DIAG_SIZE, uiLine, pcFile,
-                       "Invalid MALLOC size (size is 0)is detected");
-        (void)printf("Invalid MALLOC size (size is 0)is detected in %d %s %s\n", static_cast<int>(uiLine),
-                     pcFunction, pcFile);
-        return nullptr;
-    }
-    return calloc(1U, uiSize);
+    return IsSizeZero(uiSize, uiLine, pcFunction, pcFile) ? nullptr : malloc(uiSize);
+}
+
+void *FRU_GuardedCopy(const void *pData, size_t uiSize, u32 uiLine, const char *pcFunction,
+                      const char *pcFile)
+{
+    void *pBuffer = FRU_GuardedAlloc(uiSize, uiLine, pcFunction, pcFile);
+    return pBuffer == nullptr ? nullptr : memcpy(pBuffer, pData, uiSize);
+}
+
+void *FRU_GuardedZalloc(size_t uiSize, u32 uiLine, const char *pcFunction, const char *pcFile)
+{
+    return IsSizeZero(uiSize, uiLine, pcFunction, pcFile) ? nullptr : AllocateZeroed(uiSize);
 }
 
 void *FRU_GuardedCalloc(size_t uiCount, size_t uiSize, u32 uiLine, const char *pcFunction, const char *pcFile)
@@ -33,5 +64,5 @@ void *FRU_GuardedCalloc(size_t uiCount, size_t uiSize, u32 uiLine, const char *p
                      static_cast<int>(uiLine), pcFunction, pcFile);
         return nullptr;
     }
-    return calloc(uiCount, uiSize);
+    return uiSize > SIZE_MAX / uiCount ? nullptr : AllocateZeroed(uiCount * uiSize);
 }

@@ -50,7 +50,18 @@
 // The report behind FRU_LOG_NULL; out of line, for there are many of them. pcFormat is a FRU_NULL_FORMAT.
 void FRU_ReportNull(const char *pcFormat, const char *pcFile, const char *pcFunction, u32 uiLine);
 
-// A message out of one of the library's own tables of texts, so not a literal where it is logged.
+// How many arguments a format takes: what tables of texts are checked with where they stand.
+constexpr u32 FRU_CountConversions(const char *pcFormat)
+{
+    u32 uiCount = 0;
+    for (; pcFormat != nullptr && *pcFormat != '\0'; ++pcFormat) {
+        uiCount += *pcFormat == '%' ? 1U : 0U;
+    }
+    return uiCount;
+}
+
+// A message out of one of the library's own tables of texts, so not a literal where it is logged: the compiler
+// compares no arguments with it.
 #define FRU_LOG_TABLE(uiCategory, uiSeverity, ...)                                                           \
     do {                                                                                                     \
         _Pragma("GCC diagnostic push") _Pragma("GCC diagnostic ignored \"-Wformat-nonliteral\"")             \

@@ -8,29 +8,30 @@
 struct FRU_READER_S
 {
     const u8 *pucCursor;
-    const u8 *pucEnd;
+    u32 uiLeft; // bytes from there to the end; a count, for the end's address may lie past the address space
     bool bPoisoned;
 };
 
 inline FRU_READER_S FRU_ReaderOver(const u8 *pucBuff, u32 uiLength)
 {
-    return {pucBuff, pucBuff + uiLength, false};
+    return {pucBuff, uiLength, false};
 }
 
 inline u32 FRU_ReaderLeft(const FRU_READER_S &stReader)
 {
-    return stReader.bPoisoned ? 0U : static_cast<u32>(stReader.pucEnd - stReader.pucCursor);
+    return stReader.bPoisoned ? 0U : stReader.uiLeft;
 }
 
 // The next uiCount bytes, or null when fewer are left.
 inline const u8 *FRU_ReadBytes(FRU_READER_S &stReader, u32 uiCount)
 {
-    if (stReader.bPoisoned || FRU_ReaderLeft(stReader) < uiCount) {
+    if (stReader.bPoisoned || stReader.uiLeft < uiCount) {
         stReader.bPoisoned = true;
         return nullptr;
     }
     const u8 *pucBytes = stReader.pucCursor;
     stReader.pucCursor += uiCount;
+    stReader.uiLeft -= uiCount;
     return pucBytes;
 }
 

@@ -1,6 +1,8 @@
 #include "lib_fru_analyzer/area_texts.h"
 
-const FRU_FIELD_TEXTS_S g_astFruFieldTexts[FRU_FIELD_COUNT] = {
+#include "lib_fru_analyzer/lib_fru_analyzer_module.h"
+
+constexpr FRU_FIELD_TEXTS_S g_astFruFieldTexts[FRU_FIELD_COUNT] = {
     {"Failed to get chassis type desc in ChassisInfoArea!",
      "Error ChassisType while converting ChassisInfoArea."},
     {"Failed to get ChassisPartNum while in ChassisInfoArea!",
@@ -33,7 +35,7 @@ const FRU_FIELD_TEXTS_S g_astFruFieldTexts[FRU_FIELD_COUNT] = {
 };
 
 // The uneven wording of the areas ("FRU Size", "Fail to calc", a closing line for some) is kept.
-const FRU_DECODE_TEXTS_S g_astFruDecodeTexts[FRU_AREA_COUNT] = {
+constexpr FRU_DECODE_TEXTS_S g_astFruDecodeTexts[FRU_AREA_COUNT] = {
     {
         "Error ucChassisInfoAreaStartOffset(8*%d) >= FRU_Size(%d)",
         "Error ChassisInfoArea format version: %#x",
@@ -78,7 +80,7 @@ const FRU_DECODE_TEXTS_S g_astFruDecodeTexts[FRU_AREA_COUNT] = {
     },
 };
 
-const FRU_ENCODE_TEXTS_S g_astFruEncodeTexts[FRU_AREA_COUNT] = {
+constexpr FRU_ENCODE_TEXTS_S g_astFruEncodeTexts[FRU_AREA_COUNT] = {
     {
         "Error FormatVersion while converting ChassisInfoArea.",
         "Error Length while converting ChassisInfoArea.",
@@ -107,3 +109,48 @@ const FRU_ENCODE_TEXTS_S g_astFruEncodeTexts[FRU_AREA_COUNT] = {
         "Failed to createFRUBin of ProductInfoArea",
     },
 };
+
+namespace {
+
+constexpr bool TakeTheirArguments()
+{
+    for (const FRU_FIELD_TEXTS_S &stTexts : g_astFruFieldTexts) {
+        if (FRU_CountConversions(stTexts.pcDecode) != 0U || FRU_CountConversions(stTexts.pcEncode) != 0U) {
+            return false;
+        }
+    }
+    for (const FRU_DECODE_TEXTS_S &stTexts : g_astFruDecodeTexts) {
+        const char *const apcPlain[] = {stTexts.pcZeroSum,       stTexts.pcCustomAddress,
+                                        stTexts.pcCustomCount,   stTexts.pcCustomMemory,
+                                        stTexts.pcCustomClosing, stTexts.pcClosing};
+        for (const char *pcPlain : apcPlain) {
+            if (FRU_CountConversions(pcPlain) != 0U) {
+                return false;
+            }
+        }
+        if (FRU_CountConversions(stTexts.pcStart) != 2U || FRU_CountConversions(stTexts.pcVersion) != 1U ||
+            FRU_CountConversions(stTexts.pcSize) != 3U || FRU_CountConversions(stTexts.pcCustomDebug) != 2U ||
+            FRU_CountConversions(stTexts.pcCustomField) != 1U ||
+            FRU_CountConversions(stTexts.pcCustomRet) != (stTexts.pcCustomRet == nullptr ? 0U : 1U)) {
+            return false;
+        }
+    }
+    for (const FRU_ENCODE_TEXTS_S &stTexts : g_astFruEncodeTexts) {
+        const char *const apcPlain[] = {stTexts.pcVersion, stTexts.pcLength, stTexts.pcEndChar,
+                                        stTexts.pcCheckSum, stTexts.pcClosing};
+        for (const char *pcPlain : apcPlain) {
+            if (FRU_CountConversions(pcPlain) != 0U) {
+                return false;
+            }
+        }
+        if (FRU_CountConversions(stTexts.pcCustomField) != 1U ||
+            FRU_CountConversions(stTexts.pcRelocate) != 1U) {
+            return false;
+        }
+    }
+    return true;
+}
+
+static_assert(TakeTheirArguments());
+
+} // namespace

@@ -2,56 +2,74 @@
 
 #include <cstring>
 
+namespace {
+
+// One behind the other in the order of their codes: rows of pointers or of 64 bytes would be four times as large.
 // The spellings ("LapTop", "SubChassis", "Sealed-case PC") are what callers compare with.
-const FRU_CHASSIS_TYPE_S FRU_ChassisTypeTable[FRU_CHASSIS_TYPE_COUNT] = {
-    {0x00U, "Unspecified"},
-    {0x01U, "Other"},
-    {0x02U, "Unknown"},
-    {0x03U, "Desktop"},
-    {0x04U, "Low Profile Desktop"},
-    {0x05U, "Pizza Box"},
-    {0x06U, "Mini Tower"},
-    {0x07U, "Tower"},
-    {0x08U, "Portable"},
-    {0x09U, "LapTop"},
-    {0x0AU, "Notebook"},
-    {0x0BU, "Hand Held"},
-    {0x0CU, "Docking Station"},
-    {0x0DU, "All in One"},
-    {0x0EU, "Sub Notebook"},
-    {0x0FU, "Space-saving"},
-    {0x10U, "Lunch Box"},
-    {0x11U, "Main Server Chassis"},
-    {0x12U, "Expansion Chassis"},
-    {0x13U, "SubChassis"},
-    {0x14U, "Bus Expansion Chassis"},
-    {0x15U, "Peripheral Chassis"},
-    {0x16U, "RAID Chassis"},
-    {0x17U, "Rack Mount Chassis"},
-    {0x18U, "Sealed-case PC"},
-    {0x19U, "Multi-system Chassis"},
-    {0x1AU, "CompactPCI"},
-    {0x1BU, "AdvancedTCA"},
-    {0x1CU, "Blade"},
-    {0x1DU, "Blade Enclosure"},
+constexpr char g_acDescs[] = "Unspecified\0"
+                             "Other\0"
+                             "Unknown\0"
+                             "Desktop\0"
+                             "Low Profile Desktop\0"
+                             "Pizza Box\0"
+                             "Mini Tower\0"
+                             "Tower\0"
+                             "Portable\0"
+                             "LapTop\0"
+                             "Notebook\0"
+                             "Hand Held\0"
+                             "Docking Station\0"
+                             "All in One\0"
+                             "Sub Notebook\0"
+                             "Space-saving\0"
+                             "Lunch Box\0"
+                             "Main Server Chassis\0"
+                             "Expansion Chassis\0"
+                             "SubChassis\0"
+                             "Bus Expansion Chassis\0"
+                             "Peripheral Chassis\0"
+                             "RAID Chassis\0"
+                             "Rack Mount Chassis\0"
+                             "Sealed-case PC\0"
+                             "Multi-system Chassis\0"
+                             "CompactPCI\0"
+                             "AdvancedTCA\0"
+                             "Blade\0"
+                             "Blade Enclosure";
+
+struct STARTS_S
+{
+    u16 ausStart[FRU_CHASSIS_TYPE_COUNT];
+    u32 uiTexts;
 };
 
-const FRU_CHASSIS_TYPE_S *FRU_FindChassisTypeByCode(u32 uiCode)
+// Where each text begins in g_acDescs.
+constexpr STARTS_S FindStarts()
 {
-    for (const FRU_CHASSIS_TYPE_S &stType : FRU_ChassisTypeTable) {
-        if (stType.uiCode == uiCode) {
-            return &stType;
+    STARTS_S stStarts = {};
+    for (u32 i = 0; i < sizeof(g_acDescs); ++i) {
+        if (i == 0U || g_acDescs[i - 1U] == '\0') {
+            stStarts.ausStart[stStarts.uiTexts++] = static_cast<u16>(i);
         }
     }
-    return nullptr;
+    return stStarts;
 }
 
-const FRU_CHASSIS_TYPE_S *FRU_FindChassisTypeByDesc(const char *pcDesc)
+constexpr STARTS_S g_stStarts = FindStarts();
+static_assert(g_stStarts.uiTexts == FRU_CHASSIS_TYPE_COUNT);
+
+} // namespace
+
+const char *FRU_FindChassisDesc(u32 uiCode)
 {
-    for (const FRU_CHASSIS_TYPE_S &stType : FRU_ChassisTypeTable) {
-        if (strcmp(stType.acDesc, pcDesc) == 0) {
-            return &stType;
-        }
+    return uiCode < FRU_CHASSIS_TYPE_COUNT ? g_acDescs + g_stStarts.ausStart[uiCode] : nullptr;
+}
+
+u32 FRU_FindChassisCode(const char *pcDesc)
+{
+    u32 uiCode = 0;
+    while (uiCode < FRU_CHASSIS_TYPE_COUNT && strcmp(g_acDescs + g_stStarts.ausStart[uiCode], pcDesc) != 0) {
+        ++uiCode;
     }
-    return nullptr;
+    return uiCode;
 }

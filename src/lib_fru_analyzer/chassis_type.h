@@ -5,21 +5,13 @@
 
 #include "lib_fru_types.h"
 
-#define FRU_CHASSIS_TYPE_COUNT 30U
-#define FRU_CHASSIS_TYPE_DESC_LEN 64U
+#define FRU_CHASSIS_TYPE_COUNT 30U    // codes run from 0 to one less
+#define FRU_CHASSIS_TYPE_DESC_LEN 64U // the buffer of a description in a record
 
-struct FRU_CHASSIS_TYPE_S
-{
-    u32 uiCode; // the entry's position
-    char acDesc[FRU_CHASSIS_TYPE_DESC_LEN];
-};
+// The code's text, null when the code has none.
+const char *FRU_FindChassisDesc(u32 uiCode);
 
-extern const FRU_CHASSIS_TYPE_S FRU_ChassisTypeTable[FRU_CHASSIS_TYPE_COUNT];
-
-// The first entry of that code, null when there is none.
-const FRU_CHASSIS_TYPE_S *FRU_FindChassisTypeByCode(u32 uiCode);
-
-// The first entry of exactly that text (case counts), null when there is none. pcDesc is not null.
-const FRU_CHASSIS_TYPE_S *FRU_FindChassisTypeByDesc(const char *pcDesc);
+// The code of exactly that text (case counts), FRU_CHASSIS_TYPE_COUNT when it has none. pcDesc is not null.
+u32 FRU_FindChassisCode(const char *pcDesc);
 
 #endif

@@ -7,14 +7,16 @@
 u32 FRU_GetCustomerFieldCount(const u8 *pucStartBuff, u32 uiSize, u8 *pucCount)
 {
     FRU_REQUIRE(pucStartBuff, FRU_ERR_NULL_POINTER);
-    *pucCount = 0U;
+    u32 uiCount = 0;
     for (u32 uiAt = 0; uiAt < uiSize; uiAt += (pucStartBuff[uiAt] & FRU_FIELD_LENGTH_MASK) + 1U) {
         if (pucStartBuff[uiAt] == FRU_FIELD_END) {
+            *pucCount = static_cast<u8>(uiCount);
             return FRU_OK;
         }
         // Counts a field that runs past the area, too; 8 bits, so 256 fields are none.
-        ++*pucCount;
+        ++uiCount;
     }
+    *pucCount = static_cast<u8>(uiCount);
     FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_WARNING, "Get customer field count failed! Size:%#x.", uiSize);
     return FRU_ERR_FAILED;
 }

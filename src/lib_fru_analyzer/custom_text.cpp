@@ -61,6 +61,21 @@ constexpr CUSTOM_AREA_S g_astCustomArea[] = {
      FRU_OK},
 };
 
+constexpr bool TakeTheirArguments()
+{
+    for (const CUSTOM_AREA_S &stCustom : g_astCustomArea) {
+        if (FRU_CountConversions(stCustom.pcIndexError) != (stCustom.pcIndexError == nullptr ? 0U : 1U) ||
+            FRU_CountConversions(stCustom.pcMallocError) != 1U ||
+            FRU_CountConversions(stCustom.pcEscapeError) != 0U ||
+            FRU_CountConversions(stCustom.pcClosing) != 1U) {
+            return false;
+        }
+    }
+    return true;
+}
+
+static_assert(TakeTheirArguments());
+
 void FillSlot(const CUSTOM_AREA_S &stCustom, u32 uiIndex, const char *pcField,
               FRU_CUSTOM_FIELD_S *pstFRUCustomField)
 {
@@ -127,7 +142,7 @@ char *FRU_AllocCustomField(const char *pucCustomField, char *pcJoined)
     FRU_REQUIRE(pucCustomField, nullptr);
     const size_t uiOld = pcJoined == nullptr ? 0U : strlen(pcJoined);
     const size_t uiField = strlen(pucCustomField);
-    char *pcNew = static_cast<char *>(FRU_MALLOC(uiOld + uiField + 2U));
+    char *pcNew = static_cast<char *>(FRU_ZALLOC(uiOld + uiField + 2U));
     if (pcNew == nullptr) {
         if (pcJoined == nullptr) {
             FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_ERROR, "Malloc buf failed!");

@@ -11,6 +11,7 @@
 namespace {
 
 constexpr u32 g_uiMaxUnits = 0xFFU; // the most that an offset or area-length byte holds
+constexpr u32 g_uiMultiRecordSizeMask = g_uiMaxUnits * FRU_AREA_UNIT;
 
 u32 RoundUp(u32 uiSize)
 {
@@ -42,12 +43,12 @@ i32 FRU_ConvertInternalUseArea(const FRU_DATA_S *pstFRUData, u32 uiRoom, u8 *puc
 u32 FRU_GetChassisAreaTypeValue(const char *pcDesc, u8 *pucType)
 {
     FRU_REQUIRE(pcDesc, FRU_ERR_NULL_POINTER);
-    const FRU_CHASSIS_TYPE_S *pstType = FRU_FindChassisTypeByDesc(pcDesc);
-    if (pstType == nullptr) {
+    const u32 uiCode = FRU_FindChassisCode(pcDesc);
+    if (uiCode == FRU_CHASSIS_TYPE_COUNT) {
         FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_WARNING, "Get chassis area type desc:%s failed!", pcDesc);
         return FRU_ERR_FAILED;
     }
-    *pucType = static_cast<u8>(pstType->uiCode);
+    *pucType = static_cast<u8>(uiCode);
     return FRU_OK;
 }
 
@@ -128,10 +129,10 @@ i32 ConvertInfoArea(u32 uiArea, const FRU_DATA_S *pstFRUData, u32 uiPosition, u3
 
 i32 FinishMultiRecordArea(u32 uiWritten, u32 uiPosition, u32 uiRoom)
 {
-    const u32 uiSize = RoundUp(uiWritten);
+    // Intended: of longer records only the size is cut, not what was written.
+    const u32 uiSize = RoundUp(uiWritten) & g_uiMultiRecordSizeMask;
     // Intended: one byte of room must stay, and the message is the product area's.
-    if (uiSize >= uiRoom || uiSize > g_uiMaxUnits * FRU_AREA_UNIT ||
-        uiPosition / FRU_AREA_UNIT > g_uiMaxUnits) {
+    if (uiSize >= uiRoom || uiPosition / FRU_AREA_UNIT > g_uiMaxUnits) {
         FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_ERROR,
                 "Error relocate address while converting ProductInfoArea:length=%#x", uiSize);
         return FRU_WRITE_FAILED;

@@ -25,12 +25,7 @@ char EscapeOf(char cChar)
 
 char *Duplicate(const char *pcText)
 {
-    const size_t uiSize = strlen(pcText) + 1U;
-    char *pcCopy = static_cast<char *>(FRU_MALLOC_IN(uiSize, "FRU_ANALYZER_Escape"));
-    if (pcCopy != nullptr) {
-        (void)memcpy(pcCopy, pcText, uiSize);
-    }
-    return pcCopy;
+    return static_cast<char *>(FRU_COPY_IN(pcText, strlen(pcText) + 1U, "FRU_ANALYZER_Escape"));
 }
 
 } // namespace
@@ -47,7 +42,7 @@ char *FRU_ANALYZER_Escape(const char *pcStr)
         return pcEmpty;
     }
     // Every character may need a backslash, and the terminator needs its own.
-    const FRU_TEXT upEscaped(static_cast<char *>(FRU_MALLOC(2U * uiLength + 1U)));
+    const FRU_TEXT upEscaped(static_cast<char *>(FRU_ZALLOC(2U * uiLength + 1U)));
     if (upEscaped == nullptr) {
         FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_ERROR, "Memory BkStr allocation failing!");
         return nullptr;

@@ -26,7 +26,9 @@ i32 FRU_WriteFRUDataByType(const char *pcText, u32 uiRoom, u8 *pucBuf)
         }
         return 0;
     }
-    const u32 uiSize = static_cast<u32>(strlen(pcText)) + 1U;
+    // What no message can name is as much too long as 4 GiB less one.
+    const size_t uiLength = strlen(pcText);
+    const u32 uiSize = static_cast<u32>(uiLength < UINT32_MAX ? uiLength : UINT32_MAX - 1U) + 1U;
     // A longer text does not fit the length bits; to cut them would write a wrong image.
     const u32 uiLimit = uiSize > uiRoom ? uiRoom : FRU_FIELD_MAX_TEXT + 1U;
     if (uiSize > uiLimit) {

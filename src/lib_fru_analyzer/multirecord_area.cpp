@@ -7,8 +7,8 @@
 
 namespace {
 
-// One record at the reader's position. A header or data past the end of the image fails as
-// their checksums would.
+// One record at the reader's position. A header past the end of the image fails as its checksum would, and so do
+// data past it: with the header's message, for there is no sum of theirs to tell.
 u32 GetRecord(FRU_READER_S &stReader, FRU_MULTIRECORD_S *pstRecord)
 {
     const u8 *pucHeader = FRU_ReadBytes(stReader, FRU_MULTIRECORD_HEADER_LEN);
@@ -31,12 +31,11 @@ u32 GetRecord(FRU_READER_S &stReader, FRU_MULTIRECORD_S *pstRecord)
         return FRU_ERR_FAILED;
     }
     // A record without data is refused here, by the guard.
-    u8 *pucCopy = static_cast<u8 *>(FRU_MALLOC_IN(uiCount, "FRU_GetMultiRecordArea"));
+    u8 *pucCopy = static_cast<u8 *>(FRU_COPY_IN(pucData, uiCount, "FRU_GetMultiRecordArea"));
     if (pucCopy == nullptr) {
         FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_ERROR, "malloc RecordData failed");
         return FRU_ERR_FAILED;
     }
-    (void)memcpy(pucCopy, pucData, uiCount);
     pstRecord->pucRecordData = pucCopy;
     return FRU_OK;
 }
@@ -70,8 +69,6 @@ void FRU_GetMultiRecordArea(const u8 *pucBuff, u32 uiLength, FRU_DATA_S *pstFRUD
     if (WalkRecords(pucBuff, uiLength, pstFRUData) == FRU_OK) {
         return;
     }
-    for (FRU_MULTIRECORD_S &stRecord : pstFRUData->astMultiRecord) {
-        FRU_FREE(stRecord.pucRecordData);
-    }
+    FRU_FreeMultiRecords(pstFRUData);
     FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_DEBUG, "Failed to get MultiRecordArea!");
 }

@@ -8,4 +8,7 @@
 // result: a damaged area leaves no data behind and is told of in the log only.
 void FRU_GetMultiRecordArea(const u8 *pucBuff, u32 uiLength, FRU_DATA_S *pstFRUData);
 
+// Frees and nulls the data of every entry; the header bytes stay.
+void FRU_FreeMultiRecords(FRU_DATA_S *pstFRUData);
+
 #endif

@@ -42,18 +42,18 @@ u32 GetChassisTypeDesc(FRU_READER_S &stReader, FRU_DATA_S *pstFRUData)
     if (stReader.bPoisoned) {
         return FRU_ERR_FAILED;
     }
-    const FRU_CHASSIS_TYPE_S *pstType = FRU_FindChassisTypeByCode(ucType);
-    if (pstType == nullptr) {
+    const char *pcDesc = FRU_FindChassisDesc(ucType);
+    if (pcDesc == nullptr) {
         FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_ERROR, "Failed to find related chassis type:%#x", ucType);
         return FRU_ERR_FAILED;
     }
-    u8 *pucDesc = static_cast<u8 *>(FRU_CALLOC(1U, FRU_CHASSIS_TYPE_DESC_LEN));
-    if (pucDesc == nullptr) {
+    char *pcText = static_cast<char *>(FRU_CALLOC(1U, FRU_CHASSIS_TYPE_DESC_LEN));
+    if (pcText == nullptr) {
         FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_ERROR, "Failed to calloc memory!");
         return FRU_ERR_FAILED;
     }
-    (void)BMC_Scnprintf(reinterpret_cast<char *>(pucDesc), FRU_CHASSIS_TYPE_DESC_LEN, "%s", pstType->acDesc);
-    FRU_StoreFieldText(pstFRUData, FRU_FIELD_CHASSIS_TYPE, pucDesc);
+    (void)strcpy(pcText, pcDesc); // the longest has 21 characters
+    FRU_StoreFieldText(pstFRUData, FRU_FIELD_CHASSIS_TYPE, reinterpret_cast<u8 *>(pcText));
     return FRU_OK;
 }
 
@@ -84,12 +84,12 @@ u32 CheckArea(u32 uiArea, u32 uiOffset, u32 uiLength, FRU_READER_S &stReader, FR
     return FRU_OK;
 }
 
-// Bytes past the image stay as they are; the text behind them fails then.
+// A read past the image makes the text behind these bytes fail.
 u32 GetBytes(const FRU_FIELD_S &stField, FRU_READER_S &stReader, FRU_DATA_S *pstFRUData)
 {
-    const u8 *pucBytes = FRU_ReadBytes(stReader, stField.ucBytes);
-    if (pucBytes != nullptr) {
-        (void)memcpy(FRU_MemberAt(pstFRUData, stField.usMember), pucBytes, stField.ucBytes);
+    u8 *pucMember = FRU_MemberAt(pstFRUData, stField.usMember);
+    for (u32 i = 0; i < stField.ucBytes; ++i) {
+        pucMember[i] = FRU_ReadByte(stReader);
     }
     return FRU_OK;
 }

@@ -31,24 +31,26 @@ u32 BufferSize(u32 uiType, u32 uiCount)
 
 void FRU_ParseByUnicode(const u8 *pucData, u32 uiCount, char *pcOut)
 {
+    constexpr char acDigits[] = "0123456789ABCDEF";
     for (u32 i = 0; i < uiCount; ++i) {
-        char acDigits[4] = {};
-        (void)BMC_Scnprintf(acDigits, sizeof(acDigits), "%02X", pucData[i]);
-        (void)BMC_Strlcat(pcOut + 2U * i, acDigits, 2U);
+        *pcOut++ = acDigits[pucData[i] >> 4U];
+        *pcOut++ = acDigits[pucData[i] & 0xFU];
     }
+    *pcOut = '\0';
 }
 
 void FRU_ParseByASCII6Bit(const u8 *pucData, u32 uiCount, char *pcOut)
 {
     for (u32 i = 0; i < uiCount; i += 3U) {
-        u32 uiGroup = 0; // bytes that a short last group lacks count as 0
-        for (u32 j = 0; j < 3U && i + j < uiCount; ++j) {
-            uiGroup |= static_cast<u32>(pucData[i + j]) << (8U * j);
-        }
+        // Bytes that a short last group lacks count as 0.
+        const u32 uiSecond = i + 1U < uiCount ? pucData[i + 1U] : 0U;
+        const u32 uiThird = i + 2U < uiCount ? pucData[i + 2U] : 0U;
+        const u32 uiGroup = pucData[i] | uiSecond << 8U | uiThird << 16U;
         for (u32 j = 0; j < 4U; ++j) {
             *pcOut++ = static_cast<char>((uiGroup >> (6U * j) & 0x3FU) + 0x20U);
         }
     }
+    *pcOut = '\0';
 }
 
 u32 FRU_GetStringFromType(const u8 *pucBuf, u32 uiLeft, u8 **ppucText, u8 *pucSize)
@@ -65,7 +67,8 @@ u32 FRU_GetStringFromType(const u8 *pucBuf, u32 uiLeft, u8 **ppucText, u8 *pucSi
         FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_WARNING, "Not default type format:%#x", pucBuf[0]);
     }
     const u32 uiSize = uiCount == 0U ? g_uiEmptySize : BufferSize(uiType, uiCount);
-    u8 *pucText = static_cast<u8 *>(FRU_MALLOC(uiSize));
+    const bool bEmpty = uiCount == 0U || uiType == TYPE_BCD_PLUS; // BCD plus is an empty text
+    u8 *pucText = static_cast<u8 *>(bEmpty ? FRU_ZALLOC(uiSize) : FRU_ALLOC(uiSize));
     if (pucText == nullptr) {
         if (uiCount == 0U) {
             FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_ERROR, "Error allocating memory for str, Len:%#x", uiSize);
@@ -74,13 +77,16 @@ u32 FRU_GetStringFromType(const u8 *pucBuf, u32 uiLeft, u8 **ppucText, u8 *pucSi
         }
         return FRU_ERR_FAILED;
     }
-    if (uiType == TYPE_BINARY) {
-        FRU_ParseByUnicode(pucBuf + 1, uiCount, reinterpret_cast<char *>(pucText));
-    } else if (uiType == TYPE_ASCII_6BIT) {
-        FRU_ParseByASCII6Bit(pucBuf + 1, uiCount, reinterpret_cast<char *>(pucText));
+    if (bEmpty) {
+        // zeros
     } else if (uiType == TYPE_ASCII_8BIT) {
         (void)memcpy(pucText, pucBuf + 1, uiCount);
-    } // BCD plus stays an empty text
+        pucText[uiCount] = 0U;
+    } else if (uiType == TYPE_BINARY) {
+        FRU_ParseByUnicode(pucBuf + 1, uiCount, reinterpret_cast<char *>(pucText));
+    } else {
+        FRU_ParseByASCII6Bit(pucBuf + 1, uiCount, reinterpret_cast<char *>(pucText));
+    }
     *ppucText = pucText;
     *pucSize = static_cast<u8>(uiSize);
     return FRU_OK;

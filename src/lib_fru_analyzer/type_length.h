@@ -10,7 +10,7 @@
 #define FRU_FIELD_TYPE_SHIFT 6U
 
 /*
- * Decodes the field at pucBuf, of which uiLeft bytes may be read, into a new zero-filled heap text.
+ * Decodes the field at pucBuf, of which uiLeft bytes may be read, into a new heap text, zero-filled behind its end.
  * *ppucText and *pucSize (the buffer's size, terminator included) are cleared first. 0, FRU_ERR_NULL_POINTER
  * (pucBuf), or FRU_ERR_FAILED: out of memory or the field runs past uiLeft.
  */
@@ -19,10 +19,10 @@ u32 FRU_GetStringFromType(const u8 *pucBuf, u32 uiLeft, u8 **ppucText, u8 *pucSi
 // The same at the reader's position, which then stands behind the field.
 u32 FRU_ReadField(FRU_READER_S &stReader, u8 **ppucText, u8 *pucSize);
 
-// Text of binary data: two upper-case hexadecimal digits for each byte. pcOut is zero-filled.
+// Text of binary data: two upper-case hexadecimal digits for each byte, and a NUL.
 void FRU_ParseByUnicode(const u8 *pucData, u32 uiCount, char *pcOut);
 
-// Text of packed 6-bit ASCII: four characters for each three bytes begun. pcOut is zero-filled.
+// Text of packed 6-bit ASCII: four characters for each three bytes begun, and a NUL.
 void FRU_ParseByASCII6Bit(const u8 *pucData, u32 uiCount, char *pcOut);
 
 #endif

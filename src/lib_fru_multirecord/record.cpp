@@ -79,7 +79,7 @@ FRU_INNER_MR_S *FRU_generateSingleInnerMultiRecord(const FRU_MR_PARAM_S *pstDest
     const u32 uiValueLen = std::min(uiLength, FRU_MR_VALUE_MAX);
     const u32 uiRoom = std::max(uiValueLen, FRU_MR_GUID_LEN); // a GUID is written whole, whatever its length
     const u32 uiSize = FRU_roundMultiRecordSize(FRU_MULTIRECORD_HEADER_LEN + 1U + uiRoom);
-    FRU_INNER_MR_BUFFER upRecord(static_cast<FRU_INNER_MR_S *>(FRU_MALLOC(bWraps ? 0U : uiSize)));
+    FRU_INNER_MR_BUFFER upRecord(static_cast<FRU_INNER_MR_S *>(FRU_ZALLOC(bWraps ? 0U : uiSize)));
     if (upRecord == nullptr) {
         FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_ERROR, "Fail to distribute memory!");
         return nullptr;
@@ -109,7 +109,7 @@ u32 FRU_addSingleMultiRecord(FRU_MULTIRECORD_S *pstFRUBuf, const FRU_INNER_MR_S 
     FRU_REQUIRE(pstFRUBuf, FRU_ERR_NULL_POINTER);
     FRU_REQUIRE(pstInnerBuf, FRU_ERR_NULL_POINTER);
     // A value of 255 bytes has the length byte 0 and ends in the guard.
-    u8 *pucData = static_cast<u8 *>(FRU_MALLOC(FRU_roundMultiRecordSize(pstInnerBuf->ucRecordLength)));
+    u8 *pucData = static_cast<u8 *>(FRU_ZALLOC(FRU_roundMultiRecordSize(pstInnerBuf->ucRecordLength)));
     if (pucData == nullptr) {
         FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_ERROR, "Failed to distribute memory");
         return FRU_ERR_MR_FAILED;
@@ -127,7 +127,7 @@ u32 FRU_updateSingleMultiRecord(FRU_MULTIRECORD_S *pstDataBuf, const FRU_INNER_M
     u8 *pucData = pstDataBuf->pucRecordData;
     // The entry's buffer holds just what its length byte says; longer data need a larger one.
     if (pstInnerBuf->ucRecordLength > pstDataBuf->ucRecordLength) {
-        u8 *pucLarger = static_cast<u8 *>(FRU_MALLOC(FRU_roundMultiRecordSize(pstInnerBuf->ucRecordLength)));
+        u8 *pucLarger = static_cast<u8 *>(FRU_ZALLOC(FRU_roundMultiRecordSize(pstInnerBuf->ucRecordLength)));
         if (pucLarger == nullptr) {
             FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_ERROR, "Failed to distribute memory");
             return FRU_ERR_MR_FAILED;

@@ -57,7 +57,7 @@ bool Init()
 FRU_INNER_MR_S *Duplicate(const FRU_INNER_MR_S *pstInner)
 {
     const u32 uiSize = FRU_getInnerMultiRecordSize(pstInner);
-    void *pBuffer = FRU_MALLOC(FRU_roundMultiRecordSize(uiSize));
+    void *pBuffer = FRU_ZALLOC(FRU_roundMultiRecordSize(uiSize));
     if (pBuffer != nullptr) {
         (void)memcpy(pBuffer, pstInner, uiSize);
     }
@@ -132,7 +132,7 @@ u32 BytesQueued()
 bool Copy(FRU_INNER_MR_COPY_S *pstCopy)
 {
     const u32 uiBytes = BytesQueued();
-    pstCopy->upBytes.reset(uiBytes == 0U ? nullptr : static_cast<u8 *>(FRU_MALLOC(uiBytes)));
+    pstCopy->upBytes.reset(uiBytes == 0U ? nullptr : static_cast<u8 *>(FRU_ZALLOC(uiBytes)));
     if (uiBytes != 0U && pstCopy->upBytes == nullptr) {
         return false;
     }

@@ -21,7 +21,7 @@ bool IsAccepted(FRU_RULE_ID eRule, char *pcValue)
 {
     switch (eRule) {
     case FRU_RULE_CHASSIS_TYPE:
-        return FRU_FindChassisTypeByDesc(pcValue) != nullptr;
+        return FRU_FindChassisCode(pcValue) != FRU_CHASSIS_TYPE_COUNT;
     case FRU_RULE_DATE:
         return isLabelValueMfgDateNormal(pcValue) == 1;
     case FRU_RULE_LANGUAGE:

@@ -26,7 +26,7 @@ u32 SetProductAreaDefault(FRU_DATA_S *pstFRUData)
         }
         // 0 for the manufacturer on purpose; its buffer has one byte as the others have.
         *FRU_FieldSize(pstFRUData, i) = i == FRU_FIELD_PRODUCT_MANUFACTURER ? 0U : 1U;
-        u8 *pucEmptyText = static_cast<u8 *>(FRU_MALLOC(1U));
+        u8 *pucEmptyText = static_cast<u8 *>(FRU_ZALLOC(1U));
         if (pucEmptyText == nullptr) {
             return FRU_ERR_FAILED;
         }
@@ -41,7 +41,7 @@ u8 *FRU_MallocLabelValue(const FRU_SET_PARA_S *pstFRUSetPara)
 {
     const u32 uiLength = pstFRUSetPara->uiLabelValueLen;
     const u32 uiSize = uiLength + 1U;
-    u8 *pucLabelValue = static_cast<u8 *>(FRU_MALLOC(uiSize));
+    u8 *pucLabelValue = static_cast<u8 *>(FRU_ZALLOC(uiSize));
     FRU_REQUIRE(pucLabelValue, nullptr);
     // A length that is not the text's own neither reads past the block nor costs the copy its terminator.
     const size_t uiBlock = sizeof(pstFRUSetPara->acLabelValue);

@@ -32,7 +32,7 @@ bool IsInside(const FRU_DEVICE_INFO_S *pstFRUInfo, u16 usOffset, u32 uiLength)
 
 u32 FRU_ReadFRUDataFromDB(const FRU_DEVICE_INFO_S *pstFRUInfo, u16 usOffset, u32 uiCount, u8 *pucBuf)
 {
-    u8 *pucReadBuf = static_cast<u8 *>(FRU_MALLOC(pstFRUInfo->usSize));
+    u8 *pucReadBuf = static_cast<u8 *>(FRU_ZALLOC(pstFRUInfo->usSize));
     FRU_REQUIRE(pucReadBuf, FRU_ERR_NO_MEMORY);
     const FRU_BUFFER upReadBuf(pucReadBuf);
     const u32 uiRet = FRU_DB_GetFRUData(pstFRUInfo->ucDeviceID, pstFRUInfo->usSize, pucReadBuf);
@@ -106,7 +106,7 @@ i32 FRU_ResFRUData(const FRU_DEVICE_INFO_S *pstFRUInfo, u16 usOffset, u32 uiCoun
 
 u32 FRU_WriteFRUDataDB(const FRU_DEVICE_INFO_S *pstFRUInfo, u16 usOffset, u32 uiLength, const u8 *pucData)
 {
-    u8 *pucFRUBuf = static_cast<u8 *>(FRU_MALLOC(pstFRUInfo->usSize));
+    u8 *pucFRUBuf = static_cast<u8 *>(FRU_ZALLOC(pstFRUInfo->usSize));
     FRU_REQUIRE(pucFRUBuf, FRU_ERR_NO_MEMORY);
     const FRU_BUFFER upFRUBuf(pucFRUBuf);
     u32 uiRet = FRU_DB_GetFRUData(pstFRUInfo->ucDeviceID, pstFRUInfo->usSize, pucFRUBuf);

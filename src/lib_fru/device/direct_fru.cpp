@@ -38,7 +38,7 @@ const HW_FRU_OBJECT_S *FindObject(const HW_OBJECT_LIST_S &stList, u32 uiComponen
 // Reads and decodes the image that an object describes.
 u32 ReadObject(const HW_FRU_OBJECT_S &stObject, FRU_DATA_S *pstFRUData)
 {
-    const FRU_BUFFER upBuf(static_cast<u8 *>(FRU_MALLOC_IN(stObject.usSize, g_pcFunction)));
+    const FRU_BUFFER upBuf(static_cast<u8 *>(FRU_ZALLOC_IN(stObject.usSize, g_pcFunction)));
     if (upBuf == nullptr) {
         FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_WARNING, "Malloc FRU buf size failed!");
         return FRU_ERR_NO_MEMORY;

@@ -20,7 +20,7 @@ u32 LIB_FRU_GetFRUDataFromDB(u8 ucComponentType, u8 ucInstance, FRU_DATA_S *pstF
     if (uiRet != FRU_OK) {
         return uiRet;
     }
-    const FRU_BUFFER upFRUBuf(static_cast<u8 *>(FRU_MALLOC(stInfo.usSize)));
+    const FRU_BUFFER upFRUBuf(static_cast<u8 *>(FRU_ZALLOC(stInfo.usSize)));
     if (upFRUBuf == nullptr) {
         FRU_LOG(FRU_CAT_DATA, BMC_DIAG_WARNING, "Malloc fru data buf failed! DeviceID:%#x.", ucDeviceID);
         return LIB_FRU_ERR_SIZE;

@@ -23,7 +23,7 @@ u32 LIB_FRU_GetFRUDataFromEEPROM(u32 uiTotalLen, FRU_READ_REQ_S *pstFRUReadReq, 
 {
     FRU_REQUIRE(pucFRUBuf, FRU_ERR_NULL_POINTER);
     FRU_REQUIRE(pstFRUReadReq, FRU_ERR_NULL_POINTER);
-    const FRU_BUFFER upResBuf(static_cast<u8 *>(FRU_MALLOC(g_uiResponseLen)));
+    const FRU_BUFFER upResBuf(static_cast<u8 *>(FRU_ZALLOC(g_uiResponseLen)));
     if (upResBuf == nullptr) {
         FRU_LOG(FRU_CAT_DATA, BMC_DIAG_WARNING, "Fail allocating memory!");
         return FRU_ERR_NO_MEMORY;

@@ -10,7 +10,7 @@ namespace {
 TEST(Alloc, MallocFormGivesZeroedMemory)
 {
     fake::Reset();
-    const FRU_BUFFER upBuffer(static_cast<u8 *>(FRU_MALLOC(64U)));
+    const FRU_BUFFER upBuffer(static_cast<u8 *>(FRU_ZALLOC(64U)));
     ASSERT_NE(upBuffer, nullptr);
     for (u32 i = 0; i < 64U; ++i) {
         EXPECT_EQ(upBuffer[i], 0U);
@@ -19,14 +19,53 @@ TEST(Alloc, MallocFormGivesZeroedMemory)
     EXPECT_EQ(fake::TakeStdout(), "");
 }
 
+TEST(Alloc, PlainFormGivesMemoryToFill)
+{
+    fake::Reset();
+    const FRU_BUFFER upBuffer(static_cast<u8 *>(FRU_ALLOC(64U)));
+    ASSERT_NE(upBuffer, nullptr);
+    (void)memset(upBuffer.get(), 0xA5, 64U);
+    EXPECT_EQ(fake::Count(fake::KIND_E::ALLOC), 1U);
+    EXPECT_TRUE(fake::Messages().empty());
+}
+
+// Memory that was used before is the case that matters.
+TEST(Alloc, ZeroedFormsClearMemoryThatWasUsedBefore)
+{
+    for (const bool bCallocForm : {false, true}) {
+        fake::Reset();
+        u8 *pucUsed = static_cast<u8 *>(FRU_ALLOC(64U));
+        ASSERT_NE(pucUsed, nullptr);
+        (void)memset(pucUsed, 0xA5, 64U);
+        FRU_FREE(pucUsed);
+        const FRU_BUFFER upBuffer(static_cast<u8 *>(bCallocForm ? FRU_CALLOC(8U, 8U) : FRU_ZALLOC(64U)));
+        ASSERT_NE(upBuffer, nullptr);
+        for (u32 i = 0; i < 64U; ++i) {
+            EXPECT_EQ(upBuffer[i], 0U);
+        }
+    }
+}
+
+TEST(Alloc, CallocFormRefusesAProductThatWraps)
+{
+    fake::Reset();
+    EXPECT_EQ(FRU_CALLOC(SIZE_MAX / 2U, 3U), nullptr);
+    EXPECT_EQ(fake::Count(fake::KIND_E::ALLOC), 0U);
+    EXPECT_EQ(fake::TakeStdout(), "");
+}
+
 TEST(Alloc, MallocFormReportsSizeZeroToLogAndStdout)
 {
     fake::Reset();
-    EXPECT_EQ(FRU_MALLOC_IN(0U, "FRU_Caller"), nullptr);
-    EXPECT_EQ(fake::Messages(),
-              std::vector<std::string>{"0/3 lib_fru.c: Invalid MALLOC size (size is 0)is detected"});
-    EXPECT_EQ(fake::TakeStdout(), "Invalid MALLOC size (size is 0)is detected in # FRU_Caller lib_fru.c\n");
-    EXPECT_EQ(fake::Count(fake::KIND_E::ALLOC), 0U);
+    for (const bool bZeroed : {false, true}) {
+        fake::Reset();
+        EXPECT_EQ(bZeroed ? FRU_ZALLOC_IN(0U, "FRU_Caller") : FRU_ALLOC_IN(0U, "FRU_Caller"), nullptr);
+        EXPECT_EQ(fake::Messages(),
+                  std::vector<std::string>{"0/3 lib_fru.c: Invalid MALLOC size (size is 0)is detected"});
+        EXPECT_EQ(fake::TakeStdout(),
+                  "Invalid MALLOC size (size is 0)is detected in # FRU_Caller lib_fru.c\n");
+        EXPECT_EQ(fake::Count(fake::KIND_E::ALLOC), 0U);
+    }
 }
 
 TEST(Alloc, CallocFormReportsSizeZeroTwiceToStdoutOnly)
@@ -45,7 +84,9 @@ TEST(Alloc, FailureIsNullWithoutAMessage)
 {
     fake::Reset();
     fake::Arm({fake::KIND_E::ALLOC, 1, false});
-    EXPECT_EQ(FRU_MALLOC(8U), nullptr);
+    EXPECT_EQ(FRU_ALLOC(8U), nullptr);
+    fake::Arm({fake::KIND_E::ALLOC, 1, false});
+    EXPECT_EQ(FRU_ZALLOC(8U), nullptr);
     fake::Arm({fake::KIND_E::ALLOC, 1, false});
     EXPECT_EQ(FRU_CALLOC(1U, 8U), nullptr);
     fake::Disarm();
@@ -56,7 +97,7 @@ TEST(Alloc, FreeNullsThePointer)
 {
     fake::Reset();
     const u32 uiBefore = fake::LiveAllocations();
-    u8 *pucBuffer = static_cast<u8 *>(FRU_MALLOC(8U));
+    u8 *pucBuffer = static_cast<u8 *>(FRU_ZALLOC(8U));
     EXPECT_EQ(fake::LiveAllocations(), uiBefore + 1U);
     FRU_FREE(pucBuffer);
     EXPECT_EQ(pucBuffer, nullptr);

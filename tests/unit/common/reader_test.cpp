@@ -27,4 +27,15 @@ TEST(Reader, AReadPastTheEndPoisons)
     EXPECT_EQ(FRU_ReadBytes(stReader, 1U), nullptr);
 }
 
+// A caller may call any length its own; only what is read counts.
+TEST(Reader, ALengthPastTheAddressSpaceIsOnlyACount)
+{
+    const u8 *pucLast = reinterpret_cast<const u8 *>(UINTPTR_MAX - 16U);
+    FRU_READER_S stReader = FRU_ReaderOver(pucLast, 0xFFFFFFFFU);
+    EXPECT_EQ(FRU_ReaderLeft(stReader), 0xFFFFFFFFU);
+    EXPECT_EQ(FRU_ReadBytes(stReader, 8U), pucLast);
+    EXPECT_EQ(FRU_ReaderLeft(stReader), 0xFFFFFFF7U);
+    EXPECT_FALSE(stReader.bPoisoned);
+}
+
 } // namespace

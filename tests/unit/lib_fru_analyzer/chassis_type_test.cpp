@@ -40,20 +40,22 @@ const LINES g_vecTexts{"Unspecified",
 TEST(ChassisType, CodesArePositionsAndTextsAreThese)
 {
     ASSERT_EQ(g_vecTexts.size(), FRU_CHASSIS_TYPE_COUNT);
-    static_assert(sizeof(FRU_ChassisTypeTable) == 30U * 68U);
     for (u32 i = 0; i < FRU_CHASSIS_TYPE_COUNT; ++i) {
-        EXPECT_EQ(FRU_ChassisTypeTable[i].uiCode, i);
-        EXPECT_EQ(std::string(FRU_ChassisTypeTable[i].acDesc), g_vecTexts[i]);
-        EXPECT_EQ(FRU_FindChassisTypeByCode(i), &FRU_ChassisTypeTable[i]);
-        EXPECT_EQ(FRU_FindChassisTypeByDesc(g_vecTexts[i].c_str()), &FRU_ChassisTypeTable[i]);
+        EXPECT_STREQ(FRU_FindChassisDesc(i), g_vecTexts[i].c_str());
+        EXPECT_EQ(FRU_FindChassisCode(g_vecTexts[i].c_str()), i);
     }
 }
 
 TEST(ChassisType, TextsArePaddedWithZeros)
 {
-    for (const FRU_CHASSIS_TYPE_S &stType : FRU_ChassisTypeTable) {
-        for (size_t i = strlen(stType.acDesc); i < sizeof(stType.acDesc); ++i) {
-            EXPECT_EQ(stType.acDesc[i], '\0');
+    for (u32 uiCode = 0; uiCode < FRU_CHASSIS_TYPE_COUNT; ++uiCode) {
+        image::AREAS_S stAreas;
+        stAreas.vecChassis = image::ChassisArea(static_cast<u8>(uiCode), image::Texts({"PN", "SN"}));
+        RECORD record;
+        ASSERT_EQ(Decode(image::Image(stAreas), record.Get()), FRU_OK);
+        const char *pcType = record->stChassisInfo.pucChassisType;
+        for (size_t i = g_vecTexts[uiCode].size(); i < FRU_CHASSIS_TYPE_DESC_LEN; ++i) {
+            EXPECT_EQ(pcType[i], '\0');
         }
     }
 }
@@ -61,10 +63,10 @@ TEST(ChassisType, TextsArePaddedWithZeros)
 TEST(ChassisType, UnknownCodesAndTextsAreNotFound)
 {
     for (const u32 uiCode : {30U, 255U, 256U, 0xFFFFFFFFU}) {
-        EXPECT_EQ(FRU_FindChassisTypeByCode(uiCode), nullptr);
+        EXPECT_EQ(FRU_FindChassisDesc(uiCode), nullptr);
     }
     for (const char *pcDesc : {"", "rack mount chassis", "Rack Mount Chassis ", "Rack Mount", "Laptop"}) {
-        EXPECT_EQ(FRU_FindChassisTypeByDesc(pcDesc), nullptr);
+        EXPECT_EQ(FRU_FindChassisCode(pcDesc), FRU_CHASSIS_TYPE_COUNT);
     }
 }
 

@@ -403,24 +403,40 @@ TEST(ConvertMultiRecordArea, ABufferTooSmallFailsWhereItEnds)
     EXPECT_EQ(Encode(record.Get(), 8U + 17U).iRet, 8 + 16);
 }
 
-TEST(ConvertMultiRecordArea, MoreThan2040BytesAreRefused)
+// Only the size is cut: the bytes behind it are written, and lie beyond the image.
+TEST(ConvertMultiRecordArea, SizesAreCutToElevenBits)
 {
-    for (const size_t uiLast : {size_t{250U}, size_t{251U}}) { // 7 * 255 + 5 + 250 is 2040
+    struct CASE_S
+    {
+        size_t uiLast; // data bytes of the last record
+        i32 iRet;
+    };
+    // 7 * 255 + 5 + 250 is 2040, the most that the size's bits hold.
+    for (const CASE_S &stCase : {CASE_S{250U, 8 + 2040}, {251U, 8 + 0}, {255U, 8 + 0}}) {
+        SCOPED_TRACE(stCase.uiLast);
         fake::Reset();
         RECORD record;
         model::RECORD_S stModel;
         stModel.vecMultiRecord.assign(8U, {1U, 2U, BYTES(250U, 1U)});
-        stModel.vecMultiRecord.back() = {1U, 0x82U, BYTES(uiLast, 1U)};
+        stModel.vecMultiRecord.back() = {1U, 0x82U, BYTES(stCase.uiLast, 1U)};
         model::Fill(record.Get(), stModel);
-        const i32 iRet = Encode(record.Get(), 8192).iRet;
-        EXPECT_EQ(iRet, uiLast == 250U ? 2048 : -1);
-        EXPECT_EQ(
-            fake::Messages(),
-            uiLast == 250U
-                ? LINES{}
-                : (LINES{Line(2, "Error relocate address while converting ProductInfoArea:length=0x800"),
-                         g_strMultiFailed}));
+        const auto stEncoded = Encode(record.Get(), 8192);
+        EXPECT_EQ(stEncoded.iRet, stCase.iRet);
+        EXPECT_EQ(stEncoded.vecImage[5], 1U);
+        EXPECT_EQ(fake::Messages(), LINES{});
     }
+}
+
+TEST(ConvertMultiRecordArea, ACutSizeGrowsAgainFromZero)
+{
+    fake::Reset();
+    RECORD record;
+    model::RECORD_S stModel;
+    stModel.vecMultiRecord.assign(10U, {1U, 2U, BYTES(250U, 1U)});
+    stModel.vecMultiRecord.back() = {1U, 0x82U, BYTES(3U, 1U)};
+    model::Fill(record.Get(), stModel);
+    EXPECT_EQ(Encode(record.Get(), 8192).iRet, 8 + 256); // 9 * 255 + 8 are 2303, rounded up 2304
+    EXPECT_EQ(fake::Messages(), LINES{});
 }
 
 TEST(ConvertMultiRecordArea, AStartBeyond2040IsRefused)

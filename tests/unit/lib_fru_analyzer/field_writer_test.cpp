@@ -1,5 +1,8 @@
 #include "lib_fru_analyzer/field_writer.h"
 
+#include <sys/mman.h>
+#include <unistd.h>
+
 #include "codec_test_helper.h"
 
 namespace {
@@ -90,6 +93,38 @@ TEST(WriteFRUDataByType, RefusesATextThatTheLengthBitsCannotHold)
               (LINES{Line(2, "FRU data exceeds[0x41, 0x40]"), Line(2, "FRU data exceeds[0x80, 0x40]"),
                      Line(2, "FRU data exceeds[0x80, 0x64]")}));
 }
+
+#if SIZE_MAX > UINT32_MAX
+// 4 GiB and a few characters, of one small file mapped again and again.
+TEST(WriteFRUDataByType, ALengthIsNotCutTo32Bits)
+{
+    constexpr size_t PIECE = 64U * 1024U * 1024U;
+    constexpr size_t PIECES = (size_t{1} << 32U) / PIECE;
+    const int iFile = memfd_create("text", 0);
+    ASSERT_GE(iFile, 0);
+    ASSERT_EQ(ftruncate(iFile, PIECE), 0);
+    void *pPiece = mmap(nullptr, PIECE, PROT_READ | PROT_WRITE, MAP_SHARED, iFile, 0);
+    ASSERT_NE(pPiece, MAP_FAILED);
+    (void)memset(pPiece, 'x', PIECE);
+    void *pText =
+        mmap(nullptr, (PIECES + 1U) * PIECE, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
+    ASSERT_NE(pText, MAP_FAILED);
+    char *pcText = static_cast<char *>(pText);
+    for (size_t i = 0; i <= PIECES; ++i) {
+        ASSERT_NE(mmap(pcText + i * PIECE, PIECE, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_FIXED, iFile, 0),
+                  MAP_FAILED);
+    }
+    pcText[PIECES * PIECE + 10U] = '\0';
+    fake::Reset();
+    BYTES vecBuf(64, g_ucGuard);
+    EXPECT_EQ(FRU_WriteFRUDataByType(pcText, 64, vecBuf.data()), -1);
+    EXPECT_EQ(vecBuf, BYTES(64, g_ucGuard));
+    EXPECT_EQ(fake::Messages(), LINES{Line(2, "FRU data exceeds[0xffffffff, 0x40]")});
+    (void)munmap(pText, (PIECES + 1U) * PIECE);
+    (void)munmap(pPiece, PIECE);
+    (void)close(iFile);
+}
+#endif
 
 TEST(Writer, StopsAtItsRoomAndSaysWhat)
 {

@@ -165,10 +165,10 @@ TEST(RoundTrip, EveryCountOfMultiRecords)
 TEST(RoundTrip, EveryChassisType)
 {
     std::mt19937 generator(30U);
-    for (const FRU_CHASSIS_TYPE_S &stType : FRU_ChassisTypeTable) {
+    for (u32 uiCode = 0; uiCode < FRU_CHASSIS_TYPE_COUNT; ++uiCode) {
         fake::Reset();
         model::RECORD_S stModel = SomeRecord(generator, 2U);
-        stModel.optChassis->strChassisType = stType.acDesc;
+        stModel.optChassis->strChassisType = FRU_FindChassisDesc(uiCode);
         ExpectRoundTrip(stModel);
     }
 }

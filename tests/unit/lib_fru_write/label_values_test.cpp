@@ -355,8 +355,8 @@ TEST(LabelValue, OnlyMacAddressesAreUpperCased)
 
 TEST(LabelValue, AChassisTypeIsOneOfThirtyTexts)
 {
-    for (const FRU_CHASSIS_TYPE_S &stType : FRU_ChassisTypeTable) {
-        EXPECT_EQ(Check("Chassis Type", stType.acDesc), Accepted(stType.acDesc));
+    for (u32 uiCode = 0; uiCode < FRU_CHASSIS_TYPE_COUNT; ++uiCode) {
+        EXPECT_EQ(Check("Chassis Type", FRU_FindChassisDesc(uiCode)), Accepted(FRU_FindChassisDesc(uiCode)));
     }
     for (const char *pcType : {"rack mount chassis", "Rack Mount Chassi", "Rack Mount Chassis ", "23",
                                "Laptop", "Blade Enclosures", "NONE", "\x80\xFF"}) {
