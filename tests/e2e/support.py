@@ -1,4 +1,5 @@
 """What the tests of fructl share: running it, and controllers to run it on."""
+import copy
 import json
 import os
 import pathlib
@@ -12,8 +13,13 @@ FRUCTL = os.environ.get("FRUCTL", str(SOURCE / "build/native/fructl"))
 # Empty, or the program that runs another machine's executables.
 EMULATOR = os.environ.get("FRUCTL_EMULATOR", "").split()
 EXAMPLES = SOURCE / "examples"
-# A folder of real images, which need not be there.
-CORPUS = pathlib.Path(os.environ.get("BMCFRU_CORPUS_DIR", SOURCE / "../shared/corpus"))
+# Images that real boards hold; none where no folder of them is named.
+CORPUS = os.environ.get("BMCFRU_CORPUS_DIR", "")
+CORPUS_IMAGES = sorted(pathlib.Path(CORPUS).glob("*.bin")) if CORPUS else []
+NO_CORPUS = f"no images in BMCFRU_CORPUS_DIR, which is '{CORPUS}'"
+# No machine is that slow: a command that takes it hangs.
+HANG_SECONDS = 1800
+SKIPPED = 77  # CTest's SKIP_RETURN_CODE for these tests
 COMMAND = [*EMULATOR, FRUCTL]
 # Memory where there is some: what the controllers sync to it costs nothing.
 TEMP = "/dev/shm" if os.access("/dev/shm", os.W_OK) else None
@@ -38,7 +44,7 @@ def Environment(**dictMore):
 def Run(*asArguments, strCwd=None, **dictEnvironment):
     """Runs fructl without a root of its own."""
     return Result(subprocess.run([*COMMAND, *map(str, asArguments)], capture_output=True, text=True, errors="backslashreplace",
-                                 cwd=strCwd, env=Environment(**dictEnvironment), timeout=120))
+                                 cwd=strCwd, env=Environment(**dictEnvironment), timeout=HANG_SECONDS))
 
 
 class FructlTest(unittest.TestCase):
@@ -116,6 +122,23 @@ class FructlTest(unittest.TestCase):
     def Write(self, strName, abBytes):
         pathFile = self.pathTemp / strName
         pathFile.write_bytes(abBytes)
+        return pathFile
+
+
+DESCRIPTION = json.loads((EXAMPLES / "controller.json").read_text())
+
+
+class Described(FructlTest):
+    """A controller made from a changed description."""
+
+    def Describe(self, fnChange):
+        pathDescription = self.pathTemp / "described"
+        if not pathDescription.exists():
+            shutil.copytree(EXAMPLES, pathDescription)
+        dictDescription = copy.deepcopy(DESCRIPTION)
+        fnChange(dictDescription, pathDescription)
+        pathFile = pathDescription / "described.json"
+        pathFile.write_text(json.dumps(dictDescription))
         return pathFile
 
 

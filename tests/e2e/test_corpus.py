@@ -1,10 +1,9 @@
 """A folder of real images, when there is one: the texts that are plain to read in them, and no contradictions."""
+import sys
 import unittest
 import zlib
 
-from support import CORPUS, FructlTest, Run
-
-IMAGES = sorted(CORPUS.glob("*.bin")) if CORPUS.is_dir() else []
+from support import CORPUS_IMAGES, FructlTest, NO_CORPUS, Run, SKIPPED
 
 # By the image's CRC-32: sound or not, and texts by area and field.
 EXPECTED = {
@@ -57,15 +56,11 @@ EXPECTED = {
 }
 
 
+@unittest.skipUnless(CORPUS_IMAGES, NO_CORPUS)
 class Corpus(FructlTest):
-    def setUp(self):
-        super().setUp()
-        if not IMAGES:
-            self.skipTest("there is no folder of real images")
-
     def test_texts_that_are_plain_to_read(self):
         iKnown = 0
-        for pathImage in IMAGES:
+        for pathImage in CORPUS_IMAGES:
             iCrc = zlib.crc32(pathImage.read_bytes())
             if iCrc not in EXPECTED:
                 continue
@@ -83,10 +78,10 @@ class Corpus(FructlTest):
         self.assertGreater(iKnown, 0)
 
     def test_verify_tells_the_sound_from_the_damaged(self):
-        stResult = Run("--json", "verify", *IMAGES)
+        stResult = Run("--json", "verify", *CORPUS_IMAGES)
         listImages = stResult.Json()["images"]
-        self.assertEqual(len(listImages), len(IMAGES))
-        for pathImage, stImage in zip(IMAGES, listImages):
+        self.assertEqual(len(listImages), len(CORPUS_IMAGES))
+        for pathImage, stImage in zip(CORPUS_IMAGES, listImages):
             self.assertNotIn("failure", stImage, pathImage)
             tupleExpected = EXPECTED.get(zlib.crc32(pathImage.read_bytes()))
             if tupleExpected is not None:
@@ -94,7 +89,7 @@ class Corpus(FructlTest):
         self.assertEqual(stResult.iCode, 0 if all(stImage["sound"] for stImage in listImages) else 1)
 
     def test_the_map_covers_every_byte_and_says_what_show_says(self):
-        for pathImage in IMAGES:
+        for pathImage in CORPUS_IMAGES:
             with self.subTest(pathImage.name):
                 stMap = self.Json("map", pathImage)
                 stShown = self.Json("show", pathImage)
@@ -114,4 +109,7 @@ class Corpus(FructlTest):
 
 
 if __name__ == "__main__":
+    if not CORPUS_IMAGES:
+        print("skipped: " + NO_CORPUS)
+        sys.exit(SKIPPED)
     unittest.main()

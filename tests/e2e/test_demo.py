@@ -3,12 +3,13 @@ import re
 import subprocess
 import unittest
 
-from support import COMMAND, SOURCE, Environment
+from support import COMMAND, Environment, HANG_SECONDS, SOURCE
 
 
 class Demo(unittest.TestCase):
     def test_the_demo_ends_well_and_shows_every_command_that_it_runs(self):
-        stResult = subprocess.run([SOURCE / "scripts/demo"], capture_output=True, text=True, env=Environment(FRUCTL=" ".join(COMMAND)), timeout=240)
+        stResult = subprocess.run([SOURCE / "scripts/demo"], capture_output=True, text=True, env=Environment(FRUCTL=" ".join(COMMAND)),
+                                  timeout=HANG_SECONDS)
         # The failures are those that the demo announces.
         self.assertEqual((stResult.returncode, stResult.stderr), (0, """\
 fructl: verify: 2 of 7 images are not in order
@@ -24,7 +25,8 @@ fructl: '02:00:5e:10:00:a0' is refused for 'Chassis MAC Address': it has 17 char
         self.assertIn("\n# Done. ", stResult.stdout)
 
     def test_a_demo_that_goes_wrong_fails(self):
-        stResult = subprocess.run([SOURCE / "scripts/demo"], capture_output=True, text=True, env=Environment(FRUCTL="false"), timeout=60)
+        stResult = subprocess.run([SOURCE / "scripts/demo"], capture_output=True, text=True, env=Environment(FRUCTL="false"),
+                                  timeout=HANG_SECONDS)
         self.assertEqual((stResult.returncode, stResult.stderr), (1, "demo: FAILED: fructl provision examples/controller.json ended with exit code 1, not 0\n"))
 
 

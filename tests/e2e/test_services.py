@@ -1,12 +1,12 @@
 """fructl clear, raw write, test-result, features, date and monitor."""
 import datetime
 import json
+import select
 import signal
 import subprocess
-import time
 import unittest
 
-from support import BASEBOARD_EEPROM, COMMAND, Environment, FructlTest, Run
+from support import BASEBOARD_EEPROM, COMMAND, Environment, FructlTest, HANG_SECONDS, Run
 
 OPERATE_LOG = "var/log/operate.jsonl"
 EVENTS = "var/log/fru-events.jsonl"
@@ -116,12 +116,14 @@ class SmallServices(ServicesTest):
         self.assertEqual(stPast["event"], "cleared")
         with subprocess.Popen([*COMMAND, "--root", str(self.pathRoot), "monitor"], stdout=subprocess.PIPE, text=True,
                               env=Environment()) as stMonitor:
-            # The monitor begins at the journal's end; give it the time to get there.
-            time.sleep(1.0)
-            self.Good("clear", "psu2", "--yes")
+            # The monitor begins at the journal's end, and nobody sees when it is there.
+            listReady = []
+            while not listReady:
+                self.Good("clear", "psu2", "--yes")
+                listReady, _, _ = select.select([stMonitor.stdout], [], [], 0.2)
             strLine = stMonitor.stdout.readline()
             stMonitor.send_signal(signal.SIGINT)
-            self.assertEqual(stMonitor.wait(timeout=20), 0)
+            self.assertEqual(stMonitor.wait(timeout=HANG_SECONDS), 0)
         self.assertRegex(strLine, r"^\d{4}-\d\d-\d\dT\S+  cleared  0x03:1\n$")
 
 

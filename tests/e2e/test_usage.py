@@ -6,7 +6,7 @@ import subprocess
 import time
 import unittest
 
-from support import BASEBOARD_EEPROM, COMMAND, EXAMPLES, Environment, FructlTest, Run
+from support import BASEBOARD_EEPROM, COMMAND, EXAMPLES, Environment, FructlTest, HANG_SECONDS, Run
 
 COMMANDS = ["provision", "list", "show", "verify", "map", "diff", "label", "encode", "recover", "raw", "mr", "hw", "sn", "psn", "oem", "host-name", "assemble", "fields"]
 
@@ -149,7 +149,7 @@ class Lock(FructlTest):
         with open(self.Eeprom(BASEBOARD_EEPROM), "r+b") as stChip:
             fcntl.flock(stChip, fcntl.LOCK_EX)
             stProcess = subprocess.Popen([*COMMAND, "--root", str(self.pathRoot), "recover", "baseboard"], stdout=subprocess.DEVNULL)
-            fEnd = time.monotonic() + 60
+            fEnd = time.monotonic() + HANG_SECONDS
             while not pathLock.read_text() and time.monotonic() < fEnd:
                 time.sleep(0.02)
             strHolder = pathLock.read_text()

@@ -204,7 +204,8 @@ class OtherClients(ClientCase):
     def test_freeipmi_shows_all_fields(self):
         for lstDriver in (['-D', 'LAN'], ['-D', 'LAN_2_0', '-W', 'opensesspriv']):
             stDone = bench.Run(['ipmi-fru', '-h', '127.0.0.1:%d' % self.stService.iPort, '-u', 'admin', '-p', 'admin', '-l',
-                                'ADMIN', *lstDriver, '--sdr-cache-directory', self.stController.strBase, '--quiet-cache'])
+                                'ADMIN', *lstDriver, '--sdr-cache-directory', self.stController.strBase, '--quiet-cache',
+                                '--session-timeout', str(int(bench.HANG_SECONDS * 1000))])
             self.assertEqual(stDone.returncode, 0, stDone)
             lstBlocks = re.split(r'^FRU Inventory Device: ', stDone.stdout, flags=re.M)[1:]
             mapBlocks = {strBlock.split(' ')[0]: strBlock for strBlock in lstBlocks}

@@ -23,8 +23,8 @@ class Example(unittest.TestCase):
         ]
         lstNoRequests = ['0a', 'zz', '0a 111', '0a 10 01x', '', '0a 12' + ' 00' * 513]
         strInput = '\n'.join([strReq for strReq, _ in lstExchanges] + lstNoRequests) + '\n'
-        stDone = subprocess.run([os.path.join(bench.STR_BUILD, 'ipmi_service')], input=strInput, text=True, timeout=20,
-                                stdout=subprocess.PIPE, stderr=subprocess.PIPE, check=True,
+        stDone = subprocess.run([os.path.join(bench.STR_BUILD, 'ipmi_service')], input=strInput, text=True,
+                                timeout=bench.HANG_SECONDS, stdout=subprocess.PIPE, stderr=subprocess.PIPE, check=True,
                                 env={**os.environ, 'FRUCTL_ROOT': stController.strRoot})
         self.assertEqual(stDone.stdout.splitlines(), [strRes for _, strRes in lstExchanges])
         self.assertEqual(stDone.stderr.count('ipmi_service: not a request: '), len(lstNoRequests))

@@ -86,12 +86,12 @@ class Killed(unittest.TestCase):
         with subprocess.Popen(['ipmitool', '-I', 'lanplus', '-C', '3', '-H', '127.0.0.1', '-p', str(stService.iPort), '-U',
                                'admin', '-P', 'admin', 'fru', 'write', str(stDevice.iId), strFile],
                               stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL) as stClient:
-            fUntil = time.monotonic() + 10
+            fUntil = time.monotonic() + bench.HANG_SECONDS
             while stController.Chip(stDevice)[:1024] == abOld[:1024] and time.monotonic() < fUntil:
                 pass
             os.kill(stService.iSimulator, signal.SIGKILL)
             stClient.kill()
-        _, strErrors = stService.stProcess.communicate(timeout=10)
+        _, strErrors = stService.stProcess.communicate(timeout=bench.HANG_SECONDS)
         self.assertEqual(stService.stProcess.returncode, 1)
         self.assertIn('the service has ended: ipmi_sim was ended by signal 9', strErrors)
         self.assertFalse(os.path.exists(os.path.join(stController.strRoot, 'var/run/ipmi_sim')))
@@ -102,7 +102,9 @@ class Killed(unittest.TestCase):
         stDevice = bench.DEVICE(0, 'board', 0, 0, abOld)
         stController = bench.CONTROLLER(self, [stDevice, bench.DEVICE(1, 'psu', 3, 0, bench.BigImage('p', 1024))])
         iTorn = 0
-        for _ in range(4):
+        iRounds = 0
+        while iRounds < 4 or iTorn == 0:
+            iRounds += 1
             abChip = self.Torn(stController, stDevice, abOld, abNew)
             self.assertTrue(all(iByte in (abOld[i], abNew[i]) for i, iByte in enumerate(abChip)))
             lstBad = bench.BadAreas(abChip)
@@ -124,8 +126,7 @@ class Killed(unittest.TestCase):
             self.assertEqual(stController.CacheState(stDevice), 'same')
             self.assertEqual(stService.Stop(), (0, ''))
             abOld, abNew = abNew, abOld
-        print('  %d of 4 writes were cut off in an area' % iTorn)
-        self.assertGreaterEqual(iTorn, 1)
+        print('  %d of %d writes were cut off in an area' % (iTorn, iRounds))
 
     def test_simulator_does_not_outlive_fructl(self):
         stController = bench.CONTROLLER(self, [bench.DEVICE(0, 'board', 0, 0, bench.BigImage('a', 1024))])

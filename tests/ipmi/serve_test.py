@@ -21,7 +21,7 @@ class ServeCase(unittest.TestCase):
         return strFile
 
     def Refused(self, iCode, strWords, *lstArgs):
-        stDone = bench.Run([bench.STR_FRUCTL, '--root', self.stController.strRoot, 'serve', *lstArgs], 10.0)
+        stDone = bench.Run([bench.STR_FRUCTL, '--root', self.stController.strRoot, 'serve', *lstArgs])
         self.assertEqual(stDone.returncode, iCode, stDone)
         self.assertIn(strWords, stDone.stderr)
         self.assertEqual(stDone.stderr.count('\n'), 1)
@@ -103,7 +103,7 @@ class Life(ServeCase):
             self.assertEqual(stDone.returncode, 0, stDone)
             self.assertIn('PS8024100311', stDone.stdout)
             stProcess.terminate()
-            self.assertEqual(stProcess.communicate(timeout=10), ('', ''))
+            self.assertEqual(stProcess.communicate(timeout=bench.HANG_SECONDS), ('', ''))
 
     def test_own_user_and_password_and_the_line_that_uses_them(self):
         strPassword = 'p$a"ss\\#\'1'

@@ -9,10 +9,17 @@ namespace {
 using namespace codec;
 using model::TEXTS;
 
+constexpr char NO_IMAGES[] = "no such image in BMCFRU_CORPUS_DIR, which is '" BMCFRU_CORPUS_DIR "'";
+
 // False: the images are not there.
 bool Load(const std::string &strName, BYTES &vecImage)
 {
-    std::ifstream stream(std::string(BMCFRU_CORPUS_DIR) + "/" + strName, std::ios::binary);
+    const std::string strFolder = BMCFRU_CORPUS_DIR;
+    vecImage.clear();
+    if (strFolder.empty()) {
+        return false;
+    }
+    std::ifstream stream(strFolder + "/" + strName, std::ios::binary);
     vecImage.assign(std::istreambuf_iterator<char>(stream), {});
     return !vecImage.empty();
 }
@@ -35,7 +42,7 @@ TEST_P(Corpus, HasTheseTexts)
 {
     BYTES vecImage;
     if (!Load(GetParam().pcName, vecImage)) {
-        GTEST_SKIP() << "no images in " BMCFRU_CORPUS_DIR;
+        GTEST_SKIP() << NO_IMAGES;
     }
     fake::Reset();
     RECORD record;
@@ -135,7 +142,7 @@ TEST(CorpusChassis, AllFourEncodings)
 {
     BYTES vecImage;
     if (!Load("frubuilder-fru_full.bin", vecImage)) {
-        GTEST_SKIP() << "no images in " BMCFRU_CORPUS_DIR;
+        GTEST_SKIP() << NO_IMAGES;
     }
     fake::Reset();
     RECORD record;
@@ -151,7 +158,7 @@ TEST(CorpusChassis, EveryTruncationIsHarmless)
 {
     BYTES vecImage;
     if (!Load("frubuilder-fru_full.bin", vecImage)) {
-        GTEST_SKIP() << "no images in " BMCFRU_CORPUS_DIR;
+        GTEST_SKIP() << NO_IMAGES;
     }
     const u32 uiBefore = fake::LiveAllocations();
     for (; !vecImage.empty(); vecImage.pop_back()) {

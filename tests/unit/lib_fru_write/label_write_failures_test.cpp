@@ -253,7 +253,7 @@ TEST(LabelWriteFailure, ImagesOfOtherMakersKeepAllTheirFields)
         EXPECT_TRUE(label::CacheMatchesChip(stDevice));
     }
     if (uiWritten == 0U) {
-        GTEST_SKIP() << "no images here";
+        GTEST_SKIP() << "no images in BMCFRU_CORPUS_DIR, which is '" BMCFRU_CORPUS_DIR "'";
     }
 }
 

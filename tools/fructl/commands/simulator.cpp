@@ -35,7 +35,7 @@ constexpr const char *MODULE = "libbmcfru_ipmi_sim.so";
 constexpr const char *RUN_DIRECTORY = "/var/run/ipmi_sim";
 constexpr const char *LOCK_FILE = "/var/lock/fructl-serve.lock";
 constexpr milliseconds PORT_PATIENCE(1000); // a service killed just now may still hold the port
-constexpr milliseconds START_PATIENCE(5000);
+constexpr milliseconds START_PATIENCE(30000);
 constexpr milliseconds STOP_PATIENCE(3000);
 constexpr milliseconds PAUSE(20);
 constexpr int ANSWER_TIMEOUT_MS = 100;

@@ -1,0 +1,65 @@
+"""fructl encode: the file that it makes."""
+import os
+import unittest
+
+from encode_support import EncodeTest
+from support import EXAMPLES, HexImage, Run
+
+
+class Output(EncodeTest):
+    def test_what_was_made_is_told(self):
+        dictRecord = self.Json("show", EXAMPLES / "baseboard.hex")
+        pathDocument = self.Document(dictRecord)
+        self.assertEqual(self.Good("encode", pathDocument, "-o", self.pathTemp / "a.bin").strOut,
+                         f"{self.pathTemp}/a.bin: 328 bytes: header, chassis, board, product, 2 MultiRecords\n")
+        self.assertEqual(self.Json("encode", pathDocument, "-o", self.pathTemp / "b.bin", "--size", "0x200"),
+                         {"file": f"{self.pathTemp}/b.bin", "size": 512, "contents": ["header", "chassis", "board", "product", "2 MultiRecords"]})
+
+    def test_without_areas_there_is_a_header_and_nothing_else(self):
+        self.assertEqual(self.Encode({}).read_bytes(), b"\x01" + bytes(6) + b"\xff")
+
+    def test_the_size_fills_with_erased_bytes(self):
+        dictRecord = self.Json("show", EXAMPLES / "riser.hex")
+        self.assertEqual(self.Encode(dictRecord, "--size", "81").read_bytes(), HexImage(EXAMPLES / "riser.hex") + b"\xff")
+
+    def test_a_size_in_which_the_image_cannot_be_read_is_refused(self):
+        pathDocument = self.Document(self.Json("show", EXAMPLES / "riser.hex"))
+        for strSize in ("80", "79", "8"):
+            self.assertEqual(self.Bad(1, "encode", pathDocument, "-o", self.pathTemp / "x.bin", "--size", strSize),
+                             f"--size {strSize} is too small: the record takes 80 bytes, and readers refuse an area that ends with the image's "
+                             "last byte; accepted: 81 and more")
+        for strSize in ("7", "65536", "-1", "big", ""):
+            self.assertIn("accepted: 8 to 65535, decimal or 0x" if strSize else "", self.Bad(2, "encode", pathDocument, "-o", self.pathTemp / "x.bin",
+                                                                                             f"--size={strSize}"))
+        self.assertFalse((self.pathTemp / "x.bin").exists())
+
+    def test_readable_hex_by_name(self):
+        pathImage = self.Encode(self.Json("show", EXAMPLES / "riser.hex"), strName="riser-again.hex")
+        self.assertTrue(pathImage.read_text().startswith("0000: 01 00 00 01 00 00 00 fe 01 09 00 e0 2e e1 d2 4c\n0010: "))
+        self.assertEqual(HexImage(pathImage), HexImage(EXAMPLES / "riser.hex"))
+        self.assertTrue(self.Json("diff", EXAMPLES / "riser.hex", pathImage)["sameBytes"])
+
+    def test_a_file_that_is_there_stays_without_force(self):
+        pathDocument = self.Document({})
+        pathImage = self.Write("mine.bin", b"precious")
+        self.assertEqual(self.Bad(1, "encode", pathDocument, "-o", pathImage), f"{pathImage} is there already; --force replaces it")
+        self.assertEqual(pathImage.read_bytes(), b"precious")
+        self.Good("encode", pathDocument, "-o", pathImage, "--force")
+        self.assertEqual(len(pathImage.read_bytes()), 8)
+        self.assertEqual(sorted(os.listdir(self.pathTemp)), ["mine.bin", "record.json"])
+
+    def test_a_place_that_cannot_be_written_is_told_and_nothing_stays_behind(self):
+        pathDocument = self.Document({})
+        pathFile = self.Write("file", b"")
+        self.assertIn("cannot create the directory", self.Bad(1, "encode", pathDocument, "-o", pathFile / "x.bin"))
+        (self.pathTemp / "directory.bin").mkdir()
+        self.assertIn("directory.bin: Is a directory", self.Bad(1, "encode", pathDocument, "-o", self.pathTemp / "directory.bin", "--force"))
+        self.assertEqual(sorted(os.listdir(self.pathTemp)), ["directory.bin", "file", "record.json"])
+
+    def test_needs_no_controller(self):
+        stResult = Run("encode", self.Document({}), "-o", self.pathTemp / "x.bin", FRUCTL_ROOT=str(self.pathTemp / "none"))
+        self.assertEqual((stResult.iCode, (self.pathTemp / "none").exists()), (0, False))
+
+
+if __name__ == "__main__":
+    unittest.main()
