@@ -11,10 +11,14 @@
 #include <stddef.h>
 #include <stdint.h>
 
+/* platform/bmc_types.h has them too, and C99 takes a typedef once */
+#ifndef BMC_INTEGER_NAMES
+#define BMC_INTEGER_NAMES
 typedef uint8_t u8;
 typedef uint16_t u16;
 typedef uint32_t u32;
 typedef int32_t i32;
+#endif
 
 /* ---- status codes
  * -------------------------------------------------------------------------------------------- */
