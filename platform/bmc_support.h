@@ -68,7 +68,9 @@ u32 BMC_ReadFile(const char *pcPath, u8 *pucBuf, u32 uiLen);
  * that name, or it cannot be made. */
 u32 BMC_Mkdir(const char *pcPath);
 
-/* 1 when the directory exists and can be read, searched and written to, else another value. */
+#define BMC_DIR_USABLE 1U
+
+/* BMC_DIR_USABLE when the directory exists and can be read, searched and written to, else another value. */
 u32 BMC_CheckDirVaildStatus(const char *pcPath);
 
 /* Copies a regular file with its permission bits, replacing pcDest whole or not at all, whatever happens

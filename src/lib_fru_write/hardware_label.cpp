@@ -43,7 +43,7 @@ u32 LIB_FRU_WriteHWInfo(FRU_SET_PARA_S *pstFRUSetPara)
     }
     FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_INFO, "ComponentType[%#x] Instance[%d].", ucType, ucInstance);
     FRU_HW_DATA_S stHWData = {};
-    u32 uiResult = LIB_FRU_GetHWFRUData(1U, ucType, ucInstance, &stHWData);
+    u32 uiResult = LIB_FRU_GetHWFRUData(FRU_HW_ARG_USUAL, ucType, ucInstance, &stHWData);
     if (uiResult != FRU_OK) {
         FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_WARNING, "Get HW FRU Data failed! Ret:%#x.", uiResult);
         return FRU_ERR_FAILED;

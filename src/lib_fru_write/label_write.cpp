@@ -3,6 +3,7 @@
 
 #include "common/text.h"
 #include "label_block.h"
+#include "lib_fru_access.h"
 #include "lib_fru_codec.h"
 #include "lib_fru_events.h"
 #include "lib_fru_labels.h"
@@ -68,7 +69,7 @@ u32 LIB_FRU_WriteElectronicLabel(FRU_SET_PARA_S *pstFRUSetPara)
         return LIB_FRU_ERR_LABEL;
     }
     FRU_AddComOperateLog(FRU_OPERATELOG_SUCCEEDED, pstFRUSetPara);
-    if (pstFRUSetPara->ucComponentType == 0U) {
+    if (pstFRUSetPara->ucComponentType == FRU_COMPONENT_BASEBOARD) {
         FRU_UpdateFRUInfo(pstFRUSetPara->uiLabelID, pstFRUSetPara->acLabelValue,
                           pstFRUSetPara->uiLabelValueLen);
     }

@@ -14,7 +14,6 @@ constexpr char g_acDirectory[] = "/mnt/sdmmc0p4/board";
 constexpr char g_acPrimaryFile[] = "/mnt/sdmmc0p4/board/ProductSerialNumber";
 constexpr char g_acCopyFile[] = "/var/network/ProductSerialNumber";
 
-constexpr u32 g_uiDirectoryUsable = 1U;
 constexpr size_t g_uiShownLen = 512U; // characters of a serial number that a message shows at most
 
 // A failing close is told and nothing more: the bytes were handed over before it.
@@ -59,7 +58,7 @@ u32 FRU_WriteLabelToFile(const char *pcWriteBuf, u32 uiLength)
 u32 LIB_FRU_WritePSNToFile(const char *pcWriteBuf, u32 uiLength)
 {
     FRU_REQUIRE(pcWriteBuf, FRU_ERR_NULL_POINTER);
-    if (BMC_CheckDirVaildStatus(g_acDirectory) != g_uiDirectoryUsable) {
+    if (BMC_CheckDirVaildStatus(g_acDirectory) != BMC_DIR_USABLE) {
         // A directory that cannot be made shows in the opening of the file.
         (void)BMC_Mkdir(g_acDirectory);
     }

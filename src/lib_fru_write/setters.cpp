@@ -1,7 +1,6 @@
 // The setters behind the catalogue: each stores one new value in one member of a decoded record. No checks of
 // the value and no I/O.
 #include <cstdlib>
-#include <cstring>
 
 #include "label_rows.h"
 #include "lib_fru_dates.h"
