@@ -2,16 +2,14 @@
 #ifndef BMCFRU_FILES_DIRECTORY_H
 #define BMCFRU_FILES_DIRECTORY_H
 
-#include <vector>
-
 #include "files/files.h"
 
 namespace files {
 
 struct SPOT_S
 {
-    Fd stBase;      // none for a plain path
-    Fd stDirectory; // O_PATH
+    std::string strBase; // empty for a plain path
+    Fd stDirectory;      // O_PATH
     std::string strName;
 };
 
@@ -20,9 +18,8 @@ int FindDirectory(const PLACE_S &stPlace, SPOT_S *pstSpot);
 // Goes on to where the name leads while it is a link of ours.
 int FollowLinks(SPOT_S *pstSpot);
 int OpenAt(SPOT_S *pstSpot, int iFlags, Links enLinks, Fd *pstFd, struct stat *pstStat, mode_t uiMode);
-// The base twice, and the components below it.
-int OpenPath(const PLACE_S &stPlace, Fd *pstBase, Fd *pstDirectory, std::vector<std::string> *pvecParts);
-void GiveToOwnerOf(const Fd &stBase, const Fd &stFile);
+// A file that root makes below somebody's directory belongs to him, as if he had made it himself.
+void GiveToOwnerOf(const std::string &strBase, const Fd &stFile);
 // Flushes an O_PATH directory.
 int FlushDirectory(const Fd &stDirectory);
 

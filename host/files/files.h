@@ -34,11 +34,7 @@ struct PLACE_S
         : strBase(std::move(strDirectory)), strBelow(std::move(strPath))
     {}
 
-    std::string Text() const
-    {
-        return strBase.empty() ? strBelow
-                               : strBase + "/" + strBelow.substr(strBelow.front() == '/' ? 1U : 0U);
-    }
+    std::string Text() const;
 };
 
 // What an errno value of this room means.
@@ -104,6 +100,12 @@ int WriteAll(int iFd, std::string_view svBytes);
 // A regular file whole; EFBIG when it is larger than uiLimit. pstStat may be null.
 int ReadAll(const PLACE_S &stPlace, size_t uiLimit, std::string *pstrContent, struct stat *pstStat = nullptr,
             Links enLinks = Links::Ours);
+
+// fstat(2) of what lies there, through links of ours.
+int Status(const PLACE_S &stPlace, struct stat *pstStat);
+
+// A directory that can be read, searched and written to.
+bool IsUsableDirectory(const PLACE_S &stPlace);
 
 // ---- making and replacing ----
 
@@ -178,6 +180,9 @@ class LockFile
     int Take(const PLACE_S &stPlace, unsigned uiPatienceMs);
     // Together with others that share it. Makes no file: ENOENT, EACCES tell that there is none to wait for.
     int Share(const PLACE_S &stPlace, unsigned uiPatienceMs);
+    // Lets others in and takes it anew, without opening the file again; EBADF in a child of fork().
+    void Pause();
+    int Resume(unsigned uiPatienceMs);
     void Release();
     bool IsHeld() const
     {

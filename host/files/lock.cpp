@@ -71,8 +71,8 @@ constexpr mode_t g_uiGroupMode = 0660;
 mode_t ModeBelow(const SPOT_S &stSpot)
 {
     struct stat stStat;
-    const bool bGroup =
-        stSpot.stBase && fstat(stSpot.stBase.Get(), &stStat) == 0 && (stStat.st_mode & 020U) != 0U;
+    const bool bGroup = !stSpot.strBase.empty() && stat(stSpot.strBase.c_str(), &stStat) == 0 &&
+                        (stStat.st_mode & S_IWGRP) != 0U;
     return bGroup ? g_uiGroupMode : g_uiOwnMode;
 }
 
@@ -143,6 +143,19 @@ int LockFile::Share(const PLACE_S &stPlace, unsigned uiPatienceMs)
         iError = OpenRegular(stPlace, O_RDONLY, Links::Never, &m_stFile);
     }
     return iError == 0 ? Wait(LOCK_SH, uiPatienceMs) : iError;
+}
+
+void LockFile::Pause()
+{
+    if (m_bHeld) {
+        (void)flock(m_stFile.Get(), LOCK_UN);
+        m_bHeld = false;
+    }
+}
+
+int LockFile::Resume(unsigned uiPatienceMs)
+{
+    return m_stFile ? Wait(LOCK_EX, uiPatienceMs) : EBADF;
 }
 
 void LockFile::Release()

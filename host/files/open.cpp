@@ -4,6 +4,7 @@
 #include <cstring>
 #include <fcntl.h>
 #include <unistd.h>
+#include <vector>
 
 #include "files/directory.h"
 
@@ -66,7 +67,7 @@ int Descend(Fd *pstDirectory, const std::string &strName)
     return 0;
 }
 
-int MakeOne(const Fd &stDirectory, const std::string &strName, mode_t uiMode, const Fd &stBase)
+int MakeOne(const Fd &stDirectory, const std::string &strName, mode_t uiMode, const std::string &strBase)
 {
     if (mkdirat(stDirectory.Get(), strName.c_str(), uiMode) != 0) {
         return errno;
@@ -78,7 +79,7 @@ int MakeOne(const Fd &stDirectory, const std::string &strName, mode_t uiMode, co
         fchmod(stMade.Get(), uiMode | (stStat.st_mode & S_ISGID)) != 0) {
         return errno;
     }
-    GiveToOwnerOf(stBase, stMade);
+    GiveToOwnerOf(strBase, stMade);
     return 0;
 }
 
@@ -107,6 +108,15 @@ std::string DirectoryPart(const std::string &strPath)
 
 } // namespace
 
+std::string PLACE_S::Text() const
+{
+    const size_t uiBegin = strBelow.find_first_not_of('/');
+    if (strBase.empty() || uiBegin == std::string::npos) {
+        return strBase.empty() ? strBelow : strBase;
+    }
+    return (strBase.back() == '/' ? strBase : strBase + "/") + strBelow.substr(uiBegin);
+}
+
 void Fd::Reset(int iFd)
 {
     const int iOld = m_iFd;
@@ -131,6 +141,8 @@ std::string Reason(int iError)
         return "not a regular file";
     case ETIMEDOUT:
         return "another process holds the lock";
+    case ECANCELED:
+        return "cut off";
     case EIO:
         return "Input/output error, or the file is shorter than it was";
     default:
@@ -140,25 +152,28 @@ std::string Reason(int iError)
     return pcText == nullptr ? "unknown error" : pcText;
 }
 
-// A file that root makes below somebody's directory belongs to him, as if he had made it himself.
-void GiveToOwnerOf(const Fd &stBase, const Fd &stFile)
+void GiveToOwnerOf(const std::string &strBase, const Fd &stFile)
 {
     struct stat stStat;
-    if (stBase && geteuid() == 0U && fstat(stBase.Get(), &stStat) == 0 && stStat.st_uid != 0U) {
+    if (geteuid() == 0U && !strBase.empty() && stat(strBase.c_str(), &stStat) == 0 && stStat.st_uid != 0U) {
         (void)!fchown(stFile.Get(), stStat.st_uid, stStat.st_gid);
     }
 }
 
-int OpenPath(const PLACE_S &stPlace, Fd *pstBase, Fd *pstDirectory, std::vector<std::string> *pvecParts)
+namespace {
+
+// The base, and the components below it.
+int OpenBase(const PLACE_S &stPlace, Fd *pstDirectory, std::vector<std::string> *pvecParts)
 {
     const int iError = Split(stPlace.strBelow, pvecParts);
     if (iError != 0) {
         return iError;
     }
-    *pstBase = Fd(RetryOpen(AT_FDCWD, stPlace.strBase.c_str(), O_PATH | O_DIRECTORY));
     *pstDirectory = Fd(RetryOpen(AT_FDCWD, stPlace.strBase.c_str(), O_PATH | O_DIRECTORY));
-    return *pstBase && *pstDirectory ? 0 : errno;
+    return *pstDirectory ? 0 : errno;
 }
+
+} // namespace
 
 int FindDirectory(const PLACE_S &stPlace, SPOT_S *pstSpot)
 {
@@ -172,13 +187,14 @@ int FindDirectory(const PLACE_S &stPlace, SPOT_S *pstSpot)
         return pstSpot->stDirectory ? 0 : errno;
     }
     std::vector<std::string> vecParts;
-    int iError = OpenPath(stPlace, &pstSpot->stBase, &pstSpot->stDirectory, &vecParts);
+    int iError = OpenBase(stPlace, &pstSpot->stDirectory, &vecParts);
     if (iError != 0 || vecParts.empty()) {
         return iError != 0 ? iError : EISDIR;
     }
     for (size_t i = 0; i + 1U < vecParts.size() && iError == 0; ++i) {
         iError = Descend(&pstSpot->stDirectory, vecParts[i]);
     }
+    pstSpot->strBase = stPlace.strBase;
     pstSpot->strName = vecParts.back();
     return iError;
 }
@@ -226,7 +242,7 @@ int MakePlain(std::string strPath, mode_t uiMode)
     if (!stParent) {
         return iError != 0 ? iError : errno;
     }
-    iError = MakeOne(stParent, strPath.substr(strPath.rfind('/') + 1U), uiMode, Fd());
+    iError = MakeOne(stParent, strPath.substr(strPath.rfind('/') + 1U), uiMode, "");
     if (iError != EEXIST) {
         return iError;
     }
@@ -241,19 +257,18 @@ int MakeDirectories(const PLACE_S &stPlace, mode_t uiMode)
     if (stPlace.strBase.empty()) {
         return MakePlain(stPlace.strBelow, uiMode);
     }
-    Fd stBase;
     Fd stDirectory;
     std::vector<std::string> vecParts;
-    int iError = OpenPath(stPlace, &stBase, &stDirectory, &vecParts);
+    int iError = OpenBase(stPlace, &stDirectory, &vecParts);
     if (iError == ENOENT) {
         iError = MakePlain(stPlace.strBase, uiMode);
         vecParts.clear();
-        iError = iError == 0 ? OpenPath(stPlace, &stBase, &stDirectory, &vecParts) : iError;
+        iError = iError == 0 ? OpenBase(stPlace, &stDirectory, &vecParts) : iError;
     }
     for (size_t i = 0; i < vecParts.size() && iError == 0; ++i) {
         iError = Descend(&stDirectory, vecParts[i]);
         if (iError == ENOENT) {
-            iError = MakeOne(stDirectory, vecParts[i], uiMode, stBase);
+            iError = MakeOne(stDirectory, vecParts[i], uiMode, stPlace.strBase);
             // Another process may have made it meanwhile.
             iError = iError == 0 || iError == EEXIST ? Descend(&stDirectory, vecParts[i]) : iError;
         }
@@ -297,14 +312,17 @@ int OpenAt(SPOT_S *pstSpot, int iFlags, Links enLinks, Fd *pstFd, struct stat *p
         *pstFd = Fd(RetryOpen(pstSpot->stDirectory.Get(), pstSpot->strName.c_str(), iBare | O_CREAT | O_EXCL,
                               uiMode & 0777U));
         if (*pstFd) {
-            GiveToOwnerOf(pstSpot->stBase, *pstFd);
+            GiveToOwnerOf(pstSpot->strBase, *pstFd);
             (void)fchmod(pstFd->Get(), uiMode & 0777U);
         } else if (errno == EEXIST) { // another process was faster
             *pstFd = Fd(RetryOpen(pstSpot->stDirectory.Get(), pstSpot->strName.c_str(), iBare));
         }
     }
     struct stat stStat;
-    const int iError = *pstFd ? CheckRegular(*pstSpot, pstFd->Get(), bWrite, &stStat) : errno;
+    int iError = *pstFd ? CheckRegular(*pstSpot, pstFd->Get(), bWrite, &stStat) : errno;
+    if (iError == 0 && (iFlags & O_TRUNC) != 0 && stStat.st_size != 0 && ftruncate(pstFd->Get(), 0) != 0) {
+        iError = errno;
+    }
     if (iError != 0) {
         pstFd->Reset(-1);
         return iError == ENXIO ? EINVAL : iError; // a pipe that nobody reads
@@ -321,6 +339,26 @@ int OpenRegular(const PLACE_S &stPlace, int iFlags, Links enLinks, Fd *pstFd, st
     SPOT_S stSpot;
     const int iError = FindDirectory(stPlace, &stSpot);
     return iError == 0 ? OpenAt(&stSpot, iFlags, enLinks, pstFd, pstStat, uiMode) : iError;
+}
+
+int Status(const PLACE_S &stPlace, struct stat *pstStat)
+{
+    SPOT_S stSpot;
+    int iError = FindDirectory(stPlace, &stSpot);
+    iError = iError == 0 ? FollowLinks(&stSpot) : iError;
+    if (iError != 0) {
+        return iError;
+    }
+    const int iDirectory = stSpot.stDirectory.Get();
+    return fstatat(iDirectory, stSpot.strName.c_str(), pstStat, AT_SYMLINK_NOFOLLOW) == 0 ? 0 : errno;
+}
+
+bool IsUsableDirectory(const PLACE_S &stPlace)
+{
+    const PLACE_S stAny(stPlace.strBase, stPlace.strBelow + "/x"); // what counts is the directory
+    SPOT_S stSpot;
+    return FindDirectory(stAny, &stSpot) == 0 &&
+           faccessat(stSpot.stDirectory.Get(), ".", R_OK | W_OK | X_OK, 0) == 0;
 }
 
 } // namespace files

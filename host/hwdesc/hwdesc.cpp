@@ -64,12 +64,12 @@ bool AddObject(const pugi::xml_node &node, const char *pcPath, HW_NAMESPACE *pst
 
 u32 LoadXml(HW_NAMESPACE *pstNameSpace, const char *pcPath)
 {
-    const std::string strPath = host::Resolve(pcPath);
+    const files::PLACE_S stPlace = host::PlaceOf(pcPath);
+    const std::string strPath = stPlace.Text();
     std::string strText;
-    struct stat stStat;
-    const int iError = host::ReadText(strPath, &strText, &stStat);
+    const int iError = files::ReadAll(stPlace, host::g_uiTextFileMax, &strText);
     if (iError != 0) {
-        HOST_LOG(BMC_DIAG_ERROR, "%s: %s", strPath.c_str(), host::ErrText(iError));
+        HOST_LOG(BMC_DIAG_ERROR, "%s: %s", strPath.c_str(), files::Reason(iError).c_str());
         return host::g_uiFailed;
     }
     pugi::xml_document document;

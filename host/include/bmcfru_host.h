@@ -9,6 +9,7 @@
 #define BMCFRU_HOST_H
 
 #include <stddef.h>
+#include <stdio.h>
 
 #include "bmc_types.h"
 
@@ -21,6 +22,7 @@ extern "C" {
 
 #define BMCHOST_DB_DIR "/var/lib/fru/db"                         /* the database, made when first opened */
 #define BMCHOST_EEPROM_DIR "/eeprom"                             /* one image file for each chip */
+#define BMCHOST_LOCK_DIR "/var/lock"                             /* lock files, of mode 0600 or 0660 */
 #define BMCHOST_EVENT_JOURNAL "/var/log/fru-events.jsonl"        /* RPC: events and notices, one a line */
 #define BMCHOST_OPERATE_JOURNAL "/var/log/operate.jsonl"         /* operation log, one entry a line */
 #define BMCHOST_CAPABILITY_FILE "/conf/capability.ini"           /* capabilities and the OEM flag */
@@ -40,16 +42,40 @@ u32 BMCHOST_SetRoot(const char *pcRoot);
 const char *BMCHOST_GetRoot(void);
 
 /*
+ * A root directory that belongs neither to this process's user nor, where that is root, to the user who has
+ * called sudo ($SUDO_UID), is read only: every call that would write there fails, unless a process has said
+ * once with uiAllow not 0 that it means to. Reading is not refused.
+ */
+void BMCHOST_AllowForeignRoot(u32 uiAllow);
+
+/* 1 when the root is such a one, whatever has been allowed; 0 when it is the user's own or is not there yet. */
+u32 BMCHOST_IsForeignRoot(void);
+
+/*
  * Puts the root in front of a controller's path, into pcOut of uiSize bytes; the path need not begin with a
  * slash, "." components and doubled slashes fall away. 0, or not 0 with errno set and pcOut empty: EINVAL for
  * a null or empty path or no root, EACCES when ".." components would lead out of the root, ENAMETOOLONG when
- * it does not fit. Symbolic links are followed wherever they lead: they are their owner's.
+ * it does not fit. Nothing is looked at on the disk.
+ *
+ * The platform's own calls follow a symbolic link below the root only when this process's user or root has laid
+ * it, and open nothing but regular files; whoever opens a resolved path himself has to see to that.
  */
 u32 BMCHOST_ResolvePath(const char *pcPath, size_t uiSize, char *pcOut);
 
 /*
- * Journals hold one JSON object a line, appended whole under a lock (flock(2)); a line that a dying process
- * left unfinished stands alone. Every object begins with "time" (UTC, "2024-05-01T12:34:56.789Z").
+ * fopen(3) below the root with mode "r", "w" or "w+", under those rules; a new file gets mode 0644 whatever the
+ * umask. Null with errno set.
+ */
+FILE *BMCHOST_OpenFile(const char *pcPath, const char *pcMode);
+
+#define BMCHOST_JOURNAL_MAX (4U << 20U) /* bytes at which a journal begins anew */
+#define BMCHOST_JOURNAL_FORMER ".1"     /* what the one before it is called: its name and this */
+
+/*
+ * Journals hold one JSON object a line, appended whole under a lock in var/lock; a line that a dying process
+ * left unfinished stands alone. A line that would not fit into BMCHOST_JOURNAL_MAX bytes begins a new file, and
+ * the old one takes the place of the one before it: there are two of each at most. Lines are not flushed: they
+ * outlive their process, not a power cut. Every object begins with "time" (UTC, "2024-05-01T12:34:56.789Z").
  *
  *   operate.jsonl     module, result (99 success, 67 failure), text, args (two numbers), line, source
  *   fru-events.jsonl  service, method, event, and with the event
@@ -79,9 +105,9 @@ typedef struct
 
 /*
  * Where diagnostic messages go from now on: to pfnSink with pContext, or nowhere when it is null (as at the
- * start). The sink is called on the thread that logs, one message at a time in the whole process; when this
- * call returns, the former sink is no longer running. A sink makes no platform calls; what it logs is
- * dropped.
+ * start). The sink is called on the thread that logs, without a lock: on several threads at once, and one that
+ * hangs holds up its own thread only. When this call returns, the former sink is no longer running anywhere,
+ * but for a sink that replaces itself. A sink makes no platform calls; what it logs is dropped.
  */
 void BMCHOST_SetDiagSink(void (*pfnSink)(const BMCHOST_DIAG_S *pstDiag, void *pContext), void *pContext);
 
@@ -111,14 +137,26 @@ typedef struct
     u32 uiTotal;        /* bytes that it will write */
 } BMCHOST_EEPROM_PROGRESS_S;
 
-/* Calls pfnProgress with pContext after every page written by this process, on the writing thread; null (as
+/* Calls pfnProgress with pContext after every page of this process's writes, on the writing thread; null (as
  * at the start): nothing is called. No lock is held meanwhile. */
 void BMCHOST_SetEepromProgress(void (*pfnProgress)(const BMCHOST_EEPROM_PROGRESS_S *pstProgress,
                                                    void *pContext),
                                void *pContext);
 
-/* Lets every page write of this process last at least so long, as a chip's write cycle does. 0 at the start.
+/*
+ * A chip shows a fault while a file eeprom/<image's name without ".bin">.fault says so, in one word and perhaps
+ * a number:
+ *
+ *   absent       nobody answers: every transfer is negative
+ *   busy [N]     the next N transfers (1) are negative, as in a write cycle; then the file is removed
+ *   stuck [MS]   the bus hangs: every transfer takes MS milliseconds (100) and is negative
+ *   torn [AT]    the power goes while the page with the chip's byte AT (the next page) is written: half of its
+ *                bytes are new, the others anything; the write is negative, the file is removed
+ *   protected    writes are acknowledged in full, and the chip's bytes stay
  */
+
+/* Lets every page write of this process last at least so long, as a chip's write cycle does; pages that hold
+ * the bytes already are skipped. 0 at the start. */
 void BMCHOST_SetEepromWriteDelayUs(u32 uiMicroseconds);
 
 #pragma GCC visibility pop

@@ -1,13 +1,18 @@
-// INI bridge over libiniparser. Loading and looking up are its own; saving is ours, because its dump
+// INI bridge over libiniparser. A file is parsed once for each change of it, and its handles share what was parsed
+// until one of them sets a key. Parsing and looking up are the parser's own; saving is ours, because its dump
 // writes values without the quotes that it needs to read them again and drops keys that stand before
 // the first section.
+#include <algorithm>
 #include <cctype>
 #include <cerrno>
 #include <cstdarg>
 #include <cstdio>
 #include <cstring>
+#include <ctime>
 #include <fcntl.h>
 #include <iniparser/iniparser.h>
+#include <memory>
+#include <vector>
 
 #include "bmc_ini.h"
 #include "support/host.h"
@@ -15,6 +20,14 @@
 namespace {
 
 constexpr size_t g_uiMaxLine = 1000; // libiniparser gives up on lines of 1024 characters
+
+// The parser opens a file by the path of a descriptor; its messages are to name the file itself.
+struct LOADING_S
+{
+    const char *pcPath;
+    const char *pcOpen;
+};
+thread_local LOADING_S g_stLoading;
 
 // libiniparser's complaints, which would go to stderr.
 int Complain(const char *pcFormat, ...)
@@ -28,13 +41,114 @@ int Complain(const char *pcFormat, ...)
     while (uiLength != 0U && isspace(static_cast<unsigned char>(acText[uiLength - 1U])) != 0) {
         acText[--uiLength] = '\0';
     }
-    HOST_LOG(BMC_DIAG_WARNING, "%s", acText);
+    std::string strText = acText;
+    const size_t uiAt = g_stLoading.pcOpen == nullptr ? std::string::npos : strText.find(g_stLoading.pcOpen);
+    if (uiAt != std::string::npos) {
+        strText.replace(uiAt, strlen(g_stLoading.pcOpen), g_stLoading.pcPath);
+    }
+    HOST_LOG(BMC_DIAG_WARNING, "%s", strText.c_str());
     return 0;
 }
 
+using DICTIONARY = std::shared_ptr<dictionary>;
+
+// What a handle points to.
+struct INI_S
+{
+    DICTIONARY spDictionary; // shared with the cache and other handles: never changed while it is
+    bool bShared;
+    DICTIONARY spFormer; // what was shared before the first set: texts that were given away live in there
+};
+
 dictionary *Dictionary(void *hpd)
 {
-    return static_cast<dictionary *>(hpd);
+    return static_cast<INI_S *>(hpd)->spDictionary.get();
+}
+
+// A parsed file, and by what a change of it would show.
+struct PARSED_S
+{
+    std::string strPath;
+    struct stat stStat;
+    DICTIONARY spDictionary;
+};
+constexpr size_t g_uiParsedMax = 8;
+std::vector<PARSED_S> g_vecParsed; // guarded by mtxIni; the one used last stands last
+
+bool IsSameTime(const struct timespec &stOne, const struct timespec &stOther)
+{
+    return stOne.tv_sec == stOther.tv_sec && stOne.tv_nsec == stOther.tv_nsec;
+}
+
+bool IsSameFile(const struct stat &stOne, const struct stat &stOther)
+{
+    return stOne.st_dev == stOther.st_dev && stOne.st_ino == stOther.st_ino &&
+           stOne.st_size == stOther.st_size && IsSameTime(stOne.st_mtim, stOther.st_mtim) &&
+           IsSameTime(stOne.st_ctim, stOther.st_ctim);
+}
+
+// A file changed within the clock's last tick may change again without showing it.
+bool IsSettled(const struct stat &stStat)
+{
+    struct timespec stNow = {};
+    (void)clock_gettime(CLOCK_REALTIME, &stNow);
+    const int64_t iAge = (static_cast<int64_t>(stNow.tv_sec) - stStat.st_ctim.tv_sec) * 1000000000 +
+                         (stNow.tv_nsec - stStat.st_ctim.tv_nsec);
+    return iAge > 100000000; // ten ticks at least
+}
+
+DICTIONARY FindParsed(const std::string &strPath, const struct stat &stStat)
+{
+    const std::lock_guard<std::mutex> lock(host::Locks().mtxIni);
+    for (size_t i = 0; i < g_vecParsed.size(); ++i) {
+        if (g_vecParsed[i].strPath == strPath && IsSameFile(g_vecParsed[i].stStat, stStat)) {
+            std::rotate(g_vecParsed.begin() + static_cast<std::ptrdiff_t>(i),
+                        g_vecParsed.begin() + static_cast<std::ptrdiff_t>(i) + 1, g_vecParsed.end());
+            return g_vecParsed.back().spDictionary;
+        }
+    }
+    return nullptr;
+}
+
+void KeepParsed(PARSED_S stParsed)
+{
+    const std::lock_guard<std::mutex> lock(host::Locks().mtxIni);
+    g_vecParsed.erase(
+        std::remove_if(g_vecParsed.begin(), g_vecParsed.end(),
+                       [&](const PARSED_S &stOther) { return stOther.strPath == stParsed.strPath; }),
+        g_vecParsed.end());
+    if (g_vecParsed.size() == g_uiParsedMax) {
+        g_vecParsed.erase(g_vecParsed.begin());
+    }
+    g_vecParsed.push_back(std::move(stParsed));
+}
+
+DICTIONARY Parse(const std::string &strPath, int iFd)
+{
+    static const bool bCallbackSet = [] {
+        iniparser_set_error_callback(Complain);
+        return true;
+    }();
+    (void)bCallbackSet;
+    // The very file that was looked at, whatever lies under its name by now.
+    const std::string strOpen = "/proc/self/fd/" + std::to_string(iFd);
+    g_stLoading = {strPath.c_str(), strOpen.c_str()};
+    dictionary *pstDictionary = iniparser_load(strOpen.c_str());
+    g_stLoading = {nullptr, nullptr};
+    return pstDictionary == nullptr ? nullptr : DICTIONARY(pstDictionary, iniparser_freedict);
+}
+
+// A dictionary of one's own, to set keys in.
+DICTIONARY Clone(const dictionary *pstFrom)
+{
+    DICTIONARY spClone(dictionary_new(static_cast<size_t>(pstFrom->size)), iniparser_freedict);
+    for (ssize_t i = 0; spClone != nullptr && i < pstFrom->size; ++i) {
+        if (pstFrom->key[i] != nullptr &&
+            dictionary_set(spClone.get(), pstFrom->key[i], pstFrom->val[i]) != 0) {
+            return nullptr;
+        }
+    }
+    return spClone;
 }
 
 // Names count without case; the text under which the dictionary keeps them, or nothing when there
@@ -150,18 +264,31 @@ extern "C" {
 void *BRIDGE_IniLoadFile(const char *pcPath)
 {
     return host::Shield<void *>(nullptr, [&]() -> void * {
-        static const bool bCallbackSet = [] {
-            iniparser_set_error_callback(Complain);
-            return true;
-        }();
-        (void)bCallbackSet;
-        const std::string strPath = host::Resolve(pcPath);
+        const files::PLACE_S stPlace = host::PlaceOf(pcPath);
+        const std::string strPath = stPlace.Text();
+        files::Fd stFile;
         struct stat stStat;
-        if (!host::OpenRegular(strPath, O_RDONLY, &stStat)) { // libiniparser would take a directory for empty
-            HOST_LOG(BMC_DIAG_INFO, "loading %s: %s", strPath.c_str(), host::ErrText(errno));
+        int iError = files::OpenRegular(stPlace, O_RDONLY, files::Links::Ours, &stFile, &stStat);
+        if (iError == 0 && stStat.st_size > static_cast<off_t>(host::g_uiTextFileMax)) {
+            iError = EFBIG;
+        }
+        if (iError != 0) {
+            HOST_LOG(iError == ENOENT ? BMC_DIAG_INFO : BMC_DIAG_WARNING, "loading %s: %s", strPath.c_str(),
+                     files::Reason(iError).c_str());
             return nullptr;
         }
-        return iniparser_load(strPath.c_str());
+        auto upIni = std::make_unique<INI_S>(INI_S{FindParsed(strPath, stStat), true, nullptr});
+        if (upIni->spDictionary == nullptr) {
+            const bool bSettled = IsSettled(stStat);
+            struct stat stAfter;
+            upIni->spDictionary = Parse(strPath, stFile.Get());
+            upIni->bShared = bSettled && upIni->spDictionary != nullptr &&
+                             fstat(stFile.Get(), &stAfter) == 0 && IsSameFile(stStat, stAfter);
+            if (upIni->bShared) {
+                KeepParsed({strPath, stStat, upIni->spDictionary});
+            }
+        }
+        return upIni->spDictionary == nullptr ? nullptr : upIni.release();
     });
 }
 
@@ -201,8 +328,18 @@ u32 BRIDGE_IniSetStr(void *hpd, const char *pcSection, const char *pcKey, const 
             HOST_LOG(BMC_DIAG_WARNING, "INI entry %s refused", optName ? optName->c_str() : "without name");
             return host::g_uiFailed;
         }
-        dictionary *pstDictionary = Dictionary(hpd);
+        INI_S *pstIni = static_cast<INI_S *>(hpd);
         const std::string strValue = pcValue; // it may be the text that the dictionary is about to release
+        if (pstIni->bShared) {
+            const DICTIONARY spOwn = Clone(pstIni->spDictionary.get());
+            if (spOwn == nullptr) {
+                return host::g_uiFailed;
+            }
+            pstIni->spFormer = pstIni->spDictionary;
+            pstIni->spDictionary = spOwn;
+            pstIni->bShared = false;
+        }
+        dictionary *pstDictionary = pstIni->spDictionary.get();
         const bool bSectionMissing =
             *pcSection != '\0' && iniparser_find_entry(pstDictionary, pcSection) == 0;
         if (bSectionMissing && iniparser_set(pstDictionary, pcSection, nullptr) != 0) {
@@ -218,10 +355,10 @@ u32 BRIDGE_IniSaveFile(void *hpd, const char *pcPath)
         if (hpd == nullptr) {
             return host::g_uiFailed;
         }
-        const std::string strPath = host::Resolve(pcPath);
-        const int iError = host::ReplaceFile(strPath, FileText(Dictionary(hpd)), host::g_uiKeepMode);
+        const files::PLACE_S stPlace = host::WritePlaceOf(pcPath);
+        const int iError = files::Replace(stPlace, FileText(Dictionary(hpd)));
         if (iError != 0) {
-            HOST_LOG(BMC_DIAG_ERROR, "saving %s: %s", strPath.c_str(), host::ErrText(iError));
+            HOST_LOG(BMC_DIAG_ERROR, "saving %s: %s", stPlace.Text().c_str(), files::Reason(iError).c_str());
         }
         return iError == 0 ? 0U : host::g_uiFailed;
     });
@@ -229,9 +366,7 @@ u32 BRIDGE_IniSaveFile(void *hpd, const char *pcPath)
 
 void BRIDGE_IniCloseFile(void *hpd)
 {
-    if (hpd != nullptr) {
-        iniparser_freedict(Dictionary(hpd));
-    }
+    delete static_cast<INI_S *>(hpd);
 }
 
 } // extern "C"

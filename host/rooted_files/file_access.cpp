@@ -8,9 +8,7 @@
 
 FILE *FRU_OpenFile(const char *pcPath, const char *pcMode)
 {
-    char acPath[PATH_MAX];
-    // errno says why a path was refused, as it does after a failing fopen().
-    return BMCHOST_ResolvePath(pcPath, sizeof(acPath), acPath) == 0U ? fopen(acPath, pcMode) : nullptr;
+    return BMCHOST_OpenFile(pcPath, pcMode);
 }
 
 bool FRU_FileExists(const char *pcPath)

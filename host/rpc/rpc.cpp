@@ -95,12 +95,12 @@ MRPC_MSG_S *MakeMsg(const std::vector<std::string> &vecTexts)
 
 u32 FeatureList(const CALL_S &stCall)
 {
-    const std::string strPath = host::Resolve(BMCHOST_FEATURE_LIST);
+    const files::PLACE_S stPlace = host::PlaceOf(BMCHOST_FEATURE_LIST);
+    const std::string strPath = stPlace.Text();
     std::string strText;
-    struct stat stStat;
-    const int iError = host::ReadText(strPath, &strText, &stStat);
+    const int iError = files::ReadAll(stPlace, host::g_uiTextFileMax, &strText);
     if (iError != 0 && iError != ENOENT && iError != ENOTDIR) {
-        HOST_LOG(BMC_DIAG_ERROR, "%s: %s", strPath.c_str(), host::ErrText(iError));
+        HOST_LOG(BMC_DIAG_ERROR, "%s: %s", strPath.c_str(), files::Reason(iError).c_str());
         return host::g_uiFailed;
     }
     const host::JSON json = iError == 0 ? host::JSON::parse(strText, nullptr, false) : host::JSON::array();
@@ -125,14 +125,15 @@ u32 FeatureList(const CALL_S &stCall)
 
 u32 FeatureUpdate(const CALL_S &stCall)
 {
-    const std::string strPath = host::Resolve(BMCHOST_FEATURE_UPDATE);
-    int iError = host::MakeDirs(host::DirectoryOf(strPath));
+    const files::PLACE_S stPlace = host::WritePlaceOf(BMCHOST_FEATURE_UPDATE);
+    const std::string &strBelow = stPlace.strBelow;
+    int iError = files::MakeDirectories({stPlace.strBase, strBelow.substr(0U, strBelow.rfind('/'))});
     if (iError == 0) {
         const std::string_view svBlock(reinterpret_cast<const char *>(stCall.pucReq), stCall.uiReqLen);
-        iError = host::ReplaceFile(strPath, svBlock, host::g_uiKeepMode);
+        iError = files::Replace(stPlace, svBlock);
     }
     if (iError != 0) {
-        HOST_LOG(BMC_DIAG_ERROR, "%s: %s", strPath.c_str(), host::ErrText(iError));
+        HOST_LOG(BMC_DIAG_ERROR, "%s: %s", stPlace.Text().c_str(), files::Reason(iError).c_str());
         return host::g_uiFailed;
     }
     return Journal(stCall, "featureUpdate", {{"bytes", stCall.uiReqLen}});

@@ -1,29 +1,35 @@
 // Diagnostic messages, and the locks that live through fork().
 #include <cerrno>
+#include <chrono>
 #include <cstdarg>
 #include <cstdio>
 #include <cstring>
 #include <memory>
 #include <pthread.h>
 #include <syslog.h>
+#include <thread>
 
 #include "support/host.h"
 
 namespace {
 
-// Guarded by mtxDiag.
-void (*g_pfnSink)(const BMCHOST_DIAG_S *pstDiag, void *pContext);
-void *g_pContext;
-thread_local bool g_bInSink;
+// Where messages go. Whoever delivers one keeps a reference for so long; no lock is held meanwhile.
+struct SINK_S
+{
+    void (*pfnSink)(const BMCHOST_DIAG_S *pstDiag, void *pContext);
+    void *pContext;
+};
+std::shared_ptr<const SINK_S> g_spSink;     // guarded by mtxDiag
+thread_local const SINK_S *g_pstDelivering; // this thread is inside this one's sink
+constexpr std::chrono::milliseconds g_stPause(1);
 
 void BeforeFork()
 {
     host::LOCKS_S &stLocks = host::Locks();
     stLocks.mtxDb.lock();
     stLocks.mtxEeprom.lock();
-    if (!g_bInSink) {
-        stLocks.mtxDiag.lock();
-    }
+    stLocks.mtxIni.lock();
+    stLocks.mtxDiag.lock();
     stLocks.mtxRoot.lock();
 }
 
@@ -31,20 +37,32 @@ void AfterFork()
 {
     host::LOCKS_S &stLocks = host::Locks();
     stLocks.mtxRoot.unlock();
-    if (!g_bInSink) {
-        stLocks.mtxDiag.unlock();
-    }
+    stLocks.mtxDiag.unlock();
+    stLocks.mtxIni.unlock();
     stLocks.mtxEeprom.unlock();
     stLocks.mtxDb.unlock();
 }
 
+// What the parent's other threads were delivering, nobody finishes here: their references would count for ever.
+void InChild()
+{
+    if (g_spSink != nullptr) {
+        try {
+            g_spSink = std::make_shared<const SINK_S>(*g_spSink);
+        } catch (const std::bad_alloc &) {
+            g_spSink.reset();
+        }
+    }
+    AfterFork();
+}
+
 __attribute__((constructor)) void RegisterForkHandlers()
 {
-    (void)pthread_atfork(BeforeFork, AfterFork, AfterFork);
+    (void)pthread_atfork(BeforeFork, AfterFork, InChild);
 }
 
 // A message of any length: the short ones need no heap.
-void Deliver(BMCHOST_DIAG_S *pstDiag, va_list vaArgs)
+void Deliver(const SINK_S &stSink, BMCHOST_DIAG_S *pstDiag, va_list vaArgs)
 {
     char acShort[1024];
     std::unique_ptr<char[]> upLong;
@@ -60,9 +78,9 @@ void Deliver(BMCHOST_DIAG_S *pstDiag, va_list vaArgs)
         }
     }
     va_end(vaAgain);
-    g_bInSink = true;
-    g_pfnSink(pstDiag, g_pContext);
-    g_bInSink = false;
+    g_pstDelivering = &stSink;
+    stSink.pfnSink(pstDiag, stSink.pContext);
+    g_pstDelivering = nullptr;
 }
 
 } // namespace
@@ -73,11 +91,6 @@ LOCKS_S &Locks()
 {
     static LOCKS_S *const pstLocks = new LOCKS_S; // never destroyed: threads may outlive main()
     return *pstLocks;
-}
-
-bool InDiagSink()
-{
-    return g_bInSink;
 }
 
 const char *ErrText(int iError)
@@ -93,33 +106,45 @@ extern "C" {
 void BMC_DiagLogOut(u32 uiModule, u32 uiCategory, u32 uiSeverity, u32 uiLine, const char *pcFile,
                     const char *pcFormat, ...)
 {
-    if (g_bInSink || pcFormat == nullptr) {
+    if (g_pstDelivering != nullptr || pcFormat == nullptr) {
         return;
     }
     const int iErrno = errno; // callers report it after logging
+    std::shared_ptr<const SINK_S> spSink;
     {
         const std::lock_guard<std::mutex> lock(host::Locks().mtxDiag);
-        if (g_pfnSink != nullptr) {
-            BMCHOST_DIAG_S stDiag = {
-                uiModule, uiCategory, uiSeverity, uiLine, pcFile == nullptr ? "" : pcFile, pcFormat, nullptr};
-            va_list vaArgs;
-            va_start(vaArgs, pcFormat);
-            errno = iErrno; // for %m
-            Deliver(&stDiag, vaArgs);
-            va_end(vaArgs);
-        }
+        spSink = g_spSink;
+    }
+    if (spSink != nullptr) {
+        BMCHOST_DIAG_S stDiag = {uiModule, uiCategory, uiSeverity, uiLine, pcFile == nullptr ? "" : pcFile,
+                                 pcFormat, nullptr};
+        va_list vaArgs;
+        va_start(vaArgs, pcFormat);
+        errno = iErrno; // for %m
+        Deliver(*spSink, &stDiag, vaArgs);
+        va_end(vaArgs);
     }
     errno = iErrno;
 }
 
 void BMCHOST_SetDiagSink(void (*pfnSink)(const BMCHOST_DIAG_S *pstDiag, void *pContext), void *pContext)
 {
-    std::unique_lock<std::mutex> lock(host::Locks().mtxDiag, std::defer_lock);
-    if (!g_bInSink) { // a sink that replaces itself holds the lock already
-        lock.lock();
-    }
-    g_pfnSink = pfnSink;
-    g_pContext = pContext;
+    (void)host::Shield(0, [&] {
+        std::shared_ptr<const SINK_S> spSink;
+        if (pfnSink != nullptr) {
+            spSink = std::make_shared<const SINK_S>(SINK_S{pfnSink, pContext});
+        }
+        {
+            const std::lock_guard<std::mutex> lock(host::Locks().mtxDiag);
+            spSink.swap(g_spSink);
+        }
+        // The former sink's context may go when this call returns; its own call of us is not waited for.
+        const long iOwn = spSink != nullptr && spSink.get() == g_pstDelivering ? 2 : 1;
+        while (spSink.use_count() > iOwn) {
+            std::this_thread::sleep_for(g_stPause);
+        }
+        return 0;
+    });
 }
 
 void BMCHOST_DiagToSyslog(const BMCHOST_DIAG_S *pstDiag, void *)

@@ -6,12 +6,10 @@
 #include <mutex>
 #include <optional>
 #include <string>
-#include <string_view>
-
-#include <sys/stat.h>
 
 #include "bmc_support.h"
 #include "bmcfru_host.h"
+#include "files/files.h"
 #include "plain/plain.h"
 
 // A message of the platform itself.
@@ -37,68 +35,36 @@ template <typename RESULT, typename WORK> RESULT Shield(RESULT result, WORK fnWo
 }
 
 // The locks of the library, in the order in which they are taken. fork() takes them all, so that a child
-// never inherits one that a thread of its parent holds.
+// never inherits one that a thread of its parent holds. Nothing is logged while one is held: a sink may hang.
 struct LOCKS_S
 {
     std::mutex mtxDb;
     std::mutex mtxEeprom;
+    std::mutex mtxIni;
     std::mutex mtxDiag;
     std::mutex mtxRoot;
 };
 LOCKS_S &Locks();
-
-// True while this thread is inside the diagnostic sink, and so holds mtxDiag.
-bool InDiagSink();
 
 // The root now; grows by one with every BMCHOST_SetRoot().
 u32 RootGeneration();
 
 // A controller's path below the root; throws std::system_error when it is refused.
 std::string Resolve(const char *pcPath);
+files::PLACE_S PlaceOf(const char *pcPath);
+// The same for what is about to be changed: throws also when the root is somebody else's and nobody has allowed
+// that. At the first use in a root, what killed processes left in it is tidied.
+files::PLACE_S WritePlaceOf(const char *pcPath);
 
-// A file descriptor that closes itself.
-class FD
-{
-  public:
-    FD() = default;
-    explicit FD(int iFd) : m_iFd(iFd) {}
-    FD(FD &&other) noexcept : m_iFd(other.Release()) {}
-    FD &operator=(FD &&other) noexcept
-    {
-        Reset(other.Release());
-        return *this;
-    }
-    FD(const FD &) = delete;
-    FD &operator=(const FD &) = delete;
-    ~FD()
-    {
-        Reset(-1);
-    }
+// Text files that are read whole: what is larger is a mistake or worse.
+constexpr size_t g_uiTextFileMax = size_t{1} << 20U;
+// How long a file's lock may be somebody else's.
+constexpr unsigned g_uiLockPatienceMs = 5000;
 
-    explicit operator bool() const
-    {
-        return m_iFd >= 0;
-    }
-    int Get() const
-    {
-        return m_iFd;
-    }
-    int Release()
-    {
-        const int iFd = m_iFd;
-        m_iFd = -1;
-        return iFd;
-    }
-    void Reset(int iFd);
+// ---- what the database still needs ----
 
-  private:
-    int m_iFd = -1;
-};
-
-// open(2) with O_CLOEXEC and O_NONBLOCK, so that a pipe laid in the way cannot hold us up.
+using FD = files::Fd;
 FD OpenFile(const std::string &strPath, int iFlags, mode_t uiMode = 0644);
-// The same, for regular files only; errno is EINVAL for anything else.
-FD OpenRegular(const std::string &strPath, int iFlags, struct stat *pstStat);
 
 // Holds flock(2) on a descriptor. It falls when the process dies.
 class FILE_LOCK
@@ -118,21 +84,14 @@ class FILE_LOCK
     bool m_bHeld;
 };
 
-// These return an errno value, 0 for success; the path is a real one.
 int MakeDirs(const std::string &strPath);
-int ReadWhole(int iFd, void *pBuf, size_t uiLen);        // EIO when the file is shorter
-int WriteWhole(int iFd, const void *pBuf, size_t uiLen); // from the descriptor's position on
-// Replaces a file whole or not at all. Its directory must exist. With g_uiKeepMode an existing file keeps its
-// permission bits and a new one gets 0644.
-constexpr mode_t g_uiKeepMode = ~static_cast<mode_t>(0);
-int ReplaceFile(const std::string &strPath, std::string_view svContent, mode_t uiMode);
-// Reads a regular file whole, and says what fstat(2) says of it.
-int ReadText(const std::string &strPath, std::string *pstrContent, struct stat *pstStat);
 
-std::string DirectoryOf(const std::string &strPath);
+// ----
+
 // This moment as "2024-05-01T12:34:56.789Z".
 std::string NowText();
-// Appends one line to a journal below the root, whole or not at all, whatever other processes append.
+// Appends one line to a journal below the root, whole or not at all, whatever other processes append; a
+// journal that has reached its limit first makes room for a new one.
 u32 AppendToJournal(const char *pcJournal, std::string strLine);
 // The OEM flag, from the capability file.
 u32 OemFlag();

@@ -1,4 +1,5 @@
 // The root directory, and paths below it.
+#include <atomic>
 #include <cerrno>
 #include <climits>
 #include <cstdlib>
@@ -17,6 +18,8 @@ std::optional<std::string> g_optRoot; // guarded by mtxRoot; "/" is kept as the 
 std::string g_strShown;               // what BMCHOST_GetRoot() gave away
 bool g_bNoRoot;
 u32 g_uiGeneration;
+bool g_bTidied;
+std::atomic<bool> g_bForeignAllowed;
 
 // Drops doubled slashes, "." and "..", which above the top counts as an error: false.
 bool Normalise(std::string_view svPath, std::string *pstrOut)
@@ -95,14 +98,13 @@ const std::string &RootLocked()
     return *g_optRoot;
 }
 
-// 0 or an errno value.
-int ResolvePath(const char *pcPath, std::string *pstrOut)
+// 0 or an errno value. The root is "/" or has no slash at its end; what lies below begins with one or is empty.
+int SplitPath(const char *pcPath, std::string *pstrRoot, std::string *pstrBelow)
 {
     if (pcPath == nullptr || *pcPath == '\0') {
         return EINVAL;
     }
-    std::string strBelow;
-    if (!Normalise(pcPath, &strBelow)) {
+    if (!Normalise(pcPath, pstrBelow)) {
         return EACCES;
     }
     const std::lock_guard<std::mutex> lock(host::Locks().mtxRoot);
@@ -110,11 +112,53 @@ int ResolvePath(const char *pcPath, std::string *pstrOut)
     if (g_bNoRoot) {
         return EINVAL;
     }
-    *pstrOut = strRoot + strBelow;
-    if (pstrOut->empty()) {
-        *pstrOut = "/";
-    }
+    *pstrRoot = strRoot.empty() ? "/" : strRoot;
     return 0;
+}
+
+int ResolvePath(const char *pcPath, std::string *pstrOut)
+{
+    std::string strRoot;
+    std::string strBelow;
+    const int iError = SplitPath(pcPath, &strRoot, &strBelow);
+    *pstrOut = strRoot == "/" && !strBelow.empty() ? strBelow : strRoot + strBelow;
+    return iError;
+}
+
+// The user who has called sudo, when this process is root.
+std::optional<uid_t> SudoUser()
+{
+    const char *pcUser = geteuid() == 0U ? getenv("SUDO_UID") : nullptr;
+    return pcUser == nullptr ? std::nullopt : host::ToNumber(pcUser, UINT32_MAX - 1U);
+}
+
+// The owner of a root that is neither this process's user nor the one who has called sudo.
+std::optional<uid_t> ForeignOwner(const std::string &strRoot)
+{
+    struct stat stStat;
+    if (stat(strRoot.c_str(), &stStat) != 0 || stStat.st_uid == geteuid() || stStat.st_uid == SudoUser()) {
+        return std::nullopt; // one that is not there yet will be ours
+    }
+    return stStat.st_uid;
+}
+
+// Where the platform and the tools make files.
+constexpr const char *g_apcTidied[] = {
+    "conf",        "conf/oempack/bmc", "eeprom",  "mnt/sdmmc0p4/board", "usr/upgrade/fru",
+    "var/lib/fru", "var/lock",         "var/log", "var/network"};
+
+void TidyOnce(const std::string &strRoot)
+{
+    {
+        const std::lock_guard<std::mutex> lock(host::Locks().mtxRoot);
+        if (g_bTidied) {
+            return;
+        }
+        g_bTidied = true;
+    }
+    for (const char *pcDirectory : g_apcTidied) {
+        files::Tidy(files::PLACE_S(strRoot, pcDirectory));
+    }
 }
 
 } // namespace
@@ -137,6 +181,29 @@ std::string Resolve(const char *pcPath)
     return strPath;
 }
 
+files::PLACE_S PlaceOf(const char *pcPath)
+{
+    std::string strRoot;
+    std::string strBelow;
+    const int iError = SplitPath(pcPath, &strRoot, &strBelow);
+    if (iError != 0) {
+        throw std::system_error(iError, std::generic_category(), pcPath == nullptr ? "null path" : pcPath);
+    }
+    return {strRoot, strBelow};
+}
+
+files::PLACE_S WritePlaceOf(const char *pcPath)
+{
+    files::PLACE_S stPlace = PlaceOf(pcPath);
+    const std::optional<uid_t> optOwner = g_bForeignAllowed ? std::nullopt : ForeignOwner(stPlace.strBase);
+    if (optOwner) {
+        throw std::runtime_error(stPlace.strBase + " belongs to user " + std::to_string(*optOwner) +
+                                 ", not to user " + std::to_string(geteuid()) + ": nothing is written there");
+    }
+    TidyOnce(stPlace.strBase);
+    return stPlace;
+}
+
 } // namespace host
 
 extern "C" {
@@ -152,6 +219,7 @@ u32 BMCHOST_SetRoot(const char *pcRoot)
         g_strShown = optRoot->empty() ? "/" : *optRoot;
         g_optRoot = optRoot;
         g_bNoRoot = false;
+        g_bTidied = false;
         ++g_uiGeneration;
         return 0U;
     });
@@ -164,6 +232,16 @@ const char *BMCHOST_GetRoot(void)
         (void)RootLocked();
         return g_strShown.c_str();
     });
+}
+
+void BMCHOST_AllowForeignRoot(u32 uiAllow)
+{
+    g_bForeignAllowed = uiAllow != 0U;
+}
+
+u32 BMCHOST_IsForeignRoot(void)
+{
+    return host::Shield(1U, [] { return ForeignOwner(host::PlaceOf("/").strBase) ? 1U : 0U; });
 }
 
 u32 BMCHOST_ResolvePath(const char *pcPath, size_t uiSize, char *pcOut)

@@ -93,6 +93,12 @@ class FructlTest(unittest.TestCase):
     def Eeprom(self, strName):
         return self.pathRoot / "eeprom" / strName
 
+    def ChipLock(self, strName):
+        """The file whose lock a transfer with this chip takes."""
+        pathLock = self.pathRoot / "var/lock" / f"eeprom-{strName.removesuffix('.bin')}.lock"
+        pathLock.parent.mkdir(parents=True, exist_ok=True)
+        return pathLock
+
     def Damage(self, pathFile, iOffset, abBytes):
         with open(pathFile, "r+b") as stFile:
             stFile.seek(iOffset)

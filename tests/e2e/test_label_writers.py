@@ -1,10 +1,13 @@
 """fructl label set beside other writers and under signals."""
 import concurrent.futures
+import contextlib
 import fcntl
+import os
 import signal
 import subprocess
 import time
 import unittest
+from pathlib import Path
 
 from label_support import LabelTest, PSU_EEPROM
 from support import COMMAND, HANG_SECONDS
@@ -47,12 +50,13 @@ class Writers(LabelTest):
 
     def test_an_interrupted_write_is_finished_first(self):
         self.Provision()
-        with open(self.Eeprom(PSU_EEPROM), "rb") as stChip:
+        pathLock = self.ChipLock(PSU_EEPROM)
+        with open(pathLock, "w") as stChip:
             fcntl.flock(stChip, fcntl.LOCK_SH)  # readers get in, the write waits
             stProcess = subprocess.Popen([*COMMAND, "--root", str(self.pathRoot), "label", "set", "psu1", "Product Version=A7", "Product Asset Tag=RACK7"],
                                          stdout=subprocess.DEVNULL)
             fEnd = time.monotonic() + HANG_SECONDS
-            while not self.WaitsInFlock(stProcess.pid) and time.monotonic() < fEnd:
+            while not self.WaitsForLock(stProcess.pid, pathLock) and time.monotonic() < fEnd:
                 time.sleep(0.02)
             stProcess.send_signal(signal.SIGINT)
             time.sleep(0.2)
@@ -63,10 +67,17 @@ class Writers(LabelTest):
         self.assertEqual([s[2] for s in self.OperationLog()], ["Set psu1 FRU successfully, psu1 Product Version: A7."])
         self.Good("verify", "psu1")
 
-    def WaitsInFlock(self, iPid):
-        """Whether the process waits for a lock that somebody else has."""
-        with open("/proc/locks") as stLocks:
-            return any("->" in strLine and f" {iPid} " in strLine for strLine in stLocks)
+    def WaitsForLock(self, iPid, pathLock):
+        """Whether the process stays at a lock: a reader has its file open for a moment only."""
+        for _ in range(10):
+            asOpen = []
+            for pathFd in Path(f"/proc/{iPid}/fd").glob("*"):
+                with contextlib.suppress(OSError):
+                    asOpen.append(os.readlink(pathFd))
+            if str(pathLock) not in asOpen:
+                return False
+            time.sleep(0.02)
+        return True
 
 
 if __name__ == "__main__":

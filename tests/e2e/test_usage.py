@@ -146,7 +146,7 @@ class Lock(FructlTest):
         self.Provision()
         pathLock = self.pathRoot / "var/lock/fructl.lock"
         # Somebody keeps the chip to himself, so the command stays where it is for a while.
-        with open(self.Eeprom(BASEBOARD_EEPROM), "r+b") as stChip:
+        with open(self.ChipLock(BASEBOARD_EEPROM), "w") as stChip:
             fcntl.flock(stChip, fcntl.LOCK_EX)
             stProcess = subprocess.Popen([*COMMAND, "--root", str(self.pathRoot), "recover", "baseboard"], stdout=subprocess.DEVNULL)
             fEnd = time.monotonic() + HANG_SECONDS

@@ -1,4 +1,8 @@
 // The desk's own: where diagnostic messages go.
+#include <atomic>
+#include <thread>
+
+#include "bmc_eeprom.h"
 #include "bmc_support.h"
 #include "bmcfru_host.h"
 #include "controller.h"
@@ -75,6 +79,69 @@ TEST_F(Diag, AChildForkedFromASinkLogsOn)
         &m_iStatus);
     BMC_DiagLogOut(24, 5, BMC_DIAG_WARNING, 77, "lib_fru.c", "one");
     EXPECT_EQ(m_iStatus, 3);
+}
+
+std::atomic<int> g_iHanging;
+std::atomic<bool> g_bLetGo;
+
+// Hangs on the first message until it is let go.
+void Hanging(const BMCHOST_DIAG_S *, void *)
+{
+    if (++g_iHanging == 1) {
+        while (!g_bLetGo) {
+            controller::Pause(1000);
+        }
+    }
+}
+
+TEST_F(Diag, ASinkThatHangsHoldsUpItsOwnThreadOnly)
+{
+    g_iHanging = 0;
+    g_bLetGo = false;
+    controller::LayChip(1, "chip", controller::BYTES(64, 0));
+    BMCHOST_SetDiagSink(Hanging, nullptr);
+    std::thread hung([] { BMC_DiagLogOut(24, 5, BMC_DIAG_WARNING, 1, "lib_fru.c", "hangs"); });
+    while (g_iHanging == 0) {
+        controller::Pause(1000);
+    }
+    BMC_DiagLogOut(24, 5, BMC_DIAG_WARNING, 2, "lib_fru.c", "goes on");
+    EXPECT_EQ(g_iHanging, 2);
+    controller::BYTES vecData(64, 1);
+    EXPECT_EQ(ReadWriteEEPROM(1, "chip", vecData.data(), 0, 64, BMC_EEPROM_WRITE), 64);
+    const pid_t iPid = controller::Spawn([] { // nor does it hold up a child, which may take another sink
+        BMC_DiagLogOut(24, 5, BMC_DIAG_WARNING, 2, "lib_fru.c", "in the child");
+        BMCHOST_SetDiagSink(nullptr, nullptr);
+        return 7;
+    });
+    EXPECT_EQ(controller::Await(iPid), 7);
+    g_bLetGo = true;
+    hung.join();
+}
+
+TEST_F(Diag, AFormerSinkHasEndedWhenAnotherIsSet)
+{
+    g_iHanging = 0;
+    g_bLetGo = false;
+    BMCHOST_SetDiagSink(Hanging, nullptr);
+    std::atomic<bool> bEnded = false;
+    std::thread hung([&] {
+        BMC_DiagLogOut(24, 5, BMC_DIAG_WARNING, 1, "lib_fru.c", "hangs");
+        bEnded = true;
+    });
+    while (g_iHanging == 0) {
+        controller::Pause(1000);
+    }
+    std::atomic<bool> bSet = false;
+    std::thread setter([&] {
+        BMCHOST_SetDiagSink(nullptr, nullptr);
+        bSet = true;
+    });
+    controller::Pause(50000);
+    EXPECT_FALSE(bSet);
+    g_bLetGo = true;
+    setter.join();
+    hung.join();
+    EXPECT_TRUE(bEnded);
 }
 
 TEST_F(Diag, TheSyslogSinkTakesAnySeverity)

@@ -5,6 +5,8 @@
 #include <filesystem>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <thread>
+#include <unistd.h>
 
 #include "bmc_eeprom.h"
 #include "bmcfru_host.h"
@@ -161,6 +163,128 @@ TEST_F(Images, AFailingPageFailsTheWriteAndKeepsThePagesAhead)
     ASSERT_EQ(vecChip.size(), 256U);
     EXPECT_EQ(BYTES(vecChip.begin(), vecChip.begin() + 64), BYTES(64, 7));
     EXPECT_EQ(BYTES(vecChip.begin() + 64, vecChip.end()), BYTES(192, 0));
+}
+
+TEST_F(Images, PagesThatHoldTheBytesAlreadyAreSkipped)
+{
+    controller::LayChip(9, g_aucLocation, BYTES(256, 0xFF));
+    BMCHOST_SetEepromWriteDelayUs(200000);
+    BYTES vecData(256, 0xFF);
+    vecData[100] = 1;
+    const auto begin = std::chrono::steady_clock::now();
+    EXPECT_EQ(Write(0, vecData), 256);
+    const auto took = std::chrono::steady_clock::now() - begin;
+    BMCHOST_SetEepromWriteDelayUs(0);
+    EXPECT_GE(took, std::chrono::milliseconds(200)); // the one page that differs
+    EXPECT_LT(took, std::chrono::milliseconds(1000));
+    EXPECT_EQ(controller::ChipContent(9, g_aucLocation), vecData);
+}
+
+TEST_F(Images, AChildForkedInATransferDoesNotKeepTheChipLockedWhenItsParentIsKilled)
+{
+    controller::LayChip(9, g_aucLocation, BYTES(256, 0xFF));
+    ASSERT_EQ(Write(0, BYTES(1, 0)), 1); // the lock file is there
+    int aiPipe[2];
+    ASSERT_EQ(pipe(aiPipe), 0);
+    const pid_t iParent = controller::Spawn([&] {
+        BMCHOST_SetEepromWriteDelayUs(20000000); // the page's lock is held all the time
+        std::thread([] { (void)Write(0, BYTES(32, 7)); }).detach();
+        controller::Pause(200000);
+        const pid_t iChild = controller::Spawn([] {
+            controller::Pause(20000000);
+            return 0;
+        });
+        (void)!write(aiPipe[1], &iChild, sizeof(iChild));
+        controller::Pause(20000000);
+        return 0;
+    });
+    pid_t iChild = 0;
+    ASSERT_EQ(read(aiPipe[0], &iChild, sizeof(iChild)), static_cast<ssize_t>(sizeof(iChild)));
+    controller::Kill(iParent);
+    const auto begin = std::chrono::steady_clock::now();
+    EXPECT_EQ(Read(8), 8);
+    EXPECT_EQ(Write(64, BYTES(8, 1)), 8);
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(2));
+    (void)kill(iChild, SIGKILL);
+    (void)close(aiPipe[0]);
+    (void)close(aiPipe[1]);
+}
+
+class Faults : public Images
+{
+  protected:
+    static void Show(const std::string &strFault)
+    {
+        controller::LayChip(9, g_aucLocation, BYTES(128, 0x11));
+        controller::WriteFile("/eeprom/bus1-addr0xa0.fault", strFault);
+    }
+
+    static bool IsShown()
+    {
+        return std::filesystem::exists(controller::RealPath("/eeprom/bus1-addr0xa0.fault"));
+    }
+};
+
+TEST_F(Faults, AnAbsentChipAnswersNobody)
+{
+    Show("absent\n");
+    EXPECT_LT(Read(8), 0);
+    EXPECT_LT(Write(0, BYTES(8, 1)), 0);
+    EXPECT_EQ(controller::ChipContent(9, g_aucLocation), BYTES(128, 0x11));
+    EXPECT_TRUE(IsShown());
+}
+
+TEST_F(Faults, ABusyChipAnswersAfterAWhile)
+{
+    Show("busy 3");
+    EXPECT_LT(Read(8), 0);
+    EXPECT_LT(Write(0, BYTES(8, 1)), 0);
+    EXPECT_LT(Read(8), 0);
+    EXPECT_FALSE(IsShown());
+    EXPECT_EQ(Read(8), 8);
+    Show("busy");
+    EXPECT_LT(Read(8), 0);
+    EXPECT_EQ(Read(8), 8);
+}
+
+TEST_F(Faults, AHungBusTakesItsTime)
+{
+    Show("stuck 50");
+    const auto begin = std::chrono::steady_clock::now();
+    EXPECT_LT(Read(8), 0);
+    EXPECT_GE(std::chrono::steady_clock::now() - begin, std::chrono::milliseconds(50));
+    EXPECT_TRUE(IsShown());
+}
+
+TEST_F(Faults, ATornPageIsHalfNewAndTheWriteFailsOnce)
+{
+    Show("torn 40");
+    EXPECT_LT(Write(0, BYTES(128, 0x22)), 0);
+    const BYTES vecChip = controller::ChipContent(9, g_aucLocation);
+    EXPECT_EQ(BYTES(vecChip.begin(), vecChip.begin() + 48), BYTES(48, 0x22)); // a page and a half
+    EXPECT_NE(BYTES(vecChip.begin() + 48, vecChip.begin() + 64), BYTES(16, 0x22));
+    EXPECT_EQ(BYTES(vecChip.begin() + 64, vecChip.end()), BYTES(64, 0x11));
+    EXPECT_FALSE(IsShown());
+    EXPECT_EQ(Write(0, BYTES(128, 0x22)), 128);
+    EXPECT_EQ(controller::ChipContent(9, g_aucLocation), BYTES(128, 0x22));
+}
+
+TEST_F(Faults, AProtectedChipAcknowledgesAndStaysAsItWas)
+{
+    Show("protected");
+    EXPECT_EQ(Write(0, BYTES(128, 0x22)), 128);
+    EXPECT_EQ(Read(8), 8);
+    EXPECT_EQ(controller::ChipContent(9, g_aucLocation), BYTES(128, 0x11));
+}
+
+TEST_F(Faults, AWordThatIsNoneIsToldAndCountsAsNoFault)
+{
+    for (const char *pcFault : {"", "melted", "busy x", "absent 3", "busy 3 4"}) {
+        Show(pcFault);
+        const size_t uiBefore = controller::Messages().size();
+        EXPECT_EQ(Read(8), 8) << pcFault;
+        EXPECT_EQ(controller::Messages().size(), uiBefore + 1U) << pcFault;
+    }
 }
 
 } // namespace

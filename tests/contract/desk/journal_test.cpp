@@ -1,9 +1,13 @@
 // The desk's own: what RPC calls and operation-log entries leave in the journals.
 #include <csignal>
+#include <fcntl.h>
 #include <nlohmann/json.hpp>
 #include <regex>
 #include <set>
+#include <sys/file.h>
 #include <sys/resource.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include "bmc_mrpc.h"
 #include "bmc_operatelog.h"
@@ -112,6 +116,14 @@ TEST_F(Journals, RefusedCallsAndQueriesLeaveNothing)
     EXPECT_TRUE(ReadLines(BMCHOST_EVENT_JOURNAL).empty());
 }
 
+TEST_F(Journals, AFeatureListBeyondItsLimitFails)
+{
+    controller::WriteFile(BMCHOST_FEATURE_LIST, "[\"" + std::string(size_t{1} << 20U, 'x') + "\"]");
+    MRPC_MSG_S *pstRes = nullptr;
+    EXPECT_NE(MRPC_Call(29, 3, 0, nullptr, 0, &pstRes), 0U);
+    EXPECT_NE(controller::Messages().back().find("larger than is accepted"), std::string::npos);
+}
+
 TEST_F(Journals, FeatureListsThatAreNoneFail)
 {
     for (const char *pcContent : {"", "{}", "[1]", "[\"success\", null]", "[\"success\"", "\"success\""}) {
@@ -191,6 +203,60 @@ TEST_F(Journals, AnEntryThatDoesNotFitLeavesNothingOfItself)
     });
     EXPECT_EQ(controller::Await(iPid), 0);
     EXPECT_EQ(controller::ReadFile(BMCHOST_OPERATE_JOURNAL), strBefore);
+}
+
+TEST_F(Journals, BeginAnewAtTheirLimitAndKeepTheOneBefore)
+{
+    const std::string strFormer = BMCHOST_OPERATE_JOURNAL BMCHOST_JOURNAL_FORMER;
+    controller::WriteFile(strFormer, "the one before\n");
+    controller::WriteFile(BMCHOST_OPERATE_JOURNAL, std::string(BMCHOST_JOURNAL_MAX - 10U, 'x'));
+    ASSERT_EQ(OPERATELOG_AddLogComm(17, 99, "first of the new one", 0, 0, 1, 12), 0U);
+    ASSERT_EQ(OPERATELOG_AddLogComm(17, 99, "second", 0, 0, 1, 12), 0U);
+    EXPECT_EQ(Entries(BMCHOST_OPERATE_JOURNAL).size(), 2U);
+    EXPECT_EQ(controller::ReadFile(strFormer).size(), BMCHOST_JOURNAL_MAX - 10U);
+}
+
+TEST_F(Journals, ProcessesThatRotateAtOnceLoseNothing)
+{
+    controller::WriteFile(BMCHOST_OPERATE_JOURNAL, std::string(BMCHOST_JOURNAL_MAX - 5000U, 'x') + "\n");
+    std::vector<pid_t> vecPids;
+    for (u32 uiProcess = 0; uiProcess < 4U; ++uiProcess) {
+        vecPids.push_back(controller::Spawn([] {
+            u32 uiFailed = 0;
+            for (u32 i = 0; i < 50U; ++i) {
+                uiFailed |= OPERATELOG_AddLogComm(17, 99, "an entry of some length", 0, 0, 1, 12);
+            }
+            return uiFailed == 0U ? 0 : 1;
+        }));
+    }
+    for (const pid_t iPid : vecPids) {
+        EXPECT_EQ(controller::Await(iPid), 0);
+    }
+    const size_t uiBefore = ReadLines(BMCHOST_OPERATE_JOURNAL BMCHOST_JOURNAL_FORMER).size() - 1U;
+    EXPECT_EQ(Entries(BMCHOST_OPERATE_JOURNAL).size() + uiBefore, 200U);
+}
+
+TEST_F(Journals, AreNotWrittenThroughALink)
+{
+    controller::WriteFile("/elsewhere", "kept");
+    controller::WriteFile("/var/log/x", "");
+    ASSERT_EQ(symlink("../../elsewhere", controller::RealPath(BMCHOST_OPERATE_JOURNAL).c_str()), 0);
+    EXPECT_NE(OPERATELOG_AddLogComm(17, 99, "text", 0, 0, 1, 12), 0U);
+    EXPECT_EQ(controller::ReadFile("/elsewhere"), "kept");
+}
+
+TEST_F(Journals, WaitForALockNoLongerThanTheirPatience)
+{
+    ASSERT_EQ(OPERATELOG_AddLogComm(17, 99, "text", 0, 0, 1, 12), 0U);
+    const int iFd = open(controller::RealPath("/var/lock/operate.jsonl.lock").c_str(), O_RDWR | O_CLOEXEC);
+    struct stat stStat = {};
+    ASSERT_EQ(fstat(iFd, &stStat), 0);
+    EXPECT_EQ(stStat.st_mode & 07777U, 0600U); // nobody else can hold it
+    ASSERT_EQ(flock(iFd, LOCK_EX), 0);
+    EXPECT_NE(OPERATELOG_AddLogComm(17, 99, "text", 0, 0, 1, 12), 0U);
+    EXPECT_NE(controller::Messages().back().find("another process holds the lock"), std::string::npos);
+    (void)close(iFd);
+    EXPECT_EQ(OPERATELOG_AddLogComm(17, 99, "text", 0, 0, 1, 12), 0U);
 }
 
 TEST_F(Journals, ThatCannotBeWrittenFailTheCall)
