@@ -7,11 +7,37 @@
 #include "lib_fru_labels.h"
 #include "lib_fru_write_module.h"
 
+namespace {
+
+// All names, one behind the other, so that the library's own copy of them needs no pointers.
+#define FRU_LABEL_NAME(uiID, pcName, ...) pcName "\0"
+constexpr char g_acNames[] = FRU_LABELS(FRU_LABEL_NAME, FRU_LABEL_NAME);
+
+// IDs have one gap. Others give a row that is not there.
+constexpr u32 RowOfID(u32 uiLabelID)
+{
+    return uiLabelID <= FRU_LABEL_HARDWARE ? uiLabelID - 1U : uiLabelID - 2U;
+}
+
+constexpr const char *NameOfID(u32 uiLabelID)
+{
+    const char *pcName = g_acNames;
+    for (u32 i = RowOfID(uiLabelID); i != 0U; --i) {
+        while (*pcName != '\0') {
+            ++pcName;
+        }
+        ++pcName;
+    }
+    return pcName;
+}
+
+} // namespace
+
 // The power-supply rows bear names of board labels on purpose: their own lookup alone gets that far.
 #define FRU_STORED_ROW(uiID, pcName, uiMin, uiMax, ucNone, eRule, ucSpecial, stTarget, pfnSetLabel)          \
-    {uiID, pcName, uiMin, uiMax, ucNone, pfnSetLabel, nullptr},
+    {uiID, NameOfID(uiID), uiMin, uiMax, ucNone, pfnSetLabel, nullptr},
 #define FRU_OTHER_ROW(uiID, pcName, uiMin, uiMax, ucNone, eRule, ucSpecial)                                  \
-    {uiID, pcName, uiMin, uiMax, ucNone, nullptr, nullptr},
+    {uiID, NameOfID(uiID), uiMin, uiMax, ucNone, nullptr, nullptr},
 DIAG_FRU_LABEL_S g_astDIAG_FruLabel[] = {FRU_LABELS(FRU_STORED_ROW, FRU_OTHER_ROW)};
 static_assert(sizeof(g_astDIAG_FruLabel) / sizeof(g_astDIAG_FruLabel[0]) == FRU_LABEL_ROWS);
 
@@ -32,13 +58,29 @@ namespace {
 constexpr u32 g_uiFieldRows = 9U; // the lookup's own bound, whatever the exported count says
 static_assert(sizeof(g_astDIAG_ElectronicField) / sizeof(g_astDIAG_ElectronicField[0]) == g_uiFieldRows);
 
-// What stands in the exported table can change; names, IDs and setters are therefore here again.
+// What stands in the exported table can change, these rows cannot.
 #define FRU_STORED_LABEL(uiID, pcName, uiMin, uiMax, ucNone, eRule, ucSpecial, stTarget, pfnSetLabel)        \
-    {pcName, pfnSetLabel, uiID, eRule, ucSpecial, stTarget},
+    {uiID, eRule, ucSpecial, stTarget},
 #define FRU_OTHER_LABEL(uiID, pcName, uiMin, uiMax, ucNone, eRule, ucSpecial)                                \
-    {pcName, nullptr, uiID, eRule, ucSpecial, {FRU_SETS_NOTHING, 0U, 0U}},
-const FRU_LABEL_S g_astLabels[] = {FRU_LABELS(FRU_STORED_LABEL, FRU_OTHER_LABEL)};
-const FRU_LABEL_S g_stOrdinaryLabel = {nullptr, nullptr, 0U, FRU_RULE_TEXT, 0U, {FRU_SETS_NOTHING, 0U, 0U}};
+    {uiID, eRule, ucSpecial, {FRU_SETS_NOTHING, 0U, 0U}},
+constexpr FRU_LABEL_S g_astLabels[] = {FRU_LABELS(FRU_STORED_LABEL, FRU_OTHER_LABEL)};
+constexpr FRU_LABEL_S g_stOrdinaryLabel = {0U, FRU_RULE_TEXT, 0U, {FRU_SETS_NOTHING, 0U, 0U}};
+
+constexpr bool RowsFollowTheirIDs()
+{
+    for (u32 i = 0; i < FRU_LABEL_ROWS; ++i) {
+        if (RowOfID(g_astLabels[i].ucLabelID) != i) {
+            return false;
+        }
+    }
+    return true;
+}
+static_assert(RowsFollowTheirIDs());
+
+constexpr bool KeepsNothing(FRU_TARGET_S stTarget)
+{
+    return stTarget.eSets == FRU_SETS_LANGUAGE || stTarget.eSets == FRU_SETS_DATE;
+}
 
 } // namespace
 
@@ -64,10 +106,12 @@ const DIAG_FRU_LABEL_S *FRU_FindLabelByID(u32 uiLabelID)
 
 const FRU_LABEL_S &FRU_LabelOfName(const char *pcName)
 {
+    const char *pcOwn = g_acNames;
     for (const FRU_LABEL_S &stLabel : g_astLabels) {
-        if (strcmp(stLabel.pcName, pcName) == 0) {
+        if (strcmp(pcOwn, pcName) == 0) {
             return stLabel;
         }
+        pcOwn += strlen(pcOwn) + 1U;
     }
     return g_stOrdinaryLabel;
 }
@@ -82,14 +126,18 @@ const FRU_LABEL_S &FRU_LabelOfID(u32 uiLabelID)
     return g_stOrdinaryLabel;
 }
 
+const char *FRU_NameOfLabel(const FRU_LABEL_S &stLabel)
+{
+    return NameOfID(stLabel.ucLabelID);
+}
+
+// Only the rows of such setters are left of this when it is compiled.
+#define FRU_OR_STORED(uiID, pcName, uiMin, uiMax, ucNone, eRule, ucSpecial, stTarget, pfnRow)                \
+    || (KeepsNothing(stTarget) && pfnSetLabel == pfnRow)
+#define FRU_OR_NOTHING(...)
 bool FRU_SetterKeepsNothing(FRU_SETTER pfnSetLabel)
 {
-    for (const FRU_LABEL_S &stLabel : g_astLabels) {
-        if (pfnSetLabel != nullptr && stLabel.pfnSetLabel == pfnSetLabel) {
-            return stLabel.stTarget.eSets == FRU_SETS_LANGUAGE || stLabel.stTarget.eSets == FRU_SETS_DATE;
-        }
-    }
-    return false;
+    return false FRU_LABELS(FRU_OR_STORED, FRU_OR_NOTHING);
 }
 
 u32 FindLabelIDByName(const char *pcLableName)

@@ -46,8 +46,6 @@ struct FRU_TARGET_S
 
 struct FRU_LABEL_S
 {
-    const char *pcName;
-    FRU_SETTER pfnSetLabel; // null: not in the record
     u8 ucLabelID;
     FRU_RULE_ID eRule;
     u8 ucSpecial; // FRU_BLANK_ALLOWED, FRU_LONG_PART_NUMBER
@@ -58,6 +56,8 @@ struct FRU_LABEL_S
 // a label that is an ordinary text.
 const FRU_LABEL_S &FRU_LabelOfName(const char *pcName);
 const FRU_LABEL_S &FRU_LabelOfID(u32 uiLabelID);
+
+const char *FRU_NameOfLabel(const FRU_LABEL_S &stLabel); // of one of the library's own
 
 // Whether the setter leaves the value buffer to its caller. A caller's own, put into the exported table, does
 // not.

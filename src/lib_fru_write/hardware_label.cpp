@@ -36,7 +36,7 @@ u32 LIB_FRU_WriteHWInfo(FRU_SET_PARA_S *pstFRUSetPara)
     if (FRU_ResolveBlockLabel(pstFRUSetPara) != FRU_OK) {
         return LIB_FRU_ERR_NO_DEVICE;
     }
-    const char *pcHardware = FRU_LabelOfID(FRU_LABEL_HARDWARE).pcName;
+    const char *pcHardware = FRU_NameOfLabel(FRU_LabelOfID(FRU_LABEL_HARDWARE));
     if (strncmp(pstFRUSetPara->acLabelName, pcHardware, strlen(pcHardware)) != 0) {
         FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_WARNING, "LabelName[%s] invalid!", pstFRUSetPara->acLabelName);
         return FRU_ERR_FAILED;
