@@ -4,10 +4,19 @@
  * Exact-length records under 32-bit keys, shared by all processes of the controller. Every call is atomic: a
  * reader sees a record as one put left it, never parts of two, whichever processes write meanwhile. A writer
  * that is killed, at whatever moment, loses its last put at most; the records stay whole and nobody waits for
- * the dead. A put that has returned 0 is seen by every get that begins later, in any process.
+ * the dead. A put that has returned 0 is seen by every get that begins later, in any process, and is there
+ * after a power cut. A put of the bytes that are there already writes nothing, so that callers may put what
+ * they have not compared.
  *
  * Every call may be made from any thread and, after fork(), from the child as well, with the handle of its
- * parent. A call may wait for a put of another process to end. Results are u32, 0 for success.
+ * parent; none from a signal handler. Descriptors of the database do not reach executed programs. Readers wait
+ * for nobody. A put or a delete may wait for those of other processes, 10 seconds at most, and then fails.
+ *
+ * A damaged database makes calls fail; it is never a reason to crash, or to answer with another record. What
+ * has happened is the platform's to tell, in its diagnostics. A failed call may be tried again at any time.
+ * A process that may only read the database gets records; its puts and deletes fail.
+ *
+ * Results are u32, 0 for success.
  */
 #ifndef BMC_DB_H
 #define BMC_DB_H
@@ -37,7 +46,7 @@ u32 DB_Get(void *pDb, u32 uiKey, u32 uiLen, void *pData);
  * Stores uiLen bytes under the key, replacing what was there, whatever its length; the bytes are copied.
  * uiLen 0 stores a record of length 0. Records of 65535 bytes at least can be held. pcFile and uiLine name
  * the caller in messages; pcFile may be null. Not 0, and the record as before: a null pData with uiLen above
- * 0, a handle that is none, or a database that cannot be written or is full.
+ * 0, a handle that is none, or a database that cannot be written, stays busy or is full.
  */
 u32 DB_PutInternal(void *pDb, u32 uiKey, u32 uiLen, const void *pData, const char *pcFile, u32 uiLine);
 

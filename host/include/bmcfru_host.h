@@ -20,7 +20,7 @@ extern "C" {
 
 /* ---- the root and what lies in it (controller's paths) ---- */
 
-#define BMCHOST_DB_DIR "/var/lib/fru/db"                         /* the database, made when first opened */
+#define BMCHOST_DB_FILE "/var/lib/fru/fru.db"                    /* the database, made when first opened */
 #define BMCHOST_EEPROM_DIR "/eeprom"                             /* one image file for each chip */
 #define BMCHOST_LOCK_DIR "/var/lock"                             /* lock files, of mode 0600 or 0660 */
 #define BMCHOST_EVENT_JOURNAL "/var/log/fru-events.jsonl"        /* RPC: events and notices, one a line */
@@ -86,6 +86,39 @@ FILE *BMCHOST_OpenFile(const char *pcPath, const char *pcMode);
  *
  * Bytes of a text that are not UTF-8 are replaced by U+FFFD.
  */
+
+/* ---- the database ---- */
+
+#define BMCHOST_DB_WAIT_SECONDS 10 /* so long a call waits for other processes, then it is "locked" */
+
+/* Why a call of bmc_db.h failed. */
+typedef enum
+{
+    BMCHOST_DB_NO_FAULT = 0,
+    BMCHOST_DB_NO_RECORD, /* no such key, or a record of another length */
+    BMCHOST_DB_MISUSE,    /* a null pointer, or a handle that is none */
+    BMCHOST_DB_ABSENT,    /* there is no database; for BMCHOST_CheckDb() alone, DB_Open() makes one */
+    BMCHOST_DB_LOCKED,    /* others kept it busy all the time that a call waits */
+    BMCHOST_DB_DAMAGED,   /* restore it, or remove it and provision the controller anew */
+    BMCHOST_DB_NO_RIGHTS, /* the user's rights, or a read-only file system */
+    BMCHOST_DB_FULL,      /* the disk, the user's share of it, or the database's largest size */
+    BMCHOST_DB_VERSION,   /* another program's or another release's */
+    BMCHOST_DB_FAILED     /* anything else, such as an input/output error: the text has it */
+} BMCHOST_DB_REASON_E;
+
+/*
+ * The reason of this thread's last call that failed; a call that succeeds leaves it. ppcText may be null, else it
+ * receives one clause that names the file ("the database /x/fru.db is damaged: ..."), empty when nothing has
+ * failed yet. The text lives until this thread's next call of the database.
+ */
+BMCHOST_DB_REASON_E BMCHOST_LastDbError(const char **ppcText);
+
+/*
+ * Looks whether the root has a database and whether all of it can be read, and makes none:
+ * BMCHOST_DB_NO_FAULT, BMCHOST_DB_ABSENT, or what is the matter with it. ppcText as above. Writes nothing but
+ * the log's files. Bytes that were changed inside a record are still a record.
+ */
+BMCHOST_DB_REASON_E BMCHOST_CheckDb(const char **ppcText);
 
 /* ---- diagnostics ---- */
 

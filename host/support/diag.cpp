@@ -27,6 +27,7 @@ void BeforeFork()
 {
     host::LOCKS_S &stLocks = host::Locks();
     stLocks.mtxDb.lock();
+    host::CloseDbForFork();
     stLocks.mtxEeprom.lock();
     stLocks.mtxIni.lock();
     stLocks.mtxDiag.lock();

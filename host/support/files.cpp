@@ -2,46 +2,9 @@
 #include <cerrno>
 #include <cstdio>
 #include <fcntl.h>
-#include <sys/file.h>
 #include <unistd.h>
 
 #include "support/host.h"
-
-namespace host {
-
-FD OpenFile(const std::string &strPath, int iFlags, mode_t uiMode)
-{
-    int iFd = -1;
-    do {
-        iFd = open(strPath.c_str(), iFlags | O_CLOEXEC | O_NONBLOCK | O_NOCTTY, uiMode);
-    } while (iFd < 0 && errno == EINTR);
-    return FD(iFd);
-}
-
-FILE_LOCK::FILE_LOCK(int iFd, int iOperation) : m_iFd(iFd), m_bHeld(false)
-{
-    int iRet = -1;
-    do {
-        iRet = flock(iFd, iOperation);
-    } while (iRet != 0 && errno == EINTR);
-    m_bHeld = iRet == 0;
-}
-
-FILE_LOCK::~FILE_LOCK()
-{
-    if (m_bHeld) {
-        const int iErrno = errno;
-        (void)flock(m_iFd, LOCK_UN);
-        errno = iErrno;
-    }
-}
-
-int MakeDirs(const std::string &strPath)
-{
-    return files::MakeDirectories(strPath);
-}
-
-} // namespace host
 
 extern "C" {
 

@@ -46,6 +46,9 @@ struct LOCKS_S
 };
 LOCKS_S &Locks();
 
+// The database's connection does not live through fork(). With mtxDb held.
+void CloseDbForFork();
+
 // The root now; grows by one with every BMCHOST_SetRoot().
 u32 RootGeneration();
 
@@ -60,33 +63,6 @@ files::PLACE_S WritePlaceOf(const char *pcPath);
 constexpr size_t g_uiTextFileMax = size_t{1} << 20U;
 // How long a file's lock may be somebody else's.
 constexpr unsigned g_uiLockPatienceMs = 5000;
-
-// ---- what the database still needs ----
-
-using FD = files::Fd;
-FD OpenFile(const std::string &strPath, int iFlags, mode_t uiMode = 0644);
-
-// Holds flock(2) on a descriptor. It falls when the process dies.
-class FILE_LOCK
-{
-  public:
-    FILE_LOCK(int iFd, int iOperation);
-    ~FILE_LOCK();
-    FILE_LOCK(const FILE_LOCK &) = delete;
-    FILE_LOCK &operator=(const FILE_LOCK &) = delete;
-    explicit operator bool() const
-    {
-        return m_bHeld;
-    }
-
-  private:
-    int m_iFd;
-    bool m_bHeld;
-};
-
-int MakeDirs(const std::string &strPath);
-
-// ----
 
 // This moment as "2024-05-01T12:34:56.789Z".
 std::string NowText();

@@ -56,7 +56,7 @@ class List(LabelTest):
     def test_a_damaged_device_still_tells_the_names(self):
         self.Provision()
         self.Damage(self.Eeprom(BASEBOARD_EEPROM), 0, b"\x02")
-        (self.pathRoot / "var/lib/fru/db").rename(self.pathTemp / "db")  # the cache would hide it
+        (self.pathRoot / "var/lib/fru/fru.db").rename(self.pathTemp / "db")  # the cache would hide it
         self.pathRoot.rename(self.pathTemp / "old")
         self.ProvisionImage(b"\x02" * 64)
         stResult = self.Fructl("label", "list", "dev")

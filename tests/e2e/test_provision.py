@@ -1,7 +1,10 @@
 """fructl provision: what it writes."""
+import contextlib
 import copy
 import json
+import os
 import shutil
+import sqlite3
 import unittest
 
 from support import BASEBOARD_EEPROM, DESCRIPTION, EXAMPLES, FructlTest, HexImage
@@ -65,6 +68,45 @@ class Provision(FructlTest):
         self.assertNotEqual(self.Eeprom(BASEBOARD_EEPROM).read_bytes()[:4], b"mine")
         # What was device 4 has no bytes any more.
         self.assertIn("completion code 0xcc", self.Bad(1, "raw", "read", "--id", "4"))
+
+    def test_a_database_that_cannot_be_read_is_told_and_nothing_is_written(self):
+        self.Provision()
+        pathDatabase = self.pathRoot / "var/lib/fru/fru.db"
+        for strWhy, fnSpoil in [("is damaged", lambda: os.truncate(pathDatabase, 8192)),
+                                ("is damaged: it is empty", lambda: os.truncate(pathDatabase, 0)),
+                                ("is damaged", lambda: pathDatabase.write_bytes(b"x" * 20000)),
+                                ("an earlier release has made it; remove ", self.LayFormerDatabase)]:
+            fnSpoil()
+            dictBefore = self.Snapshot()
+            for asArguments in (["provision", EXAMPLES / "controller.json"], ["provision", EXAMPLES / "controller.json", "--force"],
+                                ["list"], ["label", "set", "baseboard", "Product Asset Tag", "X"]):
+                stResult = self.Fructl(*asArguments)
+                self.assertEqual((stResult.iCode, stResult.strOut), (1, ""), asArguments)
+                self.assertIn(strWhy, stResult.strErr)
+                self.assertIn(str(self.pathRoot), stResult.strErr)
+            self.assertEqual(self.Snapshot(), dictBefore)
+
+    def LayFormerDatabase(self):
+        (self.pathRoot / "var/lib/fru/fru.db").unlink()
+        (self.pathRoot / "var/lib/fru/db").mkdir()
+        (self.pathRoot / "var/lib/fru/db/data.mdb").write_bytes(bytes(8192))
+
+    def Snapshot(self):
+        """Every file but the lock."""
+        return {pathFile: pathFile.read_bytes() for pathFile in self.pathRoot.rglob("*") if pathFile.is_file() and "lock" not in pathFile.parts}
+
+    def test_the_database_is_one_file_that_others_can_look_into(self):
+        self.Provision()
+        self.assertEqual([pathFile.name for pathFile in (self.pathRoot / "var/lib/fru").iterdir()], ["fru.db"])
+        with contextlib.closing(sqlite3.connect(f"file:{self.pathRoot}/var/lib/fru/fru.db?mode=ro", uri=True)) as stDatabase:
+            def Ask(strSql):
+                return stDatabase.execute(strSql).fetchall()
+            self.assertEqual(Ask("PRAGMA application_id") + Ask("PRAGMA user_version"), [(0x42465255,), (1,)])
+            self.assertEqual(Ask("PRAGMA integrity_check"), [("ok",)])
+            self.assertEqual(Ask(f"SELECT typeof(data), length(data) FROM record WHERE key={0x108105FF}"), [("blob", 3703)])
+            self.assertEqual(Ask(f"SELECT count(*) FROM record WHERE key BETWEEN {0x10810000} AND {0x108100FF}"), [(6,)])
+            self.assertEqual(Ask(f"SELECT data FROM record WHERE key={0x10810200}")[0][0],
+                             HexImage(EXAMPLES / "baseboard.hex").ljust(2048, b"\xff"))
 
     def test_a_device_without_image_is_erased_and_one_without_cache_is_read_from_the_eeprom(self):
         dictDescription = copy.deepcopy(DESCRIPTION)

@@ -88,7 +88,7 @@ MUTATIONS = [
     (["devices", 0, "recoveryImage", "path"], "fru/BaseBoard.bin", "devices[0].recoveryImage.path", "accepted: a file's absolute path on the controller"),
     (["devices", 0, "recoveryImage", "path"], "/../../etc/passwd", "devices[0].recoveryImage.path", "accepted: a file's absolute path on the controller"),
     (["devices", 0, "recoveryImage", "path"], "/eeprom/bus1-addr0xa0.bin", "devices[0].recoveryImage.path", "outside /eeprom, /conf,"),
-    (["devices", 0, "recoveryImage", "path"], "/usr/../var/lib/fru/db/data.mdb", "devices[0].recoveryImage.path", "outside /eeprom, /conf,"),
+    (["devices", 0, "recoveryImage", "path"], "/usr/../var/lib/fru/fru.db", "devices[0].recoveryImage.path", "outside /eeprom, /conf,"),
     (["devices", 1, "recoveryImage"], {"path": "/usr/upgrade/fru/BaseBoard.bin", "file": "psu1.hex"}, "devices[1].recoveryImage.path",
      "device 'baseboard' stores another image there; accepted: another path, or the same image"),
     (["conf"], [], "conf", "[] is not an object; accepted: capability, features, oem, hardware"),

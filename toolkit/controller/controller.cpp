@@ -1,7 +1,6 @@
 #include "toolkit/controller/controller.h"
 
 #include <climits>
-#include <sys/stat.h>
 
 #include "bmcfru_host.h"
 #include "toolkit/base/error.h"
@@ -17,8 +16,13 @@ void OpenController(CONTROLLER_S &stController)
 
 bool HasController(const CONTROLLER_S &stController)
 {
-    struct stat stStat = {};
-    return stat((stController.strRoot + BMCHOST_DB_DIR).c_str(), &stStat) == 0;
+    (void)stController;
+    const char *pcText = "";
+    const BMCHOST_DB_REASON_E enReason = BMCHOST_CheckDb(&pcText);
+    if (enReason != BMCHOST_DB_NO_FAULT && enReason != BMCHOST_DB_ABSENT) {
+        Fail(EscapeText(pcText)); // there is one, and nobody may write over it
+    }
+    return enReason == BMCHOST_DB_NO_FAULT;
 }
 
 void RequireController(const CONTROLLER_S &stController)

@@ -16,7 +16,8 @@ struct CONTROLLER_S
 // Points the platform to the root directory, and fills in which one it is.
 void OpenController(CONTROLLER_S &stController);
 
-// True when the root holds a controller's database. Asked before the database is opened, which would make it.
+// True when the root holds a controller's database. Asked before the database is opened, which would make it. Fails
+// when there is one that cannot be used, with the reason.
 bool HasController(const CONTROLLER_S &stController);
 
 // Fails with a helpful line when there is none.

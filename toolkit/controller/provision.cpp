@@ -96,10 +96,16 @@ std::vector<u8> ExistingIDs(const CONTROLLER_S &stController)
 {
     std::vector<u8> vecIDs;
     FRU_DEVICE_TBL_S stTable = {};
-    if (HasController(stController) && LIB_FRU_GetFRUDeviceTbl(&stTable) == FRU_OK) {
+    if (!HasController(stController)) {
+        return vecIDs;
+    }
+    const char *pcText = "";
+    if (LIB_FRU_GetFRUDeviceTbl(&stTable) == FRU_OK) {
         for (u32 i = 0; i < stTable.ucCount && i < FRU_DEVICE_TBL_MAX; i++) {
             vecIDs.push_back(stTable.astEntry[i].ucDeviceID);
         }
+    } else if (BMCHOST_LastDbError(&pcText) != BMCHOST_DB_NO_RECORD) {
+        Fail(EscapeText(pcText)); // there may be a table
     }
     return vecIDs;
 }

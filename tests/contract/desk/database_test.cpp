@@ -1,5 +1,6 @@
 // The desk's own: the database's files, and what damages them.
 #include <algorithm>
+#include <chrono>
 #include <csignal>
 #include <filesystem>
 #include <sys/resource.h>
@@ -12,7 +13,10 @@ namespace {
 
 using controller::BYTES;
 
-constexpr char g_acData[] = BMCHOST_DB_DIR "/data.mdb";
+constexpr char g_acData[] = BMCHOST_DB_FILE;
+constexpr char g_acDirectory[] = "/var/lib/fru";
+
+constexpr unsigned g_uiLookUs = 20000; // after so long a call has noticed that other files lie there
 
 u32 Put(u32 uiKey, u32 uiLen, u8 ucFill)
 {
@@ -32,7 +36,8 @@ class DatabaseFiles : public controller::ContractTest
 TEST_F(DatabaseFiles, LieInTheRoot)
 {
     ASSERT_NE(DB_Open(), nullptr);
-    EXPECT_EQ(controller::FilesIn(BMCHOST_DB_DIR), std::vector<std::string>{"data.mdb"});
+    EXPECT_EQ(controller::FilesIn(g_acDirectory),
+              (std::vector<std::string>{"fru.db", "fru.db-shm", "fru.db-wal"}));
 }
 
 TEST_F(DatabaseFiles, ThatAreNoneGiveNoHandleUntilTheyAreGone)
@@ -48,26 +53,35 @@ TEST_F(DatabaseFiles, ThatAreNoneGiveNoHandleUntilTheyAreGone)
 TEST_F(DatabaseFiles, CutShortGiveNoHandleAndNoCrash)
 {
     ASSERT_EQ(Put(1, 60000, 1), 0U);
-    const pid_t iPid = controller::Spawn([] {
-        const std::string strWhole = controller::ReadFile(g_acData);
-        for (const size_t uiCut : {size_t{40960}, size_t{8192}, size_t{4096}, size_t{100}}) {
-            // A new file, for the old one is mapped.
-            std::filesystem::remove(controller::RealPath(g_acData));
-            controller::WriteFile(g_acData, strWhole.substr(0, uiCut));
-            if (DB_Open() != nullptr) {
-                return 1;
+    // In place or as another file: nothing of it is mapped. A child's connection is its own.
+    for (const bool bInPlace : {false, true}) {
+        const pid_t iPid = controller::Spawn([bInPlace] {
+            const std::string strWhole = controller::ReadFile(g_acData);
+            for (const size_t uiCut : {size_t{40960}, size_t{8192}, size_t{4096}, size_t{100}, size_t{0}}) {
+                if (!bInPlace) {
+                    std::filesystem::remove(controller::RealPath(g_acData));
+                }
+                controller::WriteFile(g_acData, strWhole.substr(0, uiCut));
+                if (DB_Open() != nullptr) {
+                    return 1;
+                }
+                if (BMCHOST_LastDbError(nullptr) != BMCHOST_DB_DAMAGED) {
+                    return 2;
+                }
             }
-        }
-        return 0;
-    });
-    EXPECT_EQ(controller::Await(iPid), 0);
+            controller::WriteFile(g_acData, strWhole);
+            return Has(1, 60000, 1) ? 0 : 3;
+        });
+        EXPECT_EQ(controller::Await(iPid), 0) << bInPlace;
+    }
 }
 
 TEST_F(DatabaseFiles, LaidAnewAreOpenedAnew)
 {
     void *pDb = DB_Open();
     ASSERT_EQ(Put(1, 4, 1), 0U);
-    std::filesystem::remove_all(controller::RealPath(BMCHOST_DB_DIR));
+    std::filesystem::remove_all(controller::RealPath(g_acDirectory));
+    controller::Pause(g_uiLookUs);
     EXPECT_FALSE(Has(1, 4, 1));
     EXPECT_EQ(DB_Open(), pDb);
     EXPECT_EQ(Put(1, 4, 2), 0U);
@@ -76,10 +90,37 @@ TEST_F(DatabaseFiles, LaidAnewAreOpenedAnew)
 
 TEST_F(DatabaseFiles, ARestOfAnUnfinishedCreationDoesNotHinder)
 {
-    controller::WriteFile(BMCHOST_DB_DIR "/data.mdb.new", std::string(4096, 'x'));
+    const std::string strTemp = "/var/lib/fru/.bmcfru-0123456789abcdef01234567";
+    controller::WriteFile(strTemp, std::string(4096, 'x'));
+    std::filesystem::last_write_time(controller::RealPath(strTemp),
+                                     std::filesystem::file_time_type::clock::now() - std::chrono::hours(1));
+    controller::WriteFile("/var/lib/fru/other", "not ours");
     ASSERT_NE(DB_Open(), nullptr);
     EXPECT_EQ(Put(1, 4, 1), 0U);
-    EXPECT_EQ(controller::FilesIn(BMCHOST_DB_DIR), std::vector<std::string>{"data.mdb"});
+    EXPECT_EQ(controller::FilesIn(g_acDirectory),
+              (std::vector<std::string>{"fru.db", "fru.db-shm", "fru.db-wal", "other"}));
+}
+
+TEST_F(DatabaseFiles, ALogWhoseFileIsGoneIsNotRead)
+{
+    ASSERT_EQ(Put(1, 4, 1), 0U);
+    const std::string strLog = controller::ReadFile("/var/lib/fru/fru.db-wal");
+    ASSERT_FALSE(strLog.empty());
+    EXPECT_EQ(controller::Await(controller::Spawn([&] {
+                  std::filesystem::remove_all(controller::RealPath(g_acDirectory));
+                  controller::WriteFile("/var/lib/fru/fru.db-wal", strLog);
+                  return DB_Open() != nullptr && !Has(1, 4, 1) ? 0 : 1;
+              })),
+              0);
+}
+
+// After the last process that had it open there is one file, to be copied and laid back.
+TEST_F(DatabaseFiles, AreOneFileAtRest)
+{
+    ASSERT_EQ(Put(1, 4, 1), 0U);
+    ASSERT_EQ(controller::Await(controller::Spawn([] { return 0; })), 0); // fork() closes ours
+    EXPECT_EQ(controller::FilesIn(g_acDirectory), std::vector<std::string>{"fru.db"});
+    EXPECT_TRUE(Has(1, 4, 1));
 }
 
 // Puts a record three times where the disk takes no byte beyond uiLimit: 0 when each fails and harms nothing.
@@ -91,8 +132,11 @@ int PutWithinLimit(rlim_t uiLimit, u32 uiLen)
         return 1;
     }
     for (u32 uiRound = 0; uiRound < 3U; ++uiRound) {
-        if (Put(2, uiLen, 2) == 0U || Has(2, uiLen, 2) || !Has(1, 2048, 1)) {
+        if (Put(2, uiLen, 2) == 0U || BMCHOST_LastDbError(nullptr) != BMCHOST_DB_FULL) {
             return 2;
+        }
+        if (Has(2, uiLen, 2) || !Has(1, 2048, 1)) {
+            return 3;
         }
     }
     return 0;
@@ -105,6 +149,8 @@ TEST_F(DatabaseFiles, AFullDiskFailsThePutAndKeepsTheRecords)
     // The file cannot grow; then even the pages that it has room for cannot be written.
     EXPECT_EQ(controller::Await(controller::Spawn([&] { return PutWithinLimit(uiSize, 3000000); })), 0);
     EXPECT_EQ(controller::Await(controller::Spawn([] { return PutWithinLimit(20000, 60000); })), 0);
+    // Room for the log's index, but not for the record in the log.
+    EXPECT_EQ(controller::Await(controller::Spawn([] { return PutWithinLimit(40000, 60000); })), 0);
     EXPECT_TRUE(Has(1, 2048, 1));
     EXPECT_EQ(Put(2, 3000000, 2), 0U);
     EXPECT_TRUE(Has(2, 3000000, 2));
@@ -117,6 +163,7 @@ TEST_F(DatabaseFiles, AFullDatabaseFailsThePutAndKeepsTheRecords)
         ++uiKey;
     }
     ASSERT_LT(uiKey, 100U);
+    EXPECT_EQ(BMCHOST_LastDbError(nullptr), BMCHOST_DB_FULL);
     ASSERT_GT(uiKey, 30U);
     EXPECT_TRUE(Has(0, 1000000, 0));
     EXPECT_TRUE(Has(uiKey - 1U, 1000000, static_cast<u8>(uiKey - 1U)));
