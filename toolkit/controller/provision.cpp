@@ -12,9 +12,6 @@
 
 namespace {
 
-constexpr u8 CACHE_TRUSTED = 0U;
-constexpr u8 CACHE_NOT_TRUSTED = 1U;
-
 void Require(u32 uiRet, const std::string &strWhat)
 {
     if (uiRet != FRU_OK) {
@@ -57,7 +54,7 @@ void Forget(u8 ucDeviceID)
     stInfo.ucDeviceID = ucDeviceID;
     Require(FRU_DB_PutFRUDeviceInfo(ucDeviceID, &stInfo), Format("the record of FRU device %u", ucDeviceID));
     (void)FRU_DB_DelFRUData(ucDeviceID); // fails when there was none
-    Require(FRU_DB_PutFRUDataCacheStatus(ucDeviceID, CACHE_NOT_TRUSTED),
+    Require(FRU_DB_PutFRUDataCacheStatus(ucDeviceID, FRU_CACHE_UNTRUSTED),
             Format("the cache status of FRU device %u", ucDeviceID));
 }
 
@@ -81,9 +78,9 @@ void WriteRecords(const CONTROLLER_PLAN_S &stPlan, const std::vector<u8> &vecOld
         } else {
             (void)FRU_DB_DelFRUData(ucDeviceID);
         }
-        Require(
-            FRU_DB_PutFRUDataCacheStatus(ucDeviceID, stDevice.bCached ? CACHE_TRUSTED : CACHE_NOT_TRUSTED),
-            "the cache status" + strOf);
+        Require(FRU_DB_PutFRUDataCacheStatus(ucDeviceID,
+                                             stDevice.bCached ? FRU_CACHE_TRUSTED : FRU_CACHE_UNTRUSTED),
+                "the cache status" + strOf);
         stTable.astEntry[stTable.ucCount++] = stDevice.stEntry;
     }
     Require(FRU_DB_PutOperateFlag(0U), "the operate flag");

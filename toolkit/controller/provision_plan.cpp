@@ -17,9 +17,7 @@
 namespace {
 
 constexpr u32 EEPROM_SPACE = 0x10000U; // offsets inside an EEPROM have 16 bits
-constexpr u32 EEPROM_TYPE_MIN = 9U;
-constexpr u32 EEPROM_TYPE_MAX = 15U;
-constexpr u32 FIELD_FLAG_ALL = 7U; // every chassis, board and product label
+constexpr u32 FIELD_FLAG_ALL = 7U;     // every chassis, board and product label
 constexpr u32 FIELD_FLAG_MAX = 9U;
 
 // Files that a description may lay into the controller beside the images.
@@ -119,8 +117,8 @@ void TakeEeprom(const JsonNode &stNode, DEVICE_PLAN_S &stDevice)
 {
     FRU_DEVICE_INFO_S &stInfo = stDevice.stInfo;
     stDevice.bHasEeprom = !stDevice.stInfo.ucDatabaseOnly || stNode.Has("location");
-    stInfo.ucEEPROMType =
-        static_cast<u8>(stNode.Number("eepromType", EEPROM_TYPE_MIN, EEPROM_TYPE_MAX, EEPROM_TYPE_MIN));
+    stInfo.ucEEPROMType = static_cast<u8>(
+        stNode.Number("eepromType", FRU_EEPROM_TYPE_MIN, FRU_EEPROM_TYPE_MAX, FRU_EEPROM_TYPE_MIN));
     const u32 uiEnd = u32{stInfo.usStartOffset} + stInfo.usSize;
     if (uiEnd > EEPROM_SPACE) {
         stNode.RefuseMember("size",
@@ -142,7 +140,7 @@ void TakeEeprom(const JsonNode &stNode, DEVICE_PLAN_S &stDevice)
     }
     const JsonNode stLocation = stNode.Member("location");
     stLocation.RequireObject({"bus", "address", "switchLevel"});
-    stInfo.ucBusNumber = static_cast<u8>(stLocation.Number("bus", 0U, 15U));
+    stInfo.ucBusNumber = static_cast<u8>(stLocation.Number("bus", 0U, FRU_BUS_NUMBER_MAX));
     stInfo.ucAddress = static_cast<u8>(stLocation.Number("address", 0U, 255U));
     stInfo.ucSwitchLevel = static_cast<u8>(stLocation.Number("switchLevel", 0U, 255U, 0U));
 }

@@ -6,12 +6,10 @@
 #include "toolkit/base/text.h"
 #include "toolkit/controller/controller.h"
 #include "toolkit/controller/diagnostics.h"
+#include "toolkit/image/fields.h"
 #include "toolkit/image/layout.h"
 
 namespace {
-
-constexpr u8 CACHE_NOT_TRUSTED = 1U; // bit of the cache status
-constexpr u8 READ_PREFER_CACHE = 1U;
 
 IMAGE_S ReadChip(const DEVICE_S &stDevice)
 {
@@ -98,9 +96,9 @@ IMAGE_S ReadTarget(const TARGET_S &stTarget)
 
 bool IsCacheTrusted(const DEVICE_S &stDevice)
 {
-    u8 ucStatus = CACHE_NOT_TRUSTED; // unreadable counts as not to be trusted
+    u8 ucStatus = FRU_CACHE_UNTRUSTED; // unreadable counts as not to be trusted
     const bool bRead = FRU_DB_GetFRUDataCacheStatus(stDevice.stEntry.ucDeviceID, &ucStatus) == FRU_OK;
-    return stDevice.IsDatabaseOnly() || (bRead && (ucStatus & CACHE_NOT_TRUSTED) == 0U);
+    return stDevice.IsDatabaseOnly() || (bRead && (ucStatus & FRU_CACHE_UNTRUSTED) == 0U);
 }
 
 u32 DecodeStatus(const TARGET_S &stTarget, Record &stRecord)
@@ -110,8 +108,8 @@ u32 DecodeStatus(const TARGET_S &stTarget, Record &stRecord)
         return DecodeImage(ReadImage(stTarget.strFile), false, stRecord);
     }
     const FRU_DEVICE_TBL_ENTRY_S &stEntry = stTarget.optDevice->stEntry;
-    return LIB_FRU_GetFRUData(stEntry.ucComponentType, stEntry.ucInstance, READ_PREFER_CACHE, 0U,
-                              stRecord.Data());
+    return LIB_FRU_GetFRUData(stEntry.ucComponentType, stEntry.ucInstance, FRU_READ_MODE_PLAIN,
+                              FRU_READ_ARG_NONE, stRecord.Data());
 }
 
 void DecodeTarget(const TARGET_S &stTarget, Record &stRecord)

@@ -7,14 +7,29 @@
 #include "toolkit/base/text.h"
 #include "toolkit/controller/diagnostics.h"
 #include "toolkit/controller/source.h"
+#include "toolkit/image/fields.h"
 #include "toolkit/image/image.h"
 #include "toolkit/image/record.h"
 
 namespace {
 
 constexpr u32 ASSEMBLE_MAX = 256U; // bytes of the image
-constexpr size_t TEXT_MAX = 63U;   // characters of a field in an image
 constexpr u32 FIRST_SLOT = FRU_ASSEMBLE_BOARD_MFG_DATE;
+
+// The field that each slot from FIRST_SLOT on goes to; nothing for the date, which is no text there.
+constexpr std::optional<FIELD_ID_S> SLOT_FIELDS[] = {
+    std::nullopt,
+    FIELD_ID_S{Area::Board, Field::Manufacturer},
+    FIELD_ID_S{Area::Board, Field::ProductName},
+    FIELD_ID_S{Area::Board, Field::SerialNumber},
+    FIELD_ID_S{Area::Board, Field::PartNumber},
+    FIELD_ID_S{Area::Product, Field::Manufacturer},
+    FIELD_ID_S{Area::Product, Field::ProductName},
+    FIELD_ID_S{Area::Product, Field::PartNumber},
+    FIELD_ID_S{Area::Product, Field::Version},
+    FIELD_ID_S{Area::Product, Field::SerialNumber},
+    FIELD_ID_S{Area::Product, Field::AssetTag},
+};
 
 } // namespace
 
@@ -51,9 +66,9 @@ void CheckText(const NAME_VALUE_S &stGiven)
         }
         return;
     }
-    if (strValue.empty() || strValue.size() > TEXT_MAX) {
+    if (strValue.empty() || strValue.size() > size_t{FRU_FIELD_MAX_TEXT}) {
         FailUsage(Format("the value of %s has %zu characters; accepted: 1 to %zu", pcName, strValue.size(),
-                         TEXT_MAX));
+                         size_t{FRU_FIELD_MAX_TEXT}));
     }
 }
 
@@ -92,20 +107,14 @@ void CheckStored(const DEVICE_S &stDevice, const FRU_ASSEMBLE_LABEL_S &stLabels)
         Fail("the library reports success, but the cached image of " + stDevice.Title() +
              " cannot be decoded" + DiagnosticHint());
     }
-    const FRU_BOARD_INFO_S &stBoard = stRecord.Data()->stBoardInfo;
-    const FRU_PRODUCT_INFO_S &stProduct = stRecord.Data()->stProductInfo;
-    const u8 *const apucTexts[] = {
-        stBoard.pucBoardMfr,         stBoard.pucBoardProductName, stBoard.pucBoardSerialNum,
-        stBoard.pucBoardPartNum,     stProduct.pucMfrName,        stProduct.pucProductName,
-        stProduct.pucProductPartNum, stProduct.pucProductVersion, stProduct.pucProductSerialNum,
-        stProduct.pucAssetTag,
-    };
-    for (size_t i = 0; i < std::size(apucTexts); i++) {
-        const char *pcText = reinterpret_cast<const char *>(apucTexts[i]);
-        const size_t uiRow = i + 1U; // the date comes first
-        if (strcmp(pcText == nullptr ? "" : pcText, stLabels.acSlot[FIRST_SLOT + uiRow]) != 0) {
+    for (size_t i = 0; i < std::size(SLOT_FIELDS); i++) {
+        if (!SLOT_FIELDS[i].has_value()) {
+            continue;
+        }
+        const std::string strText = RecordText(*stRecord.Data(), *SLOT_FIELDS[i]).value_or("");
+        if (strText != stLabels.acSlot[FIRST_SLOT + i]) {
             Fail(std::string("the library reports success, but the cached image has another ") +
-                 AssemblyTexts()[uiRow].pcTitle);
+                 AssemblyTexts()[i].pcTitle);
         }
     }
 }

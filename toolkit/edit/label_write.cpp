@@ -15,13 +15,11 @@
 #include "toolkit/controller/target.h"
 #include "toolkit/edit/rewrite.h"
 #include "toolkit/edit/uninterrupted.h"
+#include "toolkit/image/fields.h"
 #include "toolkit/image/image.h"
-#include "toolkit/image/layout.h"
 #include "toolkit/image/record.h"
 
 namespace {
-
-constexpr i32 OPERATE_FAILED = 4;
 
 FRU_SET_PARA_S Block(const DEVICE_S &stDevice, const LABEL_REQUEST_S &stRequest)
 {
@@ -48,9 +46,9 @@ LABEL_STEP_S PlanStep(const DEVICE_S &stDevice, const LABEL_REQUEST_S &stRequest
     const RECORD_VIEW_S stView = ViewRecord(*stRecord.Data());
     if (!LabelValue(stView, stLabel).has_value()) {
         Fail(stDevice.Title() + " has no place for '" + stLabel.strName + "', which is " +
-             (stLabel.optSlot.has_value() ? "" : "the ") + stLabel.strField + " of the " +
-             AreaName(stLabel.enArea) + ": its image has " + WhyNoValue(stView, stLabel) +
-             "; nothing was written");
+             (stLabel.stField.enField == Field::Custom ? "" : "the ") + FieldName(stLabel.stField) +
+             " of the " + AreaName(stLabel.stField.enArea) + ": its image has " +
+             WhyNoValue(stView, stLabel) + "; nothing was written");
     }
     FRU_SET_PARA_S stPara = Block(stDevice, stRequest);
     ClearDiagnostics();
@@ -83,10 +81,10 @@ std::vector<BYTE_RUN_S> Changes(const std::vector<u8> &vecOld, const std::vector
     return vecRuns;
 }
 
-bool IsLabelField(const std::vector<LABEL_REQUEST_S> &vecRequests, Area enArea, const std::string &strField)
+bool IsLabelField(const std::vector<LABEL_REQUEST_S> &vecRequests, const FIELD_ID_S &stField)
 {
     return std::any_of(vecRequests.begin(), vecRequests.end(), [&](const LABEL_REQUEST_S &stRequest) {
-        return stRequest.stLabel.enArea == enArea && stRequest.stLabel.strField == strField;
+        return stRequest.stLabel.stField == stField;
     });
 }
 
@@ -180,7 +178,7 @@ LABEL_PLAN_S PlanLabels(const DEVICE_S &stDevice, const std::vector<LABEL_REQUES
             stPlan.vecNotes.push_back(stRequest.stLabel.strName + " will read as '" +
                                       EscapeText(stPlan.vecSteps.back().strNew) + "'");
         }
-        if (stRequest.strValue.size() == 1U && !stRequest.stLabel.bNumber) {
+        if (stRequest.strValue.size() == 1U && !stRequest.stLabel.IsNumber()) {
             stPlan.vecNotes.push_back(stRequest.stLabel.strName +
                                       " has one character, and its length byte is 0xc1, which other readers "
                                       "may take for the end of the fields");
@@ -191,10 +189,9 @@ LABEL_PLAN_S PlanLabels(const DEVICE_S &stDevice, const std::vector<LABEL_REQUES
         vecAfter = Overlay(vecAfter, stStep.vecEncoded);
     }
     stPlan.vecChanges = Changes(stImage.vecBytes, vecAfter);
-    const REWRITE_S stRewrite =
-        CompareImages(stDevice, stImage, vecAfter, [&](Area enArea, const std::string &strField) {
-            return IsLabelField(vecRequests, enArea, strField);
-        });
+    const REWRITE_S stRewrite = CompareImages(stDevice, stImage, vecAfter, [&](const FIELD_ID_S &stField) {
+        return IsLabelField(vecRequests, stField);
+    });
     stPlan.vecNotes.insert(stPlan.vecNotes.end(), stRewrite.vecNotes.begin(), stRewrite.vecNotes.end());
     stPlan.vecLosses = stRewrite.vecLosses;
     return stPlan;
@@ -219,7 +216,7 @@ WRITTEN_S WriteStep(const DEVICE_S &stDevice, const LABEL_STEP_S &stStep, Progre
         strFailure = WhyDeviceDiffers(stDevice, stStep);
     }
     if (!strFailure.empty()) {
-        FRU_AddComOperateLog(OPERATE_FAILED, &stPara);
+        FRU_AddComOperateLog(FRU_OPERATELOG_FAILED, &stPara);
         std::string strUnlogged;
         try {
             RecordOperation(false, stPara.acOperateLog, stPara.ucOperateLogType);
@@ -232,6 +229,6 @@ WRITTEN_S WriteStep(const DEVICE_S &stDevice, const LABEL_STEP_S &stStep, Progre
     RecordOperation(true, stPara.acOperateLog, stPara.ucOperateLogType);
     RequireCache(stDevice, stStep, strCause);
     const bool bSerialFiles = stDevice.stEntry.ucComponentType == 0U &&
-                              stStep.stRequest.stLabel.uiID == LABEL_PRODUCT_SERIAL_NUMBER;
+                              stStep.stRequest.stLabel.uiID == FRU_LABEL_PRODUCT_SERIAL_NUMBER;
     return {stPara.acOperateLog, bSerialFiles ? WhySerialFilesDiffer(stStep, strCause) : ""};
 }

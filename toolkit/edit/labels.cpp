@@ -12,81 +12,53 @@
 
 namespace {
 
-constexpr u32 NOT_FOUND = 36U;
-constexpr u32 LABEL_MAC_ADDRESS = 5U;
 constexpr size_t NEAR_NAMES = 3U;
 
-// Where a label's field is, by label ID; and what its values are, where that is not any text.
 struct PLACE_S
 {
-    u32 uiID;
-    Area enArea;
-    const char *pcField; // null: a custom field
-    u32 uiSlot;
-    const char *pcAccepts;
+    FIELD_ID_S stField;
+    Accepts enAccepts;
 };
 
-constexpr const char *TEXT = "text";
-constexpr const char *CUSTOM_TEXT = "text, but not one character";
+Accepts AcceptsOf(Kind enKind)
+{
+    switch (enKind) {
+    case Kind::ChassisType:
+        return Accepts::ChassisType;
+    case Kind::Language:
+        return Accepts::Language;
+    case Kind::MfgDate:
+        return Accepts::Date;
+    default:
+        return Accepts::Text;
+    }
+}
 
-constexpr PLACE_S g_astPlaces[] = {
-    {1, Area::Chassis, "chassis type", 0, "name of a chassis type"},
-    {2, Area::Chassis, "part number", 0, TEXT},
-    {3, Area::Chassis, "serial number", 0, TEXT},
-    {4, Area::Chassis, nullptr, 0, CUSTOM_TEXT},
-    {5, Area::Chassis, nullptr, 1, "12 hexadecimal digits"},
-    {6, Area::Chassis, nullptr, 2, CUSTOM_TEXT},
-    {7, Area::Chassis, nullptr, 3, CUSTOM_TEXT},
-    {8, Area::Chassis, nullptr, 4, CUSTOM_TEXT},
-    {9, Area::Board, "language", 0, "number, 0 to 136"},
-    {10, Area::Board, "manufacturing date", 0, "date, or date and time"},
-    {11, Area::Board, "manufacturer", 0, TEXT},
-    {12, Area::Board, "product name", 0, TEXT},
-    {13, Area::Board, "serial number", 0, TEXT},
-    {14, Area::Board, "part number", 0, TEXT},
-    {15, Area::Board, "FRU file ID", 0, TEXT},
-    {16, Area::Board, nullptr, 0, CUSTOM_TEXT},
-    {17, Area::Product, "language", 0, "number, 0 to 136"},
-    {18, Area::Product, "manufacturer", 0, TEXT},
-    {19, Area::Product, "product name", 0, TEXT},
-    {20, Area::Product, "serial number", 0, TEXT},
-    {21, Area::Product, "part number", 0, TEXT},
-    {22, Area::Product, "version", 0, TEXT},
-    {23, Area::Product, "asset tag", 0, TEXT},
-    {24, Area::Product, "FRU file ID", 0, TEXT},
-    {25, Area::Product, nullptr, 0, CUSTOM_TEXT},
-    {26, Area::Product, nullptr, 1, CUSTOM_TEXT},
-    {27, Area::Product, nullptr, 2, CUSTOM_TEXT},
-    {28, Area::Product, nullptr, 3, CUSTOM_TEXT},
-};
+// Where a label's field is, and what it takes.
+PLACE_S PlaceOf(u32 uiLabelID)
+{
+    for (const AREA_ROW_S &stArea : AreaRows()) {
+        for (const FIELD_ROW_S &stRow : stArea.vecFields) {
+            if (stRow.uiLabel == uiLabelID) {
+                return {{stArea.enArea, stRow.enField}, AcceptsOf(stRow.enKind)};
+            }
+        }
+        const u32 uiSlot = uiLabelID - stArea.stCustom.uiFirstLabel;
+        if (uiLabelID >= stArea.stCustom.uiFirstLabel && uiSlot < stArea.stCustom.uiLabels) {
+            return {{stArea.enArea, Field::Custom, uiSlot},
+                    uiLabelID == FRU_LABEL_CHASSIS_MAC_ADDRESS ? Accepts::MacAddress : Accepts::CustomText};
+        }
+    }
+    return {{Area::Unused, Field::Unused}, Accepts::Hardware};
+}
 
 LABEL_S MakeLabel(const DIAG_FRU_LABEL_S &stRow)
 {
-    LABEL_S stLabel = {stRow.uiLabelID,
-                       stRow.pcLabelName,
-                       stRow.uiMinLen,
-                       stRow.uiMaxLen,
-                       stRow.ucNoneAllowed == 1U,
-                       Area::Unused,
-                       "",
-                       std::nullopt,
-                       false,
-                       "bytes of the hardware FRU block",
-                       std::nullopt};
-    for (const PLACE_S &stPlace : g_astPlaces) {
-        if (stPlace.uiID == stLabel.uiID) {
-            stLabel.enArea = stPlace.enArea;
-            stLabel.strField = stPlace.pcField != nullptr ? std::string(stPlace.pcField)
-                                                          : Format("custom field %u", stPlace.uiSlot + 1U);
-            if (stPlace.pcField == nullptr) {
-                stLabel.optSlot = stPlace.uiSlot;
-            }
-            stLabel.bNumber = stLabel.strField == "language";
-            stLabel.pcAccepts = stPlace.pcAccepts;
-        }
-    }
+    const PLACE_S stPlace = PlaceOf(stRow.uiLabelID);
+    LABEL_S stLabel = {stRow.uiLabelID,           stRow.pcLabelName, stRow.uiMinLen,    stRow.uiMaxLen,
+                       stRow.ucNoneAllowed == 1U, stPlace.stField,   stPlace.enAccepts, std::nullopt};
     const u32 uiPsuField = FRU_GetPsuFieldIDByName(stLabel.strName.c_str());
-    if (uiPsuField != NOT_FOUND) {
+    if (uiPsuField != FRU_LABEL_NOT_FOUND) {
         stLabel.optPsuField = uiPsuField;
     }
     return stLabel;
@@ -173,18 +145,18 @@ bool IsDigits(const std::string &strText)
 std::string AcceptedValues(const LABEL_S &stLabel, u8 ucComponentType)
 {
     const std::string strNone = stLabel.bNoneAllowed ? ", or NONE" : "";
-    if (stLabel.uiID == LABEL_MAC_ADDRESS) {
+    switch (stLabel.enAccepts) {
+    case Accepts::MacAddress:
         return "12 hexadecimal digits without separators, such as 02005E1000A0" + strNone;
-    }
-    if (stLabel.strField == "chassis type") {
+    case Accepts::ChassisType:
         return Join(ChassisTypeNames(), ", ");
-    }
-    if (stLabel.strField == "manufacturing date") {
+    case Accepts::Date:
         return "2024-03-18 or 2024-03-18 09:30:00, wholly with leading zeros or wholly without (2024-3-18 "
                "9:30:0), up to the year 2025";
-    }
-    if (stLabel.bNumber) {
+    case Accepts::Language:
         return "0 to 136, in decimal digits";
+    default:
+        break;
     }
     const u32 uiMax = MaxLength(stLabel, ucComponentType);
     return (stLabel.uiMinLen == 0U ? Format("up to %u", uiMax)
@@ -204,24 +176,24 @@ std::string WhyRefused(const LABEL_S &stLabel, const std::string &strValue, u8 u
     if (std::find(vecSaid.begin(), vecSaid.end(), "Label Value is null.") != vecSaid.end()) {
         return "it is blank";
     }
-    if (strValue.size() == 1U && stLabel.optSlot.has_value()) {
+    if (strValue.size() == 1U && stLabel.stField.enField == Field::Custom) {
         return "a custom field of one character would begin with 0xc1, the mark that ends the fields";
     }
     if (strValue.compare(0, 4U, "NONE") == 0 && !stLabel.bNoneAllowed) {
         return "it begins with NONE, which stands for an absent value, and this label always has one";
     }
-    if (stLabel.uiID == LABEL_MAC_ADDRESS) {
+    if (stLabel.enAccepts == Accepts::MacAddress) {
         return "it is no MAC address";
     }
-    if (stLabel.strField == "chassis type") {
+    if (stLabel.enAccepts == Accepts::ChassisType) {
         const std::vector<std::string> vecNear = NearNames(strValue, ChassisTypeNames());
         return "it is no chassis type" +
                (vecNear.empty() ? "" : "; did you mean " + Join(vecNear, " or ") + "?");
     }
-    if (stLabel.strField == "manufacturing date") {
+    if (stLabel.enAccepts == Accepts::Date) {
         return "it is no date up to the year 2025";
     }
-    if (stLabel.bNumber) {
+    if (stLabel.IsNumber()) {
         return IsDigits(strValue) ? "it is too large" : "it is no number";
     }
     for (size_t i = 0; i < strValue.size(); i++) {
@@ -233,17 +205,27 @@ std::string WhyRefused(const LABEL_S &stLabel, const std::string &strValue, u8 u
     return "the library refuses it (" + Join(vecSaid, " | ") + ")";
 }
 
-const AREA_VIEW_S *FindArea(const RECORD_VIEW_S &stView, Area enArea)
-{
-    for (const AREA_VIEW_S &stArea : stView.vecAreas) {
-        if (stArea.enArea == enArea) {
-            return &stArea;
-        }
-    }
-    return nullptr;
-}
-
 } // namespace
+
+const char *AcceptsText(Accepts enAccepts)
+{
+    switch (enAccepts) {
+    case Accepts::CustomText:
+        return "text, but not one character";
+    case Accepts::MacAddress:
+        return "12 hexadecimal digits";
+    case Accepts::ChassisType:
+        return "name of a chassis type";
+    case Accepts::Language:
+        return "number, 0 to 136";
+    case Accepts::Date:
+        return "date, or date and time";
+    case Accepts::Hardware:
+        return "bytes of the hardware FRU block";
+    default:
+        return "text";
+    }
+}
 
 const std::vector<LABEL_S> &Labels()
 {
@@ -286,9 +268,9 @@ bool IsAccepted(const DEVICE_S &stDevice, const LABEL_S &stLabel)
 u32 MaxLength(const LABEL_S &stLabel, u8 ucComponentType)
 {
     // On component type 0 part numbers of chassis and product have the format's whole length.
-    constexpr u32 uiPartNumberMax = 63U;
-    const bool bPartNumber = stLabel.uiID == 2U || stLabel.uiID == 21U;
-    return ucComponentType == 0U && bPartNumber ? uiPartNumberMax : stLabel.uiMaxLen;
+    const bool bPartNumber =
+        stLabel.uiID == FRU_LABEL_CHASSIS_PART_NUMBER || stLabel.uiID == FRU_LABEL_PRODUCT_PART_NUMBER;
+    return ucComponentType == 0U && bPartNumber ? FRU_FIELD_MAX_TEXT : stLabel.uiMaxLen;
 }
 
 void RequireAcceptedName(const DEVICE_S &stDevice, const LABEL_S &stLabel)
@@ -307,15 +289,15 @@ void RequireAcceptedName(const DEVICE_S &stDevice, const LABEL_S &stLabel)
 
 void RequireAcceptedValue(const DEVICE_S &stDevice, const LABEL_S &stLabel, const std::string &strValue)
 {
-    constexpr size_t uiBlock = sizeof(FRU_SET_PARA_S::acLabelValue);
+    constexpr size_t BLOCK = sizeof(FRU_SET_PARA_S::acLabelValue);
     const u8 ucType = stDevice.stEntry.ucComponentType;
     const std::string strWhat = "'" + EscapeText(strValue) + "' is refused for '" + stLabel.strName + "': ";
     const std::string strAccepted = "; accepted: " + AcceptedValues(stLabel, ucType);
-    if (strValue.size() >= uiBlock) {
-        Fail(strWhat + Format("it has %zu bytes, and a request holds %zu", strValue.size(), uiBlock - 1U) +
+    if (strValue.size() >= BLOCK) {
+        Fail(strWhat + Format("it has %zu bytes, and a request holds %zu", strValue.size(), BLOCK - 1U) +
              strAccepted);
     }
-    std::array<char, uiBlock> acValue = {};
+    std::array<char, BLOCK> acValue = {};
     memcpy(acValue.data(), strValue.data(), strValue.size());
     ClearDiagnostics();
     if (isLabelValueValid(stLabel.strName.c_str(), acValue.data(), static_cast<i32>(strValue.size()),
@@ -326,21 +308,21 @@ void RequireAcceptedValue(const DEVICE_S &stDevice, const LABEL_S &stLabel, cons
 
 std::optional<std::string> LabelValue(const RECORD_VIEW_S &stView, const LABEL_S &stLabel)
 {
-    const AREA_VIEW_S *pstArea = FindArea(stView, stLabel.enArea);
+    const AREA_VIEW_S *pstArea = stView.Find(stLabel.stField.enArea);
     if (pstArea == nullptr) {
         return std::nullopt;
     }
-    if (stLabel.optSlot.has_value()) {
-        return *stLabel.optSlot < pstArea->vecCustomFields.size()
-                   ? std::optional<std::string>(pstArea->vecCustomFields[*stLabel.optSlot])
+    if (stLabel.stField.enField == Field::Custom) {
+        const u32 uiSlot = stLabel.stField.uiIndex;
+        return uiSlot < pstArea->vecCustomFields.size()
+                   ? std::optional<std::string>(pstArea->vecCustomFields[uiSlot])
                    : std::nullopt;
     }
-    for (const FIELD_VIEW_S &stField : pstArea->vecFields) {
-        if (stField.strName == stLabel.strField) {
-            return stLabel.bNumber ? Format("%u", stField.uiNumber) : stField.strText;
-        }
+    const FIELD_VIEW_S *pstField = pstArea->Find(stLabel.stField.enField);
+    if (pstField == nullptr) {
+        return std::nullopt;
     }
-    return std::nullopt;
+    return stLabel.IsNumber() ? Format("%u", pstField->optNumber.value_or(0U)) : pstField->strText;
 }
 
 std::string WhyNoValue(const RECORD_VIEW_S &stView, const LABEL_S &stLabel)
@@ -348,9 +330,9 @@ std::string WhyNoValue(const RECORD_VIEW_S &stView, const LABEL_S &stLabel)
     if (!stLabel.IsStored()) {
         return "not in the FRU image";
     }
-    const AREA_VIEW_S *pstArea = FindArea(stView, stLabel.enArea);
+    const AREA_VIEW_S *pstArea = stView.Find(stLabel.stField.enArea);
     if (pstArea == nullptr) {
-        return std::string("no ") + AreaName(stLabel.enArea);
+        return std::string("no ") + AreaName(stLabel.stField.enArea);
     }
     const size_t uiCount = pstArea->vecCustomFields.size();
     return uiCount == 0U ? "no custom fields there" : "only " + Count(uiCount, "custom field") + " there";

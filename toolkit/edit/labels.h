@@ -9,11 +9,21 @@
 
 #include "lib_fru_types.h"
 #include "toolkit/controller/device.h"
-#include "toolkit/image/layout.h"
+#include "toolkit/image/fields.h"
 #include "toolkit/image/record.h"
 
-constexpr u32 LABEL_HARDWARE = 29U;
-constexpr u32 LABEL_PRODUCT_SERIAL_NUMBER = 20U;
+// What values a label takes.
+enum class Accepts
+{
+    Text,
+    CustomText, // not one character: its length byte would be the mark that ends the fields
+    MacAddress,
+    ChassisType,
+    Language,
+    Date,
+    Hardware // bytes of the hardware block
+};
+const char *AcceptsText(Accepts enAccepts);
 
 // A label that can be addressed by its name.
 struct LABEL_S
@@ -23,16 +33,18 @@ struct LABEL_S
     u32 uiMinLen;
     u32 uiMaxLen;
     bool bNoneAllowed;
-    Area enArea;                    // AREA::Unused: not kept in the FRU image
-    std::string strField;           // the field's name in that area ("serial number", "custom field 2")
-    std::optional<u32> optSlot;     // custom field, counted from 0
-    bool bNumber;                   // shown as the field's number and not as its text
-    const char *pcAccepts;          // what its values are, in short
+    FIELD_ID_S stField; // Area::Unused: not kept in the FRU image
+    Accepts enAccepts;
     std::optional<u32> optPsuField; // the power-supply field of the same name, counted from 0
 
     bool IsStored() const
     {
-        return enArea != Area::Unused;
+        return stField.enArea != Area::Unused;
+    }
+    // Its value is the field's number and not its text.
+    bool IsNumber() const
+    {
+        return enAccepts == Accepts::Language;
     }
 };
 

@@ -13,20 +13,18 @@
 #include "toolkit/controller/source.h"
 #include "toolkit/controller/target.h"
 #include "toolkit/edit/uninterrupted.h"
+#include "toolkit/image/fields.h"
 #include "toolkit/image/image.h"
-#include "toolkit/image/layout.h"
 #include "toolkit/image/multirecord.h"
 #include "toolkit/image/record.h"
 
 namespace {
 
 constexpr size_t VALUE_MAX = 254U; // the length byte counts the sub-type too
-constexpr u8 MR_FORMAT = 0x02U;
-constexpr u8 MR_END_OF_LIST = 0x80U;
 
 bool HoldsSubType(const FRU_MULTIRECORD_S &stRecord, u8 ucSubType)
 {
-    return stRecord.ucRecordTypeID == MR_MANAGEMENT_ACCESS && stRecord.ucRecordLength != 0U &&
+    return stRecord.ucRecordTypeID == FRU_MR_TYPE_MANAGEMENT_ACCESS && stRecord.ucRecordLength != 0U &&
            stRecord.pucRecordData[0] == ucSubType;
 }
 
@@ -41,11 +39,6 @@ FRU_MULTIRECORD_S *FindEntry(FRU_DATA_S *pstData, u8 ucSubType)
     return nullptr;
 }
 
-u8 ZeroSum(const u8 *pucBytes, size_t uiLength)
-{
-    return static_cast<u8>(0U - std::accumulate(pucBytes, pucBytes + uiLength, 0U));
-}
-
 void Put(FRU_MULTIRECORD_S *pstEntry, const WANTED_RECORD_S &stWanted)
 {
     u8 *pucData = static_cast<u8 *>(malloc(stWanted.vecData.size()));
@@ -54,10 +47,10 @@ void Put(FRU_MULTIRECORD_S *pstEntry, const WANTED_RECORD_S &stWanted)
     }
     memcpy(pucData, stWanted.vecData.data(), stWanted.vecData.size());
     free(pstEntry->pucRecordData);
-    *pstEntry = {MR_MANAGEMENT_ACCESS,
-                 MR_FORMAT,
+    *pstEntry = {FRU_MR_TYPE_MANAGEMENT_ACCESS,
+                 FRU_MR_FORMAT_VERSION,
                  static_cast<u8>(stWanted.vecData.size()),
-                 ZeroSum(pucData, stWanted.vecData.size()),
+                 0U,
                  0U,
                  pucData};
 }
@@ -65,22 +58,22 @@ void Put(FRU_MULTIRECORD_S *pstEntry, const WANTED_RECORD_S &stWanted)
 // The last record says that it is the last, no other does.
 void RenewMarks(FRU_DATA_S *pstData)
 {
-    constexpr size_t uiSummed = FRU_MULTIRECORD_HEADER_LEN - 1U;
     for (size_t i = 0; i < FRU_MULTIRECORD_MAX && pstData->astMultiRecord[i].pucRecordData != nullptr; i++) {
         FRU_MULTIRECORD_S &stRecord = pstData->astMultiRecord[i];
         const bool bLast =
             i + 1U == FRU_MULTIRECORD_MAX || pstData->astMultiRecord[i + 1U].pucRecordData == nullptr;
-        stRecord.ucRecordFormat = static_cast<u8>(bLast ? stRecord.ucRecordFormat | MR_END_OF_LIST
-                                                        : stRecord.ucRecordFormat & ~MR_END_OF_LIST);
-        stRecord.ucHeaderChecksum = ZeroSum(reinterpret_cast<const u8 *>(&stRecord), uiSummed);
+        stRecord.ucRecordFormat =
+            static_cast<u8>(bLast ? stRecord.ucRecordFormat | FRU_MULTIRECORD_END_OF_LIST
+                                  : stRecord.ucRecordFormat & ~FRU_MULTIRECORD_END_OF_LIST);
+        SealMultiRecord(stRecord);
     }
-    pstData->stCommonHeader.ucMultiRecordAreaStartOffset = 1U; // present; the encoder lays it out
+    MarkArea(*pstData, Area::MultiRecord);
 }
 
 // What the library's merge will refuse, or do to records that cannot be read, is told before it begins.
 void CheckList(const DEVICE_S &stDevice, const FRU_DATA_S &stData)
 {
-    const bool bArea = stData.stCommonHeader.ucMultiRecordAreaStartOffset != 0U;
+    const bool bArea = HasArea(stData, Area::MultiRecord);
     const std::string strMore = "; 'fructl mr check' and 'fructl verify' tell more";
     if (bArea && stData.astMultiRecord[0].pucRecordData == nullptr) {
         Fail("the MultiRecord area of " + stDevice.Title() +
@@ -152,7 +145,7 @@ WANTED_RECORD_S WantedRecord(const NAME_VALUE_S &stGiven)
 {
     WANTED_RECORD_S stWanted = {static_cast<u8>(stGiven.uiIndex + 1U), {}, {}, RecordAction::Add, {}};
     stWanted.vecData.push_back(stWanted.ucSubType);
-    if (stWanted.ucSubType == MR_SUBTYPE_GUID) {
+    if (stWanted.ucSubType == FRU_MR_SUBTYPE_SYSTEM_UNIQUE_ID) {
         const GuidBytes aucGiven = ParseGuid(stGiven.strValue);
         GuidBytes aucStored = {};
         FRU_ConvertGUIDToStandardOrder(aucGiven.data(), aucStored.data());
@@ -197,10 +190,9 @@ RECORD_PLAN_S PlanAccessRecords(const DEVICE_S &stDevice, const std::vector<WANT
         RequireReadable(stDevice, strWhat, stRecord, vecAfter);
     }
     if (!stPlan.vecEncoded.empty()) {
-        stPlan.stRewrite =
-            CompareImages(stDevice, stImage, vecAfter, [](Area enArea, const std::string & /*strField*/) {
-                return enArea == Area::MultiRecord;
-            });
+        stPlan.stRewrite = CompareImages(stDevice, stImage, vecAfter, [](const FIELD_ID_S &stField) {
+            return stField.enArea == Area::MultiRecord;
+        });
     }
     return stPlan;
 }
@@ -213,7 +205,7 @@ void WriteAccessRecords(const DEVICE_S &stDevice, RECORD_PLAN_S &stPlan, Progres
     ClearDiagnostics();
     std::vector<std::string> vecDone;
     for (WANTED_RECORD_S &stWanted : stPlan.vecWanted) {
-        const FRU_MR_PARAM_S stParam = {MR_MANAGEMENT_ACCESS, stWanted.ucSubType,
+        const FRU_MR_PARAM_S stParam = {FRU_MR_TYPE_MANAGEMENT_ACCESS, stWanted.ucSubType,
                                         static_cast<u32>(stWanted.vecValue.size()), stWanted.vecValue.data()};
         const u32 uiRet = FRU_innerUpdateMultiRecord(&stParam);
         if (uiRet != FRU_OK) {

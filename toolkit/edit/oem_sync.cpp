@@ -4,47 +4,42 @@
 
 #include "lib_fru.h"
 #include "toolkit/base/error.h"
-#include "toolkit/base/text.h"
 #include "toolkit/controller/diagnostics.h"
 #include "toolkit/controller/source.h"
+#include "toolkit/image/fields.h"
 #include "toolkit/image/record.h"
 
 namespace {
 
-std::string Bytes(const u8 *pucText)
+// The fields that the file's keys are filled from.
+struct SOURCE_ROW_S
 {
-    return pucText == nullptr ? "" : reinterpret_cast<const char *>(pucText);
-}
+    const char *pcKey;
+    FIELD_ID_S stField;
+};
+
+constexpr SOURCE_ROW_S SOURCE_ROWS[] = {
+    {"productmanufacturer", {Area::Product, Field::Manufacturer}},
+    {"productname", {Area::Product, Field::ProductName}},
+    {"productserialnumber", {Area::Product, Field::SerialNumber}},
+    {"productassettag", {Area::Product, Field::AssetTag}},
+    {"productpartnumber", {Area::Product, Field::PartNumber}},
+    {"chassispartnumber", {Area::Chassis, Field::PartNumber}},
+    {"boardproductname", {Area::Board, Field::ProductName}},
+    {"productversion", {Area::Product, Field::Version}},
+    {"productextra1", {Area::Product, Field::Custom, 0U}},
+    {"productextra2", {Area::Product, Field::Custom, 1U}},
+    {"productextra3", {Area::Product, Field::Custom, 2U}},
+    {"productextra4", {Area::Product, Field::Custom, 3U}},
+};
 
 // What the FRU has for a key; nothing for keys that are not its business.
 std::optional<std::string> FruText(const FRU_DATA_S &stData, const std::string &strKey)
 {
-    const FRU_PRODUCT_INFO_S &stProduct = stData.stProductInfo;
-    const struct
-    {
-        const char *pcKey;
-        const u8 *pucText;
-    } astTexts[] = {
-        {"productmanufacturer", stProduct.pucMfrName},
-        {"productname", stProduct.pucProductName},
-        {"productserialnumber", stProduct.pucProductSerialNum},
-        {"productassettag", stProduct.pucAssetTag},
-        {"productpartnumber", stProduct.pucProductPartNum},
-        {"chassispartnumber", stData.stChassisInfo.pucChassisPartNum},
-        {"boardproductname", stData.stBoardInfo.pucBoardProductName},
-        {"productversion", stProduct.pucProductVersion},
-    };
-    for (const auto &stText : astTexts) {
-        if (strKey == stText.pcKey) {
+    for (const SOURCE_ROW_S &stRow : SOURCE_ROWS) {
+        if (strKey == stRow.pcKey) {
             // A text that the FRU lacks altogether leaves the file's as it is.
-            return stText.pucText == nullptr ? std::nullopt
-                                             : std::optional<std::string>(Bytes(stText.pucText));
-        }
-    }
-    for (u32 i = 0; i < 4U && stProduct.ppucCustomFields != nullptr && i < stProduct.ucCustomFieldCount;
-         i++) {
-        if (strKey == Format("productextra%u", i + 1U) && stProduct.ppucCustomFields[i] != nullptr) {
-            return Bytes(stProduct.ppucCustomFields[i]);
+            return RecordText(stData, stRow.stField);
         }
     }
     return std::nullopt;

@@ -14,9 +14,6 @@
 
 namespace {
 
-constexpr u8 READ_WITH_RECOVERY = 2U;
-constexpr u8 CACHE_NOT_TRUSTED = 1U;
-
 // Sends reads to the EEPROM for as long as it lives: a good cached image would hide a damaged EEPROM.
 class CacheBypass
 {
@@ -24,8 +21,8 @@ class CacheBypass
     explicit CacheBypass(u8 ucDeviceID) : m_ucDeviceID(ucDeviceID)
     {
         m_bKnown = FRU_DB_GetFRUDataCacheStatus(ucDeviceID, &m_ucStatus) == FRU_OK;
-        if (m_bKnown && (m_ucStatus & CACHE_NOT_TRUSTED) == 0U) {
-            const u32 uiRet = FRU_DB_PutFRUDataCacheStatus(ucDeviceID, m_ucStatus | CACHE_NOT_TRUSTED);
+        if (m_bKnown && (m_ucStatus & FRU_CACHE_UNTRUSTED) == 0U) {
+            const u32 uiRet = FRU_DB_PutFRUDataCacheStatus(ucDeviceID, m_ucStatus | FRU_CACHE_UNTRUSTED);
             if (uiRet != FRU_OK) {
                 Fail("the cache status cannot be written: " + StatusText(uiRet));
             }
@@ -33,7 +30,7 @@ class CacheBypass
     }
     ~CacheBypass()
     {
-        if (m_bKnown && (m_ucStatus & CACHE_NOT_TRUSTED) == 0U) {
+        if (m_bKnown && (m_ucStatus & FRU_CACHE_UNTRUSTED) == 0U) {
             // Should this fail, reads keep going to the EEPROM, which is safe.
             (void)FRU_DB_PutFRUDataCacheStatus(m_ucDeviceID, m_ucStatus);
         }
@@ -43,7 +40,7 @@ class CacheBypass
 
   private:
     const u8 m_ucDeviceID;
-    u8 m_ucStatus = CACHE_NOT_TRUSTED;
+    u8 m_ucStatus = FRU_CACHE_UNTRUSTED;
     bool m_bKnown;
 };
 
@@ -84,7 +81,7 @@ Recovery Recover(const DEVICE_S &stDevice)
         const CacheBypass stBypass(stDevice.stEntry.ucDeviceID);
         ClearDiagnostics();
         uiRet = LIB_FRU_GetFRUData(stDevice.stEntry.ucComponentType, stDevice.stEntry.ucInstance,
-                                   READ_WITH_RECOVERY, 0U, stRecord.Data());
+                                   FRU_READ_MODE_RECOVER, FRU_READ_ARG_NONE, stRecord.Data());
     }
     const std::vector<std::string> vecSaid = TakeDiagnostics();
     const std::string strStatus = uiRet == FRU_OK ? "" : StatusText(uiRet);

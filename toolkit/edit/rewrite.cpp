@@ -8,7 +8,8 @@
 #include "toolkit/base/text.h"
 #include "toolkit/controller/diagnostics.h"
 #include "toolkit/controller/source.h"
-#include "toolkit/image/record_json.h"
+#include "toolkit/image/encoding.h"
+#include "toolkit/image/layout.h"
 
 namespace {
 
@@ -17,32 +18,39 @@ constexpr u32 ROOM_MAX = 0xFFFFU;
 struct CONTENT_S
 {
     std::string strText;
-    std::string strNote;
+    NOTE_S stNote;
 };
-using Contents = std::map<std::pair<Area, std::string>, CONTENT_S>;
+
+// Told by area, and there by name.
+struct BY_NAME_S
+{
+    bool operator()(const FIELD_ID_S &stLeft, const FIELD_ID_S &stRight) const
+    {
+        return std::make_pair(stLeft.enArea, FieldName(stLeft)) <
+               std::make_pair(stRight.enArea, FieldName(stRight));
+    }
+};
+using Contents = std::map<FIELD_ID_S, CONTENT_S, BY_NAME_S>;
 
 // What an image says, field by field, and how it is stored; without what only holds the image together.
 Contents ContentsOf(const DEVICE_S &stDevice, const std::vector<u8> &vecBytes)
 {
-    static const char *const apcFrame[] = {"format version", "area length", "end mark", "fill", "checksum"};
     Contents mapContents;
     const IMAGE_LAYOUT_S stLayout = WalkImage(vecBytes, vecBytes.size(), stDevice.HasFixedSlots());
     for (const SPAN_S &stSpan : stLayout.vecSpans) {
-        const bool bFrame =
-            std::find(std::begin(apcFrame), std::end(apcFrame), stSpan.strField) != std::end(apcFrame);
-        if (stSpan.enArea == Area::Header || stSpan.enArea == Area::Unused || bFrame) {
+        const FIELD_ID_S &stField = stSpan.stField;
+        if (stField.enArea == Area::Header || stField.enArea == Area::Unused || IsFrame(stField.enField)) {
             continue;
         }
         // MultiRecords are copied, so their bytes count; so do bytes that are in no field.
-        const bool bRaw = stSpan.enArea == Area::MultiRecord || stSpan.strField == "more, not decoded";
+        const bool bRaw = stField.enArea == Area::MultiRecord || stField.enField == Field::MoreData;
         const u8 *pucBytes = vecBytes.data() + stSpan.uiOffset;
-        mapContents[{stSpan.enArea, stSpan.strField}] = {
-            bRaw ? std::string(pucBytes, pucBytes + stSpan.uiLength) : stSpan.strText,
-            stSpan.strNote == "empty" ? "" : stSpan.strNote};
+        mapContents[stField] = {bRaw ? std::string(pucBytes, pucBytes + stSpan.uiLength) : stSpan.strText,
+                                stSpan.stNote.enNote == Note::Empty ? NOTE_S() : stSpan.stNote};
     }
     for (const FINDING_S &stFinding : stLayout.vecFindings) {
         if (stFinding.enArea == Area::InternalUse) {
-            mapContents[{Area::InternalUse, "opaque data"}] = {stFinding.strWhat, ""};
+            mapContents[{Area::InternalUse, Field::OpaqueData}] = {stFinding.strWhat, {}};
         }
     }
     return mapContents;
@@ -52,34 +60,35 @@ Contents ContentsOf(const DEVICE_S &stDevice, const std::vector<u8> &vecBytes)
 void CompareContents(const Contents &mapOld, const Contents &mapNew, const IsMeant &fnMeant,
                      REWRITE_S &stRewrite)
 {
-    for (const auto &[stKey, stOld] : mapOld) {
-        if (fnMeant(stKey.first, stKey.second)) {
+    for (const auto &[stField, stOld] : mapOld) {
+        if (fnMeant(stField)) {
             continue;
         }
-        const std::string strWhat = std::string(AreaName(stKey.first)) + ", " + stKey.second;
-        const auto itNew = mapNew.find(stKey);
+        const std::string strWhat = std::string(AreaName(stField.enArea)) + ", " + FieldName(stField);
+        const auto itNew = mapNew.find(stField);
         const bool bKept = itNew != mapNew.end() && itNew->second.strText == stOld.strText;
-        if (!bKept || stOld.strNote.compare(0, 3U, "BCD") == 0) {
+        if (!bKept || stOld.stNote.enNote == Note::BcdPlus) {
             stRewrite.vecLosses.push_back(strWhat +
-                                          (stOld.strNote.empty() ? "" : " (" + stOld.strNote + ")"));
-        } else if (stOld.strNote != itNew->second.strNote) {
+                                          (stOld.stNote.IsTold() ? " (" + NoteText(stOld.stNote) + ")" : ""));
+        } else if (stOld.stNote != itNew->second.stNote) {
             stRewrite.vecNotes.push_back(strWhat + " is stored as 8-bit text from now on, not as " +
-                                         stOld.strNote);
+                                         NoteText(stOld.stNote));
         }
     }
     std::map<Area, size_t> mapAdded;
-    for (const auto &[stKey, stNew] : mapNew) {
-        if (fnMeant(stKey.first, stKey.second)) {
+    for (const auto &itNew : mapNew) {
+        const FIELD_ID_S &stField = itNew.first;
+        if (fnMeant(stField)) {
             continue;
         }
-        const bool bArea = std::any_of(mapOld.begin(), mapOld.end(), [&, &stRef = stKey](const auto &itOld) {
-            return itOld.first.first == stRef.first;
+        const bool bArea = std::any_of(mapOld.begin(), mapOld.end(), [&](const auto &itOld) {
+            return itOld.first.enArea == stField.enArea;
         });
         if (!bArea) {
-            mapAdded[stKey.first]++;
-        } else if (mapOld.count(stKey) == 0U) {
-            stRewrite.vecNotes.push_back(std::string(AreaName(stKey.first)) + ": an empty " + stKey.second +
-                                         " is added");
+            mapAdded[stField.enArea]++;
+        } else if (mapOld.count(stField) == 0U) {
+            stRewrite.vecNotes.push_back(std::string(AreaName(stField.enArea)) + ": an empty " +
+                                         FieldName(stField) + " is added");
         }
     }
     for (const auto &itAdded : mapAdded) {
@@ -91,20 +100,19 @@ void CompareContents(const Contents &mapOld, const Contents &mapNew, const IsMea
 // data takes twice its room.
 std::string WhyNotEncoded(const RECORD_VIEW_S &stView)
 {
-    constexpr size_t uiTextMax = 63U;
     for (const AREA_VIEW_S &stArea : stView.vecAreas) {
-        std::vector<std::pair<std::string, std::string>> vecTexts;
+        std::vector<std::pair<FIELD_ID_S, std::string>> vecTexts;
         for (const FIELD_VIEW_S &stField : stArea.vecFields) {
-            vecTexts.emplace_back(stField.strName, stField.strText);
+            vecTexts.push_back({{stArea.enArea, stField.enField}, stField.strText});
         }
-        for (size_t i = 0; i < stArea.vecCustomFields.size(); i++) {
-            vecTexts.emplace_back(Format("custom field %zu", i + 1U), stArea.vecCustomFields[i]);
+        for (u32 i = 0; i < stArea.vecCustomFields.size(); i++) {
+            vecTexts.push_back({{stArea.enArea, Field::Custom, i}, stArea.vecCustomFields[i]});
         }
-        for (const auto &[strName, strText] : vecTexts) {
-            if (strText.size() > uiTextMax) {
-                return std::string("the ") + strName + " of its " + AreaName(stArea.enArea) +
-                       Format(" would be stored as %zu characters, and a length byte counts only to %zu",
-                              strText.size(), uiTextMax);
+        for (const auto &[stField, strText] : vecTexts) {
+            if (strText.size() > FRU_FIELD_MAX_TEXT) {
+                return "the " + FieldName(stField) + " of its " + AreaName(stArea.enArea) +
+                       Format(" would be stored as %zu characters, and a length byte counts only to %u",
+                              strText.size(), FRU_FIELD_MAX_TEXT);
             }
         }
     }
@@ -127,7 +135,7 @@ std::vector<u8> EncodeAnew(const DEVICE_S &stDevice, const std::string &strWhat,
 {
     const std::string strCannot = stDevice.Title() + ": no image can be made with " + strWhat + ": ";
     const RECORD_VIEW_S stView = ViewRecord(*stRecord.Data());
-    if (stView.bMultiRecordArea && stView.vecMultiRecords.empty()) {
+    if (stView.IsMultiRecordAreaDamaged()) {
         Fail(strCannot + "its MultiRecords are damaged and could not be kept; 'fructl verify' tells where");
     }
     const u16 usSize = stDevice.stInfo.usSize;
@@ -162,7 +170,7 @@ void RequireReadable(const DEVICE_S &stDevice, const std::string &strWhat, const
         Fail(stDevice.Title() + ": with " + strWhat + " the image would not be readable any more: " +
              StatusText(uiRet) + Cause() + "; an area must end before the FRU does");
     }
-    if (RecordJson(ViewRecord(*stRead.Data())) != RecordJson(ViewRecord(*stRecord.Data()))) {
+    if (ViewRecord(*stRead.Data()) != ViewRecord(*stRecord.Data())) {
         Fail(stDevice.Title() + ": with " + strWhat +
              " the image would read back differently: it holds a custom field of one character, whose length "
              "byte is the mark that ends the fields");

@@ -9,8 +9,8 @@
 
 #include "lib_fru_types.h"
 #include "toolkit/controller/device.h"
+#include "toolkit/image/fields.h"
 #include "toolkit/image/image.h"
-#include "toolkit/image/layout.h"
 #include "toolkit/image/record.h"
 
 struct REWRITE_S
@@ -20,7 +20,7 @@ struct REWRITE_S
 };
 
 // True for a field that is meant to change.
-using IsMeant = std::function<bool(Area enArea, const std::string &strField)>;
+using IsMeant = std::function<bool(const FIELD_ID_S &stField)>;
 
 // The first thing that the library reported and that is not about how texts are stored, as DiagnosticHint().
 std::string Cause();

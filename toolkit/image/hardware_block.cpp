@@ -2,10 +2,12 @@
 
 #include <algorithm>
 #include <cstring>
+#include <optional>
 
 #include "lib_fru.h"
 #include "toolkit/base/error.h"
 #include "toolkit/base/text.h"
+#include "toolkit/image/fields.h"
 
 HardwareLabel HW_BLOCK_S::Label() const
 {
@@ -48,33 +50,28 @@ IMAGE_LAYOUT_S WalkHardwareBlock(const std::vector<u8> &vecImage)
     {
         u32 uiOffset;
         u32 uiLength;
-        const char *pcField;
-        u8 ucWanted; // of a CRC-8
+        Field enField;
+        std::optional<u8> optWanted; // of a CRC-8
     } astFields[] = {
-        {0U, 1U, "board CRC-8", stBlock.ucBoardCrc8},
-        {1U, 4U, "board type", 0U},
-        {5U, 1U, "PCB version", 0U},
-        {6U, 1U, "EEPROM version", 0U},
-        {7U, 1U, "CPLD version", 0U},
-        {8U, 8U, "reserved", 0U},
-        {16U, 1U, "diagnostic CRC-8", stBlock.ucDiagCrc8},
-        {17U, 14U, "reserved", 0U},
-        {31U, 1U, "OEM flag", 0U},
+        {0U, 1U, Field::BoardCrc8, stBlock.ucBoardCrc8}, {1U, 4U, Field::BoardType, std::nullopt},
+        {5U, 1U, Field::PcbVersion, std::nullopt},       {6U, 1U, Field::EepromVersion, std::nullopt},
+        {7U, 1U, Field::CpldVersion, std::nullopt},      {8U, 8U, Field::Reserved, std::nullopt},
+        {16U, 1U, Field::DiagCrc8, stBlock.ucDiagCrc8},  {17U, 14U, Field::Reserved, std::nullopt},
+        {31U, 1U, Field::OemFlag, std::nullopt},
     };
     IMAGE_LAYOUT_S stLayout;
     stLayout.vecAreas = {Area::Hardware};
     for (const auto &stField : astFields) {
-        SPAN_S stSpan = {stField.uiOffset, stField.uiLength, Area::Hardware, stField.pcField, "", "", ""};
+        SPAN_S stSpan = {stField.uiOffset, stField.uiLength, {Area::Hardware, stField.enField}, "", {}, ""};
         stSpan.strText = HexBytes(&vecImage[stField.uiOffset], stField.uiLength);
-        const bool bCrc = strstr(stField.pcField, "CRC-8") != nullptr;
-        if (bCrc && vecImage[stField.uiOffset] == stField.ucWanted) {
+        if (stField.optWanted == vecImage[stField.uiOffset]) {
             stSpan.strText = "good";
-        } else if (bCrc) {
+        } else if (stField.optWanted.has_value()) {
             stSpan.strText = "";
             stSpan.strProblem = Format("0x%02x is wrong; the bytes behind it want 0x%02x",
-                                       vecImage[stField.uiOffset], stField.ucWanted);
+                                       vecImage[stField.uiOffset], *stField.optWanted);
             stLayout.vecFindings.push_back({stField.uiOffset, Area::Hardware,
-                                            std::string(stField.pcField) + ": " + stSpan.strProblem, false});
+                                            FieldName(stSpan.stField) + ": " + stSpan.strProblem, false});
         }
         stLayout.vecSpans.push_back(stSpan);
     }

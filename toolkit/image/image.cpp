@@ -2,6 +2,7 @@
 
 #include "toolkit/base/error.h"
 #include "toolkit/base/text.h"
+#include "toolkit/image/fields.h"
 #include "toolkit/image/image_file.h"
 
 namespace {
@@ -14,8 +15,9 @@ size_t UsedBytes(const IMAGE_S &stImage, bool bFixedSlots)
     const IMAGE_LAYOUT_S stLayout = LayoutOf(stImage, bFixedSlots);
     size_t uiEnd = 0;
     for (const SPAN_S &stSpan : stLayout.vecSpans) {
-        uiEnd = stSpan.enArea == Area::Unused ? uiEnd
-                                              : std::max(uiEnd, size_t{stSpan.uiOffset} + stSpan.uiLength);
+        uiEnd = stSpan.stField.enArea == Area::Unused
+                    ? uiEnd
+                    : std::max(uiEnd, size_t{stSpan.uiOffset} + stSpan.uiLength);
     }
     return stLayout.IsSound() ? uiEnd : stImage.vecBytes.size();
 }

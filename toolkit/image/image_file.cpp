@@ -94,11 +94,11 @@ std::vector<u8> ReadImageFile(const std::string &strPath)
 
 std::string HexText(const std::vector<u8> &vecBytes)
 {
-    constexpr size_t uiLine = 16U;
+    constexpr size_t LINE = 16U;
     std::string strOut;
-    for (size_t i = 0; i < vecBytes.size(); i += uiLine) {
-        strOut += Format("%04zx: ", i) +
-                  HexBytes(vecBytes.data() + i, std::min(uiLine, vecBytes.size() - i)) + "\n";
+    for (size_t i = 0; i < vecBytes.size(); i += LINE) {
+        strOut +=
+            Format("%04zx: ", i) + HexBytes(vecBytes.data() + i, std::min(LINE, vecBytes.size() - i)) + "\n";
     }
     return strOut;
 }

@@ -2,62 +2,14 @@
 
 #include <algorithm>
 
+#include "lib_fru.h"
 #include "toolkit/base/text.h"
-#include "toolkit/image/field_text.h"
+#include "toolkit/image/checksum.h"
 #include "toolkit/image/hardware_block.h"
 #include "toolkit/image/multirecord.h"
 #include "toolkit/image/names.h"
 
 namespace {
-
-constexpr u8 FIELD_END = 0xC1U;
-constexpr u8 MR_END_OF_LIST = 0x80U;
-
-// The areas in the order in which the header names them, from its byte 1 on.
-constexpr Area HEADER_AREAS[] = {Area::InternalUse, Area::Chassis, Area::Board, Area::Product,
-                                 Area::MultiRecord};
-
-// What differs between the three info areas: the bytes before the first field, and the fields.
-struct INFO_AREA_S
-{
-    Area enArea;
-    bool bChassisType;
-    bool bLanguage;
-    bool bMfgDate;
-    std::vector<const char *> vecFields;
-    u32 uiFixedSlots; // 0: custom fields are never preset
-};
-
-const INFO_AREA_S &InfoArea(Area enArea)
-{
-    static const INFO_AREA_S astAreas[] = {
-        {Area::Chassis, true, false, false, {"part number", "serial number"}, FRU_CHASSIS_FIXED_SLOTS},
-        {Area::Board,
-         false,
-         true,
-         true,
-         {"manufacturer", "product name", "serial number", "part number", "FRU file ID"},
-         0U},
-        {Area::Product,
-         false,
-         true,
-         false,
-         {"manufacturer", "product name", "part number", "version", "serial number", "asset tag",
-          "FRU file ID"},
-         FRU_PRODUCT_FIXED_SLOTS},
-    };
-    return *std::find_if(std::begin(astAreas), std::end(astAreas),
-                         [enArea](const INFO_AREA_S &stArea) { return stArea.enArea == enArea; });
-}
-
-u8 ZeroSum(const u8 *pucBytes, size_t uiLength)
-{
-    unsigned uiSum = 0;
-    for (size_t i = 0; i < uiLength; i++) {
-        uiSum += pucBytes[i];
-    }
-    return static_cast<u8>(uiSum);
-}
 
 class Walker
 {
@@ -70,16 +22,16 @@ class Walker
 
   private:
     // Problem texts go to the span that they are about and to the list of findings.
-    void Span(u32 uiOffset, u32 uiLength, Area enArea, const std::string &strField,
-              const std::string &strText, const std::string &strProblem = "");
+    void Span(u32 uiOffset, u32 uiLength, const FIELD_ID_S &stField, const std::string &strText,
+              const std::string &strProblem = "", const NOTE_S &stNote = {});
     void Finding(u32 uiOffset, Area enArea, const std::string &strWhat, bool bWarning = false);
     bool Header();
     void InternalUse(u32 uiStart, u32 uiNextArea);
-    void Info(const INFO_AREA_S &stArea, u32 uiStart);
-    u32 InfoPrefix(const INFO_AREA_S &stArea, u32 uiStart, u32 uiEnd);
-    u32 Field(Area enArea, const std::string &strName, u32 uiOffset, u32 uiEnd, bool *pbGood);
-    void CustomFields(const INFO_AREA_S &stArea, u32 uiOffset, u32 uiEnd);
-    void CheckSlots(const INFO_AREA_S &stArea, u32 uiOffset, u32 uiCount);
+    void Info(const AREA_ROW_S &stArea, u32 uiStart);
+    u32 InfoPrefix(const AREA_ROW_S &stArea, u32 uiStart, u32 uiEnd);
+    u32 TextField(const FIELD_ID_S &stField, u32 uiOffset, u32 uiEnd, bool *pbGood);
+    void CustomFields(const AREA_ROW_S &stArea, u32 uiOffset, u32 uiEnd);
+    void CheckSlots(const AREA_ROW_S &stArea, u32 uiOffset, u32 uiCount);
     void MultiRecords(u32 uiStart);
     bool MultiRecord(u32 uiOffset, u32 *puiNext);
     void Areas();
@@ -98,75 +50,74 @@ void Walker::Finding(u32 uiOffset, Area enArea, const std::string &strWhat, bool
     m_stLayout.vecFindings.push_back({uiOffset, enArea, strWhat, bWarning});
 }
 
-void Walker::Span(u32 uiOffset, u32 uiLength, Area enArea, const std::string &strField,
-                  const std::string &strText, const std::string &strProblem)
+void Walker::Span(u32 uiOffset, u32 uiLength, const FIELD_ID_S &stField, const std::string &strText,
+                  const std::string &strProblem, const NOTE_S &stNote)
 {
     if (uiOffset < m_uiStored) {
         const u32 uiShown = std::min(uiLength, m_uiStored - uiOffset);
-        m_stLayout.vecSpans.push_back({uiOffset, uiShown, enArea, strField, strText, "", strProblem});
+        m_stLayout.vecSpans.push_back({uiOffset, uiShown, stField, strText, stNote, strProblem});
     }
     if (!strProblem.empty()) {
-        Finding(uiOffset, enArea, strField + ": " + strProblem);
+        Finding(uiOffset, stField.enArea, FieldName(stField) + ": " + strProblem);
     }
 }
 
 bool Walker::Header()
 {
-    static const char *const apcNames[] = {"internal use area offset", "chassis info area offset",
-                                           "board info area offset", "product info area offset",
-                                           "MultiRecord area offset"};
+    constexpr u32 PAD = 6U;
+    constexpr u32 CHECKSUM = 7U;
     if (m_uiStored < FRU_COMMON_HEADER_LEN) {
-        Span(0U, m_uiStored, Area::Header, "common header", "",
+        Span(0U, m_uiStored, {Area::Header, Field::CommonHeader}, "",
              Format("cut short: %u of 8 bytes", m_uiStored));
         return false;
     }
     const u8 *pucHeader = m_vecImage.data();
-    const u8 ucSum = ZeroSum(pucHeader, FRU_COMMON_HEADER_LEN);
-    Span(0U, 1U, Area::Header, "format version", Format("%u", pucHeader[0]),
+    const u8 ucSum = ByteSum(pucHeader, FRU_COMMON_HEADER_LEN);
+    Span(0U, 1U, {Area::Header, Field::FormatVersion}, Format("%u", pucHeader[0]),
          pucHeader[0] == 1U ? "" : Format("0x%02x; only version 1 is known", pucHeader[0]));
-    for (u32 i = 0; i < std::size(apcNames); i++) {
-        const u8 ucOffset = pucHeader[i + 1U];
-        Span(i + 1U, 1U, Area::Header, apcNames[i],
-             ucOffset == 0U ? "absent" : Format("at 0x%04x (%u x 8)", ucOffset * 8U, ucOffset));
+    for (const Area enArea : HeaderAreas()) {
+        const u32 uiByte = HeaderOffsetByte(enArea);
+        const u8 ucOffset = pucHeader[uiByte];
+        Span(uiByte, 1U, {Area::Header, Field::AreaOffset, static_cast<u32>(enArea)},
+             ucOffset == 0U ? "absent" : Format("at 0x%04x (%u x 8)", ucOffset * FRU_AREA_UNIT, ucOffset));
     }
-    Span(6U, 1U, Area::Header, "pad", pucHeader[6] == 0U ? "" : Format("0x%02x", pucHeader[6]));
-    if (pucHeader[6] != 0U) {
-        Finding(6U, Area::Header, Format("pad: 0x%02x, should be 0", pucHeader[6]), true);
+    Span(PAD, 1U, {Area::Header, Field::Pad}, pucHeader[PAD] == 0U ? "" : Format("0x%02x", pucHeader[PAD]));
+    if (pucHeader[PAD] != 0U) {
+        Finding(PAD, Area::Header, Format("pad: 0x%02x, should be 0", pucHeader[PAD]), true);
     }
-    Span(7U, 1U, Area::Header, "checksum", ucSum == 0U ? "good" : "",
+    Span(CHECKSUM, 1U, {Area::Header, Field::Checksum}, ucSum == 0U ? "good" : "",
          ucSum == 0U ? ""
-                     : Format("0x%02x is wrong; the other bytes want 0x%02x", pucHeader[7],
-                              static_cast<u8>(pucHeader[7] - ucSum)));
+                     : Format("0x%02x is wrong; the other bytes want 0x%02x", pucHeader[CHECKSUM],
+                              static_cast<u8>(pucHeader[CHECKSUM] - ucSum)));
     return pucHeader[0] == 1U && ucSum == 0U;
 }
 
-u32 Walker::Field(Area enArea, const std::string &strName, u32 uiOffset, u32 uiEnd, bool *pbGood)
+u32 Walker::TextField(const FIELD_ID_S &stField, u32 uiOffset, u32 uiEnd, bool *pbGood)
 {
     const u8 ucTypeLength = m_vecImage[uiOffset];
-    const u32 uiLength = ucTypeLength & 0x3FU;
+    const u32 uiLength = ucTypeLength & FRU_FIELD_MAX_TEXT;
     if (uiOffset + 1U + uiLength > uiEnd) {
-        Span(uiOffset, uiEnd - uiOffset, enArea, strName, "",
+        Span(uiOffset, uiEnd - uiOffset, stField, "",
              Format("%u bytes long by its length byte 0x%02x, but the area ends at 0x%04x", uiLength,
                     ucTypeLength, uiEnd));
         *pbGood = false;
         return uiEnd;
     }
     const FIELD_TEXT_S stText = FieldText(ucTypeLength, &m_vecImage[uiOffset] + 1, uiLength);
-    Span(uiOffset, 1U + uiLength, enArea, strName, stText.strText);
-    m_stLayout.vecSpans.back().strNote = stText.strNote;
+    Span(uiOffset, 1U + uiLength, stField, stText.strText, "", stText.stNote);
     return uiOffset + 1U + uiLength;
 }
 
 void Walker::InternalUse(u32 uiStart, u32 uiNextArea)
 {
     const u8 ucVersion = m_vecImage[uiStart];
-    Span(uiStart, 1U, Area::InternalUse, "format version", Format("%u", ucVersion),
+    Span(uiStart, 1U, {Area::InternalUse, Field::FormatVersion}, Format("%u", ucVersion),
          ucVersion == 1U ? "" : Format("0x%02x; only version 1 is known", ucVersion));
     if (ucVersion != 1U || uiStart + 1U >= m_uiLength) {
         return;
     }
     bool bGood = true;
-    const u32 uiAfter = Field(Area::InternalUse, "data", uiStart + 1U, m_uiLength, &bGood);
+    const u32 uiAfter = TextField({Area::InternalUse, Field::Data}, uiStart + 1U, m_uiLength, &bGood);
     SPAN_S &stData = m_stLayout.vecSpans.back();
     if (uiAfter > uiNextArea) {
         // Elsewhere this area is opaque; here it is one length-coded field, and then says nothing sensible.
@@ -176,44 +127,53 @@ void Walker::InternalUse(u32 uiStart, u32 uiNextArea)
                        m_vecImage[uiStart + 1U]),
                 true);
     } else if (bGood && uiAfter < uiNextArea) {
-        const bool bEnd = m_vecImage[uiAfter] == FIELD_END;
-        Span(uiAfter, bEnd ? 1U : uiNextArea - uiAfter, Area::InternalUse,
-             bEnd ? "end mark" : "more, not decoded", "");
+        const bool bEnd = m_vecImage[uiAfter] == FRU_FIELD_END;
+        Span(uiAfter, bEnd ? 1U : uiNextArea - uiAfter,
+             {Area::InternalUse, bEnd ? Field::EndMark : Field::MoreData}, "");
     }
 }
 
-// The bytes up to the first field; returns where that is, or 0 when the area is not to be read further.
-u32 Walker::InfoPrefix(const INFO_AREA_S &stArea, u32 uiStart, u32 uiEnd)
+// The fields of fixed size, up to the first text; returns where that is, or 0 when the area is not to be read
+// further.
+u32 Walker::InfoPrefix(const AREA_ROW_S &stArea, u32 uiStart, u32 uiEnd)
 {
-    const Area enArea = stArea.enArea;
+    constexpr u32 DATE_BYTES = 3U;
     u32 uiOffset = uiStart + 2U;
-    const u32 uiPrefix = (stArea.bChassisType || stArea.bLanguage ? 1U : 0U) + (stArea.bMfgDate ? 3U : 0U);
+    u32 uiPrefix = 0;
+    for (const FIELD_ROW_S &stRow : stArea.vecFields) {
+        uiPrefix += stRow.enKind == Kind::Text ? 0U : stRow.enKind == Kind::MfgDate ? DATE_BYTES : 1U;
+    }
     if (uiOffset + uiPrefix >= uiEnd) {
-        Finding(uiStart + 1U, enArea, "the area is too short for its fields");
+        Finding(uiStart + 1U, stArea.enArea, "the area is too short for its fields");
         return 0U;
     }
-    const u8 ucFirst = m_vecImage[uiOffset];
-    if (stArea.bChassisType) {
-        const std::string strName = ChassisTypeName(ucFirst);
-        Span(uiOffset, 1U, enArea, "chassis type", Format("0x%02x ", ucFirst) + strName,
-             strName.empty() ? Format("0x%02x is not a chassis type; known are 0x00 to 0x1d", ucFirst) : "");
-        return strName.empty() ? 0U : uiOffset + 1U;
-    }
-    Span(uiOffset++, 1U, enArea, "language", LanguageName(ucFirst));
-    if (stArea.bMfgDate) {
-        const u8 *pucDate = &m_vecImage[uiOffset];
-        Span(uiOffset, 3U, enArea, "manufacturing date", MfgDateText(pucDate));
-        m_stLayout.vecSpans.back().strNote =
-            (pucDate[0] | pucDate[1] | pucDate[2]) == 0 ? "all zero: not told" : "";
-        uiOffset += 3U;
+    for (const FIELD_ROW_S &stRow : stArea.vecFields) {
+        const FIELD_ID_S stField = {stArea.enArea, stRow.enField};
+        const u8 *pucBytes = &m_vecImage[uiOffset];
+        if (stRow.enKind == Kind::ChassisType) {
+            const std::string strName = ChassisTypeName(*pucBytes);
+            Span(uiOffset++, 1U, stField, Format("0x%02x ", *pucBytes) + strName,
+                 strName.empty() ? Format("0x%02x is not a chassis type; known are 0x00 to 0x1d", *pucBytes)
+                                 : "");
+            if (strName.empty()) {
+                return 0U;
+            }
+        } else if (stRow.enKind == Kind::Language) {
+            Span(uiOffset++, 1U, stField, LanguageName(*pucBytes));
+        } else if (stRow.enKind == Kind::MfgDate) {
+            const bool bNone = (pucBytes[0] | pucBytes[1] | pucBytes[2]) == 0;
+            Span(uiOffset, DATE_BYTES, stField, MfgDateText(pucBytes), "",
+                 {bNone ? Note::NoDate : Note::None});
+            uiOffset += DATE_BYTES;
+        }
     }
     return uiOffset;
 }
 
-void Walker::Info(const INFO_AREA_S &stArea, u32 uiStart)
+void Walker::Info(const AREA_ROW_S &stArea, u32 uiStart)
 {
     const u8 ucVersion = m_vecImage[uiStart];
-    Span(uiStart, 1U, stArea.enArea, "format version", Format("%u", ucVersion),
+    Span(uiStart, 1U, {stArea.enArea, Field::FormatVersion}, Format("%u", ucVersion),
          ucVersion == 1U ? "" : Format("0x%02x; only version 1 is known", ucVersion));
     if (ucVersion != 1U || uiStart + 1U >= m_uiLength) {
         return;
@@ -222,7 +182,8 @@ void Walker::Info(const INFO_AREA_S &stArea, u32 uiStart)
     const u32 uiEnd = uiStart + uiArea;
     // An area that ends with the image's last byte is refused by every reader of this system.
     const bool bFits = uiEnd < m_uiLength;
-    Span(uiStart + 1U, 1U, stArea.enArea, "area length", Format("%u bytes (%u x 8)", uiArea, uiArea / 8U),
+    Span(uiStart + 1U, 1U, {stArea.enArea, Field::AreaLength},
+         Format("%u bytes (%u x 8)", uiArea, uiArea / 8U),
          bFits
              ? ""
              : Format("the area ends at 0x%04x, the image at 0x%04x; an area must end before the image does",
@@ -230,21 +191,25 @@ void Walker::Info(const INFO_AREA_S &stArea, u32 uiStart)
     if (!bFits) {
         return;
     }
-    const u8 ucSum = ZeroSum(&m_vecImage[uiStart], uiArea);
+    const u8 ucSum = ByteSum(&m_vecImage[uiStart], uiArea);
     u32 uiOffset = InfoPrefix(stArea, uiStart, uiEnd);
     bool bGood = uiOffset != 0U;
-    for (const char *pcField : stArea.vecFields) {
+    for (const FIELD_ROW_S &stRow : stArea.vecFields) {
+        if (stRow.enKind != Kind::Text) {
+            continue;
+        }
+        const FIELD_ID_S stField = {stArea.enArea, stRow.enField};
         if (bGood && uiOffset >= uiEnd) {
-            Finding(uiOffset, stArea.enArea, std::string(pcField) + ": the area ends before it");
+            Finding(uiOffset, stArea.enArea, FieldName(stField) + ": the area ends before it");
             bGood = false;
         }
-        if (bGood && m_vecImage[uiOffset] == FIELD_END) {
+        if (bGood && m_vecImage[uiOffset] == FRU_FIELD_END) {
             Finding(uiOffset, stArea.enArea,
-                    std::string(pcField) + ": the end mark 0xc1 in its place reads as a text of one byte",
+                    FieldName(stField) + ": the end mark 0xc1 in its place reads as a text of one byte",
                     true);
         }
         if (bGood) {
-            uiOffset = Field(stArea.enArea, pcField, uiOffset, uiEnd, &bGood);
+            uiOffset = TextField(stField, uiOffset, uiEnd, &bGood);
         }
     }
     if (bGood) {
@@ -252,20 +217,19 @@ void Walker::Info(const INFO_AREA_S &stArea, u32 uiStart)
     }
     if (uiArea > 0U) {
         const u8 ucChecksum = m_vecImage[uiEnd - 1U];
-        Span(uiEnd - 1U, 1U, stArea.enArea, "checksum", ucSum == 0U ? "good" : "",
+        Span(uiEnd - 1U, 1U, {stArea.enArea, Field::Checksum}, ucSum == 0U ? "good" : "",
              ucSum == 0U ? ""
                          : Format("0x%02x is wrong; the area's bytes want 0x%02x", ucChecksum,
                                   static_cast<u8>(ucChecksum - ucSum)));
     }
 }
 
-void Walker::CustomFields(const INFO_AREA_S &stArea, u32 uiOffset, u32 uiEnd)
+void Walker::CustomFields(const AREA_ROW_S &stArea, u32 uiOffset, u32 uiEnd)
 {
     u32 uiCount = 0;
     bool bGood = true;
-    while (bGood && uiOffset < uiEnd && m_vecImage[uiOffset] != FIELD_END) {
-        uiCount++;
-        uiOffset = Field(stArea.enArea, Format("custom field %u", uiCount), uiOffset, uiEnd, &bGood);
+    while (bGood && uiOffset < uiEnd && m_vecImage[uiOffset] != FRU_FIELD_END) {
+        uiOffset = TextField({stArea.enArea, Field::Custom, uiCount++}, uiOffset, uiEnd, &bGood);
     }
     if (!bGood) {
         return;
@@ -274,34 +238,36 @@ void Walker::CustomFields(const INFO_AREA_S &stArea, u32 uiOffset, u32 uiEnd)
         Finding(uiEnd - 1U, stArea.enArea, "no end mark 0xc1 after the last field");
         return;
     }
-    Span(uiOffset, 1U, stArea.enArea, "end mark", "");
+    Span(uiOffset, 1U, {stArea.enArea, Field::EndMark}, "");
     CheckSlots(stArea, uiOffset, uiCount);
     if (uiOffset + 2U < uiEnd) {
-        Span(uiOffset + 1U, uiEnd - uiOffset - 2U, stArea.enArea, "fill", "");
+        Span(uiOffset + 1U, uiEnd - uiOffset - 2U, {stArea.enArea, Field::Fill}, "");
     }
 }
 
-void Walker::CheckSlots(const INFO_AREA_S &stArea, u32 uiOffset, u32 uiCount)
+void Walker::CheckSlots(const AREA_ROW_S &stArea, u32 uiOffset, u32 uiCount)
 {
-    if (m_bFixedSlots && stArea.uiFixedSlots != 0U && uiCount > stArea.uiFixedSlots) {
+    const u32 uiFixed = stArea.stCustom.uiFixed;
+    if (m_bFixedSlots && uiFixed != 0U && uiCount > uiFixed) {
         Finding(uiOffset, stArea.enArea,
-                Format("%u custom fields; a baseboard has room for %u", uiCount, stArea.uiFixedSlots));
+                Format("%u custom fields; a baseboard has room for %u", uiCount, uiFixed));
     }
 }
 
 bool Walker::MultiRecord(u32 uiOffset, u32 *puiNext)
 {
-    const std::string strRecord = Format("record %u ", m_stLayout.uiMultiRecords + 1U);
+    const FIELD_ID_S stHeader = {Area::MultiRecord, Field::RecordHeader, m_stLayout.uiMultiRecords};
+    const FIELD_ID_S stBody = {Area::MultiRecord, Field::RecordData, m_stLayout.uiMultiRecords};
     if (uiOffset + FRU_MULTIRECORD_HEADER_LEN > m_uiLength) {
-        Span(uiOffset, m_uiLength - uiOffset, Area::MultiRecord, strRecord + "header", "",
+        Span(uiOffset, m_uiLength - uiOffset, stHeader, "",
              "the image ends inside it (no record before it says that it is the last)");
         return false;
     }
     const u8 *pucRecord = &m_vecImage[uiOffset];
-    const u8 ucSum = ZeroSum(pucRecord, FRU_MULTIRECORD_HEADER_LEN);
-    Span(uiOffset, FRU_MULTIRECORD_HEADER_LEN, Area::MultiRecord, strRecord + "header",
+    const u8 ucSum = ByteSum(pucRecord, FRU_MULTIRECORD_HEADER_LEN);
+    Span(uiOffset, FRU_MULTIRECORD_HEADER_LEN, stHeader,
          Format("type 0x%02x %s, %u bytes%s", pucRecord[0], MultiRecordTypeName(pucRecord[0]), pucRecord[2],
-                (pucRecord[1] & MR_END_OF_LIST) != 0U ? ", last record" : ""),
+                (pucRecord[1] & FRU_MULTIRECORD_END_OF_LIST) != 0U ? ", last record" : ""),
          ucSum == 0U ? ""
                      : Format("header checksum 0x%02x is wrong; the bytes want 0x%02x", pucRecord[4],
                               static_cast<u8>(pucRecord[4] - ucSum)));
@@ -312,25 +278,27 @@ bool Walker::MultiRecord(u32 uiOffset, u32 *puiNext)
     const u8 ucLength = pucRecord[2];
     *puiNext = uiData + ucLength;
     if (*puiNext > m_uiLength) {
-        Span(uiData, m_uiLength - uiData, Area::MultiRecord, strRecord + "data", "",
+        Span(uiData, m_uiLength - uiData, stBody, "",
              Format("%u bytes long, but the image ends at 0x%04x", ucLength, m_uiStored));
         return false;
     }
     if (ucLength == 0U) {
-        Finding(uiOffset + 2U, Area::MultiRecord, strRecord + "has no data; readers refuse such a record");
+        Finding(uiOffset + 2U, Area::MultiRecord,
+                FieldName({Area::MultiRecord, Field::OneRecord, stBody.uiIndex}) +
+                    " has no data; readers refuse such a record");
         return false;
     }
-    const u8 ucWanted = static_cast<u8>(0U - ZeroSum(pucRecord + FRU_MULTIRECORD_HEADER_LEN, ucLength));
+    const u8 ucWanted = ZeroChecksum(pucRecord + FRU_MULTIRECORD_HEADER_LEN, ucLength);
     const u8 *pucData = pucRecord + FRU_MULTIRECORD_HEADER_LEN;
-    const char *pcSubType = pucRecord[0] == MR_MANAGEMENT_ACCESS ? ManagementAccessName(pucData[0]) : nullptr;
+    const char *pcSubType =
+        pucRecord[0] == FRU_MR_TYPE_MANAGEMENT_ACCESS ? ManagementAccessName(pucData[0]) : nullptr;
     const std::string strText = MultiRecordText(pucRecord[0], pucData, ucLength);
-    Span(uiData, ucLength, Area::MultiRecord, strRecord + "data",
-         pcSubType != nullptr ? std::string(pcSubType) + ": " + strText : "",
+    Span(uiData, ucLength, stBody, pcSubType != nullptr ? std::string(pcSubType) + ": " + strText : "",
          ucWanted == pucRecord[3]
              ? ""
              : Format("the data's checksum is 0x%02x, but the header says 0x%02x", ucWanted, pucRecord[3]));
     m_stLayout.uiMultiRecords++;
-    return ucWanted == pucRecord[3] && (pucRecord[1] & MR_END_OF_LIST) == 0U;
+    return ucWanted == pucRecord[3] && (pucRecord[1] & FRU_MULTIRECORD_END_OF_LIST) == 0U;
 }
 
 void Walker::MultiRecords(u32 uiStart)
@@ -354,8 +322,10 @@ void Walker::CheckOverlaps()
     for (size_t i = 1; i < m_stLayout.vecSpans.size(); i++) {
         const SPAN_S &stBefore = m_stLayout.vecSpans[i - 1U];
         const SPAN_S &stSpan = m_stLayout.vecSpans[i];
-        if (stBefore.enArea != stSpan.enArea && stSpan.uiOffset < stBefore.uiOffset + stBefore.uiLength) {
-            Finding(stSpan.uiOffset, stSpan.enArea, std::string("overlaps the ") + AreaName(stBefore.enArea));
+        if (stBefore.stField.enArea != stSpan.stField.enArea &&
+            stSpan.uiOffset < stBefore.uiOffset + stBefore.uiLength) {
+            Finding(stSpan.uiOffset, stSpan.stField.enArea,
+                    std::string("overlaps the ") + AreaName(stBefore.stField.enArea));
             return;
         }
     }
@@ -370,8 +340,12 @@ void Walker::FillUnused()
             const auto itFirst = m_vecImage.begin() + uiEnd;
             const auto itLast = m_vecImage.begin() + uiUntil;
             const bool bSame = std::all_of(itFirst, itLast, [&](u8 ucByte) { return ucByte == *itFirst; });
-            vecUnused.push_back({uiEnd, uiUntil - uiEnd, Area::Unused, "unused", "",
-                                 bSame ? Format("all 0x%02x", *itFirst) : "not in any area", ""});
+            vecUnused.push_back({uiEnd,
+                                 uiUntil - uiEnd,
+                                 {Area::Unused, Field::Unused},
+                                 "",
+                                 {bSame ? Note::OneValue : Note::DifferentValues, Format("0x%02x", *itFirst)},
+                                 ""});
         }
     };
     for (const SPAN_S &stSpan : m_stLayout.vecSpans) {
@@ -385,14 +359,15 @@ void Walker::FillUnused()
 void Walker::Areas()
 {
     std::vector<std::pair<u32, Area>> vecStarts;
-    for (u32 i = 0; i < std::size(HEADER_AREAS); i++) {
-        const u32 uiStart = m_vecImage[i + 1U] * FRU_AREA_UNIT;
+    for (const Area enArea : HeaderAreas()) {
+        const u32 uiByte = HeaderOffsetByte(enArea);
+        const u32 uiStart = m_vecImage[uiByte] * FRU_AREA_UNIT;
         if (uiStart >= m_uiLength) {
-            Finding(i + 1U, Area::Header,
-                    Format("%s: starts at 0x%04x, but the image ends at 0x%04x", AreaName(HEADER_AREAS[i]),
-                           uiStart, m_uiStored));
+            Finding(uiByte, Area::Header,
+                    Format("%s: starts at 0x%04x, but the image ends at 0x%04x", AreaName(enArea), uiStart,
+                           m_uiStored));
         } else if (uiStart != 0U) {
-            vecStarts.emplace_back(uiStart, HEADER_AREAS[i]);
+            vecStarts.emplace_back(uiStart, enArea);
         }
     }
     std::sort(vecStarts.begin(), vecStarts.end());
@@ -404,7 +379,7 @@ void Walker::Areas()
         } else if (enArea == Area::MultiRecord) {
             MultiRecords(uiStart);
         } else {
-            Info(InfoArea(enArea), uiStart);
+            Info(*FindAreaRow(enArea), uiStart);
         }
     }
 }
@@ -435,21 +410,6 @@ bool IMAGE_LAYOUT_S::IsSound() const
 {
     return std::all_of(vecFindings.begin(), vecFindings.end(),
                        [](const FINDING_S &stFinding) { return stFinding.bWarning; });
-}
-
-const char *AreaName(Area enArea)
-{
-    static const char *const apcNames[] = {"common header",   "internal use area", "chassis info area",
-                                           "board info area", "product info area", "MultiRecord area",
-                                           "unused",          "hardware block"};
-    return apcNames[static_cast<size_t>(enArea)];
-}
-
-const char *AreaKey(Area enArea)
-{
-    static const char *const apcKeys[] = {"header",  "internalUse", "chassis", "board",
-                                          "product", "multiRecord", "unused",  "hardware"};
-    return apcKeys[static_cast<size_t>(enArea)];
 }
 
 std::string FindingText(const FINDING_S &stFinding)

@@ -7,28 +7,17 @@
 #include <vector>
 
 #include "lib_fru_types.h"
-
-enum class Area
-{
-    Header,
-    InternalUse,
-    Chassis,
-    Board,
-    Product,
-    MultiRecord,
-    Unused,
-    Hardware // a hardware block in place of a FRU image
-};
+#include "toolkit/image/encoding.h"
+#include "toolkit/image/fields.h"
 
 // A run of bytes with one meaning.
 struct SPAN_S
 {
     u32 uiOffset;
     u32 uiLength;
-    Area enArea;
-    std::string strField;
+    FIELD_ID_S stField;
     std::string strText;    // what the bytes say; raw, not escaped
-    std::string strNote;    // how they say it, where that is not plain
+    NOTE_S stNote;          // how they say it, where that is not plain
     std::string strProblem; // empty: none
 };
 
@@ -50,11 +39,6 @@ struct IMAGE_LAYOUT_S
 
     bool IsSound() const; // no finding but warnings
 };
-
-// A name for people: "chassis info area".
-const char *AreaName(Area enArea);
-// A name for programs: "chassis".
-const char *AreaKey(Area enArea);
 
 // "byte 0x0007  common header: checksum: ..."
 std::string FindingText(const FINDING_S &stFinding);

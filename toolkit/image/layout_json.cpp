@@ -1,5 +1,7 @@
 #include "toolkit/image/layout_json.h"
 
+#include "toolkit/image/fields.h"
+
 Json FindingsJson(const IMAGE_LAYOUT_S &stLayout)
 {
     Json stProblems = Json::array();

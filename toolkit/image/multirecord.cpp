@@ -4,6 +4,7 @@
 
 #include "toolkit/base/error.h"
 #include "toolkit/base/text.h"
+#include "toolkit/image/checksum.h"
 
 namespace {
 
@@ -60,15 +61,23 @@ std::string GuidText(const u8 *pucStored)
 
 std::string MultiRecordText(u8 ucType, const u8 *pucData, u8 ucLength)
 {
-    const bool bKnown =
-        ucType == MR_MANAGEMENT_ACCESS && ucLength > 0U && ManagementAccessName(pucData[0]) != nullptr;
+    const bool bKnown = ucType == FRU_MR_TYPE_MANAGEMENT_ACCESS && ucLength > 0U &&
+                        ManagementAccessName(pucData[0]) != nullptr;
     if (!bKnown) {
         return HexBytes(pucData, ucLength);
     }
-    if (pucData[0] != MR_SUBTYPE_GUID) {
+    if (pucData[0] != FRU_MR_SUBTYPE_SYSTEM_UNIQUE_ID) {
         return std::string(reinterpret_cast<const char *>(pucData) + 1, ucLength - 1U);
     }
-    return ucLength == 17U ? GuidText(pucData + 1) : HexBytes(pucData + 1, ucLength - 1U);
+    return ucLength == FRU_MR_GUID_LEN + 1U ? GuidText(pucData + 1) : HexBytes(pucData + 1, ucLength - 1U);
+}
+
+void SealMultiRecord(FRU_MULTIRECORD_S &stRecord)
+{
+    stRecord.ucRecordChecksum = ZeroChecksum(stRecord.pucRecordData, stRecord.ucRecordLength);
+    stRecord.ucHeaderChecksum = 0U;
+    stRecord.ucHeaderChecksum =
+        ZeroChecksum(reinterpret_cast<const u8 *>(&stRecord), FRU_MULTIRECORD_HEADER_LEN);
 }
 
 GuidBytes ParseGuid(const std::string &strText)
@@ -93,5 +102,5 @@ GuidBytes ParseGuid(const std::string &strText)
 
 std::string MultiRecordStatus(u32 uiStatus)
 {
-    return uiStatus == MR_FAILED ? "the library refuses it" : StatusText(uiStatus);
+    return uiStatus == FRU_ERR_MR_FAILED ? "the library refuses it" : StatusText(uiStatus);
 }

@@ -5,17 +5,13 @@
 #include <array>
 #include <string>
 
-#include "lib_fru_types.h"
-
-constexpr u32 MR_FAILED = 0xFFFFFFFFU; // of the library's MultiRecord calls
+#include "lib_fru.h"
 
 // "Management Access"; for unknown types "OEM" (0xC0 and above) or "unknown".
 const char *MultiRecordTypeName(u8 ucType);
 
 // Management Access sub-record types 1 to 7 ("System Name"), else null.
 const char *ManagementAccessName(u8 ucSubType);
-constexpr u8 MR_MANAGEMENT_ACCESS = 0x03U;
-constexpr u8 MR_SUBTYPE_GUID = 0x07U;
 
 // What a record's data says: a text, a GUID in its usual form, or hex for whatever is not known. Raw bytes of
 // the device may be in it.
@@ -25,7 +21,10 @@ std::string MultiRecordText(u8 ucType, const u8 *pucData, u8 ucLength);
 // significant byte first.
 std::string GuidText(const u8 *pucStored);
 
-using GuidBytes = std::array<u8, 16>;
+// Computes both checksums of a record.
+void SealMultiRecord(FRU_MULTIRECORD_S &stRecord);
+
+using GuidBytes = std::array<u8, FRU_MR_GUID_LEN>;
 
 // A GUID's usual text as FRU_innerUpdateMultiRecord() takes it: the whole of it least significant byte first,
 // so that the record's first three groups come to lie least significant byte first and the rest in the text's

@@ -1,69 +1,55 @@
 #include "toolkit/image/record.h"
 
+#include <algorithm>
+#include <cstring>
+
 #include "toolkit/image/multirecord.h"
 #include "toolkit/image/names.h"
 
 namespace {
 
-std::string Text(const void *pText)
+// Pointers of the packed record are not aligned.
+template <typename TYPE> TYPE MemberAt(const FRU_DATA_S &stData, size_t uiOffset)
 {
-    return pText != nullptr ? static_cast<const char *>(pText) : "";
+    TYPE Value = {};
+    memcpy(&Value, reinterpret_cast<const u8 *>(&stData) + uiOffset, sizeof(Value));
+    return Value;
 }
 
-std::vector<std::string> CustomFields(u8 **ppucFields, u8 ucCount)
+std::string Text(const char *pcText)
 {
-    std::vector<std::string> vecFields;
-    for (u32 i = 0; ppucFields != nullptr && i < ucCount; i++) {
-        vecFields.push_back(Text(ppucFields[i]));
+    return pcText != nullptr ? pcText : "";
+}
+
+FIELD_VIEW_S ViewField(const FRU_DATA_S &stData, const FIELD_ROW_S &stRow)
+{
+    const u8 *pucMember = reinterpret_cast<const u8 *>(&stData) + stRow.uiOffset;
+    switch (stRow.enKind) {
+    case Kind::Language:
+        return {stRow.enField, LanguageName(*pucMember), u32{*pucMember}};
+    case Kind::MfgDate:
+        return {stRow.enField, MfgDateText(pucMember),
+                pucMember[0] | static_cast<u32>(pucMember[1]) << 8U | static_cast<u32>(pucMember[2]) << 16U};
+    default:
+        return {stRow.enField, Text(MemberAt<const char *>(stData, stRow.uiOffset))};
     }
-    return vecFields;
 }
 
-FIELD_VIEW_S Language(u8 ucLanguage)
+AREA_VIEW_S ViewArea(const FRU_DATA_S &stData, const AREA_ROW_S &stArea)
 {
-    return {"language", "language", LanguageName(ucLanguage), "languageCode", ucLanguage};
-}
-
-u32 Minutes(const u8 *pucMfgDate)
-{
-    return pucMfgDate[0] | static_cast<u32>(pucMfgDate[1]) << 8U | static_cast<u32>(pucMfgDate[2]) << 16U;
-}
-
-AREA_VIEW_S ViewChassis(const FRU_CHASSIS_INFO_S &stInfo)
-{
-    return {Area::Chassis,
-            {{"type", "chassis type", Text(stInfo.pucChassisType)},
-             {"partNumber", "part number", Text(stInfo.pucChassisPartNum)},
-             {"serialNumber", "serial number", Text(stInfo.pucChassisSerialNum)}},
-            CustomFields(stInfo.ppucCustomFields, stInfo.ucCustomFieldCount)};
-}
-
-AREA_VIEW_S ViewBoard(const FRU_BOARD_INFO_S &stInfo)
-{
-    return {Area::Board,
-            {Language(stInfo.ucLanguage),
-             {"mfgDate", "manufacturing date", MfgDateText(stInfo.aucMfgDateTime), "mfgDateMinutes",
-              Minutes(stInfo.aucMfgDateTime)},
-             {"manufacturer", "manufacturer", Text(stInfo.pucBoardMfr)},
-             {"productName", "product name", Text(stInfo.pucBoardProductName)},
-             {"serialNumber", "serial number", Text(stInfo.pucBoardSerialNum)},
-             {"partNumber", "part number", Text(stInfo.pucBoardPartNum)},
-             {"fruFileId", "FRU file ID", Text(stInfo.pucFRUFileID)}},
-            CustomFields(stInfo.ppucCustomFields, stInfo.ucCustomFieldCount)};
-}
-
-AREA_VIEW_S ViewProduct(const FRU_PRODUCT_INFO_S &stInfo)
-{
-    return {Area::Product,
-            {Language(stInfo.ucLanguage),
-             {"manufacturer", "manufacturer", Text(stInfo.pucMfrName)},
-             {"productName", "product name", Text(stInfo.pucProductName)},
-             {"partNumber", "part number", Text(stInfo.pucProductPartNum)},
-             {"version", "version", Text(stInfo.pucProductVersion)},
-             {"serialNumber", "serial number", Text(stInfo.pucProductSerialNum)},
-             {"assetTag", "asset tag", Text(stInfo.pucAssetTag)},
-             {"fruFileId", "FRU file ID", Text(stInfo.pucFRUFileID)}},
-            CustomFields(stInfo.ppucCustomFields, stInfo.ucCustomFieldCount)};
+    AREA_VIEW_S stView = {stArea.enArea, {}, {}};
+    for (const FIELD_ROW_S &stRow : stArea.vecFields) {
+        stView.vecFields.push_back(ViewField(stData, stRow));
+    }
+    if (!stArea.HasCustomFields()) {
+        return stView;
+    }
+    const char *const *ppcFields = MemberAt<const char *const *>(stData, stArea.stCustom.uiOffset);
+    const u8 ucCount = MemberAt<u8>(stData, stArea.stCustom.uiCount);
+    for (u32 i = 0; ppcFields != nullptr && i < ucCount; i++) {
+        stView.vecCustomFields.push_back(Text(ppcFields[i]));
+    }
+    return stView;
 }
 
 MULTIRECORD_VIEW_S ViewMultiRecord(const FRU_MULTIRECORD_S &stRecord)
@@ -74,7 +60,7 @@ MULTIRECORD_VIEW_S ViewMultiRecord(const FRU_MULTIRECORD_S &stRecord)
                                  {pucData, pucData + stRecord.ucRecordLength},
                                  MultiRecordTypeName(stRecord.ucRecordTypeID),
                                  MultiRecordText(stRecord.ucRecordTypeID, pucData, stRecord.ucRecordLength)};
-    const bool bAccess = stView.ucType == MR_MANAGEMENT_ACCESS && !stView.vecData.empty();
+    const bool bAccess = stView.ucType == FRU_MR_TYPE_MANAGEMENT_ACCESS && !stView.vecData.empty();
     if (bAccess && ManagementAccessName(pucData[0]) != nullptr) {
         stView.strName += std::string(", ") + ManagementAccessName(pucData[0]);
     }
@@ -83,21 +69,92 @@ MULTIRECORD_VIEW_S ViewMultiRecord(const FRU_MULTIRECORD_S &stRecord)
 
 } // namespace
 
+const FIELD_VIEW_S *AREA_VIEW_S::Find(Field enField) const
+{
+    for (const FIELD_VIEW_S &stField : vecFields) {
+        if (stField.enField == enField) {
+            return &stField;
+        }
+    }
+    return nullptr;
+}
+
+const AREA_VIEW_S *RECORD_VIEW_S::Find(Area enArea) const
+{
+    for (const AREA_VIEW_S &stArea : vecAreas) {
+        if (stArea.enArea == enArea) {
+            return &stArea;
+        }
+    }
+    return nullptr;
+}
+
+bool operator==(const RECORD_VIEW_S &stLeft, const RECORD_VIEW_S &stRight)
+{
+    const auto fnSameField = [](const FIELD_VIEW_S &stOne, const FIELD_VIEW_S &stOther) {
+        return stOne.enField == stOther.enField && stOne.strText == stOther.strText &&
+               stOne.optNumber == stOther.optNumber;
+    };
+    const auto fnSameArea = [&](const AREA_VIEW_S &stOne, const AREA_VIEW_S &stOther) {
+        return stOne.enArea == stOther.enArea && stOne.vecCustomFields == stOther.vecCustomFields &&
+               std::equal(stOne.vecFields.begin(), stOne.vecFields.end(), stOther.vecFields.begin(),
+                          stOther.vecFields.end(), fnSameField);
+    };
+    const auto fnSameRecord = [](const MULTIRECORD_VIEW_S &stOne, const MULTIRECORD_VIEW_S &stOther) {
+        return stOne.ucType == stOther.ucType && stOne.ucFormatVersion == stOther.ucFormatVersion &&
+               stOne.vecData == stOther.vecData;
+    };
+    // A MultiRecord area without records counts as none, unless the other side's cannot be read.
+    return stLeft.IsMultiRecordAreaDamaged() == stRight.IsMultiRecordAreaDamaged() &&
+           std::equal(stLeft.vecAreas.begin(), stLeft.vecAreas.end(), stRight.vecAreas.begin(),
+                      stRight.vecAreas.end(), fnSameArea) &&
+           std::equal(stLeft.vecMultiRecords.begin(), stLeft.vecMultiRecords.end(),
+                      stRight.vecMultiRecords.begin(), stRight.vecMultiRecords.end(), fnSameRecord);
+}
+
+bool operator!=(const RECORD_VIEW_S &stLeft, const RECORD_VIEW_S &stRight)
+{
+    return !(stLeft == stRight);
+}
+
+void MarkArea(FRU_DATA_S &stData, Area enArea)
+{
+    reinterpret_cast<u8 *>(&stData.stCommonHeader)[HeaderOffsetByte(enArea)] = 1U;
+}
+
+bool HasArea(const FRU_DATA_S &stData, Area enArea)
+{
+    return reinterpret_cast<const u8 *>(&stData.stCommonHeader)[HeaderOffsetByte(enArea)] != 0U;
+}
+
+std::optional<std::string> RecordText(const FRU_DATA_S &stData, const FIELD_ID_S &stField)
+{
+    const AREA_ROW_S *pstArea = FindAreaRow(stField.enArea);
+    const char *pcText = nullptr;
+    if (pstArea != nullptr && stField.enField == Field::Custom) {
+        const CUSTOM_ROW_S &stCustom = pstArea->stCustom;
+        const char *const *ppcFields =
+            pstArea->HasCustomFields() ? MemberAt<const char *const *>(stData, stCustom.uiOffset) : nullptr;
+        const bool bThere = ppcFields != nullptr && stField.uiIndex < MemberAt<u8>(stData, stCustom.uiCount);
+        pcText = bThere ? ppcFields[stField.uiIndex] : nullptr;
+    } else if (pstArea != nullptr) {
+        for (const FIELD_ROW_S &stRow : pstArea->vecFields) {
+            const bool bText = stRow.enKind == Kind::Text || stRow.enKind == Kind::ChassisType;
+            if (stRow.enField == stField.enField && bText) {
+                pcText = MemberAt<const char *>(stData, stRow.uiOffset);
+            }
+        }
+    }
+    return pcText == nullptr ? std::nullopt : std::optional<std::string>(pcText);
+}
+
 RECORD_VIEW_S ViewRecord(const FRU_DATA_S &stData)
 {
-    RECORD_VIEW_S stView = {{}, {}, stData.stCommonHeader.ucMultiRecordAreaStartOffset != 0U};
-    if (stData.stCommonHeader.ucInternalUseAreaStartOffset != 0U) {
-        stView.vecAreas.push_back(
-            {Area::InternalUse, {{"data", "data", Text(stData.stInternalUseArea.pucData)}}, {}});
-    }
-    if (stData.stCommonHeader.ucChassisInfoAreaStartOffset != 0U) {
-        stView.vecAreas.push_back(ViewChassis(stData.stChassisInfo));
-    }
-    if (stData.stCommonHeader.ucBoardInfoAreaStartOffset != 0U) {
-        stView.vecAreas.push_back(ViewBoard(stData.stBoardInfo));
-    }
-    if (stData.stCommonHeader.ucProductInfoAreaStartOffset != 0U) {
-        stView.vecAreas.push_back(ViewProduct(stData.stProductInfo));
+    RECORD_VIEW_S stView = {{}, {}, HasArea(stData, Area::MultiRecord)};
+    for (const AREA_ROW_S &stArea : AreaRows()) {
+        if (HasArea(stData, stArea.enArea)) {
+            stView.vecAreas.push_back(ViewArea(stData, stArea));
+        }
     }
     for (u32 i = 0; i < FRU_MULTIRECORD_MAX && stData.astMultiRecord[i].pucRecordData != nullptr; i++) {
         stView.vecMultiRecords.push_back(ViewMultiRecord(stData.astMultiRecord[i]));
@@ -107,9 +164,11 @@ RECORD_VIEW_S ViewRecord(const FRU_DATA_S &stData)
 
 u32 DecodeImage(const IMAGE_S &stImage, bool bFixedSlots, Record &stRecord)
 {
-    if (bFixedSlots) {
-        stRecord.Data()->stChassisInfo.ucCustomFieldCount = FRU_CHASSIS_FIXED_SLOTS;
-        stRecord.Data()->stProductInfo.ucCustomFieldCount = FRU_PRODUCT_FIXED_SLOTS;
+    for (const AREA_ROW_S &stArea : AreaRows()) {
+        if (bFixedSlots && stArea.stCustom.uiFixed != 0U) {
+            reinterpret_cast<u8 *>(stRecord.Data())[stArea.stCustom.uiCount] =
+                static_cast<u8>(stArea.stCustom.uiFixed);
+        }
     }
     return FRU_ANALYZER_InterpretFRUData(stImage.vecBytes.data(), static_cast<u32>(stImage.vecBytes.size()),
                                          stRecord.Data());

@@ -2,12 +2,13 @@
 #ifndef TOOLKIT_IMAGE_RECORD_H
 #define TOOLKIT_IMAGE_RECORD_H
 
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "lib_fru.h"
+#include "toolkit/image/fields.h"
 #include "toolkit/image/image.h"
-#include "toolkit/image/layout.h"
 
 // A FRU_DATA_S that releases what it owns. Never copied, as the record says.
 class Record
@@ -33,15 +34,12 @@ class Record
     FRU_DATA_S m_stData = {};
 };
 
-// Field names are those of the image layout, so that the one finds the other.
 struct FIELD_VIEW_S
 {
-    std::string strKey;  // for programs: "partNumber"
-    std::string strName; // for people: "part number"
+    Field enField;
     std::string strText; // raw
     // Of a text that stands for a number, the number: nothing is lost by the one or the other.
-    std::string strNumberKey = {}; // empty: none
-    u32 uiNumber = 0;
+    std::optional<u32> optNumber = {};
 };
 
 struct AREA_VIEW_S
@@ -49,6 +47,8 @@ struct AREA_VIEW_S
     Area enArea;
     std::vector<FIELD_VIEW_S> vecFields;
     std::vector<std::string> vecCustomFields; // raw
+
+    const FIELD_VIEW_S *Find(Field enField) const; // null: none
 };
 
 struct MULTIRECORD_VIEW_S
@@ -65,7 +65,24 @@ struct RECORD_VIEW_S
     std::vector<AREA_VIEW_S> vecAreas;
     std::vector<MULTIRECORD_VIEW_S> vecMultiRecords;
     bool bMultiRecordArea; // the image has one; without records in the view, it is damaged
+
+    const AREA_VIEW_S *Find(Area enArea) const; // null: none
+    bool IsMultiRecordAreaDamaged() const
+    {
+        return bMultiRecordArea && vecMultiRecords.empty();
+    }
 };
+
+// Whether two records say the same, field by field and MultiRecord by MultiRecord.
+bool operator==(const RECORD_VIEW_S &stLeft, const RECORD_VIEW_S &stRight);
+bool operator!=(const RECORD_VIEW_S &stLeft, const RECORD_VIEW_S &stRight);
+
+// Whether the record has an area; and marks that it has one, for the encoder to lay out.
+bool HasArea(const FRU_DATA_S &stData, Area enArea);
+void MarkArea(FRU_DATA_S &stData, Area enArea);
+
+// One text of a record, whether its area is marked or not; nothing when there is none.
+std::optional<std::string> RecordText(const FRU_DATA_S &stData, const FIELD_ID_S &stField);
 
 RECORD_VIEW_S ViewRecord(const FRU_DATA_S &stData);
 

@@ -7,77 +7,18 @@
 
 #include "lib_fru.h"
 #include "toolkit/base/text.h"
-#include "toolkit/image/layout.h"
+#include "toolkit/image/fields.h"
+#include "toolkit/image/multirecord.h"
 #include "toolkit/image/names.h"
 
 using nlohmann::json;
 
 namespace {
 
-constexpr size_t TEXT_MAX = 63U; // a length byte counts no further
+constexpr size_t TEXT_MAX = FRU_FIELD_MAX_TEXT;
 constexpr size_t CUSTOM_FIELDS_MAX = 255U;
 constexpr u32 MINUTES_MAX = 0xFFFFFFU;
 constexpr u8 AREA_VERSION = 1U;
-constexpr u8 MR_END_OF_LIST = 0x80U;
-
-struct TEXT_ROW_S
-{
-    const char *pcKey;
-    size_t uiText; // where in the record the text's pointer is
-};
-
-// Where an area's members are in the record.
-struct AREA_ROW_S
-{
-    const char *pcKey;
-    size_t uiPresence;
-    size_t uiVersion;
-    std::vector<const char *> vecNumbers; // members beside texts and custom fields
-    std::vector<TEXT_ROW_S> vecTexts;
-    size_t uiCustomFields;
-    size_t uiCustomCount;
-};
-
-#define AT(Member) offsetof(FRU_DATA_S, Member)
-
-const std::vector<AREA_ROW_S> &AreaRows()
-{
-    static const std::vector<AREA_ROW_S> vecRows = {
-        {"chassis",
-         AT(stCommonHeader.ucChassisInfoAreaStartOffset),
-         AT(stChassisInfo.ucFormatVersion),
-         {"type"},
-         {{"partNumber", AT(stChassisInfo.pucChassisPartNum)},
-          {"serialNumber", AT(stChassisInfo.pucChassisSerialNum)}},
-         AT(stChassisInfo.ppucCustomFields),
-         AT(stChassisInfo.ucCustomFieldCount)},
-        {"board",
-         AT(stCommonHeader.ucBoardInfoAreaStartOffset),
-         AT(stBoardInfo.ucFormatVersion),
-         {"language", "languageCode", "mfgDate", "mfgDateMinutes"},
-         {{"manufacturer", AT(stBoardInfo.pucBoardMfr)},
-          {"productName", AT(stBoardInfo.pucBoardProductName)},
-          {"serialNumber", AT(stBoardInfo.pucBoardSerialNum)},
-          {"partNumber", AT(stBoardInfo.pucBoardPartNum)},
-          {"fruFileId", AT(stBoardInfo.pucFRUFileID)}},
-         AT(stBoardInfo.ppucCustomFields),
-         AT(stBoardInfo.ucCustomFieldCount)},
-        {"product",
-         AT(stCommonHeader.ucProductInfoAreaStartOffset),
-         AT(stProductInfo.ucFormatVersion),
-         {"language", "languageCode"},
-         {{"manufacturer", AT(stProductInfo.pucMfrName)},
-          {"productName", AT(stProductInfo.pucProductName)},
-          {"partNumber", AT(stProductInfo.pucProductPartNum)},
-          {"version", AT(stProductInfo.pucProductVersion)},
-          {"serialNumber", AT(stProductInfo.pucProductSerialNum)},
-          {"assetTag", AT(stProductInfo.pucAssetTag)},
-          {"fruFileId", AT(stProductInfo.pucFRUFileID)}},
-         AT(stProductInfo.ppucCustomFields),
-         AT(stProductInfo.ucCustomFieldCount)},
-    };
-    return vecRows;
-}
 
 u8 *At(Record &stRecord, size_t uiOffset)
 {
@@ -135,19 +76,15 @@ std::string Latin1Text(const JsonNode &stNode, bool bListed)
     return *optText;
 }
 
-std::string TextMember(const JsonNode &stArea, const char *pcKey)
-{
-    return stArea.Has(pcKey) ? Latin1Text(stArea.Member(pcKey), true) : "";
-}
-
 void FillCustomFields(const JsonNode &stArea, const AREA_ROW_S &stRow, Record &stRecord)
 {
-    if (!stArea.Has("customFields")) {
+    const char *pcKey = FieldKey(Field::Custom);
+    if (!stRow.HasCustomFields() || !stArea.Has(pcKey)) {
         return;
     }
-    const std::vector<JsonNode> vecFields = stArea.Elements("customFields");
+    const std::vector<JsonNode> vecFields = stArea.Elements(pcKey);
     if (vecFields.size() > CUSTOM_FIELDS_MAX) {
-        stArea.RefuseMember("customFields",
+        stArea.RefuseMember(pcKey,
                             Format("%zu fields; accepted: 0 to %zu", vecFields.size(), CUSTOM_FIELDS_MAX));
     }
     if (vecFields.empty()) {
@@ -155,8 +92,8 @@ void FillCustomFields(const JsonNode &stArea, const AREA_ROW_S &stRow, Record &s
     }
     u8 **ppucFields = static_cast<u8 **>(Allocate(vecFields.size(), sizeof(u8 *)));
     // The record owns the array from here on, also when a field of it is refused.
-    StorePointer(stRecord, stRow.uiCustomFields, ppucFields);
-    *At(stRecord, stRow.uiCustomCount) = static_cast<u8>(vecFields.size());
+    StorePointer(stRecord, stRow.stCustom.uiOffset, ppucFields);
+    *At(stRecord, stRow.stCustom.uiCount) = static_cast<u8>(vecFields.size());
     for (size_t i = 0; i < vecFields.size(); i++) {
         const std::string strText = Latin1Text(vecFields[i], true);
         ppucFields[i] = HeapText(strText, strText.size() + 1U);
@@ -173,113 +110,123 @@ void RequireAgreement(const JsonNode &stObject, const char *pcKey, const std::st
     }
 }
 
-u8 LanguageOf(const JsonNode &stArea)
+void FillText(const JsonNode &stArea, const AREA_ROW_S &stRow, const FIELD_ROW_S &stField, Record &stRecord)
 {
-    if (stArea.Has("languageCode")) {
-        const u8 ucCode = static_cast<u8>(stArea.Number("languageCode", 0U, 0xFFU));
-        RequireAgreement(stArea, "language", LanguageName(ucCode), "languageCode");
+    const char *pcKey = FieldKey(stField.enField);
+    // A single character does no harm where no list of fields follows.
+    const std::string strText =
+        stArea.Has(pcKey) ? Latin1Text(stArea.Member(pcKey), stRow.HasCustomFields()) : "";
+    StorePointer(stRecord, stField.uiOffset, HeapText(strText, strText.size() + 1U));
+}
+
+u8 LanguageOf(const JsonNode &stArea, const char *pcKey, const char *pcNumberKey)
+{
+    if (stArea.Has(pcNumberKey)) {
+        const u8 ucCode = static_cast<u8>(stArea.Number(pcNumberKey, 0U, 0xFFU));
+        RequireAgreement(stArea, pcKey, LanguageName(ucCode), pcNumberKey);
         return ucCode;
     }
-    if (!stArea.Has("language")) {
+    if (!stArea.Has(pcKey)) {
         return 0U;
     }
     for (u32 uiCode = 0; uiCode <= 0xFFU; uiCode++) {
-        if (stArea.Member("language").Value() == json(LanguageName(static_cast<u8>(uiCode)))) {
+        if (stArea.Member(pcKey).Value() == json(LanguageName(static_cast<u8>(uiCode)))) {
             return static_cast<u8>(uiCode);
         }
     }
-    stArea.RefuseMember("language", "unknown; accepted: \"English\" or \"code N\" with N of 1 to 255, or the "
-                                    "number as languageCode");
+    stArea.RefuseMember(pcKey, "unknown; accepted: \"English\" or \"code N\" with N of 1 to 255, or the "
+                               "number as " +
+                                   std::string(pcNumberKey));
 }
 
-void FillMfgDate(const JsonNode &stArea, Record &stRecord)
+void FillMfgDate(const JsonNode &stArea, const FIELD_ROW_S &stField, Record &stRecord)
 {
+    const char *pcKey = FieldKey(stField.enField);
+    const char *pcNumberKey = NumberKey(stField.enField);
     u8 aucDate[3] = {};
-    if (stArea.Has("mfgDateMinutes")) {
-        const u32 uiMinutes = stArea.Number("mfgDateMinutes", 0U, MINUTES_MAX);
+    if (stArea.Has(pcNumberKey)) {
+        const u32 uiMinutes = stArea.Number(pcNumberKey, 0U, MINUTES_MAX);
         for (u32 i = 0; i < sizeof(aucDate); i++) {
             aucDate[i] = static_cast<u8>(uiMinutes >> (8U * i));
         }
-        RequireAgreement(stArea, "mfgDate", MfgDateText(aucDate), "mfgDateMinutes");
-    } else if (stArea.Has("mfgDate")) {
-        const std::string strDate = stArea.Text("mfgDate", 1U, TEXT_MAX);
+        RequireAgreement(stArea, pcKey, MfgDateText(aucDate), pcNumberKey);
+    } else if (stArea.Has(pcKey)) {
+        const std::string strDate = stArea.Text(pcKey, 1U, TEXT_MAX);
         FRU_DATA_S stConverted = {};
         const u32 uiRet = LIB_FRU_CaclMfgDateTime(strDate.c_str(), &stConverted);
         memcpy(aucDate, stConverted.stBoardInfo.aucMfgDateTime, sizeof(aucDate));
         const std::string strRead = MfgDateText(aucDate);
         if (uiRet != FRU_OK || (strRead != strDate && strRead != strDate + " 00:00:00")) {
-            stArea.RefuseMember("mfgDate", "'" + EscapeText(strDate) +
-                                               "' is refused; accepted: YYYY-MM-DD or YYYY-MM-DD HH:MM:00, "
-                                               "1996-01-01 to 2027-11-24, or the minutes since then as "
-                                               "mfgDateMinutes");
+            stArea.RefuseMember(pcKey, "'" + EscapeText(strDate) +
+                                           "' is refused; accepted: YYYY-MM-DD or YYYY-MM-DD HH:MM:00, "
+                                           "1996-01-01 to 2027-11-24, or the minutes since then as " +
+                                           pcNumberKey);
         }
     }
-    memcpy(stRecord.Data()->stBoardInfo.aucMfgDateTime, aucDate, sizeof(aucDate));
+    memcpy(At(stRecord, stField.uiOffset), aucDate, sizeof(aucDate));
 }
 
-void FillChassisType(const JsonNode &stArea, Record &stRecord)
+void FillChassisType(const JsonNode &stArea, const FIELD_ROW_S &stField, Record &stRecord)
 {
-    constexpr size_t uiBuffer = 64U;
+    constexpr size_t BUFFER = 64U;
+    const char *pcKey = FieldKey(stField.enField);
     const std::vector<std::string> vecNames = ChassisTypeNames();
-    const std::string strName = stArea.Text("type", 1U, uiBuffer - 1U);
+    const std::string strName = stArea.Text(pcKey, 1U, BUFFER - 1U);
     if (std::find(vecNames.begin(), vecNames.end(), strName) == vecNames.end()) {
-        stArea.RefuseMember("type", "'" + EscapeText(strName) +
-                                        "' is no chassis type; accepted: " + Join(vecNames, ", "));
+        stArea.RefuseMember(pcKey, "'" + EscapeText(strName) +
+                                       "' is no chassis type; accepted: " + Join(vecNames, ", "));
     }
-    StorePointer(stRecord, AT(stChassisInfo.pucChassisType), HeapText(strName, uiBuffer));
+    StorePointer(stRecord, stField.uiOffset, HeapText(strName, BUFFER));
+}
+
+// What is no text, or one of a list.
+void FillCoded(const JsonNode &stArea, const FIELD_ROW_S &stField, Record &stRecord)
+{
+    switch (stField.enKind) {
+    case Kind::ChassisType:
+        FillChassisType(stArea, stField, stRecord);
+        break;
+    case Kind::Language:
+        *At(stRecord, stField.uiOffset) =
+            LanguageOf(stArea, FieldKey(stField.enField), NumberKey(stField.enField));
+        break;
+    case Kind::MfgDate:
+        FillMfgDate(stArea, stField, stRecord);
+        break;
+    default:
+        break;
+    }
 }
 
 void FillArea(const JsonNode &stDocument, const AREA_ROW_S &stRow, Record &stRecord)
 {
-    if (!stDocument.Has(stRow.pcKey)) {
+    const char *pcArea = AreaKey(stRow.enArea);
+    if (!stDocument.Has(pcArea)) {
         return;
     }
-    const JsonNode stArea = stDocument.Member(stRow.pcKey);
-    std::vector<const char *> vecNames = stRow.vecNumbers;
-    for (const TEXT_ROW_S &stText : stRow.vecTexts) {
-        vecNames.push_back(stText.pcKey);
+    const JsonNode stArea = stDocument.Member(pcArea);
+    std::vector<const char *> vecNames;
+    for (const FIELD_ROW_S &stField : stRow.vecFields) {
+        vecNames.push_back(FieldKey(stField.enField));
+        if (NumberKey(stField.enField) != nullptr) {
+            vecNames.push_back(NumberKey(stField.enField));
+        }
     }
-    vecNames.push_back("customFields");
+    if (stRow.HasCustomFields()) {
+        vecNames.push_back(FieldKey(Field::Custom));
+    }
     stArea.RequireObject(vecNames);
-    *At(stRecord, stRow.uiPresence) = 1U;
+    MarkArea(*stRecord.Data(), stRow.enArea);
     *At(stRecord, stRow.uiVersion) = AREA_VERSION;
-    for (const TEXT_ROW_S &stText : stRow.vecTexts) {
-        const std::string strText = TextMember(stArea, stText.pcKey);
-        StorePointer(stRecord, stText.uiText, HeapText(strText, strText.size() + 1U));
+    for (const FIELD_ROW_S &stField : stRow.vecFields) {
+        if (stField.enKind == Kind::Text) {
+            FillText(stArea, stRow, stField, stRecord);
+        }
     }
     FillCustomFields(stArea, stRow, stRecord);
-    const std::string strArea = stRow.pcKey;
-    if (strArea == "chassis") {
-        FillChassisType(stArea, stRecord);
-    } else if (strArea == "board") {
-        stRecord.Data()->stBoardInfo.ucLanguage = LanguageOf(stArea);
-        FillMfgDate(stArea, stRecord);
-    } else {
-        stRecord.Data()->stProductInfo.ucLanguage = LanguageOf(stArea);
+    for (const FIELD_ROW_S &stField : stRow.vecFields) {
+        FillCoded(stArea, stField, stRecord);
     }
-}
-
-void FillInternalUse(const JsonNode &stDocument, Record &stRecord)
-{
-    if (!stDocument.Has("internalUse")) {
-        return;
-    }
-    const JsonNode stArea = stDocument.Member("internalUse");
-    stArea.RequireObject({"data"});
-    stRecord.Data()->stCommonHeader.ucInternalUseAreaStartOffset = 1U;
-    stRecord.Data()->stInternalUseArea.ucFormatVersion = AREA_VERSION;
-    // One field and no list of them: a single character does no harm here.
-    const std::string strData = stArea.Has("data") ? Latin1Text(stArea.Member("data"), false) : "";
-    stRecord.Data()->stInternalUseArea.pucData = HeapText(strData, strData.size() + 1U);
-}
-
-u8 ZeroSum(const u8 *pucBytes, size_t uiLength)
-{
-    u8 ucSum = 0;
-    for (size_t i = 0; i < uiLength; i++) {
-        ucSum = static_cast<u8>(ucSum + pucBytes[i]);
-    }
-    return static_cast<u8>(0U - ucSum);
 }
 
 void FillMultiRecord(const JsonNode &stNode, bool bLast, FRU_MULTIRECORD_S &stRecord)
@@ -287,7 +234,7 @@ void FillMultiRecord(const JsonNode &stNode, bool bLast, FRU_MULTIRECORD_S &stRe
     stNode.RequireObject({"type", "formatVersion", "name", "text", "data"});
     stRecord.ucRecordTypeID = static_cast<u8>(stNode.Number("type", 0U, 0xFFU));
     const u32 uiFormat = stNode.Number("formatVersion", 0U, 0x0FU, 2U);
-    stRecord.ucRecordFormat = static_cast<u8>(uiFormat | (bLast ? MR_END_OF_LIST : 0U));
+    stRecord.ucRecordFormat = static_cast<u8>(uiFormat | (bLast ? FRU_MULTIRECORD_END_OF_LIST : 0U));
     const JsonNode stData = stNode.Member("data");
     const std::optional<std::vector<u8>> optData =
         stData.Value().is_string() ? ParseHexBytes(stData.Value().get_ref<const std::string &>())
@@ -298,9 +245,7 @@ void FillMultiRecord(const JsonNode &stNode, bool bLast, FRU_MULTIRECORD_S &stRe
     u8 *pucData = HeapText(std::string(optData->begin(), optData->end()), optData->size());
     stRecord.pucRecordData = pucData;
     stRecord.ucRecordLength = static_cast<u8>(optData->size());
-    stRecord.ucRecordChecksum = ZeroSum(pucData, optData->size());
-    stRecord.ucHeaderChecksum = 0U;
-    stRecord.ucHeaderChecksum = ZeroSum(reinterpret_cast<const u8 *>(&stRecord), FRU_MULTIRECORD_HEADER_LEN);
+    SealMultiRecord(stRecord);
 }
 
 void FillMultiRecords(const JsonNode &stDocument, Record &stRecord)
@@ -320,7 +265,7 @@ void FillMultiRecords(const JsonNode &stDocument, Record &stRecord)
             "multiRecords", Format("%zu records; accepted: 0 to %u", vecNodes.size(), FRU_MULTIRECORD_MAX));
     }
     for (size_t i = 0; i < vecNodes.size(); i++) {
-        stRecord.Data()->stCommonHeader.ucMultiRecordAreaStartOffset = 1U;
+        MarkArea(*stRecord.Data(), Area::MultiRecord);
         FillMultiRecord(vecNodes[i], i + 1U == vecNodes.size(), stRecord.Data()->astMultiRecord[i]);
     }
     const RECORD_VIEW_S stView = ViewRecord(*stRecord.Data());
@@ -334,16 +279,16 @@ Json AreaJson(const AREA_VIEW_S &stArea)
 {
     Json stJson = Json::object();
     for (const FIELD_VIEW_S &stField : stArea.vecFields) {
-        stJson[stField.strKey] = Latin1ToUtf8(stField.strText);
-        if (!stField.strNumberKey.empty()) {
-            stJson[stField.strNumberKey] = stField.uiNumber;
+        stJson[FieldKey(stField.enField)] = Latin1ToUtf8(stField.strText);
+        if (stField.optNumber.has_value()) {
+            stJson[NumberKey(stField.enField)] = *stField.optNumber;
         }
     }
-    if (stArea.enArea != Area::InternalUse) {
-        stJson["customFields"] = Json::array();
+    if (FindAreaRow(stArea.enArea)->HasCustomFields()) {
+        stJson[FieldKey(Field::Custom)] = Json::array();
     }
     for (const std::string &strField : stArea.vecCustomFields) {
-        stJson["customFields"].push_back(Latin1ToUtf8(strField));
+        stJson[FieldKey(Field::Custom)].push_back(Latin1ToUtf8(strField));
     }
     return stJson;
 }
@@ -364,7 +309,7 @@ Json RecordJson(const RECORD_VIEW_S &stView)
                                           {"text", Latin1ToUtf8(stRecord.strText)},
                                           {"data", HexBytes(stRecord.vecData)}});
     }
-    if (stView.bMultiRecordArea && stView.vecMultiRecords.empty()) {
+    if (stView.IsMultiRecordAreaDamaged()) {
         stJson["multiRecordsDamaged"] = true;
     }
     return stJson;
@@ -375,7 +320,6 @@ void BuildRecord(const JsonNode &stDocument, Record &stRecord)
     // "device" and "file" tell where a shown record came from and are no part of it.
     stDocument.RequireObject({"device", "file", "internalUse", "chassis", "board", "product", "multiRecords",
                               "multiRecordsDamaged"});
-    FillInternalUse(stDocument, stRecord);
     for (const AREA_ROW_S &stRow : AreaRows()) {
         FillArea(stDocument, stRow, stRecord);
     }

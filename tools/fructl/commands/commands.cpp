@@ -3,7 +3,7 @@
 namespace {
 
 // One a line, in the order of the help, with what a group of them is about.
-constexpr void (*g_apfnCommands[])(CLI::App &stParent, SESSION_S &stSession) = {
+constexpr void (*COMMANDS[])(CLI::App &stParent, SESSION_S &stSession) = {
     AddProvisionCommand,  // made once
     AddListCommand,       // read
     AddShowCommand,       //
@@ -34,7 +34,7 @@ constexpr void (*g_apfnCommands[])(CLI::App &stParent, SESSION_S &stSession) = {
 
 void AddCommands(CLI::App &stApp, SESSION_S &stSession)
 {
-    for (const auto pfnAdd : g_apfnCommands) {
+    for (const auto pfnAdd : COMMANDS) {
         pfnAdd(stApp, stSession);
     }
 }

@@ -11,8 +11,8 @@
 #include "toolkit/controller/diagnostics.h"
 #include "toolkit/controller/source.h"
 #include "toolkit/controller/target.h"
+#include "toolkit/image/fields.h"
 #include "toolkit/image/image.h"
-#include "toolkit/image/layout.h"
 #include "toolkit/image/record.h"
 
 namespace {
@@ -25,42 +25,38 @@ struct SIDE_S
 
 struct FIELD_S
 {
-    Area enArea;
-    std::string strName;
+    FIELD_ID_S stField;
     std::string strText; // raw
 };
 
 struct DIFFERENCE_S
 {
-    Area enArea;
-    std::string strName;
+    FIELD_ID_S stField;
     std::optional<std::string> optLeft; // nothing: the image has no such field
     std::optional<std::string> optRight;
 };
 
-// Every field of a record by name, in order.
+// Every field of a record, in order.
 std::vector<FIELD_S> FieldsOf(const RECORD_VIEW_S &stView)
 {
     std::vector<FIELD_S> vecFields;
     for (const AREA_VIEW_S &stArea : stView.vecAreas) {
         for (const FIELD_VIEW_S &stField : stArea.vecFields) {
             // Two numbers may have one text (English).
-            vecFields.push_back(
-                {stArea.enArea, stField.strName,
-                 stField.strText +
-                     (stField.strNumberKey == "languageCode" ? Format(" (%u)", stField.uiNumber) : "")});
+            const bool bNumber = stField.enField == Field::Language && stField.optNumber.has_value();
+            vecFields.push_back({{stArea.enArea, stField.enField},
+                                 stField.strText + (bNumber ? Format(" (%u)", *stField.optNumber) : "")});
         }
-        for (size_t i = 0; i < stArea.vecCustomFields.size(); i++) {
-            vecFields.push_back(
-                {stArea.enArea, Format("custom field %zu", i + 1U), stArea.vecCustomFields[i]});
+        for (u32 i = 0; i < stArea.vecCustomFields.size(); i++) {
+            vecFields.push_back({{stArea.enArea, Field::Custom, i}, stArea.vecCustomFields[i]});
         }
     }
-    if (stView.bMultiRecordArea && stView.vecMultiRecords.empty()) {
-        vecFields.push_back({Area::MultiRecord, "records", "damaged"});
+    if (stView.IsMultiRecordAreaDamaged()) {
+        vecFields.push_back({{Area::MultiRecord, Field::Records}, "damaged"});
     }
-    for (size_t i = 0; i < stView.vecMultiRecords.size(); i++) {
+    for (u32 i = 0; i < stView.vecMultiRecords.size(); i++) {
         const MULTIRECORD_VIEW_S &stRecord = stView.vecMultiRecords[i];
-        vecFields.push_back({Area::MultiRecord, Format("record %zu", i + 1U),
+        vecFields.push_back({{Area::MultiRecord, Field::OneRecord, i},
                              Format("type 0x%02x, version %u: ", stRecord.ucType, stRecord.ucFormatVersion) +
                                  HexBytes(stRecord.vecData)});
     }
@@ -93,20 +89,19 @@ std::vector<DIFFERENCE_S> Compare(const std::vector<FIELD_S> &vecLeft, const std
     std::map<Area, std::vector<DIFFERENCE_S>> mapAreas;
     const auto fnFind = [](const std::vector<FIELD_S> &vecFields, const FIELD_S &stField) {
         const auto itField = std::find_if(vecFields.begin(), vecFields.end(), [&](const FIELD_S &stOther) {
-            return stOther.enArea == stField.enArea && stOther.strName == stField.strName;
+            return stOther.stField == stField.stField;
         });
         return itField == vecFields.end() ? std::nullopt : std::optional<std::string>(itField->strText);
     };
     for (const FIELD_S &stField : vecLeft) {
         const std::optional<std::string> optRight = fnFind(vecRight, stField);
         if (optRight != stField.strText) {
-            mapAreas[stField.enArea].push_back({stField.enArea, stField.strName, stField.strText, optRight});
+            mapAreas[stField.stField.enArea].push_back({stField.stField, stField.strText, optRight});
         }
     }
     for (const FIELD_S &stField : vecRight) {
         if (!fnFind(vecLeft, stField).has_value()) {
-            mapAreas[stField.enArea].push_back(
-                {stField.enArea, stField.strName, std::nullopt, stField.strText});
+            mapAreas[stField.stField.enArea].push_back({stField.stField, std::nullopt, stField.strText});
         }
     }
     std::vector<DIFFERENCE_S> vecDifferences;
@@ -143,10 +138,10 @@ std::string DifferencesText(const SIDE_S &stLeft, const SIDE_S &stRight,
                          Paint(Colour::Green, "+ " + stRight.stTarget.Title()) + "\n";
     const DIFFERENCE_S *pstBefore = nullptr;
     for (const DIFFERENCE_S &stDifference : vecDifferences) {
-        if (pstBefore == nullptr || pstBefore->enArea != stDifference.enArea) {
-            strOut += "\n" + Paint(Colour::Bold, AreaName(stDifference.enArea)) + "\n";
+        if (pstBefore == nullptr || pstBefore->stField.enArea != stDifference.stField.enArea) {
+            strOut += "\n" + Paint(Colour::Bold, AreaName(stDifference.stField.enArea)) + "\n";
         }
-        strOut += "  " + stDifference.strName + "\n";
+        strOut += "  " + FieldName(stDifference.stField) + "\n";
         strOut += Side("- ", Colour::Red, stDifference.optLeft);
         strOut += Side("+ ", Colour::Green, stDifference.optRight);
         pstBefore = &stDifference;
@@ -162,8 +157,8 @@ Json DifferencesJson(const SIDE_S &stLeft, const SIDE_S &stRight,
     };
     Json stList = Json::array();
     for (const DIFFERENCE_S &stDifference : vecDifferences) {
-        stList.push_back({{"area", AreaKey(stDifference.enArea)},
-                          {"field", stDifference.strName},
+        stList.push_back({{"area", AreaKey(stDifference.stField.enArea)},
+                          {"field", FieldName(stDifference.stField)},
                           {"a", fnText(stDifference.optLeft)},
                           {"b", fnText(stDifference.optRight)}});
     }

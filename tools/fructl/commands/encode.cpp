@@ -9,7 +9,7 @@
 #include "toolkit/base/json_node.h"
 #include "toolkit/base/text.h"
 #include "toolkit/edit/encode.h"
-#include "toolkit/image/layout.h"
+#include "toolkit/image/fields.h"
 #include "toolkit/image/record.h"
 #include "toolkit/image/record_json.h"
 

@@ -13,7 +13,7 @@
 #include "toolkit/controller/target.h"
 #include "toolkit/edit/label_write.h"
 #include "toolkit/edit/labels.h"
-#include "toolkit/image/layout.h"
+#include "toolkit/image/fields.h"
 #include "toolkit/image/record.h"
 
 namespace {
@@ -50,7 +50,7 @@ DEVICE_S TakeDevice(const SESSION_S &stSession, const LABEL_OPTIONS_S &stOptions
 
 const char *AreaOf(const LABEL_S &stLabel)
 {
-    return stLabel.IsStored() ? AreaKey(stLabel.enArea) : "hardware";
+    return stLabel.IsStored() ? AreaKey(stLabel.stField.enArea) : "hardware";
 }
 
 Json LabelJson(const LABEL_S &stLabel, u32 uiMaxLen)
@@ -58,11 +58,11 @@ Json LabelJson(const LABEL_S &stLabel, u32 uiMaxLen)
     Json stJson = {{"id", stLabel.uiID},
                    {"name", stLabel.strName},
                    {"area", AreaOf(stLabel)},
-                   {"field", stLabel.IsStored() ? Json(stLabel.strField) : Json(nullptr)},
+                   {"field", stLabel.IsStored() ? Json(FieldName(stLabel.stField)) : Json(nullptr)},
                    {"minLength", stLabel.uiMinLen},
                    {"maxLength", uiMaxLen},
                    {"noneAllowed", stLabel.bNoneAllowed},
-                   {"accepts", stLabel.pcAccepts}};
+                   {"accepts", AcceptsText(stLabel.enAccepts)}};
     stJson["powerSupplyField"] = stLabel.optPsuField.has_value() ? Json(*stLabel.optPsuField) : Json(nullptr);
     return stJson;
 }
@@ -106,7 +106,7 @@ void PrintLabels(const SESSION_S &stSession, const std::optional<DEVICE_S> &optD
         }
         stList.push_back(stJson);
         stTable.Row({stLabel.strName, AreaOf(stLabel), Format("%u-%u", stLabel.uiMinLen, uiMaxLen),
-                     stLabel.bNoneAllowed ? "yes" : "no", stLabel.pcAccepts, strValue},
+                     stLabel.bNoneAllowed ? "yes" : "no", AcceptsText(stLabel.enAccepts), strValue},
                     {Colour::None, Colour::Dim, Colour::None, Colour::None, Colour::None, enColour});
     }
     if (!stSession.bJson) {
@@ -263,13 +263,13 @@ std::string StepsText(const LABEL_PLAN_S &stPlan)
 // The runs of changed bytes, at most 16 a line: "0x00dd  4c 48 -> 4d 49".
 std::string BytesText(const LABEL_PLAN_S &stPlan)
 {
-    constexpr size_t uiLine = 16U;
+    constexpr size_t LINE = 16U;
     size_t uiCount = 0;
     std::string strRows;
     for (const BYTE_RUN_S &stRun : stPlan.vecChanges) {
         uiCount += stRun.vecOld.size();
-        for (size_t i = 0; i < stRun.vecOld.size(); i += uiLine) {
-            const size_t uiPart = std::min(uiLine, stRun.vecOld.size() - i);
+        for (size_t i = 0; i < stRun.vecOld.size(); i += LINE) {
+            const size_t uiPart = std::min(LINE, stRun.vecOld.size() - i);
             strRows += Format("    0x%04zx  ", stRun.uiOffset + i) +
                        HexBytes(stRun.vecOld.data() + i, uiPart) + " -> " +
                        HexBytes(stRun.vecNew.data() + i, uiPart) + "\n";

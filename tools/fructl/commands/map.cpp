@@ -7,6 +7,8 @@
 #include "toolkit/controller/device_json.h"
 #include "toolkit/controller/source.h"
 #include "toolkit/controller/target.h"
+#include "toolkit/image/encoding.h"
+#include "toolkit/image/fields.h"
 #include "toolkit/image/image.h"
 #include "toolkit/image/layout.h"
 #include "toolkit/image/layout_json.h"
@@ -37,10 +39,10 @@ std::string Overview(const std::vector<SPAN_S> &vecSpans, size_t uiLength)
     std::vector<Area> vecUnits((uiLength + FRU_AREA_UNIT - 1U) / FRU_AREA_UNIT, Area::Unused);
     for (const SPAN_S &stSpan : vecSpans) {
         for (size_t i = stSpan.uiOffset / FRU_AREA_UNIT;
-             stSpan.enArea != Area::Unused && i <= (stSpan.uiOffset + stSpan.uiLength - 1U) / FRU_AREA_UNIT &&
-             i < vecUnits.size();
+             stSpan.stField.enArea != Area::Unused &&
+             i <= (stSpan.uiOffset + stSpan.uiLength - 1U) / FRU_AREA_UNIT && i < vecUnits.size();
              i++) {
-            vecUnits[i] = stSpan.enArea;
+            vecUnits[i] = stSpan.stField.enArea;
         }
     }
     std::string strOut;
@@ -58,7 +60,7 @@ std::string Legend(const std::vector<SPAN_S> &vecSpans)
 {
     size_t auiBytes[static_cast<size_t>(Area::Hardware) + 1U] = {};
     for (const SPAN_S &stSpan : vecSpans) {
-        auiBytes[static_cast<size_t>(stSpan.enArea)] += stSpan.uiLength;
+        auiBytes[static_cast<size_t>(stSpan.stField.enArea)] += stSpan.uiLength;
     }
     std::vector<std::string> vecParts;
     for (size_t i = 0; i < std::size(auiBytes); i++) {
@@ -73,9 +75,9 @@ std::string Legend(const std::vector<SPAN_S> &vecSpans)
 
 std::string Meaning(const SPAN_S &stSpan)
 {
-    std::string strOut = stSpan.strField;
+    std::string strOut = FieldName(stSpan.stField);
     strOut += stSpan.strText.empty() ? "" : ": " + EscapeText(stSpan.strText);
-    strOut += stSpan.strNote.empty() ? "" : Paint(Colour::Dim, " (" + stSpan.strNote + ")");
+    strOut += stSpan.stNote.IsTold() ? Paint(Colour::Dim, " (" + NoteText(stSpan.stNote) + ")") : "";
     strOut += stSpan.strProblem.empty() ? "" : "  " + Paint(Colour::Red, "<- " + stSpan.strProblem);
     return strOut;
 }
@@ -84,10 +86,10 @@ std::string Meaning(const SPAN_S &stSpan)
 // told, not shown.
 std::string SpanText(const SPAN_S &stSpan, const std::vector<u8> &vecBytes)
 {
-    const Colour enColour = StyleOf(stSpan.enArea).enColour;
+    const Colour enColour = StyleOf(stSpan.stField.enArea).enColour;
     const size_t uiEnd = stSpan.uiOffset + stSpan.uiLength;
-    const bool bRun = stSpan.enArea == Area::Unused && stSpan.uiLength > BYTES_PER_LINE &&
-                      stSpan.strNote.compare(0, 3, "all") == 0;
+    const bool bRun = stSpan.stField.enArea == Area::Unused && stSpan.uiLength > BYTES_PER_LINE &&
+                      stSpan.stNote.enNote == Note::OneValue;
     std::string strOut;
     for (size_t i = stSpan.uiOffset; i < uiEnd; i += BYTES_PER_LINE) {
         const size_t uiCount = std::min(BYTES_PER_LINE, uiEnd - i);
@@ -114,12 +116,12 @@ Json MapJson(const TARGET_S &stTarget, const IMAGE_S &stImage, const IMAGE_LAYOU
     for (const SPAN_S &stSpan : stLayout.vecSpans) {
         Json stOut = {{"offset", stSpan.uiOffset},
                       {"length", stSpan.uiLength},
-                      {"area", AreaKey(stSpan.enArea)},
-                      {"field", stSpan.strField},
+                      {"area", AreaKey(stSpan.stField.enArea)},
+                      {"field", FieldName(stSpan.stField)},
                       {"text", Latin1ToUtf8(stSpan.strText)},
                       {"bytes", HexBytes(&stImage.vecBytes[stSpan.uiOffset], stSpan.uiLength)}};
-        if (!stSpan.strNote.empty()) {
-            stOut["note"] = stSpan.strNote;
+        if (stSpan.stNote.IsTold()) {
+            stOut["note"] = NoteText(stSpan.stNote);
         }
         if (!stSpan.strProblem.empty()) {
             stOut["problem"] = stSpan.strProblem;
@@ -143,8 +145,9 @@ void RunMap(const SESSION_S &stSession, const TARGET_OPTIONS_S &stOptions)
     strOut += Overview(stLayout.vecSpans, stImage.uiStored) + Legend(stLayout.vecSpans);
     const SPAN_S *pstBefore = nullptr;
     for (const SPAN_S &stSpan : stLayout.vecSpans) {
-        if (pstBefore == nullptr || pstBefore->enArea != stSpan.enArea) {
-            strOut += "\n" + Paint(StyleOf(stSpan.enArea).enColour, AreaName(stSpan.enArea)) + "\n";
+        if (pstBefore == nullptr || pstBefore->stField.enArea != stSpan.stField.enArea) {
+            strOut +=
+                "\n" + Paint(StyleOf(stSpan.stField.enArea).enColour, AreaName(stSpan.stField.enArea)) + "\n";
         }
         strOut += SpanText(stSpan, stImage.vecBytes);
         pstBefore = &stSpan;

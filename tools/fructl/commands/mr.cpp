@@ -13,6 +13,7 @@
 #include "toolkit/controller/diagnostics.h"
 #include "toolkit/controller/source.h"
 #include "toolkit/controller/target.h"
+#include "toolkit/image/fields.h"
 #include "toolkit/image/image.h"
 #include "toolkit/image/multirecord.h"
 #include "toolkit/image/record.h"
@@ -23,7 +24,6 @@
 namespace {
 
 constexpr size_t RECORD_MAX = FRU_MULTIRECORD_HEADER_LEN + 255U;
-constexpr u8 HEADER_OFFSET_BYTE = 5U; // of the common header: where the MultiRecord area begins
 
 // The main FRU when nothing else is named.
 TARGET_S TargetOrMain(const SESSION_S &stSession, const TARGET_OPTIONS_S &stOptions)
@@ -38,7 +38,7 @@ void RunList(const SESSION_S &stSession, const TARGET_OPTIONS_S &stOptions)
     Record stRecord;
     DecodeTarget(stTarget, stRecord);
     const RECORD_VIEW_S stView = ViewRecord(*stRecord.Data());
-    if (stView.bMultiRecordArea && stView.vecMultiRecords.empty()) {
+    if (stView.IsMultiRecordAreaDamaged()) {
         Fail("the MultiRecord area of " + stTarget.Title() +
              " is damaged: no record of it can be read; 'fructl mr check' and 'fructl verify' tell more");
     }
@@ -94,8 +94,7 @@ VERDICT_S CheckDecoded(const TARGET_S &stTarget)
     VERDICT_S stVerdict =
         Check("memory", strWhat, reinterpret_cast<const u8 *>(stRecord.Data()->astMultiRecord),
               FRU_MR_CHECK_MEMORY);
-    if (stVerdict.IsGood() && stVerdict.uiCount == 0U &&
-        stRecord.Data()->stCommonHeader.ucMultiRecordAreaStartOffset != 0U) {
+    if (stVerdict.IsGood() && stVerdict.uiCount == 0U && HasArea(*stRecord.Data(), Area::MultiRecord)) {
         stVerdict.strWhy = "the image has an area, but no record of it could be read";
     }
     return stVerdict;
@@ -119,12 +118,12 @@ VERDICT_S CheckBytes(const TARGET_S &stTarget)
         FRU_ANALYZER_CheckValidHeader(stImage.vecBytes.data()) != FRU_OK) {
         return {"bytes", strWhat, LIB_FRU_ERR_HEADER, 0U, "no valid common header says where the area is"};
     }
-    const size_t uiStart = size_t{stImage.vecBytes[HEADER_OFFSET_BYTE]} * FRU_AREA_UNIT;
+    const size_t uiStart = size_t{stImage.vecBytes[HeaderOffsetByte(Area::MultiRecord)]} * FRU_AREA_UNIT;
     if (uiStart == 0U) {
         return {"bytes", strWhat, FRU_OK, 0U, ""};
     }
     if (uiStart >= stImage.uiStored) {
-        return {"bytes", strWhat, MR_FAILED, 0U,
+        return {"bytes", strWhat, FRU_ERR_MR_FAILED, 0U,
                 Format("the area begins at 0x%04zx, where the image has ended", uiStart)};
     }
     // The library's walk knows no end but its 64 records: zeros for as many of the longest stand behind.

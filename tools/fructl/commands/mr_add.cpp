@@ -6,6 +6,7 @@
 
 #include "commands/commands.h"
 #include "commands/mr.h"
+#include "lib_fru.h"
 #include "terminal/console.h"
 #include "terminal/json_out.h"
 #include "terminal/progress.h"
@@ -43,9 +44,9 @@ const char *ActionWord(RecordAction enAction, bool bDryRun)
 
 std::string Says(const std::vector<u8> &vecData)
 {
-    return vecData.empty()
-               ? ""
-               : MultiRecordText(MR_MANAGEMENT_ACCESS, vecData.data(), static_cast<u8>(vecData.size()));
+    return vecData.empty() ? ""
+                           : MultiRecordText(FRU_MR_TYPE_MANAGEMENT_ACCESS, vecData.data(),
+                                             static_cast<u8>(vecData.size()));
 }
 
 Json PlanJson(const ADD_S &stOptions, const DEVICE_S &stDevice, const RECORD_PLAN_S &stPlan)

@@ -18,11 +18,6 @@
 
 namespace {
 
-constexpr u32 ASK_WORD = 0xFFFFU;
-constexpr u32 ASK_BYTE = 0xFFU;
-constexpr size_t COPYRIGHT_SIZE = 256U;
-constexpr size_t CHECK_SIZE = 128U;
-
 // The file's text, whose encoding is its author's: UTF-8 as it is, anything else as Latin-1.
 std::string FileText(const char *pcText)
 {
@@ -154,7 +149,7 @@ void RunCopyright(const SESSION_S &stSession, const std::string &strLanguage)
         if (!strLanguage.empty() && strLanguage != apcLanguages[i]) {
             continue;
         }
-        char acText[COPYRIGHT_SIZE] = "";
+        char acText[FRU_COPYRIGHT_LEN] = "";
         const u32 uiRet = LIB_FRU_GetCopyRight(i, acText);
         if (uiRet != FRU_OK) {
             Fail("the copyright cannot be told: " + StatusText(uiRet) + DiagnosticHint());
@@ -173,12 +168,12 @@ void RunCopyright(const SESSION_S &stSession, const std::string &strLanguage)
 
 void RunCheck(const SESSION_S &stSession, const std::string &strFlag)
 {
-    const std::optional<u32> optFlag = ParseNumber(strFlag, ASK_WORD);
+    const std::optional<u32> optFlag = ParseNumber(strFlag, FRU_CHECK_AREA_ASK_WORD);
     if (!optFlag.has_value()) {
         FailUsage(EscapeText(strFlag) + " is refused; accepted: 0 to 65535, decimal or 0x");
     }
     RequireController(stSession);
-    char acResult[CHECK_SIZE + 1U] = "";
+    char acResult[FRU_CHECK_RESULT_LEN + 1U] = "";
     const u32 uiRet = LIB_FRU_CheckOEMFromPackage(*optFlag, acResult);
     if (uiRet != FRU_OK) {
         Fail("the package cannot be checked: " + StatusText(uiRet) + DiagnosticHint());
@@ -186,7 +181,7 @@ void RunCheck(const SESSION_S &stSession, const std::string &strFlag)
     FRU_OEM_CONF_S stConf = {};
     FRU_GetOEMConfBeforeDeal(&stConf);
     u32 uiArea = stConf.usCheckArea;
-    const bool bAsked = *optFlag == ASK_WORD || *optFlag == ASK_BYTE;
+    const bool bAsked = *optFlag == FRU_CHECK_AREA_ASK_WORD || *optFlag == FRU_CHECK_AREA_ASK_BYTE;
     if (bAsked) {
         uiArea = static_cast<u32>(static_cast<u8>(acResult[0]) << 8U) | static_cast<u8>(acResult[1]);
     }

@@ -9,6 +9,8 @@
 #include "toolkit/controller/device_json.h"
 #include "toolkit/controller/source.h"
 #include "toolkit/controller/target.h"
+#include "toolkit/image/encoding.h"
+#include "toolkit/image/fields.h"
 #include "toolkit/image/image.h"
 #include "toolkit/image/layout.h"
 #include "toolkit/image/record.h"
@@ -18,16 +20,16 @@ namespace {
 
 constexpr size_t RECORD_COLUMNS = 96U; // 32 bytes in hex
 
-using Notes = std::map<std::pair<Area, std::string>, std::string>;
+using Notes = std::map<FIELD_ID_S, NOTE_S>;
 
-// How texts are stored, where that is not plain, by area and field name.
+// How texts are stored, where that is not plain, by field.
 Notes StorageNotes(const TARGET_S &stTarget)
 {
     Notes mapNotes;
     const IMAGE_LAYOUT_S stLayout = LayoutOf(ReadTarget(stTarget), stTarget.HasFixedSlots());
     for (const SPAN_S &stSpan : stLayout.vecSpans) {
-        if (!stSpan.strNote.empty() && stSpan.strNote != "empty") {
-            mapNotes[{stSpan.enArea, stSpan.strField}] = stSpan.strNote;
+        if (stSpan.stNote.IsTold() && stSpan.stNote.enNote != Note::Empty) {
+            mapNotes[stSpan.stField] = stSpan.stNote;
         }
     }
     return mapNotes;
@@ -40,26 +42,23 @@ std::string Heading(Area enArea)
     return Paint(Colour::Bold, strName) + "\n";
 }
 
-std::string Row(const std::string &strName, const std::string &strText, const std::string &strNote)
+std::string Row(const FIELD_ID_S &stField, const std::string &strText, const Notes &mapNotes)
 {
     const std::string strShown = strText.empty() ? Paint(Colour::Dim, "-") : EscapeText(strText);
-    return Format("  %-19s ", strName.c_str()) + strShown +
-           (strNote.empty() ? "" : Paint(Colour::Dim, "  (" + strNote + ")")) + "\n";
+    const auto itNote = mapNotes.find(stField);
+    const std::string strNote =
+        itNote == mapNotes.end() ? "" : Paint(Colour::Dim, "  (" + NoteText(itNote->second) + ")");
+    return Format("  %-19s ", FieldName(stField).c_str()) + strShown + strNote + "\n";
 }
 
 std::string AreaText(const AREA_VIEW_S &stArea, const Notes &mapNotes)
 {
-    const auto fnNote = [&](const std::string &strName) {
-        const auto itNote = mapNotes.find({stArea.enArea, strName});
-        return itNote != mapNotes.end() ? itNote->second : std::string();
-    };
     std::string strOut = Heading(stArea.enArea);
     for (const FIELD_VIEW_S &stField : stArea.vecFields) {
-        strOut += Row(stField.strName, stField.strText, fnNote(stField.strName));
+        strOut += Row({stArea.enArea, stField.enField}, stField.strText, mapNotes);
     }
-    for (size_t i = 0; i < stArea.vecCustomFields.size(); i++) {
-        const std::string strName = Format("custom field %zu", i + 1U);
-        strOut += Row(strName, stArea.vecCustomFields[i], fnNote(strName));
+    for (u32 i = 0; i < stArea.vecCustomFields.size(); i++) {
+        strOut += Row({stArea.enArea, Field::Custom, i}, stArea.vecCustomFields[i], mapNotes);
     }
     return strOut;
 }

@@ -41,7 +41,7 @@ constexpr milliseconds PAUSE(20);
 constexpr int ANSWER_TIMEOUT_MS = 100;
 
 // RMCP presence ping (IPMI 2.0, section 13.2.3): answered by any server that listens.
-constexpr u8 g_aucPing[] = {0x06, 0x00, 0xFF, 0x06, 0x00, 0x00, 0x11, 0xBE, 0x80, 0x01, 0x00, 0x00};
+constexpr u8 PING[] = {0x06, 0x00, 0xFF, 0x06, 0x00, 0x00, 0x11, 0xBE, 0x80, 0x01, 0x00, 0x00};
 constexpr size_t PONG_TYPE_INDEX = 8U;
 constexpr u8 PONG_TYPE = 0x40U;
 
@@ -140,7 +140,7 @@ ENDPOINT_S AskableEndpoint(const SERVICE_S &stService)
 bool AnswersPing(int iSocket, const ENDPOINT_S &stEndpoint)
 {
     const auto *pstAddress = reinterpret_cast<const sockaddr *>(&stEndpoint.stAddress);
-    if (sendto(iSocket, g_aucPing, sizeof(g_aucPing), 0, pstAddress, stEndpoint.uiLength) < 0) {
+    if (sendto(iSocket, PING, sizeof(PING), 0, pstAddress, stEndpoint.uiLength) < 0) {
         return false;
     }
     pollfd stPoll = {iSocket, POLLIN, 0};

@@ -16,7 +16,7 @@ struct FAULT_S
     u8 ucStatusBit; // of a device's cache status
     const char *pcKey;
 };
-constexpr FAULT_S g_astFaults[] = {{0x20U, 0x02U, "bit 5"}, {0x04U, 0x04U, "bit 2"}};
+constexpr FAULT_S FAULTS[] = {{0x20U, FRU_CACHE_FAULT_1, "bit 5"}, {0x04U, FRU_CACHE_FAULT_2, "bit 2"}};
 
 // The devices whose cache status carries the mark; one that cannot be read carries none.
 std::vector<std::string> Marked(const SESSION_S &stSession, u8 ucStatusBit)
@@ -40,7 +40,7 @@ void RunTestResult(const SESSION_S &stSession)
     Json stBits = Json::object();
     std::string strText =
         Format("test result 0x%02x%s\n", ucResult, ucResult == 0U ? ", no fault marked" : "");
-    for (const FAULT_S &stFault : g_astFaults) {
+    for (const FAULT_S &stFault : FAULTS) {
         if ((ucResult & stFault.ucResultBit) != 0U) {
             const std::vector<std::string> vecNames = Marked(stSession, stFault.ucStatusBit);
             stBits[stFault.pcKey] = vecNames;

@@ -10,6 +10,7 @@
 #include "toolkit/controller/diagnostics.h"
 #include "toolkit/controller/source.h"
 #include "toolkit/controller/target.h"
+#include "toolkit/image/fields.h"
 #include "toolkit/image/hardware_block.h"
 #include "toolkit/image/image.h"
 #include "toolkit/image/layout.h"
