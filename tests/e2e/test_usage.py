@@ -2,6 +2,7 @@
 import fcntl
 import os
 import pty
+import re
 import subprocess
 import time
 import unittest
@@ -22,6 +23,11 @@ class Help(unittest.TestCase):
                 self.assertIn("Usage: fructl " + " ".join(asLevel), stResult.strOut)
                 self.assertRegex(stResult.strOut, r"Examples:\n  fructl ")
                 self.assertTrue(stResult.strOut.endswith("\n"))
+
+    def test_files_that_examples_name_are_there(self):
+        for asLevel in [[], *[[strName] for strName in COMMANDS]]:
+            for strFile in re.findall(r"examples/[^\s,()]+", Run(*asLevel, "--help").strOut):
+                self.assertTrue(list(EXAMPLES.parent.glob(strFile)), f"fructl {asLevel} --help names {strFile}")
 
     def test_the_version_is_told(self):
         self.assertRegex(Run("--version").strOut, r"^fructl \d+\.\d+\.\d+\n$")

@@ -51,3 +51,14 @@ std::string DiagnosticHint()
 {
     return g_vecDiagnostics.empty() ? "" : " (the library says: " + g_vecDiagnostics.front() + ")";
 }
+
+std::string Cause(const std::vector<std::string> &vecSaid)
+{
+    static const std::string TYPE_FORMAT = "Not default type format";
+    for (const std::string &strText : vecSaid) {
+        if (strText.compare(0, TYPE_FORMAT.size(), TYPE_FORMAT) != 0) {
+            return " (the library says: " + strText + ")";
+        }
+    }
+    return "";
+}

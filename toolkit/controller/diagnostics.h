@@ -28,4 +28,7 @@ void ClearDiagnostics();
 // it.
 std::string DiagnosticHint();
 
+// Of those texts the first that is not about how an image stores its texts, in the same words.
+std::string Cause(const std::vector<std::string> &vecSaid);
+
 #endif

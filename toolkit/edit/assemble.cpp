@@ -1,14 +1,12 @@
 #include "toolkit/edit/assemble.h"
 
+#include <algorithm>
 #include <cstring>
 
 #include "lib_fru.h"
 #include "toolkit/base/error.h"
 #include "toolkit/base/text.h"
-#include "toolkit/controller/diagnostics.h"
-#include "toolkit/controller/source.h"
 #include "toolkit/image/fields.h"
-#include "toolkit/image/image.h"
 #include "toolkit/image/record.h"
 
 namespace {
@@ -16,20 +14,25 @@ namespace {
 constexpr u32 ASSEMBLE_MAX = 256U; // bytes of the image
 constexpr u32 FIRST_SLOT = FRU_ASSEMBLE_BOARD_MFG_DATE;
 
-// The field that each slot from FIRST_SLOT on goes to; nothing for the date, which is no text there.
-constexpr std::optional<FIELD_ID_S> SLOT_FIELDS[] = {
-    std::nullopt,
-    FIELD_ID_S{Area::Board, Field::Manufacturer},
-    FIELD_ID_S{Area::Board, Field::ProductName},
-    FIELD_ID_S{Area::Board, Field::SerialNumber},
-    FIELD_ID_S{Area::Board, Field::PartNumber},
-    FIELD_ID_S{Area::Product, Field::Manufacturer},
-    FIELD_ID_S{Area::Product, Field::ProductName},
-    FIELD_ID_S{Area::Product, Field::PartNumber},
-    FIELD_ID_S{Area::Product, Field::Version},
-    FIELD_ID_S{Area::Product, Field::SerialNumber},
-    FIELD_ID_S{Area::Product, Field::AssetTag},
+// The field that each slot from FIRST_SLOT on goes to.
+constexpr FIELD_ID_S SLOT_FIELDS[] = {
+    {Area::Board, Field::MfgDate},       {Area::Board, Field::Manufacturer},
+    {Area::Board, Field::ProductName},   {Area::Board, Field::SerialNumber},
+    {Area::Board, Field::PartNumber},    {Area::Product, Field::Manufacturer},
+    {Area::Product, Field::ProductName}, {Area::Product, Field::PartNumber},
+    {Area::Product, Field::Version},     {Area::Product, Field::SerialNumber},
+    {Area::Product, Field::AssetTag},
 };
+
+std::string TextFor(const std::vector<NAME_VALUE_S> &vecGiven, const FIELD_ID_S &stField)
+{
+    for (const NAME_VALUE_S &stGiven : vecGiven) {
+        if (SLOT_FIELDS[stGiven.uiIndex] == stField) {
+            return stGiven.strValue;
+        }
+    }
+    return "";
+}
 
 } // namespace
 
@@ -98,23 +101,26 @@ FRU_ASSEMBLE_LABEL_S LabelsOf(const std::vector<NAME_VALUE_S> &vecGiven)
     return stLabels;
 }
 
-// What the cache holds now, decoded; every text given has to be in it.
-void CheckStored(const DEVICE_S &stDevice, const FRU_ASSEMBLE_LABEL_S &stLabels)
+// The record that the library will assemble: an area for each that is given a text.
+void FillRecord(const std::vector<NAME_VALUE_S> &vecGiven, Record &stRecord)
 {
-    const std::optional<IMAGE_S> optImage = FindSource(stDevice, Source::Cache);
-    Record stRecord;
-    if (!optImage.has_value() || DecodeImage(*optImage, false, stRecord) != FRU_OK) {
-        Fail("the library reports success, but the cached image of " + stDevice.Title() +
-             " cannot be decoded" + DiagnosticHint());
-    }
-    for (size_t i = 0; i < std::size(SLOT_FIELDS); i++) {
-        if (!SLOT_FIELDS[i].has_value()) {
+    for (const Area enArea : {Area::Board, Area::Product}) {
+        const AREA_ROW_S &stRow = *FindAreaRow(enArea);
+        const bool bGiven = std::any_of(vecGiven.begin(), vecGiven.end(), [&](const NAME_VALUE_S &stGiven) {
+            return SLOT_FIELDS[stGiven.uiIndex].enArea == enArea;
+        });
+        if (!bGiven) {
             continue;
         }
-        const std::string strText = RecordText(*stRecord.Data(), *SLOT_FIELDS[i]).value_or("");
-        if (strText != stLabels.acSlot[FIRST_SLOT + i]) {
-            Fail(std::string("the library reports success, but the cached image has another ") +
-                 AssemblyTexts()[i].pcTitle);
+        stRecord.AddArea(stRow);
+        for (const FIELD_ROW_S &stField : stRow.vecFields) {
+            const std::string strText = TextFor(vecGiven, {enArea, stField.enField});
+            if (stField.enKind == Kind::Text) {
+                stRecord.Store(stField.uiOffset, HeapText(strText, strText.size() + 1U));
+            } else if (stField.enKind == Kind::MfgDate && !strText.empty()) {
+                (void)LIB_FRU_CaclMfgDateTime(strText.c_str(),
+                                              stRecord.Data()); // a date: it has been checked
+            }
         }
     }
 }
@@ -129,14 +135,28 @@ void CheckAssembly(const DEVICE_S &stDevice, const std::vector<NAME_VALUE_S> &ve
     CheckDevice(stDevice, bForce);
 }
 
+CHANGE_S PlanAssembly(const DEVICE_S &stDevice, const std::vector<NAME_VALUE_S> &vecGiven)
+{
+    Record stRecord;
+    FillRecord(vecGiven, stRecord);
+    if (!EncodeRecord(stRecord, stDevice.stInfo.usSize).has_value()) {
+        return PlanNothing(stDevice); // the library refuses by itself what cannot be encoded
+    }
+    // It has no custom fields, which a baseboard's reader would fill up; that is no loss.
+    return PlanCachedRecord(stDevice, "these texts", stRecord, false);
+}
+
 void Assemble(const DEVICE_S &stDevice, const std::vector<NAME_VALUE_S> &vecGiven)
 {
     const FRU_ASSEMBLE_LABEL_S stLabels = LabelsOf(vecGiven);
-    ClearDiagnostics();
-    const u32 uiRet = FRU_AssembleBin(&stDevice.stInfo, &stLabels);
-    if (uiRet != FRU_OK) {
-        Fail("no image for " + stDevice.Title() + " could be assembled: " + StatusText(uiRet) +
-             DiagnosticHint() + "; the cache is as it was");
+    const OUTCOME_S stOutcome =
+        ApplyChange(PlanAssembly(stDevice, vecGiven), "assembling " + stDevice.Title(), nullptr,
+                    [&] { return FRU_AssembleBin(&stDevice.stInfo, &stLabels); });
+    if (stOutcome.uiStatus != FRU_OK) {
+        Fail("no image for " + stDevice.Title() + " could be assembled: " + StatusText(stOutcome.uiStatus) +
+             stOutcome.Hint() + "; the cache is as it was");
     }
-    CheckStored(stDevice, stLabels);
+    if (!stOutcome.strHomeDiffers.empty()) {
+        Fail("the library reports success, but " + stOutcome.strHomeDiffers + stOutcome.Hint());
+    }
 }

@@ -6,6 +6,7 @@
 
 #include "toolkit/base/name_value.h"
 #include "toolkit/controller/device.h"
+#include "toolkit/edit/change.h"
 
 // The texts that it can be made from.
 const std::vector<SETTABLE_S> &AssemblyTexts();
@@ -13,7 +14,10 @@ const std::vector<SETTABLE_S> &AssemblyTexts();
 // Fails when a text is refused, or the device. bForce: also one with an EEPROM of its own.
 void CheckAssembly(const DEVICE_S &stDevice, const std::vector<NAME_VALUE_S> &vecGiven, bool bForce);
 
-// Makes the image from checked texts. Fails when the cache does not hold it afterwards.
+// Works out the image for checked texts. Fails when it could not be read again.
+CHANGE_S PlanAssembly(const DEVICE_S &stDevice, const std::vector<NAME_VALUE_S> &vecGiven);
+
+// Makes it. Fails when the cache does not hold it afterwards.
 void Assemble(const DEVICE_S &stDevice, const std::vector<NAME_VALUE_S> &vecGiven);
 
 #endif

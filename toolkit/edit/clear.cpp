@@ -3,26 +3,38 @@
 #include "lib_fru.h"
 #include "toolkit/base/error.h"
 #include "toolkit/base/text.h"
-#include "toolkit/controller/diagnostics.h"
 #include "toolkit/controller/operate_log.h"
+#include "toolkit/edit/change.h"
+#include "toolkit/edit/uninterrupted.h"
+
+namespace {
+
+constexpr u8 ERASED = 0xFFU;
+
+} // namespace
 
 std::string ClearDevice(const DEVICE_S &stDevice, ProgressView *pstView)
 {
     FRU_CLEAR_PARA_S stPara = {};
     stPara.ucComponentType = stDevice.stEntry.ucComponentType;
     stPara.ucInstance = stDevice.stEntry.ucInstance;
-    ClearDiagnostics();
-    u32 uiRet = FRU_OK;
-    {
-        const WriteProgress stProgress(pstView, "erasing " + stDevice.Title());
-        uiRet = LIB_FRU_ClearFRUElectronicLabel(&stPara);
-    }
-    const std::string strHint = DiagnosticHint();
+    const CHANGE_S stChange = PlanBytes(stDevice, std::vector<u8>(stDevice.stInfo.usSize, ERASED), true);
+    const Uninterrupted stUninterrupted; // the operation log belongs to the write
+    const OUTCOME_S stOutcome = ApplyChange(stChange, "erasing " + stDevice.Title(), pstView,
+                                            [&] { return LIB_FRU_ClearFRUElectronicLabel(&stPara); });
     if (stPara.acOperateLog[0] != '\0') {
-        RecordOperation(uiRet == FRU_OK, stPara.acOperateLog, stPara.ucOperateLogType);
+        RecordOperation(stOutcome.uiStatus == FRU_OK, stPara.acOperateLog, stPara.ucOperateLogType);
     }
-    if (uiRet != FRU_OK) {
-        Fail(stDevice.Title() + " could not be erased: " + StatusText(uiRet) + strHint);
+    if (stOutcome.uiStatus != FRU_OK) {
+        Fail(stDevice.Title() + " could not be erased: " + StatusText(stOutcome.uiStatus) + stOutcome.Hint());
+    }
+    if (!stOutcome.strHomeDiffers.empty()) {
+        Fail("the library reports success, but " + stDevice.Title() +
+             " is not erased: " + stOutcome.strHomeDiffers + stOutcome.Hint());
+    }
+    if (!stOutcome.bCacheHolds) {
+        Fail("the EEPROM of " + stDevice.Title() + " is erased, but its cached image is not" +
+             stOutcome.Hint());
     }
     return stPara.acOperateLog;
 }

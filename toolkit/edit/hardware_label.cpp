@@ -5,9 +5,9 @@
 #include "lib_fru.h"
 #include "toolkit/base/error.h"
 #include "toolkit/base/text.h"
-#include "toolkit/controller/diagnostics.h"
 #include "toolkit/controller/hardware.h"
 #include "toolkit/controller/operate_log.h"
+#include "toolkit/edit/change.h"
 #include "toolkit/edit/uninterrupted.h"
 
 namespace {
@@ -23,19 +23,19 @@ std::string WriteHardwareLabel(const DEVICE_S &stDevice, const HardwareLabel &au
     stPara.ucInstance = stDevice.stEntry.ucInstance;
     memcpy(stPara.acLabelName, HARDWARE_LABEL, strlen(HARDWARE_LABEL));
     memcpy(stPara.acLabelValue, aucLabel.data(), aucLabel.size());
-    const Uninterrupted stUninterrupted;
-    ClearDiagnostics();
-    const u32 uiRet = LIB_FRU_WriteHWInfo(&stPara);
-    const std::string strHint = DiagnosticHint();
+    const HW_BLOCK_S stBefore = ReadDeviceBlock(stDevice);
+    const CHANGE_S stChange = PlanBytes(stDevice, HardwareBlockBytes(stBefore.stData, aucLabel), false);
+    const Uninterrupted stUninterrupted; // the operation log belongs to the write
+    const OUTCOME_S stOutcome = ApplyChange(stChange, "writing " + stDevice.Title(), nullptr,
+                                            [&] { return LIB_FRU_WriteHWInfo(&stPara); });
     if (stPara.acOperateLog[0] != '\0') {
-        RecordOperation(uiRet == FRU_OK, stPara.acOperateLog, stPara.ucOperateLogType);
+        RecordOperation(stOutcome.uiStatus == FRU_OK, stPara.acOperateLog, stPara.ucOperateLogType);
     }
-    if (uiRet != FRU_OK) {
-        Fail("the hardware block of " + stDevice.Title() + " could not be written: " + StatusText(uiRet) +
-             strHint);
+    if (stOutcome.uiStatus != FRU_OK) {
+        Fail("the hardware block of " + stDevice.Title() +
+             " could not be written: " + StatusText(stOutcome.uiStatus) + stOutcome.Hint());
     }
-    const HW_BLOCK_S stAfter = ReadDeviceBlock(stDevice);
-    if (stAfter.Label() != aucLabel || !stAfter.IsGood()) {
+    if (!stOutcome.strHomeDiffers.empty()) {
         Fail("the library reports success, but the EEPROM of " + stDevice.Title() +
              " does not hold what was written");
     }

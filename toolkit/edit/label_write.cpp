@@ -55,12 +55,11 @@ LABEL_STEP_S PlanStep(const DEVICE_S &stDevice, const LABEL_REQUEST_S &stRequest
     // The check upper-cases a MAC address in the block, as it will in the write.
     if (FRU_CheckElectronicLabel(&stPara) != FRU_OK ||
         FRU_ReplaceElectronicLabel(&stPara, stRecord.Data()) != FRU_OK) {
-        Fail(stDevice.Title() + ": the library refuses '" + stLabel.strName + "'" + Cause() +
+        Fail(stDevice.Title() + ": the library refuses '" + stLabel.strName + "'" + Cause(TakeDiagnostics()) +
              "; nothing was written");
     }
     const std::string strWhat = "the new '" + stLabel.strName + "'";
-    LABEL_STEP_S stStep = {stRequest, std::nullopt, "", EncodeAnew(stDevice, strWhat, stRecord)};
-    RequireReadable(stDevice, strWhat, stRecord, Overlay(vecBytes, stStep.vecEncoded));
+    LABEL_STEP_S stStep = {stRequest, std::nullopt, "", PlanRecord(stDevice, strWhat, stRecord, vecBytes)};
     stStep.strNew = LabelValue(ViewRecord(*stRecord.Data()), stLabel).value_or("");
     return stStep;
 }
@@ -89,36 +88,6 @@ bool IsLabelField(const std::vector<LABEL_REQUEST_S> &vecRequests, const FIELD_I
 }
 
 // ---- the write ----
-
-// What is wrong in the device after the write; empty: nothing.
-std::string WhyDeviceDiffers(const DEVICE_S &stDevice, const LABEL_STEP_S &stStep)
-{
-    try {
-        const IMAGE_S stRead = ReadTarget({stDevice, ""});
-        for (size_t i = 0; i < stStep.vecEncoded.size(); i++) {
-            if (stRead.vecBytes[i] != stStep.vecEncoded[i]) {
-                return Format(
-                    "the %s holds other bytes than were to be written, from byte 0x%04zx on (0x%02x, "
-                    "not 0x%02x)",
-                    SourceName(stRead.enSource), i, stRead.vecBytes[i], stStep.vecEncoded[i]);
-            }
-        }
-        return "";
-    } catch (const Error &stError) {
-        return stError.what();
-    }
-}
-
-void RequireCache(const DEVICE_S &stDevice, const LABEL_STEP_S &stStep, const std::string &strCause)
-{
-    const std::optional<IMAGE_S> optCached = FindSource(stDevice, Source::Cache);
-    std::vector<u8> vecExpected = stStep.vecEncoded;
-    vecExpected.resize(stDevice.stInfo.usSize);
-    if (!optCached.has_value() || optCached->vecBytes != vecExpected) {
-        Fail("the EEPROM of " + stDevice.Title() + " holds the new '" + stStep.stRequest.stLabel.strName +
-             "', but its cached image could not be renewed" + strCause);
-    }
-}
 
 // The library keeps the baseboard's product serial number in a file as well, with a copy; it tells nobody
 // when it could not.
@@ -167,12 +136,14 @@ LABEL_PLAN_S PlanLabels(const DEVICE_S &stDevice, const std::vector<LABEL_REQUES
     const FRU_SET_PARA_S stPara = Block(stDevice, vecRequests.front());
     ClearDiagnostics();
     if (FRU_GetElectronicLabel(&stPara, stRecord.Data()) != FRU_OK) {
-        Fail("cannot decode " + stDevice.Title() + Cause());
+        Fail("cannot decode " + stDevice.Title() + Cause(TakeDiagnostics()));
     }
     LABEL_PLAN_S stPlan;
     const RECORD_VIEW_S stView = ViewRecord(*stBefore.Data());
+    std::vector<u8> vecAfter = stImage.vecBytes;
     for (const LABEL_REQUEST_S &stRequest : vecRequests) {
-        stPlan.vecSteps.push_back(PlanStep(stDevice, stRequest, stRecord, stImage.vecBytes));
+        stPlan.vecSteps.push_back(PlanStep(stDevice, stRequest, stRecord, vecAfter));
+        vecAfter = stPlan.vecSteps.back().stChange.Home().vecAfter;
         stPlan.vecSteps.back().optOld = LabelValue(stView, stRequest.stLabel);
         if (stPlan.vecSteps.back().strNew != stRequest.strValue) {
             stPlan.vecNotes.push_back(stRequest.stLabel.strName + " will read as '" +
@@ -183,10 +154,6 @@ LABEL_PLAN_S PlanLabels(const DEVICE_S &stDevice, const std::vector<LABEL_REQUES
                                       " has one character, and its length byte is 0xc1, which other readers "
                                       "may take for the end of the fields");
         }
-    }
-    std::vector<u8> vecAfter = stImage.vecBytes;
-    for (const LABEL_STEP_S &stStep : stPlan.vecSteps) {
-        vecAfter = Overlay(vecAfter, stStep.vecEncoded);
     }
     stPlan.vecChanges = Changes(stImage.vecBytes, vecAfter);
     const REWRITE_S stRewrite = CompareImages(stDevice, stImage, vecAfter, [&](const FIELD_ID_S &stField) {
@@ -201,20 +168,12 @@ WRITTEN_S WriteStep(const DEVICE_S &stDevice, const LABEL_STEP_S &stStep, Progre
 {
     FRU_SET_PARA_S stPara = Block(stDevice, stStep.stRequest);
     const std::string strName = stStep.stRequest.stLabel.strName;
-    const Uninterrupted stUninterrupted;
-    std::string strFailure;
-    ClearDiagnostics();
-    {
-        const WriteProgress stProgress(pstView, "writing " + stDevice.Title(), stDevice.stInfo.usStartOffset,
-                                       static_cast<u32>(stStep.vecEncoded.size()));
-        const u32 uiRet = LIB_FRU_WriteElectronicLabel(&stPara);
-        strFailure = (uiRet == FRU_OK) ? "" : StatusText(uiRet);
-    }
-    const std::string strCause = Cause();
-    if (strFailure.empty()) {
-        // The array write reports success also when a chunk of it failed.
-        strFailure = WhyDeviceDiffers(stDevice, stStep);
-    }
+    const Uninterrupted stUninterrupted; // the operation log belongs to the write
+    const OUTCOME_S stOutcome = ApplyChange(stStep.stChange, "writing " + stDevice.Title(), pstView,
+                                            [&] { return LIB_FRU_WriteElectronicLabel(&stPara); });
+    const std::string strCause = stOutcome.Cause();
+    const std::string strFailure =
+        stOutcome.uiStatus == FRU_OK ? stOutcome.strHomeDiffers : StatusText(stOutcome.uiStatus);
     if (!strFailure.empty()) {
         FRU_AddComOperateLog(FRU_OPERATELOG_FAILED, &stPara);
         std::string strUnlogged;
@@ -227,7 +186,10 @@ WRITTEN_S WriteStep(const DEVICE_S &stDevice, const LABEL_STEP_S &stStep, Progre
              strUnlogged);
     }
     RecordOperation(true, stPara.acOperateLog, stPara.ucOperateLogType);
-    RequireCache(stDevice, stStep, strCause);
+    if (!stOutcome.bCacheHolds) {
+        Fail("the EEPROM of " + stDevice.Title() + " holds the new '" + strName +
+             "', but its cached image could not be renewed" + strCause);
+    }
     const bool bSerialFiles = stDevice.stEntry.ucComponentType == 0U &&
                               stStep.stRequest.stLabel.uiID == FRU_LABEL_PRODUCT_SERIAL_NUMBER;
     return {stPara.acOperateLog, bSerialFiles ? WhySerialFilesDiffer(stStep, strCause) : ""};

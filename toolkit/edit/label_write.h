@@ -9,6 +9,7 @@
 
 #include "lib_fru_types.h"
 #include "toolkit/controller/device.h"
+#include "toolkit/edit/change.h"
 #include "toolkit/edit/labels.h"
 #include "toolkit/edit/progress.h"
 
@@ -24,7 +25,7 @@ struct LABEL_STEP_S
     LABEL_REQUEST_S stRequest;
     std::optional<std::string> optOld; // raw; nothing: the image has no such field yet
     std::string strNew;                // raw, as it will be read
-    std::vector<u8> vecEncoded;        // the image that the library writes from the FRU's start on
+    CHANGE_S stChange;
 };
 
 struct BYTE_RUN_S

@@ -106,25 +106,6 @@ FRU_MULTIRECORD_S *Place(const DEVICE_S &stDevice, FRU_DATA_S *pstData, WANTED_R
     return pstEntry;
 }
 
-// The library's result does not tell of an EEPROM that took no bytes: only what is read back counts.
-void CheckWritten(const DEVICE_S &stDevice, const RECORD_PLAN_S &stPlan, const std::string &strCause)
-{
-    const auto fnHolds = [&](const IMAGE_S &stImage) {
-        return std::equal(stPlan.vecEncoded.begin(), stPlan.vecEncoded.end(), stImage.vecBytes.begin());
-    };
-    if (!fnHolds(ReadTarget({stDevice, ""}))) {
-        Fail("the library reports success, but " + stDevice.Title() + " does not hold the new records" +
-             strCause +
-             "; 'fructl mr check' and 'fructl verify' tell "
-             "what it holds");
-    }
-    const std::optional<IMAGE_S> optCached = FindSource(stDevice, Source::Cache);
-    if (!stPlan.vecEncoded.empty() && (!optCached.has_value() || !fnHolds(*optCached))) {
-        Fail(stDevice.Title() + " holds the new records, but its cached image could not be renewed" +
-             strCause);
-    }
-}
-
 } // namespace
 
 const std::vector<SETTABLE_S> &AccessRecords()
@@ -143,7 +124,8 @@ const std::vector<SETTABLE_S> &AccessRecords()
 
 WANTED_RECORD_S WantedRecord(const NAME_VALUE_S &stGiven)
 {
-    WANTED_RECORD_S stWanted = {static_cast<u8>(stGiven.uiIndex + 1U), {}, {}, RecordAction::Add, {}};
+    WANTED_RECORD_S stWanted = {
+        static_cast<u8>(stGiven.uiIndex + 1U), {}, {}, RecordAction::Add, {}, std::nullopt};
     stWanted.vecData.push_back(stWanted.ucSubType);
     if (stWanted.ucSubType == FRU_MR_SUBTYPE_SYSTEM_UNIQUE_ID) {
         const GuidBytes aucGiven = ParseGuid(stGiven.strValue);
@@ -170,26 +152,27 @@ WANTED_RECORD_S WantedRecord(const NAME_VALUE_S &stGiven)
 
 RECORD_PLAN_S PlanAccessRecords(const DEVICE_S &stDevice, const std::vector<WANTED_RECORD_S> &vecWanted)
 {
-    RECORD_PLAN_S stPlan = {vecWanted, {}, {}};
+    RECORD_PLAN_S stPlan = {vecWanted, {}};
     const TARGET_S stTarget = {stDevice, ""};
     Record stRecord;
     DecodeTarget(stTarget, stRecord);
     CheckList(stDevice, *stRecord.Data());
     const IMAGE_S stImage = ReadTarget(stTarget);
     std::vector<u8> vecAfter = stImage.vecBytes;
+    bool bChanges = false;
     for (WANTED_RECORD_S &stWanted : stPlan.vecWanted) {
         FRU_MULTIRECORD_S *pstEntry = Place(stDevice, stRecord.Data(), stWanted);
         if (stWanted.enAction == RecordAction::Keep) {
             continue;
         }
-        const std::string strWhat = std::string("the new ") + stWanted.Row().pcTitle;
         Put(pstEntry, stWanted);
         RenewMarks(stRecord.Data());
-        stPlan.vecEncoded = EncodeAnew(stDevice, strWhat, stRecord);
-        vecAfter = Overlay(vecAfter, stPlan.vecEncoded);
-        RequireReadable(stDevice, strWhat, stRecord, vecAfter);
+        stWanted.optChange =
+            PlanRecord(stDevice, std::string("the new ") + stWanted.Row().pcTitle, stRecord, vecAfter);
+        vecAfter = stWanted.optChange->Home().vecAfter;
+        bChanges = true;
     }
-    if (!stPlan.vecEncoded.empty()) {
+    if (bChanges) {
         stPlan.stRewrite = CompareImages(stDevice, stImage, vecAfter, [](const FIELD_ID_S &stField) {
             return stField.enArea == Area::MultiRecord;
         });
@@ -197,22 +180,33 @@ RECORD_PLAN_S PlanAccessRecords(const DEVICE_S &stDevice, const std::vector<WANT
     return stPlan;
 }
 
-// Every update is a merge and a device write of its own: no call queues a record without merging it.
-void WriteAccessRecords(const DEVICE_S &stDevice, RECORD_PLAN_S &stPlan, ProgressView *pstView)
+// Every update is a merge and a device write of its own: no call queues a record without merging it. One
+// that is there already is handed over as well; the merge finds that nothing changes.
+void WriteAccessRecords(const DEVICE_S &stDevice, const RECORD_PLAN_S &stPlan, ProgressView *pstView)
 {
     const Uninterrupted stUninterrupted;
-    const WriteProgress stProgress(pstView, "writing " + stDevice.Title());
-    ClearDiagnostics();
     std::vector<std::string> vecDone;
-    for (WANTED_RECORD_S &stWanted : stPlan.vecWanted) {
+    CHANGE_S stNow = PlanNothing(stDevice);
+    for (const WANTED_RECORD_S &stWanted : stPlan.vecWanted) {
+        std::vector<u8> vecValue = stWanted.vecValue;
         const FRU_MR_PARAM_S stParam = {FRU_MR_TYPE_MANAGEMENT_ACCESS, stWanted.ucSubType,
-                                        static_cast<u32>(stWanted.vecValue.size()), stWanted.vecValue.data()};
-        const u32 uiRet = FRU_innerUpdateMultiRecord(&stParam);
-        if (uiRet != FRU_OK) {
-            Fail(std::string(stWanted.Row().pcName) + " could not be written: " + MultiRecordStatus(uiRet) +
-                 Cause() + (vecDone.empty() ? "" : "; written before it: " + Join(vecDone, ", ")));
+                                        static_cast<u32>(vecValue.size()), vecValue.data()};
+        stNow = stWanted.optChange.value_or(stNow);
+        const OUTCOME_S stOutcome = ApplyChange(stNow, "writing " + stDevice.Title(), pstView,
+                                                [&] { return FRU_innerUpdateMultiRecord(&stParam); });
+        if (stOutcome.uiStatus != FRU_OK) {
+            Fail(std::string(stWanted.Row().pcName) +
+                 " could not be written: " + MultiRecordStatus(stOutcome.uiStatus) + stOutcome.Cause() +
+                 (vecDone.empty() ? "" : "; written before it: " + Join(vecDone, ", ")));
+        }
+        if (!stOutcome.strHomeDiffers.empty()) {
+            Fail("the library reports success, but " + stDevice.Title() + " does not hold the new records" +
+                 stOutcome.Cause() + "; 'fructl mr check' and 'fructl verify' tell what it holds");
+        }
+        if (!stOutcome.bCacheHolds) {
+            Fail(stDevice.Title() + " holds the new records, but its cached image could not be renewed" +
+                 stOutcome.Cause());
         }
         vecDone.emplace_back(stWanted.Row().pcName);
     }
-    CheckWritten(stDevice, stPlan, Cause());
 }

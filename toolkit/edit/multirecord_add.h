@@ -7,6 +7,7 @@
 #include "lib_fru_types.h"
 #include "toolkit/base/name_value.h"
 #include "toolkit/controller/device.h"
+#include "toolkit/edit/change.h"
 #include "toolkit/edit/progress.h"
 #include "toolkit/edit/rewrite.h"
 
@@ -27,7 +28,8 @@ struct WANTED_RECORD_S
     std::vector<u8> vecValue; // as the library takes it
     std::vector<u8> vecData;  // as the record stores it: sub-type and value
     RecordAction enAction;
-    std::vector<u8> vecOld; // the data that it replaces
+    std::vector<u8> vecOld;            // the data that it replaces
+    std::optional<CHANGE_S> optChange; // nothing: it is there already
 
     const SETTABLE_S &Row() const
     {
@@ -38,7 +40,6 @@ struct WANTED_RECORD_S
 struct RECORD_PLAN_S
 {
     std::vector<WANTED_RECORD_S> vecWanted;
-    std::vector<u8> vecEncoded; // the image that is in the device after the last of them; empty: none changes
     REWRITE_S stRewrite;
 };
 
@@ -49,6 +50,6 @@ WANTED_RECORD_S WantedRecord(const NAME_VALUE_S &stGiven);
 RECORD_PLAN_S PlanAccessRecords(const DEVICE_S &stDevice, const std::vector<WANTED_RECORD_S> &vecWanted);
 
 // Fails when the device or its cached image does not hold the records afterwards.
-void WriteAccessRecords(const DEVICE_S &stDevice, RECORD_PLAN_S &stPlan, ProgressView *pstView);
+void WriteAccessRecords(const DEVICE_S &stDevice, const RECORD_PLAN_S &stPlan, ProgressView *pstView);
 
 #endif

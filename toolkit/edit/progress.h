@@ -21,8 +21,8 @@ class ProgressView
 class WriteProgress
 {
   public:
-    // No view: nothing is told. Of a write in several calls, uiBytes from uiFirst on in the chip, the whole is
-    // told; else each call's own share.
+    // No view: nothing is told. Of a write in several calls, uiBytes from uiFirst on in the chip, the whole
+    // is told; else each call's own share.
     WriteProgress(ProgressView *pstView, std::string strWhat, u32 uiFirst = 0, u32 uiBytes = 0);
     ~WriteProgress();
     WriteProgress(const WriteProgress &) = delete;

@@ -6,8 +6,8 @@
 #include "toolkit/base/error.h"
 #include "toolkit/base/text.h"
 #include "toolkit/controller/controller.h"
-#include "toolkit/controller/diagnostics.h"
 #include "toolkit/controller/source.h"
+#include "toolkit/edit/change.h"
 #include "toolkit/image/image.h"
 #include "toolkit/image/layout.h"
 #include "toolkit/image/record.h"
@@ -50,6 +50,17 @@ bool HasValidHeader(const std::vector<u8> &vecBytes)
            FRU_ANALYZER_CheckValidHeader(vecBytes.data()) == FRU_OK;
 }
 
+// Where the header is damaged, the stored image over the beginning of the device; else it stays as it is. A
+// stored image of the FRU's size becomes the cached one too.
+CHANGE_S Plan(const DEVICE_S &stDevice, std::vector<u8> vecBytes)
+{
+    const std::optional<IMAGE_S> optStored = FindSource(stDevice, Source::Stored);
+    const bool bRestored = !HasValidHeader(vecBytes) && optStored.has_value();
+    const size_t uiStored = bRestored ? std::min(optStored->vecBytes.size(), vecBytes.size()) : 0U;
+    std::copy_n(bRestored ? optStored->vecBytes.begin() : vecBytes.begin(), uiStored, vecBytes.begin());
+    return PlanBytes(stDevice, vecBytes, bRestored && optStored->vecBytes.size() == vecBytes.size());
+}
+
 // Why the stored image could not help, in the order in which the recovery meets the reasons.
 std::string WhyNot(const DEVICE_S &stDevice, const std::vector<std::string> &vecSaid)
 {
@@ -76,14 +87,15 @@ Recovery Recover(const DEVICE_S &stDevice)
     const IMAGE_S stBefore = ReadTarget({stDevice, ""});
     const bool bWasValid = HasValidHeader(stBefore.vecBytes);
     Record stRecord;
-    u32 uiRet = FRU_OK;
-    {
+    const auto fnRecover = [&] {
         const CacheBypass stBypass(stDevice.stEntry.ucDeviceID);
-        ClearDiagnostics();
-        uiRet = LIB_FRU_GetFRUData(stDevice.stEntry.ucComponentType, stDevice.stEntry.ucInstance,
-                                   FRU_READ_MODE_RECOVER, FRU_READ_ARG_NONE, stRecord.Data());
-    }
-    const std::vector<std::string> vecSaid = TakeDiagnostics();
+        return LIB_FRU_GetFRUData(stDevice.stEntry.ucComponentType, stDevice.stEntry.ucInstance,
+                                  FRU_READ_MODE_RECOVER, FRU_READ_ARG_NONE, stRecord.Data());
+    };
+    const OUTCOME_S stOutcome =
+        ApplyChange(Plan(stDevice, stBefore.vecBytes), "restoring " + stDevice.Title(), nullptr, fnRecover);
+    const u32 uiRet = stOutcome.uiStatus;
+    const std::vector<std::string> &vecSaid = stOutcome.vecSaid;
     const std::string strStatus = uiRet == FRU_OK ? "" : StatusText(uiRet);
     const std::string strCannot = stDevice.Title() + " could not be restored: ";
     const IMAGE_S stAfter = ReadTarget({stDevice, ""});

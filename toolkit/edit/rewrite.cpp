@@ -3,17 +3,12 @@
 #include <algorithm>
 #include <map>
 
-#include "lib_fru.h"
-#include "toolkit/base/error.h"
 #include "toolkit/base/text.h"
-#include "toolkit/controller/diagnostics.h"
 #include "toolkit/controller/source.h"
 #include "toolkit/image/encoding.h"
 #include "toolkit/image/layout.h"
 
 namespace {
-
-constexpr u32 ROOM_MAX = 0xFFFFU;
 
 struct CONTENT_S
 {
@@ -96,86 +91,7 @@ void CompareContents(const Contents &mapOld, const Contents &mapNew, const IsMea
     }
 }
 
-// A text that the library cannot store again: it writes every text with 8 bits a character, so that binary
-// data takes twice its room.
-std::string WhyNotEncoded(const RECORD_VIEW_S &stView)
-{
-    for (const AREA_VIEW_S &stArea : stView.vecAreas) {
-        std::vector<std::pair<FIELD_ID_S, std::string>> vecTexts;
-        for (const FIELD_VIEW_S &stField : stArea.vecFields) {
-            vecTexts.push_back({{stArea.enArea, stField.enField}, stField.strText});
-        }
-        for (u32 i = 0; i < stArea.vecCustomFields.size(); i++) {
-            vecTexts.push_back({{stArea.enArea, Field::Custom, i}, stArea.vecCustomFields[i]});
-        }
-        for (const auto &[stField, strText] : vecTexts) {
-            if (strText.size() > FRU_FIELD_MAX_TEXT) {
-                return "the " + FieldName(stField) + " of its " + AreaName(stArea.enArea) +
-                       Format(" would be stored as %zu characters, and a length byte counts only to %u",
-                              strText.size(), FRU_FIELD_MAX_TEXT);
-            }
-        }
-    }
-    return "the record cannot be encoded" + Cause();
-}
-
 } // namespace
-
-std::string Cause()
-{
-    for (const std::string &strText : TakeDiagnostics()) {
-        if (strText.compare(0, 23U, "Not default type format") != 0) {
-            return " (the library says: " + strText + ")";
-        }
-    }
-    return "";
-}
-
-std::vector<u8> EncodeAnew(const DEVICE_S &stDevice, const std::string &strWhat, const Record &stRecord)
-{
-    const std::string strCannot = stDevice.Title() + ": no image can be made with " + strWhat + ": ";
-    const RECORD_VIEW_S stView = ViewRecord(*stRecord.Data());
-    if (stView.IsMultiRecordAreaDamaged()) {
-        Fail(strCannot + "its MultiRecords are damaged and could not be kept; 'fructl verify' tells where");
-    }
-    const u16 usSize = stDevice.stInfo.usSize;
-    std::vector<u8> vecBytes(ROOM_MAX); // zeroed: the encoder does not write the fill of its areas
-    ClearDiagnostics();
-    i32 iLength = FRU_ANALYZER_ConvertToArray(stRecord.Data(), usSize, vecBytes.data());
-    if (iLength < 0) {
-        const std::string strWhy = WhyNotEncoded(stView);
-        iLength = FRU_ANALYZER_ConvertToArray(stRecord.Data(), ROOM_MAX, vecBytes.data());
-        Fail(strCannot + (iLength < 0
-                              ? strWhy
-                              : Format("it would take %d bytes, and the FRU has %u", iLength, u32{usSize})));
-    }
-    vecBytes.resize(static_cast<size_t>(iLength));
-    return vecBytes;
-}
-
-std::vector<u8> Overlay(std::vector<u8> vecBytes, const std::vector<u8> &vecEncoded)
-{
-    std::copy(vecEncoded.begin(), vecEncoded.end(), vecBytes.begin());
-    return vecBytes;
-}
-
-void RequireReadable(const DEVICE_S &stDevice, const std::string &strWhat, const Record &stRecord,
-                     const std::vector<u8> &vecBytes)
-{
-    Record stRead;
-    ClearDiagnostics();
-    const u32 uiRet =
-        DecodeImage({Source::Eeprom, vecBytes, vecBytes.size()}, stDevice.HasFixedSlots(), stRead);
-    if (uiRet != FRU_OK) {
-        Fail(stDevice.Title() + ": with " + strWhat + " the image would not be readable any more: " +
-             StatusText(uiRet) + Cause() + "; an area must end before the FRU does");
-    }
-    if (ViewRecord(*stRead.Data()) != ViewRecord(*stRecord.Data())) {
-        Fail(stDevice.Title() + ": with " + strWhat +
-             " the image would read back differently: it holds a custom field of one character, whose length "
-             "byte is the mark that ends the fields");
-    }
-}
 
 REWRITE_S CompareImages(const DEVICE_S &stDevice, const IMAGE_S &stOld, const std::vector<u8> &vecNew,
                         const IsMeant &fnMeant)

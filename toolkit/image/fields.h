@@ -1,5 +1,5 @@
-// What a FRU image consists of: its areas, their fields, and where a decoded record keeps them. One table, walked by
-// whoever reads, shows, builds or names fields.
+// What a FRU image consists of: its areas, their fields, and where a decoded record keeps them. One table,
+// walked by whoever reads, shows, builds or names fields.
 #ifndef TOOLKIT_IMAGE_FIELDS_H
 #define TOOLKIT_IMAGE_FIELDS_H
 

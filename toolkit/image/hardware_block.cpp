@@ -9,6 +9,22 @@
 #include "toolkit/base/text.h"
 #include "toolkit/image/fields.h"
 
+namespace {
+
+// The block's bytes; the encoder computes both CRC-8 bytes.
+std::vector<u8> Encode(FRU_HW_DATA_S stData)
+{
+    std::vector<u8> vecBytes(FRU_HW_DATA_LEN);
+    const u32 uiRet =
+        FRU_ANALYZER_ConvertToHwArray(&stData, static_cast<u32>(vecBytes.size()), vecBytes.data());
+    if (uiRet != FRU_OK) {
+        Fail("the hardware block cannot be encoded: " + StatusText(uiRet));
+    }
+    return vecBytes;
+}
+
+} // namespace
+
 HardwareLabel HW_BLOCK_S::Label() const
 {
     HardwareLabel aucLabel = {};
@@ -24,13 +40,20 @@ HardwareLabel HW_BLOCK_S::Label() const
 
 HW_BLOCK_S MakeHardwareBlock(const FRU_HW_DATA_S &stData)
 {
-    FRU_HW_DATA_S stCopy = stData; // the encoder sets both CRC-8 bytes of the record that it is given
-    u8 aucBytes[FRU_HW_DATA_LEN] = {};
-    const u32 uiRet = FRU_ANALYZER_ConvertToHwArray(&stCopy, sizeof(aucBytes), aucBytes);
-    if (uiRet != FRU_OK) {
-        Fail("the hardware block cannot be encoded: " + StatusText(uiRet));
-    }
-    return {stData, stCopy.stHwBoardInfo.ucBoardCrc8, stCopy.stHwDiagInfo.ucDiagCrc8};
+    FRU_HW_DATA_S stGood = {};
+    const std::vector<u8> vecBytes = Encode(stData);
+    memcpy(&stGood, vecBytes.data(), sizeof(stGood));
+    return {stData, stGood.stHwBoardInfo.ucBoardCrc8, stGood.stHwDiagInfo.ucDiagCrc8};
+}
+
+std::vector<u8> HardwareBlockBytes(const FRU_HW_DATA_S &stData, const HardwareLabel &aucLabel)
+{
+    FRU_HW_DATA_S stNew = stData;
+    memcpy(stNew.stHwBoardInfo.aucBoardType, aucLabel.data(), sizeof(stNew.stHwBoardInfo.aucBoardType));
+    stNew.stHwBoardInfo.ucPCBVer = aucLabel[4];
+    stNew.stHwBoardInfo.ucEEPROMVer = aucLabel[5];
+    stNew.stHwBoardInfo.ucCPLDVer = aucLabel[6];
+    return Encode(stNew);
 }
 
 bool IsHardwareBlock(const std::vector<u8> &vecImage, size_t uiStored)

@@ -35,6 +35,9 @@ struct HW_BLOCK_S
 
 HW_BLOCK_S MakeHardwareBlock(const FRU_HW_DATA_S &stData);
 
+// The block's bytes with another label, both CRC-8 bytes computed anew.
+std::vector<u8> HardwareBlockBytes(const FRU_HW_DATA_S &stData, const HardwareLabel &aucLabel);
+
 // 32 bytes without the header of a FRU image: a device's size is all that tells one from the other.
 bool IsHardwareBlock(const std::vector<u8> &vecImage, size_t uiStored);
 

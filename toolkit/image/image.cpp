@@ -46,13 +46,18 @@ std::optional<size_t> FirstDifference(const IMAGE_S &stLeft, const IMAGE_S &stRi
     return std::nullopt;
 }
 
+IMAGE_S FileImage(std::vector<u8> vecBytes)
+{
+    const size_t uiStored = vecBytes.size();
+    vecBytes.resize(uiStored + FILE_PADDING, 0xFFU);
+    return {Source::File, std::move(vecBytes), uiStored};
+}
+
 IMAGE_S ReadImage(const std::string &strFile)
 {
-    IMAGE_S stImage = {Source::File, ReadImageFile(strFile), 0U};
-    stImage.uiStored = stImage.vecBytes.size();
-    if (stImage.vecBytes.empty()) {
+    const std::vector<u8> vecBytes = ReadImageFile(strFile);
+    if (vecBytes.empty()) {
         Fail("the image file " + EscapeText(strFile) + " is empty");
     }
-    stImage.vecBytes.resize(stImage.uiStored + FILE_PADDING, 0xFFU);
-    return stImage;
+    return FileImage(vecBytes);
 }

@@ -34,6 +34,9 @@ IMAGE_LAYOUT_S LayoutOf(const IMAGE_S &stImage, bool bFixedSlots);
 // count: there the library fills the cached image with zeros, and leaves the EEPROM as it was.
 std::optional<size_t> FirstDifference(const IMAGE_S &stLeft, const IMAGE_S &stRight, bool bFixedSlots);
 
+// A file's bytes as an image: with what would stand behind them in a larger EEPROM.
+IMAGE_S FileImage(std::vector<u8> vecBytes);
+
 // A file's image.
 IMAGE_S ReadImage(const std::string &strFile);
 

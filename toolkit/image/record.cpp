@@ -1,19 +1,39 @@
 #include "toolkit/image/record.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <cstring>
+#include <new>
 
 #include "toolkit/image/multirecord.h"
 #include "toolkit/image/names.h"
 
 namespace {
 
+constexpr u8 AREA_VERSION = 1U;
+
 // Pointers of the packed record are not aligned.
-template <typename TYPE> TYPE MemberAt(const FRU_DATA_S &stData, size_t uiOffset)
+const void *PointerAt(const FRU_DATA_S &stData, size_t uiOffset)
 {
-    TYPE Value = {};
-    memcpy(&Value, reinterpret_cast<const u8 *>(&stData) + uiOffset, sizeof(Value));
-    return Value;
+    const void *pMember = nullptr;
+    memcpy(&pMember, reinterpret_cast<const u8 *>(&stData) + uiOffset, sizeof(pMember));
+    return pMember;
+}
+
+const char *TextAt(const FRU_DATA_S &stData, size_t uiOffset)
+{
+    return static_cast<const char *>(PointerAt(stData, uiOffset));
+}
+
+// An area's custom fields; null for one that has none.
+const char *const *CustomFieldsOf(const FRU_DATA_S &stData, const AREA_ROW_S &stArea, u32 &uiCount)
+{
+    uiCount = 0U;
+    if (!stArea.HasCustomFields()) {
+        return nullptr;
+    }
+    uiCount = reinterpret_cast<const u8 *>(&stData)[stArea.stCustom.uiCount];
+    return static_cast<const char *const *>(PointerAt(stData, stArea.stCustom.uiOffset));
 }
 
 std::string Text(const char *pcText)
@@ -31,7 +51,7 @@ FIELD_VIEW_S ViewField(const FRU_DATA_S &stData, const FIELD_ROW_S &stRow)
         return {stRow.enField, MfgDateText(pucMember),
                 pucMember[0] | static_cast<u32>(pucMember[1]) << 8U | static_cast<u32>(pucMember[2]) << 16U};
     default:
-        return {stRow.enField, Text(MemberAt<const char *>(stData, stRow.uiOffset))};
+        return {stRow.enField, Text(TextAt(stData, stRow.uiOffset))};
     }
 }
 
@@ -41,12 +61,9 @@ AREA_VIEW_S ViewArea(const FRU_DATA_S &stData, const AREA_ROW_S &stArea)
     for (const FIELD_ROW_S &stRow : stArea.vecFields) {
         stView.vecFields.push_back(ViewField(stData, stRow));
     }
-    if (!stArea.HasCustomFields()) {
-        return stView;
-    }
-    const char *const *ppcFields = MemberAt<const char *const *>(stData, stArea.stCustom.uiOffset);
-    const u8 ucCount = MemberAt<u8>(stData, stArea.stCustom.uiCount);
-    for (u32 i = 0; ppcFields != nullptr && i < ucCount; i++) {
+    u32 uiCount = 0U;
+    const char *const *ppcFields = CustomFieldsOf(stData, stArea, uiCount);
+    for (u32 i = 0; ppcFields != nullptr && i < uiCount; i++) {
         stView.vecCustomFields.push_back(Text(ppcFields[i]));
     }
     return stView;
@@ -68,6 +85,38 @@ MULTIRECORD_VIEW_S ViewMultiRecord(const FRU_MULTIRECORD_S &stRecord)
 }
 
 } // namespace
+
+u8 *Record::At(size_t uiOffset)
+{
+    return reinterpret_cast<u8 *>(&m_stData) + uiOffset;
+}
+
+void Record::Store(size_t uiOffset, const void *pBuffer)
+{
+    memcpy(At(uiOffset), &pBuffer, sizeof(pBuffer)); // members of the packed record are not aligned
+}
+
+void Record::AddArea(const AREA_ROW_S &stRow)
+{
+    MarkArea(m_stData, stRow.enArea);
+    *At(stRow.uiVersion) = AREA_VERSION;
+}
+
+void *HeapBuffer(size_t uiCount, size_t uiSize)
+{
+    void *pBuffer = calloc(uiCount, uiSize); // the record releases it with free()
+    if (pBuffer == nullptr) {
+        throw std::bad_alloc();
+    }
+    return pBuffer;
+}
+
+u8 *HeapText(const std::string &strText, size_t uiSize)
+{
+    u8 *pucText = static_cast<u8 *>(HeapBuffer(uiSize, 1U));
+    memcpy(pucText, strText.data(), strText.size());
+    return pucText;
+}
 
 const FIELD_VIEW_S *AREA_VIEW_S::Find(Field enField) const
 {
@@ -132,16 +181,14 @@ std::optional<std::string> RecordText(const FRU_DATA_S &stData, const FIELD_ID_S
     const AREA_ROW_S *pstArea = FindAreaRow(stField.enArea);
     const char *pcText = nullptr;
     if (pstArea != nullptr && stField.enField == Field::Custom) {
-        const CUSTOM_ROW_S &stCustom = pstArea->stCustom;
-        const char *const *ppcFields =
-            pstArea->HasCustomFields() ? MemberAt<const char *const *>(stData, stCustom.uiOffset) : nullptr;
-        const bool bThere = ppcFields != nullptr && stField.uiIndex < MemberAt<u8>(stData, stCustom.uiCount);
-        pcText = bThere ? ppcFields[stField.uiIndex] : nullptr;
+        u32 uiCount = 0U;
+        const char *const *ppcFields = CustomFieldsOf(stData, *pstArea, uiCount);
+        pcText = ppcFields != nullptr && stField.uiIndex < uiCount ? ppcFields[stField.uiIndex] : nullptr;
     } else if (pstArea != nullptr) {
         for (const FIELD_ROW_S &stRow : pstArea->vecFields) {
             const bool bText = stRow.enKind == Kind::Text || stRow.enKind == Kind::ChassisType;
             if (stRow.enField == stField.enField && bText) {
-                pcText = MemberAt<const char *>(stData, stRow.uiOffset);
+                pcText = TextAt(stData, stRow.uiOffset);
             }
         }
     }

@@ -30,9 +30,20 @@ class Record
         return &m_stData;
     }
 
+    // The member at an offset of the table of fields.
+    u8 *At(size_t uiOffset);
+    // Stores a pointer there, which the record owns from now on: a heap buffer.
+    void Store(size_t uiOffset, const void *pBuffer);
+    // Marks an area as there, in the one version that there is.
+    void AddArea(const AREA_ROW_S &stRow);
+
   private:
     FRU_DATA_S m_stData = {};
 };
+
+// Buffers as a record owns them: zeroed, and a text in one of uiSize bytes.
+void *HeapBuffer(size_t uiCount, size_t uiSize);
+u8 *HeapText(const std::string &strText, size_t uiSize);
 
 struct FIELD_VIEW_S
 {

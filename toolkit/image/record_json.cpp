@@ -1,9 +1,7 @@
 #include "toolkit/image/record_json.h"
 
 #include <cstddef>
-#include <cstdlib>
 #include <cstring>
-#include <new>
 
 #include "lib_fru.h"
 #include "toolkit/base/text.h"
@@ -18,35 +16,6 @@ namespace {
 constexpr size_t TEXT_MAX = FRU_FIELD_MAX_TEXT;
 constexpr size_t CUSTOM_FIELDS_MAX = 255U;
 constexpr u32 MINUTES_MAX = 0xFFFFFFU;
-constexpr u8 AREA_VERSION = 1U;
-
-u8 *At(Record &stRecord, size_t uiOffset)
-{
-    return reinterpret_cast<u8 *>(stRecord.Data()) + uiOffset;
-}
-
-// The record releases its buffers with free().
-void *Allocate(size_t uiCount, size_t uiSize)
-{
-    void *pBuffer = calloc(uiCount, uiSize);
-    if (pBuffer == nullptr) {
-        throw std::bad_alloc();
-    }
-    return pBuffer;
-}
-
-u8 *HeapText(const std::string &strText, size_t uiSize)
-{
-    u8 *pucText = static_cast<u8 *>(Allocate(uiSize, 1U));
-    memcpy(pucText, strText.data(), strText.size());
-    return pucText;
-}
-
-// Pointers of the packed record are not aligned.
-void StorePointer(Record &stRecord, size_t uiOffset, const void *pPointer)
-{
-    memcpy(At(stRecord, uiOffset), &pPointer, sizeof(pPointer));
-}
 
 // A text as the record keeps it. bListed: it stands in a list of fields, which the byte 0xc1 would end.
 std::string Latin1Text(const JsonNode &stNode, bool bListed)
@@ -90,10 +59,10 @@ void FillCustomFields(const JsonNode &stArea, const AREA_ROW_S &stRow, Record &s
     if (vecFields.empty()) {
         return;
     }
-    u8 **ppucFields = static_cast<u8 **>(Allocate(vecFields.size(), sizeof(u8 *)));
+    u8 **ppucFields = static_cast<u8 **>(HeapBuffer(vecFields.size(), sizeof(u8 *)));
     // The record owns the array from here on, also when a field of it is refused.
-    StorePointer(stRecord, stRow.stCustom.uiOffset, ppucFields);
-    *At(stRecord, stRow.stCustom.uiCount) = static_cast<u8>(vecFields.size());
+    stRecord.Store(stRow.stCustom.uiOffset, ppucFields);
+    *stRecord.At(stRow.stCustom.uiCount) = static_cast<u8>(vecFields.size());
     for (size_t i = 0; i < vecFields.size(); i++) {
         const std::string strText = Latin1Text(vecFields[i], true);
         ppucFields[i] = HeapText(strText, strText.size() + 1U);
@@ -116,7 +85,7 @@ void FillText(const JsonNode &stArea, const AREA_ROW_S &stRow, const FIELD_ROW_S
     // A single character does no harm where no list of fields follows.
     const std::string strText =
         stArea.Has(pcKey) ? Latin1Text(stArea.Member(pcKey), stRow.HasCustomFields()) : "";
-    StorePointer(stRecord, stField.uiOffset, HeapText(strText, strText.size() + 1U));
+    stRecord.Store(stField.uiOffset, HeapText(strText, strText.size() + 1U));
 }
 
 u8 LanguageOf(const JsonNode &stArea, const char *pcKey, const char *pcNumberKey)
@@ -163,7 +132,7 @@ void FillMfgDate(const JsonNode &stArea, const FIELD_ROW_S &stField, Record &stR
                                            pcNumberKey);
         }
     }
-    memcpy(At(stRecord, stField.uiOffset), aucDate, sizeof(aucDate));
+    memcpy(stRecord.At(stField.uiOffset), aucDate, sizeof(aucDate));
 }
 
 void FillChassisType(const JsonNode &stArea, const FIELD_ROW_S &stField, Record &stRecord)
@@ -176,7 +145,7 @@ void FillChassisType(const JsonNode &stArea, const FIELD_ROW_S &stField, Record 
         stArea.RefuseMember(pcKey, "'" + EscapeText(strName) +
                                        "' is no chassis type; accepted: " + Join(vecNames, ", "));
     }
-    StorePointer(stRecord, stField.uiOffset, HeapText(strName, BUFFER));
+    stRecord.Store(stField.uiOffset, HeapText(strName, BUFFER));
 }
 
 // What is no text, or one of a list.
@@ -187,7 +156,7 @@ void FillCoded(const JsonNode &stArea, const FIELD_ROW_S &stField, Record &stRec
         FillChassisType(stArea, stField, stRecord);
         break;
     case Kind::Language:
-        *At(stRecord, stField.uiOffset) =
+        *stRecord.At(stField.uiOffset) =
             LanguageOf(stArea, FieldKey(stField.enField), NumberKey(stField.enField));
         break;
     case Kind::MfgDate:
@@ -216,8 +185,7 @@ void FillArea(const JsonNode &stDocument, const AREA_ROW_S &stRow, Record &stRec
         vecNames.push_back(FieldKey(Field::Custom));
     }
     stArea.RequireObject(vecNames);
-    MarkArea(*stRecord.Data(), stRow.enArea);
-    *At(stRecord, stRow.uiVersion) = AREA_VERSION;
+    stRecord.AddArea(stRow);
     for (const FIELD_ROW_S &stField : stRow.vecFields) {
         if (stField.enKind == Kind::Text) {
             FillText(stArea, stRow, stField, stRecord);

@@ -17,7 +17,7 @@ constexpr const char *EXAMPLES = R"(Examples:
   fructl provision examples/controller.json    make a controller on your desk
   fructl list                                  its devices
   fructl show baseboard                        one device, decoded
-  fructl show examples/psu.hex                 the same for an image file
+  fructl show examples/psu1.hex                the same for an image file
   fructl COMMAND --help                        what a command takes
 
 A DEVICE is TYPE:INSTANCE (such as 0x30:0), a device's name or, where no --id is given, an image file.

@@ -68,7 +68,9 @@ void RunAssemble(const SESSION_S &stSession, const ASSEMBLE_S &stOptions)
     }
     const std::vector<NAME_VALUE_S> vecGiven = ParseNameValues(vecTexts, AssemblyTexts());
     CheckAssembly(stDevice, vecGiven, stOptions.bForce);
-    if (!stOptions.bDryRun) {
+    if (stOptions.bDryRun) {
+        (void)PlanAssembly(stDevice, vecGiven);
+    } else {
         const RootLock stLock(stSession);
         Assemble(stDevice, vecGiven);
     }

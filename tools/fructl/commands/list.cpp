@@ -6,40 +6,20 @@
 #include "toolkit/base/text.h"
 #include "toolkit/controller/device.h"
 #include "toolkit/controller/device_json.h"
-#include "toolkit/controller/source.h"
-#include "toolkit/image/image.h"
-#include "toolkit/image/layout.h"
+#include "toolkit/controller/state.h"
 
 namespace {
 
-struct STATE_S
+const char *ImageWord(ImageState enState)
 {
-    const char *pcImage; // "sound", "damaged", "erased", "unreadable", "no record"
-    const char *pcCache; // "none", "same", "differs", "not trusted", "only"
-};
+    static const char *const apcWords[] = {"sound", "damaged", "erased", "unreadable", "no record"};
+    return apcWords[static_cast<size_t>(enState)];
+}
 
-STATE_S StateOf(const DEVICE_S &stDevice)
+const char *CacheWord(CacheState enState)
 {
-    if (!stDevice.bHasInfo) {
-        return {"no record", "none"};
-    }
-    const std::optional<IMAGE_S> optCached = FindSource(stDevice, Source::Cache);
-    std::optional<IMAGE_S> optImage = optCached;
-    const char *pcCache = "only";
-    if (!stDevice.IsDatabaseOnly()) {
-        optImage = FindSource(stDevice, Source::Eeprom);
-        const bool bSame = optImage.has_value() && optCached.has_value() &&
-                           !FirstDifference(*optImage, *optCached, stDevice.HasFixedSlots()).has_value();
-        pcCache = !optCached.has_value()      ? "none"
-                  : !IsCacheTrusted(stDevice) ? "not trusted"
-                  : bSame                     ? "same"
-                                              : "differs";
-    }
-    if (!optImage.has_value()) {
-        return {"unreadable", pcCache};
-    }
-    const IMAGE_LAYOUT_S stLayout = LayoutOf(*optImage, stDevice.HasFixedSlots());
-    return {stLayout.bErased ? "erased" : stLayout.IsSound() ? "sound" : "damaged", pcCache};
+    static const char *const apcWords[] = {"none", "same", "differs", "not trusted", "only"};
+    return apcWords[static_cast<size_t>(enState)];
 }
 
 void RunList(const SESSION_S &stSession)
@@ -50,8 +30,8 @@ void RunList(const SESSION_S &stSession)
     for (const DEVICE_S &stDevice : vecDevices) {
         const FRU_DEVICE_INFO_S &stInfo = stDevice.stInfo;
         const STATE_S stState = StateOf(stDevice);
-        const std::string strImage = stState.pcImage;
-        const std::string strCache = stState.pcCache;
+        const std::string strImage = ImageWord(stState.enImage);
+        const std::string strCache = CacheWord(stState.enCache);
         Json stJson = DeviceJson(stDevice);
         stJson.update({{"bus", stInfo.ucBusNumber},
                        {"address", stInfo.ucAddress},
@@ -67,8 +47,8 @@ void RunList(const SESSION_S &stSession)
                      Format("%u", stDevice.stEntry.ucInstance), Format("%u", stInfo.ucBusNumber),
                      Format("0x%02x", stInfo.ucAddress), Format("%u", stInfo.usSize), strImage, strCache},
                     {Colour::None, Colour::Cyan, Colour::None, Colour::None, Colour::None, Colour::None,
-                     Colour::None, strImage == "sound" ? Colour::Green : Colour::Red,
-                     strCache == "differs" ? Colour::Yellow : Colour::Dim});
+                     Colour::None, stState.enImage == ImageState::Sound ? Colour::Green : Colour::Red,
+                     stState.enCache == CacheState::Differs ? Colour::Yellow : Colour::Dim});
     }
     if (stSession.bJson) {
         PrintJson({{"devices", stList}});

@@ -9,6 +9,7 @@
 #include "toolkit/controller/diagnostics.h"
 #include "toolkit/controller/root_lock.h"
 #include "toolkit/controller/target.h"
+#include "toolkit/edit/raw_write.h"
 #include "toolkit/image/names.h"
 
 // fructl raw: the IPMI FRU commands, bytes in and bytes out.
@@ -61,7 +62,7 @@ void RunInfo(const SESSION_S &stSession, const TARGET_OPTIONS_S &stOptions)
     const RootLock stLock(stSession);
     vecResponse.resize(
         LIB_FRU_GetFRUAreaInfo(vecRequest.data(), static_cast<u32>(vecRequest.size()), vecResponse.data()));
-    ReportExchange(stSession, "Get FRU Inventory Area Info", vecRequest, vecResponse);
+    ReportExchange(stSession, "Get FRU Inventory Area Info", vecRequest, vecResponse, DiagnosticHint());
 }
 
 void RunRead(const SESSION_S &stSession, const RAW_READ_S &stOptions)
@@ -74,7 +75,7 @@ void RunRead(const SESSION_S &stSession, const RAW_READ_S &stOptions)
     std::vector<u8> vecResponse(RESPONSE_MAX);
     vecResponse.resize(
         LIB_FRU_ReadFRUData(vecRequest.data(), static_cast<u8>(vecRequest.size()), vecResponse.data(), 0U));
-    ReportExchange(stSession, "Read FRU Data", vecRequest, vecResponse);
+    ReportExchange(stSession, "Read FRU Data", vecRequest, vecResponse, DiagnosticHint());
 }
 
 void RunWrite(const SESSION_S &stSession, const RAW_WRITE_S &stOptions)
@@ -86,11 +87,9 @@ void RunWrite(const SESSION_S &stSession, const RAW_WRITE_S &stOptions)
     vecRequest[1] = static_cast<u8>(uiOffset);
     vecRequest[2] = static_cast<u8>(uiOffset >> 8U);
     std::copy(vecData.begin(), vecData.end(), vecRequest.begin() + 3);
-    std::vector<u8> vecResponse(RESPONSE_MAX);
     const RootLock stLock(stSession);
-    vecResponse.resize(
-        LIB_FRU_WriteFRUData(vecRequest.data(), static_cast<u32>(vecRequest.size()), vecResponse.data()));
-    ReportExchange(stSession, "Write FRU Data", vecRequest, vecResponse);
+    const RAW_ANSWER_S stAnswer = WriteRaw(stSession, vecRequest);
+    ReportExchange(stSession, "Write FRU Data", vecRequest, stAnswer.vecResponse, stAnswer.strHint);
 }
 
 void AddWrite(CLI::App &stRaw, SESSION_S &stSession)
@@ -126,7 +125,7 @@ u32 NumberOption(const char *pcOption, const std::string &strText, u32 uiMax)
 }
 
 void ReportExchange(const SESSION_S &stSession, const char *pcCommand, const std::vector<u8> &vecRequest,
-                    const std::vector<u8> &vecResponse)
+                    const std::vector<u8> &vecResponse, const std::string &strHint)
 {
     const u8 ucCode = vecResponse.empty() ? 0xFFU : vecResponse[0];
     const std::string strCode = Format("0x%02x (%s)", ucCode, CompletionCodeName(ucCode));
@@ -142,7 +141,7 @@ void ReportExchange(const SESSION_S &stSession, const char *pcCommand, const std
               Paint(ucCode == 0U ? Colour::Green : Colour::Red, strCode) + "\n");
     }
     if (ucCode != 0U) {
-        Fail(std::string(pcCommand) + " ended with completion code " + strCode + DiagnosticHint());
+        Fail(std::string(pcCommand) + " ended with completion code " + strCode + strHint);
     }
 }
 

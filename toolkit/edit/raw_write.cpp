@@ -1,0 +1,68 @@
+#include "toolkit/edit/raw_write.h"
+
+#include <algorithm>
+
+#include "lib_fru.h"
+#include "toolkit/base/error.h"
+#include "toolkit/controller/device.h"
+#include "toolkit/controller/diagnostics.h"
+#include "toolkit/edit/change.h"
+
+namespace {
+
+constexpr size_t RESPONSE_MAX = 2U; // completion code and count
+constexpr size_t HEADER_LEN = 3U;   // device ID and offset
+
+// The device that the request names; nothing when the controller has none of that ID, or no devices at all.
+std::optional<DEVICE_S> FindDevice(const CONTROLLER_S &stController, u8 ucDeviceID)
+{
+    try {
+        for (const DEVICE_S &stDevice : LoadDevices(stController)) {
+            if (stDevice.stEntry.ucDeviceID == ucDeviceID && stDevice.bHasInfo) {
+                return stDevice;
+            }
+        }
+    } catch (const Error &) {
+        // The command has an answer for that too.
+    }
+    return std::nullopt;
+}
+
+// Each place with the request's bytes in it.
+void Patch(std::optional<PART_S> &optPart, const std::vector<u8> &vecRequest)
+{
+    if (!optPart.has_value() || !optPart->optBefore.has_value()) {
+        return;
+    }
+    optPart->vecAfter = *optPart->optBefore;
+    const size_t uiOffset = vecRequest[1] | static_cast<size_t>(vecRequest[2]) << 8U;
+    if (uiOffset + vecRequest.size() - HEADER_LEN <= optPart->vecAfter.size()) {
+        std::copy(vecRequest.begin() + HEADER_LEN, vecRequest.end(),
+                  optPart->vecAfter.begin() + static_cast<std::ptrdiff_t>(uiOffset));
+    }
+}
+
+} // namespace
+
+RAW_ANSWER_S WriteRaw(const CONTROLLER_S &stController, const std::vector<u8> &vecRequest)
+{
+    RAW_ANSWER_S stAnswer = {std::vector<u8>(RESPONSE_MAX), ""};
+    const auto fnWrite = [&] {
+        stAnswer.vecResponse.resize(LIB_FRU_WriteFRUData(
+            vecRequest.data(), static_cast<u32>(vecRequest.size()), stAnswer.vecResponse.data()));
+        return u32{FRU_OK};
+    };
+    const std::optional<DEVICE_S> optDevice = FindDevice(stController, vecRequest[0]);
+    if (!optDevice.has_value()) {
+        ClearDiagnostics();
+        (void)fnWrite();
+        stAnswer.strHint = DiagnosticHint();
+        return stAnswer;
+    }
+    CHANGE_S stChange = PlanBytes(*optDevice, {}, true);
+    Patch(stChange.optEeprom, vecRequest);
+    Patch(stChange.optCache, vecRequest);
+    // The completion code is all that the command tells; who sends it wants the bytes as they are.
+    stAnswer.strHint = ApplyChange(stChange, "writing " + optDevice->Title(), nullptr, fnWrite).Hint();
+    return stAnswer;
+}
