@@ -1,5 +1,5 @@
 // A FRU image from a block of label texts, into the cache.
-#include "lib_fru_assemble_module.h"
+#include "lib_fru_assemble/lib_fru_assemble_module.h"
 
 #include <cstring>
 

@@ -6,7 +6,7 @@
 #include "lib_fru_cache.h"
 
 #include "bmc_db.h"
-#include "lib_fru_db_module.h"
+#include "lib_fru_db/lib_fru_db_module.h"
 
 namespace {
 

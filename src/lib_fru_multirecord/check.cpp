@@ -1,5 +1,5 @@
 // The validator of record lists, in memory and as raw area bytes.
-#include "lib_fru_multirecord_module.h"
+#include "lib_fru_multirecord/lib_fru_multirecord_module.h"
 
 #include <cstdio>
 

@@ -1,5 +1,5 @@
 // Single MultiRecords: built from a caller's value, copied into a FRU table.
-#include "lib_fru_multirecord_module.h"
+#include "lib_fru_multirecord/lib_fru_multirecord_module.h"
 
 #include <algorithm>
 #include <cstring>

@@ -1,13 +1,13 @@
 // The store of queued MultiRecords. Nothing is printed and no message made while the mutex is held: either
 // may block for ever (a full pipe, a log that is stuck), and the mutex is waited for without a limit.
-#include "store.h"
+#include "lib_fru_multirecord/store.h"
 
 #include <cstring>
 
 #include <pthread.h>
 #include <time.h>
 
-#include "store_state.h"
+#include "lib_fru_multirecord/store_state.h"
 
 FRU_INNER_MR_STORE_S g_stInnerMRStore;
 

@@ -7,7 +7,7 @@
 #ifndef LIB_FRU_MULTIRECORD_STORE_H
 #define LIB_FRU_MULTIRECORD_STORE_H
 
-#include "lib_fru_multirecord_module.h"
+#include "lib_fru_multirecord/lib_fru_multirecord_module.h"
 
 #define FRU_MR_USER_WAIT_S 5U
 #define FRU_MR_DESTROY_WAIT_S 10U

@@ -4,7 +4,7 @@
 
 #include <semaphore.h>
 
-#include "store.h"
+#include "lib_fru_multirecord/store.h"
 
 // Not packed: it holds a semaphore.
 typedef struct

@@ -1,11 +1,11 @@
 // The merge of all queued records into the main FRU's MultiRecord table, and its write.
-#include "lib_fru_multirecord_module.h"
+#include "lib_fru_multirecord/lib_fru_multirecord_module.h"
 
 #include <cstdio>
 
 #include "lib_fru_access.h"
 #include "lib_fru_codec.h"
-#include "store.h"
+#include "lib_fru_multirecord/store.h"
 
 namespace {
 

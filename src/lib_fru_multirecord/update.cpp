@@ -1,9 +1,9 @@
 // One record from another service into the store, then a merge of the whole store.
-#include "lib_fru_multirecord_module.h"
+#include "lib_fru_multirecord/lib_fru_multirecord_module.h"
 
 #include <cstdio>
 
-#include "store.h"
+#include "lib_fru_multirecord/store.h"
 
 namespace {
 

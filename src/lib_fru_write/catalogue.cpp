@@ -1,11 +1,11 @@
 // The label catalogue: which labels there are, and which of them a device accepts.
-#include "catalogue.h"
+#include "lib_fru_write/catalogue.h"
 
 #include <cstring>
 
-#include "label_rows.h"
 #include "lib_fru_labels.h"
-#include "lib_fru_write_module.h"
+#include "lib_fru_write/label_rows.h"
+#include "lib_fru_write/lib_fru_write_module.h"
 
 namespace {
 

@@ -2,11 +2,11 @@
 // the device's field flag is looked at, on purpose.
 #include <cstring>
 
-#include "catalogue.h"
-#include "label_block.h"
 #include "lib_fru_hardware.h"
 #include "lib_fru_labels.h"
-#include "lib_fru_write_module.h"
+#include "lib_fru_write/catalogue.h"
+#include "lib_fru_write/label_block.h"
+#include "lib_fru_write/lib_fru_write_module.h"
 
 namespace {
 

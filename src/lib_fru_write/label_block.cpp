@@ -1,14 +1,14 @@
 // The request block of the label writes: its bounded texts, its outputs, and the sentences for
 // the operation log.
-#include "label_block.h"
+#include "lib_fru_write/label_block.h"
 
 #include <cstring>
 
-#include "catalogue.h"
 #include "common/text.h"
 #include "lib_fru_access.h"
 #include "lib_fru_labels.h"
-#include "lib_fru_write_module.h"
+#include "lib_fru_write/catalogue.h"
+#include "lib_fru_write/lib_fru_write_module.h"
 
 namespace {
 

@@ -2,13 +2,13 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "catalogue.h"
-#include "label_block.h"
 #include "lib_fru_access.h"
 #include "lib_fru_analyzer/chassis_type.h"
 #include "lib_fru_labels.h"
-#include "lib_fru_write_module.h"
-#include "value_forms.h"
+#include "lib_fru_write/catalogue.h"
+#include "lib_fru_write/label_block.h"
+#include "lib_fru_write/lib_fru_write_module.h"
+#include "lib_fru_write/value_forms.h"
 
 namespace {
 

@@ -3,9 +3,9 @@
 #ifndef LIB_FRU_WRITE_LABEL_ROWS_H
 #define LIB_FRU_WRITE_LABEL_ROWS_H
 
-#include "catalogue.h"
 #include "lib_fru_analyzer/fields.h"
 #include "lib_fru_labels.h"
+#include "lib_fru_write/catalogue.h"
 
 // What setting a label changes in the record.
 constexpr FRU_TARGET_S FRU_SetsText(FRU_FIELD_ID eField)

@@ -1,14 +1,14 @@
 // The steps of a label write: read the record, check the request, put the value in, write the record back.
 #include <cstring>
 
-#include "catalogue.h"
 #include "common/text.h"
-#include "label_block.h"
 #include "lib_fru_access.h"
 #include "lib_fru_analyzer/fields.h"
 #include "lib_fru_codec.h"
 #include "lib_fru_labels.h"
-#include "lib_fru_write_module.h"
+#include "lib_fru_write/catalogue.h"
+#include "lib_fru_write/label_block.h"
+#include "lib_fru_write/lib_fru_write_module.h"
 
 namespace {
 

@@ -2,12 +2,12 @@
 #include <cstring>
 
 #include "common/text.h"
-#include "label_block.h"
 #include "lib_fru_access.h"
 #include "lib_fru_codec.h"
 #include "lib_fru_events.h"
 #include "lib_fru_labels.h"
-#include "lib_fru_write_module.h"
+#include "lib_fru_write/label_block.h"
+#include "lib_fru_write/lib_fru_write_module.h"
 
 namespace {
 

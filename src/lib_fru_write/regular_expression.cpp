@@ -1,9 +1,9 @@
-#include "regular_expression.h"
+#include "lib_fru_write/regular_expression.h"
 
 #include <locale.h>
 #include <regex.h>
 
-#include "lib_fru_write_module.h"
+#include "lib_fru_write/lib_fru_write_module.h"
 
 u32 checkRegularExpressionCorrect(const char *pcValue, const char *pcPattern)
 {

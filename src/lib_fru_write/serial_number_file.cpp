@@ -6,7 +6,7 @@
 
 #include "common/file_access.h"
 #include "lib_fru_labels.h"
-#include "lib_fru_write_module.h"
+#include "lib_fru_write/lib_fru_write_module.h"
 
 namespace {
 

@@ -2,9 +2,9 @@
 // the value and no I/O.
 #include <cstdlib>
 
-#include "label_rows.h"
 #include "lib_fru_dates.h"
-#include "lib_fru_write_module.h"
+#include "lib_fru_write/label_rows.h"
+#include "lib_fru_write/lib_fru_write_module.h"
 
 namespace {
 

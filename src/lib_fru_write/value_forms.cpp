@@ -1,6 +1,6 @@
 // Matchers by hand: a compiled expression would cost a thousand times as much and ask the locale what a digit
 // is.
-#include "value_forms.h"
+#include "lib_fru_write/value_forms.h"
 
 namespace {
 

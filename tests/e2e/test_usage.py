@@ -7,7 +7,7 @@ import subprocess
 import time
 import unittest
 
-from support import BASEBOARD_EEPROM, COMMAND, EXAMPLES, Environment, FructlTest, HANG_SECONDS, Run
+from support import BASEBOARD_EEPROM, COMMAND, EXAMPLES, Environment, FructlTest, HANG_SECONDS, Run, SOURCE
 
 COMMANDS = ["provision", "list", "show", "verify", "map", "diff", "label", "encode", "recover", "raw", "mr", "hw", "sn", "psn", "oem", "host-name", "assemble", "fields"]
 
@@ -23,6 +23,8 @@ class Help(unittest.TestCase):
                 self.assertIn("Usage: fructl " + " ".join(asLevel), stResult.strOut)
                 self.assertRegex(stResult.strOut, r"Examples:\n  fructl ")
                 self.assertTrue(stResult.strOut.endswith("\n"))
+                for strFile in re.findall(r"examples/\S+", stResult.strOut):
+                    self.assertTrue(list(SOURCE.glob(strFile)), strFile)
 
     def test_files_that_examples_name_are_there(self):
         for asLevel in [[], *[[strName] for strName in COMMANDS]]:

@@ -245,7 +245,7 @@ TEST(StoreThreads, AHolderStuckInItsOutputLeavesADestroyItsTenSeconds)
             std::this_thread::yield();
         }
         std::future<void> futDestroy = std::async(std::launch::async, FRU_destroyMultiRecords);
-        bCameBack = futDestroy.wait_for(std::chrono::seconds(60)) == std::future_status::ready;
+        bCameBack = futDestroy.wait_for(std::chrono::seconds(1800)) == std::future_status::ready;
         uiQueued = FRU_countInnerMultiRecords();
         pipeStdout.Drain();
         threadHolder.join();

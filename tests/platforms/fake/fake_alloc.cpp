@@ -5,7 +5,7 @@
 #include <mutex>
 #include <unordered_set>
 
-#include "fake_state.h"
+#include "fake/fake_state.h"
 
 extern "C" {
 void *__real_malloc(size_t uiSize);

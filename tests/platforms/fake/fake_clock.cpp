@@ -6,7 +6,7 @@
 
 #include <semaphore.h>
 
-#include "fake_state.h"
+#include "fake/fake_state.h"
 
 extern "C" {
 int __real_clock_gettime(clockid_t iClock, struct timespec *pstTime);

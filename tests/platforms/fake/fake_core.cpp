@@ -13,8 +13,8 @@
 
 #include <gtest/gtest.h>
 
-#include "fake_files.h"
-#include "fake_state.h"
+#include "fake/fake_files.h"
+#include "fake/fake_state.h"
 
 namespace fake {
 namespace {

@@ -1,6 +1,6 @@
 // Files: real ones, under a directory of this process's own that stands in for the controller's root. The C
 // library's file calls are linked with --wrap; paths outside the controller's own places are left alone.
-#include "fake_files.h"
+#include "fake/fake_files.h"
 
 #include <cerrno>
 #include <cstdio>
@@ -13,7 +13,7 @@
 #include <unistd.h>
 
 #include "bmc_support.h"
-#include "fake_state.h"
+#include "fake/fake_state.h"
 
 namespace fs = std::filesystem;
 

@@ -12,7 +12,7 @@
 #include "bmc_ini.h"
 #include "bmc_mrpc.h"
 #include "bmc_operatelog.h"
-#include "fake_state.h"
+#include "fake/fake_state.h"
 
 namespace {
 

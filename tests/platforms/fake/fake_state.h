@@ -4,7 +4,7 @@
 
 #include <optional>
 
-#include "fake_platform.h"
+#include "fake/fake_platform.h"
 
 namespace fake {
 

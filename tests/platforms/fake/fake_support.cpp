@@ -4,7 +4,7 @@
 #include <mutex>
 
 #include "bmc_support.h"
-#include "fake_state.h"
+#include "fake/fake_state.h"
 
 namespace {
 

@@ -1,5 +1,5 @@
 // The fake platform for many threads: its device, database and RPC calls one at a time (linked with --wrap).
-#include "locked_platform.h"
+#include "locked/locked_platform.h"
 
 #include <atomic>
 #include <mutex>

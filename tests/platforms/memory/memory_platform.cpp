@@ -1,4 +1,4 @@
-#include "memory_platform.h"
+#include "memory/memory_platform.h"
 
 #include <algorithm>
 #include <cstdarg>
