@@ -73,8 +73,9 @@ i32 LIB_FRU_ReadFromEEPROM(const FRU_DEVICE_INFO_S *pstFRUInfo, u16 usOffset, u3
  * Reads uiTotalLen bytes of a FRU into pucFRUBuf through LIB_FRU_ReadFRUData(). *pstFRUReadReq names the
  * device, the offset and the count of the first chunk; further chunks have up to 128 bytes. It is moved on in
  * place: on success it holds the final offset and a count of 0, on a failure the chunk that failed. uiReqLen
- * (low byte) and uiArg are handed on. A device that answers short leaves a gap in the span: chunks are spaced
- * by the counts that were asked for.
+ * (low byte) and uiArg are handed on. Chunks are spaced by the counts that were asked for: where a device
+ * answers one short, the bytes that are missing are those of the chunk before, at the same place in it, and
+ * zeros in the first.
  * 0; FRU_ERR_NULL_POINTER; FRU_ERR_NO_MEMORY; FRU_ERR_FAILED: uiTotalLen is 0, or a chunk could not be read
  * (pucFRUBuf then holds the chunks before it).
  */

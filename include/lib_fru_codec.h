@@ -49,8 +49,8 @@ u32 FRU_ANALYZER_InterpretFRUData(const u8 *pucBuff, u32 uiLength, FRU_DATA_S *p
  * written past uiLength. The record stays as it is.
  *
  * An area is emitted when its offset in stCommonHeader is not 0; the real offsets, area lengths and checksums
- * are computed. Texts become 8-bit ASCII fields; a custom field of a single byte is coded as FRU_FIELD_END, the
- * format's own end mark, so that a decoder takes it as the end of the list (section 13). A null text or
+ * are computed. Texts become 8-bit ASCII fields; a custom field of a single byte is coded as FRU_FIELD_END,
+ * the format's own end mark, so that a decoder takes it as the end of the list (section 13). A null text or
  * custom field leaves no field in the image, an empty one an empty field; a null custom-field array counts as
  * no fields. MultiRecord headers are copied as they are, their checksums included.
  *

@@ -12,10 +12,11 @@ extern "C" {
 #define FRU_HW_ARG_USUAL 1U
 
 /*
- * Reads the 32-byte hardware FRU block from offset 0 of a component's EEPROM. The device's FRU size must
- * be 32. uiArg is not used; calls give FRU_HW_ARG_USUAL. A block whose CRC-8 bytes do not fit is delivered as it is, with a warning in the
- * log. FRU_OK; LIB_FRU_ERR_NULL_POINTER; LIB_FRU_ERR_NO_DEVICE_ID: no such component (numbers above 255 name
- * none); LIB_FRU_ERR_NO_DEVICE: no device information, not readable, or of another size.
+ * Reads the 32-byte hardware FRU block from offset 0 of a component's EEPROM. The device's FRU size must be
+ * 32. uiArg is not used; calls give FRU_HW_ARG_USUAL. A block whose CRC-8 bytes do not fit is delivered as it
+ * is, with a warning in the log. FRU_OK; LIB_FRU_ERR_NULL_POINTER; LIB_FRU_ERR_NO_DEVICE_ID: no such
+ * component (numbers above 255 name none); LIB_FRU_ERR_NO_DEVICE: no device information, not readable, or of
+ * another size.
  */
 u32 LIB_FRU_GetHWFRUData(u32 uiArg, u32 uiComponentType, u32 uiInstance, FRU_HW_DATA_S *pstHWFRU);
 

@@ -20,8 +20,7 @@ typedef uint32_t u32;
 typedef int32_t i32;
 #endif
 
-/* ---- status codes
- * -------------------------------------------------------------------------------------------- */
+/* ---- status codes */
 
 #define FRU_OK 0U
 
@@ -52,8 +51,7 @@ typedef int32_t i32;
 #define LIB_FRU_ERR_FEATURE 0x29000009U      /* feature update failed */
 #define LIB_FRU_ERR_NULL_POINTER 0x29002408U /* null pointer argument */
 
-/* ---- limits
- * -------------------------------------------------------------------------------------------------- */
+/* ---- limits */
 
 #define FRU_COMMON_HEADER_LEN 8U
 #define FRU_AREA_UNIT 8U        /* offsets and area lengths in an image count units of 8 bytes */
@@ -72,8 +70,7 @@ typedef int32_t i32;
 
 #pragma pack(push, 1)
 
-/* ---- decoded FRU record
- * -------------------------------------------------------------------------------------- */
+/* ---- decoded FRU record */
 
 /*
  * Common header (IPMI Platform Management FRU Information Storage Definition, section 8). Offsets in 8-byte
@@ -183,8 +180,7 @@ typedef struct
     FRU_MULTIRECORD_S astMultiRecord[FRU_MULTIRECORD_MAX]; /* used entries are a prefix */
 } FRU_DATA_S;
 
-/* ---- hardware FRU block
- * -------------------------------------------------------------------------------------- */
+/* ---- hardware FRU block */
 
 typedef struct
 {
@@ -209,8 +205,7 @@ typedef struct
     FRU_HW_DIAG_INFO_S stHwDiagInfo;
 } FRU_HW_DATA_S;
 
-/* ---- custom fields as texts
- * ---------------------------------------------------------------------------------- */
+/* ---- custom fields as texts */
 
 typedef struct
 {
@@ -225,8 +220,7 @@ typedef struct
     u32 uiProductCustomFieldsLen;
 } FRU_CUSTOM_FIELD_S;
 
-/* ---- cache records (multi-byte members little-endian)
- * -------------------------------------------------------- */
+/* ---- cache records (multi-byte members little-endian) */
 
 /* What the controller's FRU service knows of one FRU device; one record per device ID. */
 typedef struct
@@ -273,8 +267,7 @@ typedef struct
     u8 aucData[32]; /* opaque to this library */
 } FRU_SDR_S;
 
-/* ---- requests
- * ------------------------------------------------------------------------------------------------ */
+/* ---- requests */
 
 /* Read FRU Data request (IPMI 2.0, section 34.2). */
 typedef struct
@@ -350,8 +343,7 @@ typedef struct
     char acSlot[FRU_ASSEMBLE_SLOTS][FRU_ASSEMBLE_SLOT_LEN];
 } FRU_ASSEMBLE_LABEL_S;
 
-/* ---- OEM configuration
- * --------------------------------------------------------------------------------------- */
+/* ---- OEM configuration */
 
 typedef struct
 {
@@ -378,8 +370,7 @@ typedef struct
     char acProductVersion[64];
 } FRU_OEM_CONF_S;
 
-/* ---- label catalogue
- * ----------------------------------------------------------------------------------------- */
+/* ---- label catalogue */
 
 typedef struct
 {

@@ -8,9 +8,10 @@
  * after a power cut. A put of the bytes that are there already writes nothing, so that callers may put what
  * they have not compared.
  *
- * Every call may be made from any thread and, after fork(), from the child as well, with the handle of its
- * parent; none from a signal handler. Descriptors of the database do not reach executed programs. Readers wait
- * for nobody. A put or a delete may wait for those of other processes, 10 seconds at most, and then fails.
+ * Every call may be made from any thread and, after fork(), from the child as well, with the handle of
+ * its parent; none from a signal handler. Descriptors of the database do not reach executed programs.
+ * Readers wait for nobody. A put or a delete may wait for those of other processes, 10 seconds at most,
+ * and then fails.
  *
  * A damaged database makes calls fail; it is never a reason to crash, or to answer with another record. What
  * has happened is the platform's to tell, in its diagnostics. A failed call may be tried again at any time.

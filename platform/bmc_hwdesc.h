@@ -59,8 +59,8 @@ u32 HW_GetObjectList(HW_NAMESPACE_S *pstNameSpace, const char *pcClass, HW_OBJEC
 /* Releases the name space and all that belongs to it; null is allowed. */
 void HW_FreeNameSpace(HW_NAMESPACE_S *pstNameSpace);
 
-/* The OEM flag of this controller as the hardware library knows it; 3 (BMC_OEM_MODE): OEM mode. 0 when nothing
- * is said. From any thread. On the desk: see BMC_GetOemFlag(). */
+/* The OEM flag of this controller as the hardware library knows it; 3 (BMC_OEM_MODE): OEM mode. 0 when
+ * nothing is said. From any thread. On the desk: see BMC_GetOemFlag(). */
 u32 HW_LIB_GetOemFlag(void);
 
 #pragma GCC visibility pop

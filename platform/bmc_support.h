@@ -87,8 +87,8 @@ u32 BMC_TimeStampToIsoTime(u32 uiTimeStamp, u32 uiArg, char *pcOut);
 #define BMC_OEM_MODE 3U
 
 /*
- * The OEM flag of this controller; BMC_OEM_MODE: OEM mode. 0 when nothing is said. On the desk it is "OemFlag"
- * of section "[OEM]" in conf/capability.ini.
+ * The OEM flag of this controller; BMC_OEM_MODE: OEM mode. 0 when nothing is said. On the desk it is
+ * "OemFlag" of section "[OEM]" in conf/capability.ini.
  */
 u32 BMC_GetOemFlag(void);
 

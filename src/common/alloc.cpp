@@ -10,8 +10,8 @@
 
 namespace {
 
-// calloc() by hand: malloc() has memory at hand that calloc() does not look for. The compiler would make a calloc()
-// of it if it saw both calls.
+// calloc() by hand: malloc() has memory at hand that calloc() does not look for. The compiler would make a
+// calloc() of it if it saw both calls.
 [[gnu::noinline]] void *Allocate(size_t uiSize)
 {
     return malloc(uiSize);

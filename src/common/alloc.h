@@ -7,9 +7,9 @@
 
 #include "lib_fru_types.h"
 
-// Heap memory: FRU_ALLOC with whatever it holds, for who fills every byte; FRU_ZALLOC and FRU_CALLOC zero-filled.
-// A size of 0 is refused and reported: by the first two once to the log (severity 3) and once to standard output,
-// by FRU_CALLOC twice to standard output, the first text without a line end.
+// Heap memory: FRU_ALLOC with whatever it holds, for who fills every byte; FRU_ZALLOC and FRU_CALLOC
+// zero-filled. A size of 0 is refused and reported: by the first two once to the log (severity 3) and once to
+// standard output, by FRU_CALLOC twice to standard output, the first text without a line end.
 #define FRU_ALLOC(uiSize) FRU_ALLOC_IN((uiSize), __func__)
 #define FRU_ZALLOC(uiSize) FRU_ZALLOC_IN((uiSize), __func__)
 #define FRU_CALLOC(uiCount, uiSize) FRU_CALLOC_IN((uiCount), (uiSize), __func__)

@@ -17,17 +17,21 @@
 #define FRU_CAT_DEVICE 4U
 #define FRU_CAT_DATA 5U
 
-// One message: category, severity, then a format (a literal) and its arguments.
+// One message: category, severity, then a format (a literal) and its arguments. The second form names the
+// module that it is a message of.
 #define FRU_LOG(uiCategory, uiSeverity, ...)                                                                 \
-    BMC_DiagLogOut(FRU_DIAG_MODULE, (uiCategory), (uiSeverity), __LINE__, FRU_DIAG_FILE, __VA_ARGS__)
+    FRU_LOG_AS(FRU_DIAG_MODULE, (uiCategory), (uiSeverity), __VA_ARGS__)
+#define FRU_LOG_AS(uiModule, uiCategory, uiSeverity, ...)                                                    \
+    BMC_DiagLogOut((uiModule), (uiCategory), (uiSeverity), __LINE__, FRU_DIAG_FILE, __VA_ARGS__)
 
 #define FRU_NULL_FORMAT(pcName) "Pointer " pcName " is Null, File:%s Func:%s Line:%d"
 
-// Reports a null pointer under the name that callers know; the second form names the function
-// that they called.
+// Reports a null pointer under the name that callers know; the second form names the function that they
+// called, the third takes a FRU_NULL_FORMAT out of a table.
 #define FRU_LOG_NULL(pcName) FRU_LOG_NULL_IN(pcName, __func__)
-#define FRU_LOG_NULL_IN(pcName, pcFunction)                                                                  \
-    FRU_ReportNull(FRU_NULL_FORMAT(pcName), FRU_DIAG_FILE, (pcFunction), __LINE__)
+#define FRU_LOG_NULL_IN(pcName, pcFunction) FRU_LOG_NULL_TABLE(FRU_NULL_FORMAT(pcName), pcFunction)
+#define FRU_LOG_NULL_TABLE(pcFormat, pcFunction)                                                             \
+    FRU_ReportNull((pcFormat), FRU_DIAG_FILE, (pcFunction), __LINE__)
 
 // The frame's first step: a null pointer is reported under its own name and the function returns uiCode, or
 // just returns. The second form names the function that callers called.
@@ -50,18 +54,25 @@
 // The report behind FRU_LOG_NULL; out of line, for there are many of them. pcFormat is a FRU_NULL_FORMAT.
 void FRU_ReportNull(const char *pcFormat, const char *pcFile, const char *pcFunction, u32 uiLine);
 
-// How many arguments a format takes: what tables of texts are checked with where they stand.
+// How many arguments a format takes, all of them numbers; one that asks for anything else, such as a text,
+// takes more than anybody has. What tables of texts are checked with where they stand.
 constexpr u32 FRU_CountConversions(const char *pcFormat)
 {
+    constexpr u32 uiTooMany = 0xFFFFU;
     u32 uiCount = 0;
     for (; pcFormat != nullptr && *pcFormat != '\0'; ++pcFormat) {
-        uiCount += *pcFormat == '%' ? 1U : 0U;
+        if (*pcFormat != '%') {
+            continue;
+        }
+        const bool bNumber = pcFormat[1] == 'd' || (pcFormat[1] == '#' && pcFormat[2] == 'x');
+        uiCount += bNumber ? 1U : uiTooMany;
     }
     return uiCount;
 }
 
-// A message out of one of the library's own tables of texts, so not a literal where it is logged: the compiler
-// compares no arguments with it.
+// A message out of one of the library's own tables of texts, so not a literal where it is logged, and the
+// compiler compares no arguments with it: FRU_CountConversions() does, and nothing that is in no table comes
+// this way.
 #define FRU_LOG_TABLE(uiCategory, uiSeverity, ...)                                                           \
     do {                                                                                                     \
         _Pragma("GCC diagnostic push") _Pragma("GCC diagnostic ignored \"-Wformat-nonliteral\"")             \

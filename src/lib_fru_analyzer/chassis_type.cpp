@@ -1,11 +1,12 @@
-#include "lib_fru_analyzer/chassis_type.h"
+// Chassis type codes and their texts, which are the values of the chassis type label, too.
+#include "lib_fru_analyzer/fields.h"
 
 #include <cstring>
 
 namespace {
 
-// One behind the other in the order of their codes: rows of pointers or of 64 bytes would be four times as large.
-// The spellings ("LapTop", "SubChassis", "Sealed-case PC") are what callers compare with.
+// One behind the other in the order of their codes: rows of pointers or of 64 bytes would be four times as
+// large. The spellings ("LapTop", "SubChassis", "Sealed-case PC") are what callers compare with.
 constexpr char g_acDescs[] = "Unspecified\0"
                              "Other\0"
                              "Unknown\0"

@@ -2,7 +2,6 @@
 #include "lib_fru_analyzer/lib_fru_analyzer_module.h"
 
 #include "lib_fru_analyzer/area_texts.h"
-#include "lib_fru_analyzer/chassis_type.h"
 #include "lib_fru_analyzer/field_writer.h"
 #include "lib_fru_analyzer/multirecord_area.h"
 #include "lib_fru_analyzer/type_length.h"
@@ -22,19 +21,20 @@ u32 RoundUp(u32 uiSize)
 
 i32 FRU_ConvertInternalUseArea(const FRU_DATA_S *pstFRUData, u32 uiRoom, u8 *pucBuf)
 {
-    constexpr const char *pcEndError = "Error EndChar while converting InternalUseArea.";
     constexpr u8 aucZeros[FRU_AREA_UNIT] = {};
     FRU_WRITER_S stWriter = {pucBuf, uiRoom, 0U};
-    if (!FRU_PutByte(stWriter, pstFRUData->stInternalUseArea.ucFormatVersion,
-                     "Error FormatVersion while converting InternalUseArea.") ||
-        !FRU_PutText(stWriter, pstFRUData->stInternalUseArea.pucData,
-                     "Error Data while converting InternalUseArea.") ||
-        !FRU_PutByte(stWriter, FRU_FIELD_END, pcEndError)) {
+    if (!FRU_PutByte(stWriter, pstFRUData->stInternalUseArea.ucFormatVersion)) {
+        FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_ERROR, "Error FormatVersion while converting InternalUseArea.");
+        return FRU_WRITE_FAILED;
+    }
+    if (!FRU_PutText(stWriter, pstFRUData->stInternalUseArea.pucData)) {
+        FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_ERROR, "Error Data while converting InternalUseArea.");
         return FRU_WRITE_FAILED;
     }
     // The next area's offset counts whole units, so this one is filled up to one.
-    const u32 uiFill = RoundUp(stWriter.uiUsed) - stWriter.uiUsed;
-    if (!FRU_PutBytes(stWriter, aucZeros, uiFill, pcEndError)) {
+    if (!FRU_PutByte(stWriter, FRU_FIELD_END) ||
+        !FRU_PutBytes(stWriter, aucZeros, RoundUp(stWriter.uiUsed) - stWriter.uiUsed)) {
+        FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_ERROR, "Error EndChar while converting InternalUseArea.");
         return FRU_WRITE_FAILED;
     }
     return static_cast<i32>(stWriter.uiUsed);
@@ -52,6 +52,16 @@ u32 FRU_GetChassisAreaTypeValue(const char *pcDesc, u8 *pucType)
     return FRU_OK;
 }
 
+// Hands on whether a write went well; if not, reports it with a text out of the tables that takes
+// no argument.
+bool Reported(bool bWritten, const char *pcError)
+{
+    if (!bWritten) {
+        FRU_LOG_TABLE(FRU_CAT_GENERAL, BMC_DIAG_ERROR, pcError);
+    }
+    return bWritten;
+}
+
 bool PutChassisType(const FRU_DATA_S *pstFRUData, FRU_WRITER_S &stWriter)
 {
     u8 ucType = 0;
@@ -60,7 +70,7 @@ bool PutChassisType(const FRU_DATA_S *pstFRUData, FRU_WRITER_S &stWriter)
         FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_ERROR, "Error chassis type while converting ChassisInfoArea.");
         return false;
     }
-    return FRU_PutByte(stWriter, ucType, g_astFruFieldTexts[FRU_FIELD_CHASSIS_TYPE].pcEncode);
+    return Reported(FRU_PutByte(stWriter, ucType), g_astFruFieldTexts[FRU_FIELD_CHASSIS_TYPE].pcEncode);
 }
 
 bool PutField(u32 uiField, const FRU_DATA_S *pstFRUData, FRU_WRITER_S &stWriter)
@@ -69,12 +79,13 @@ bool PutField(u32 uiField, const FRU_DATA_S *pstFRUData, FRU_WRITER_S &stWriter)
     const char *pcError = g_astFruFieldTexts[uiField].pcEncode;
     switch (stField.ucKind) {
     case FRU_KIND_BYTES:
-        return FRU_PutBytes(stWriter, FRU_MemberAt(pstFRUData, stField.usMember), stField.ucBytes, pcError);
+        return Reported(FRU_PutBytes(stWriter, FRU_MemberAt(pstFRUData, stField.usMember), stField.ucBytes),
+                        pcError);
     case FRU_KIND_CHASSIS_TYPE:
         return PutChassisType(pstFRUData, stWriter);
     case FRU_KIND_TEXT:
     default:
-        return FRU_PutText(stWriter, FRU_FieldText(pstFRUData, uiField), pcError);
+        return Reported(FRU_PutText(stWriter, FRU_FieldText(pstFRUData, uiField)), pcError);
     }
 }
 
@@ -92,20 +103,21 @@ bool PutFields(u32 uiArea, const FRU_DATA_S *pstFRUData, FRU_WRITER_S &stWriter)
     const u8 *const *ppucFields = FRU_CustomFields(pstFRUData, stArea);
     const u32 uiCount = ppucFields == nullptr ? 0U : FRU_CustomCount(pstFRUData, stArea);
     for (u32 i = 0; i < uiCount; ++i) {
-        if (!FRU_PutText(stWriter, ppucFields[i], stTexts.pcCustomField, i)) {
+        if (!FRU_PutText(stWriter, ppucFields[i])) {
+            FRU_LOG_TABLE(FRU_CAT_GENERAL, BMC_DIAG_ERROR, stTexts.pcCustomField, i);
             return false;
         }
     }
-    return FRU_PutByte(stWriter, FRU_FIELD_END, stTexts.pcEndChar);
+    return Reported(FRU_PutByte(stWriter, FRU_FIELD_END), stTexts.pcEndChar);
 }
 
 i32 ConvertInfoArea(u32 uiArea, const FRU_DATA_S *pstFRUData, u32 uiPosition, u32 uiRoom, u8 *pucBuf)
 {
     const FRU_ENCODE_TEXTS_S &stTexts = g_astFruEncodeTexts[uiArea];
     FRU_WRITER_S stWriter = {pucBuf, uiRoom, 0U};
-    if (!FRU_PutByte(stWriter, *FRU_MemberAt(pstFRUData, g_astFruArea[uiArea].usVersion),
-                     stTexts.pcVersion) ||
-        !FRU_PutByte(stWriter, 0U, stTexts.pcLength) || !PutFields(uiArea, pstFRUData, stWriter)) {
+    const u8 ucVersion = *FRU_MemberAt(pstFRUData, g_astFruArea[uiArea].usVersion);
+    if (!Reported(FRU_PutByte(stWriter, ucVersion), stTexts.pcVersion) ||
+        !Reported(FRU_PutByte(stWriter, 0U), stTexts.pcLength) || !PutFields(uiArea, pstFRUData, stWriter)) {
         return FRU_WRITE_FAILED;
     }
     const u32 uiSize = RoundUp(stWriter.uiUsed + 1U);
@@ -116,12 +128,13 @@ i32 ConvertInfoArea(u32 uiArea, const FRU_DATA_S *pstFRUData, u32 uiPosition, u3
         return FRU_WRITE_FAILED;
     }
     FRU_WRITER_S stLength = {pucBuf, uiRoom, 1U};
-    if (!FRU_PutByte(stLength, static_cast<u8>(uiUnits), stTexts.pcLength)) {
+    if (!Reported(FRU_PutByte(stLength, static_cast<u8>(uiUnits)), stTexts.pcLength)) {
         return FRU_WRITE_FAILED;
     }
     // Covers the bytes behind the end mark as the caller left them.
     FRU_WRITER_S stCheckSum = {pucBuf, uiRoom, uiSize - 1U};
-    if (!FRU_PutByte(stCheckSum, BMC_CalcZeroCheckSum(pucBuf, uiSize - 1U), stTexts.pcCheckSum)) {
+    const u8 ucCheckSum = BMC_CalcZeroCheckSum(pucBuf, uiSize - 1U);
+    if (!Reported(FRU_PutByte(stCheckSum, ucCheckSum), stTexts.pcCheckSum)) {
         return FRU_WRITE_FAILED;
     }
     return static_cast<i32>(uiSize);
@@ -145,10 +158,14 @@ i32 FRU_ConvertMultiRecordArea(const FRU_DATA_S *pstFRUData, u32 uiPosition, u32
     FRU_WRITER_S stWriter = {pucBuf, uiRoom, 0U};
     for (const FRU_MULTIRECORD_S &stRecord : pstFRUData->astMultiRecord) {
         // Header and checksums go as they are; whoever changed the data has set them.
-        if (!FRU_PutBytes(stWriter, reinterpret_cast<const u8 *>(&stRecord), FRU_MULTIRECORD_HEADER_LEN,
-                          "write MultiRecordHeader failed!") ||
-            !FRU_PutBytes(stWriter, stRecord.pucRecordData, stRecord.ucRecordLength,
-                          "write MultiRecordData failed!")) {
+        const u8 *pucHeader = reinterpret_cast<const u8 *>(&stRecord);
+        const bool bHeader = FRU_PutBytes(stWriter, pucHeader, FRU_MULTIRECORD_HEADER_LEN);
+        if (!bHeader || !FRU_PutBytes(stWriter, stRecord.pucRecordData, stRecord.ucRecordLength)) {
+            if (bHeader) {
+                FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_ERROR, "write MultiRecordData failed!");
+            } else {
+                FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_ERROR, "write MultiRecordHeader failed!");
+            }
             FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_ERROR, "Convert Multi Record Area failed!");
             return FRU_WRITE_FAILED;
         }

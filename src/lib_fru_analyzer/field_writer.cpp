@@ -40,32 +40,34 @@ i32 FRU_WriteFRUDataByType(const char *pcText, u32 uiRoom, u8 *pucBuf)
     return static_cast<i32>(uiSize);
 }
 
-bool FRU_PutBytes(FRU_WRITER_S &stWriter, const u8 *pucData, u32 uiCount, const char *pcError)
+namespace {
+
+// Moves the writer behind what was written; false: nothing was.
+bool Advance(FRU_WRITER_S &stWriter, i32 iWritten)
 {
-    const i32 iWritten = FRU_WriteFRUDataByLength(pucData, stWriter.uiRoom - stWriter.uiUsed, uiCount,
-                                                  stWriter.pucBuf + stWriter.uiUsed);
     if (iWritten < 0) {
-        FRU_LOG_TABLE(FRU_CAT_GENERAL, BMC_DIAG_ERROR, pcError);
         return false;
     }
     stWriter.uiUsed += static_cast<u32>(iWritten);
     return true;
 }
 
-bool FRU_PutByte(FRU_WRITER_S &stWriter, u8 ucByte, const char *pcError)
+} // namespace
+
+bool FRU_PutBytes(FRU_WRITER_S &stWriter, const u8 *pucData, u32 uiCount)
 {
-    return FRU_PutBytes(stWriter, &ucByte, 1U, pcError);
+    return Advance(stWriter, FRU_WriteFRUDataByLength(pucData, stWriter.uiRoom - stWriter.uiUsed, uiCount,
+                                                      stWriter.pucBuf + stWriter.uiUsed));
 }
 
-bool FRU_PutText(FRU_WRITER_S &stWriter, const u8 *pucText, const char *pcError, u32 uiIndex)
+bool FRU_PutByte(FRU_WRITER_S &stWriter, u8 ucByte)
 {
-    const i32 iWritten =
-        FRU_WriteFRUDataByType(reinterpret_cast<const char *>(pucText), stWriter.uiRoom - stWriter.uiUsed,
-                               stWriter.pucBuf + stWriter.uiUsed);
-    if (iWritten < 0) {
-        FRU_LOG_TABLE(FRU_CAT_GENERAL, BMC_DIAG_ERROR, pcError, uiIndex);
-        return false;
-    }
-    stWriter.uiUsed += static_cast<u32>(iWritten);
-    return true;
+    return FRU_PutBytes(stWriter, &ucByte, 1U);
+}
+
+bool FRU_PutText(FRU_WRITER_S &stWriter, const u8 *pucText)
+{
+    return Advance(stWriter, FRU_WriteFRUDataByType(reinterpret_cast<const char *>(pucText),
+                                                    stWriter.uiRoom - stWriter.uiUsed,
+                                                    stWriter.pucBuf + stWriter.uiUsed));
 }

@@ -21,9 +21,9 @@ struct FRU_WRITER_S
     u32 uiUsed; // at most uiRoom
 };
 
-// The same two at the writer's position. pcError is logged on failure, with uiIndex if it asks for one.
-bool FRU_PutBytes(FRU_WRITER_S &stWriter, const u8 *pucData, u32 uiCount, const char *pcError);
-bool FRU_PutByte(FRU_WRITER_S &stWriter, u8 ucByte, const char *pcError);
-bool FRU_PutText(FRU_WRITER_S &stWriter, const u8 *pucText, const char *pcError, u32 uiIndex = 0U);
+// The same two at the writer's position.
+bool FRU_PutBytes(FRU_WRITER_S &stWriter, const u8 *pucData, u32 uiCount);
+bool FRU_PutByte(FRU_WRITER_S &stWriter, u8 ucByte);
+bool FRU_PutText(FRU_WRITER_S &stWriter, const u8 *pucText);
 
 #endif

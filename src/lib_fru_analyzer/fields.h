@@ -1,5 +1,6 @@
-// What a decoded record has and where: the one table of its fields, walked by decoder, encoder, release, label
-// setters, the empty product area and the assembly. For the rooms above, too; messages are each room's own.
+// What a decoded record has and where: the one table of its fields, walked by decoder, encoder, release,
+// label setters, the empty product area and the assembly; and the chassis types. For the rooms above, too;
+// messages are each room's own.
 #ifndef LIB_FRU_ANALYZER_FIELDS_H
 #define LIB_FRU_ANALYZER_FIELDS_H
 
@@ -75,6 +76,15 @@ struct FRU_AREA_S
 
 extern const FRU_FIELD_S g_astFruField[FRU_FIELD_COUNT];
 extern const FRU_AREA_S g_astFruArea[FRU_AREA_COUNT];
+
+#define FRU_CHASSIS_TYPE_COUNT 30U    // codes run from 0 to one less
+#define FRU_CHASSIS_TYPE_DESC_LEN 64U // the buffer of a description in a record
+
+// The text of a chassis type code (SMBIOS, system enclosure types), null when the code has none.
+const char *FRU_FindChassisDesc(u32 uiCode);
+
+// The code of exactly that text (case counts), FRU_CHASSIS_TYPE_COUNT when it has none. pcDesc is not null.
+u32 FRU_FindChassisCode(const char *pcDesc);
 
 #define FRU_AREA_PRESENT 1U // an area's place in a record that is built: the encoder finds the place
 #define FRU_AREA_VERSION 1U // format version of every area and of the common header

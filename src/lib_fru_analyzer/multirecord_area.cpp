@@ -7,8 +7,8 @@
 
 namespace {
 
-// One record at the reader's position. A header past the end of the image fails as its checksum would, and so do
-// data past it: with the header's message, for there is no sum of theirs to tell.
+// One record at the reader's position. A header past the end of the image fails as its checksum would, and so
+// do data past it: with the header's message, for there is no sum of theirs to tell.
 u32 GetRecord(FRU_READER_S &stReader, FRU_MULTIRECORD_S *pstRecord)
 {
     const u8 *pucHeader = FRU_ReadBytes(stReader, FRU_MULTIRECORD_HEADER_LEN);

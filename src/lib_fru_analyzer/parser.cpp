@@ -2,7 +2,6 @@
 #include "lib_fru_analyzer/lib_fru_analyzer_module.h"
 
 #include "lib_fru_analyzer/area_texts.h"
-#include "lib_fru_analyzer/chassis_type.h"
 #include "lib_fru_analyzer/custom_list.h"
 #include "lib_fru_analyzer/multirecord_area.h"
 #include "lib_fru_analyzer/type_length.h"

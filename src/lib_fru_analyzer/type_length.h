@@ -10,9 +10,9 @@
 #define FRU_FIELD_TYPE_SHIFT 6U
 
 /*
- * Decodes the field at pucBuf, of which uiLeft bytes may be read, into a new heap text, zero-filled behind its end.
- * *ppucText and *pucSize (the buffer's size, terminator included) are cleared first. 0, FRU_ERR_NULL_POINTER
- * (pucBuf), or FRU_ERR_FAILED: out of memory or the field runs past uiLeft.
+ * Decodes the field at pucBuf, of which uiLeft bytes may be read, into a new heap text, zero-filled behind
+ * its end. *ppucText and *pucSize (the buffer's size, terminator included) are cleared first. 0,
+ * FRU_ERR_NULL_POINTER (pucBuf), or FRU_ERR_FAILED: out of memory or the field runs past uiLeft.
  */
 u32 FRU_GetStringFromType(const u8 *pucBuf, u32 uiLeft, u8 **ppucText, u8 *pucSize);
 

@@ -14,7 +14,7 @@ namespace {
 constexpr u32 g_uiImageLen = 256;
 constexpr u32 g_uiMaxTexts = 6;
 
-// One text of an area. The rows stand in the order in which the buffers are allocated, which is not the image's.
+// One text of an area. The rows stand in the order in which the buffers are allocated, not in the image's.
 struct TEXT_ROW_S
 {
     u8 ucSlot;
@@ -101,7 +101,7 @@ bool AllocateInto(FRU_DATA_S *pstFRUData, FRU_FIELD_ID eField, u32 uiSize, const
 {
     u8 *pucText = static_cast<u8 *>(FRU_CALLOC_IN(1U, uiSize, pcFunction));
     if (pucText == nullptr) {
-        FRU_ReportNull(pcNullFormat, FRU_DIAG_FILE, pcFunction, __LINE__);
+        FRU_LOG_NULL_TABLE(pcNullFormat, pcFunction);
         return false;
     }
     FRU_StoreFieldText(pstFRUData, eField, pucText);

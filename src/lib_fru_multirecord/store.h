@@ -20,8 +20,8 @@ typedef enum
 } FRU_MR_STAY_E;
 
 // Initialises the store where needed and waits for it; failures are reported. Whoever was let in leaves
-// again. A destroy on another thread empties the store at once, but leaves the semaphore to those who are
-// inside.
+// again. A destroy on another thread empties the store at once, but leaves the semaphore to those who
+// are inside.
 FRU_MR_STAY_E FRU_enterInnerStore(u32 uiSeconds);
 void FRU_leaveInnerStore(bool bPost);
 

@@ -23,7 +23,7 @@ u32 FRU_initMultiRecords(void);
 // FRU_OK; FRU_ERR_MR_TIMEOUT; FRU_ERR_MR_FAILED: no clock. Both are reported.
 u32 FRU_waitInnerSem(u32 uiSeconds);
 
-// The caller holds the semaphore, and the mutex.
+// The caller holds the mutex.
 void FRU_freeInnerMultiRecords(void);
 
 // One more user, of an initialised store, and one fewer; the semaphore lives until the last one is gone.

@@ -4,6 +4,7 @@
 #include <cstdio>
 
 #include "lib_fru_access.h"
+#include "lib_fru_analyzer/fields.h"
 #include "lib_fru_codec.h"
 #include "lib_fru_multirecord/store.h"
 
@@ -34,7 +35,7 @@ u32 CheckTable(const FRU_DATA_S *pstFRUData)
 // The FRU has no MultiRecord area yet: it gets one with all queued records, in their order.
 MERGE_E MergeIntoNewArea(const FRU_INNER_MR_COPY_S &stQueued, FRU_DATA_S *pstFRUData)
 {
-    pstFRUData->stCommonHeader.ucMultiRecordAreaStartOffset = 1U; // present; the encoder lays it out
+    pstFRUData->stCommonHeader.ucMultiRecordAreaStartOffset = FRU_AREA_PRESENT;
     for (u32 i = 0; i < stQueued.uiCount; ++i) {
         if (FRU_addSingleMultiRecord(&pstFRUData->astMultiRecord[i], stQueued.apstRecords[i]) != FRU_OK) {
             FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_ERROR, "Fail to add MultiRecord! index:%d.", i);

@@ -51,12 +51,10 @@ const DIAG_ELECTRONIC_FIELD_S g_astDIAG_ElectronicField[] = {
     {7U, {1U, 9U, 17U, 29U}, {9U, 17U, 29U, 29U}},  {8U, {1U, 7U, 17U, 29U}, {5U, 17U, 29U, 29U}},
     {9U, {1U, 10U, 18U, 29U}, {1U, 17U, 25U, 29U}},
 };
-const u32 g_uiDIAG_ElectronicFieldMaxNum = 9U;
+const u32 g_uiDIAG_ElectronicFieldMaxNum =
+    sizeof(g_astDIAG_ElectronicField) / sizeof(g_astDIAG_ElectronicField[0]);
 
 namespace {
-
-constexpr u32 g_uiFieldRows = 9U; // the lookup's own bound, whatever the exported count says
-static_assert(sizeof(g_astDIAG_ElectronicField) / sizeof(g_astDIAG_ElectronicField[0]) == g_uiFieldRows);
 
 // What stands in the exported table can change, these rows cannot.
 #define FRU_STORED_LABEL(uiID, pcName, uiMin, uiMax, ucNone, eRule, ucSpecial, stTarget, pfnSetLabel)        \
@@ -168,8 +166,7 @@ u32 FRU_GetPsuFieldIDByName(const char *pcLableName)
 u32 ConfirmElectroniclabelField(DIAG_ELECTRONIC_FIELD_S *pstElectronicField)
 {
     FRU_REQUIRE(pstElectronicField, FRU_ERR_NULL_POINTER);
-    for (u32 i = 0; i < g_uiFieldRows; ++i) {
-        const DIAG_ELECTRONIC_FIELD_S &stRow = g_astDIAG_ElectronicField[i];
+    for (const DIAG_ELECTRONIC_FIELD_S &stRow : g_astDIAG_ElectronicField) {
         if (stRow.ucFieldFlag == pstElectronicField->ucFieldFlag) {
             (void)memcpy(pstElectronicField->aucStartID, stRow.aucStartID, sizeof(stRow.aucStartID));
             (void)memcpy(pstElectronicField->aucEndID, stRow.aucEndID, sizeof(stRow.aucEndID));

@@ -25,8 +25,8 @@ enum FRU_RULE_ID : u8
 };
 
 #define FRU_BLANK_ALLOWED 0x01U // nothing, or nothing but white space, is a value
-#define FRU_LONG_PART_NUMBER                                                                                 \
-    0x02U // as long as an image can hold it on component type 0, whatever the exported row says
+// As long as an image can hold it on component type 0, whatever the exported row says.
+#define FRU_LONG_PART_NUMBER 0x02U
 
 enum FRU_SETS_ID : u8
 {
@@ -59,8 +59,8 @@ const FRU_LABEL_S &FRU_LabelOfID(u32 uiLabelID);
 
 const char *FRU_NameOfLabel(const FRU_LABEL_S &stLabel); // of one of the library's own
 
-// Whether the setter leaves the value buffer to its caller. A caller's own, put into the exported table, does
-// not.
+// Whether the setter leaves the value buffer to its caller, in whichever exported row it stands; the setter
+// of a caller does not.
 bool FRU_SetterKeepsNothing(FRU_SETTER pfnSetLabel);
 
 #endif

@@ -3,7 +3,7 @@
 #include <cstring>
 
 #include "lib_fru_access.h"
-#include "lib_fru_analyzer/chassis_type.h"
+#include "lib_fru_analyzer/fields.h"
 #include "lib_fru_labels.h"
 #include "lib_fru_write/catalogue.h"
 #include "lib_fru_write/label_block.h"
@@ -40,8 +40,9 @@ bool LengthFits(const DIAG_FRU_LABEL_S &stLabel, const char *pcValue, u32 uiComp
     const bool bLong = uiComponentType == FRU_COMPONENT_BASEBOARD &&
                        (FRU_LabelOfID(stLabel.uiLabelID).ucSpecial & FRU_LONG_PART_NUMBER) != 0U;
     const size_t uiMaxLen = bLong ? FRU_FIELD_MAX_TEXT : stLabel.uiMaxLen;
-    const size_t uiLength = strnlen(pcValue, uiMaxLen + 1U);
-    return uiLength >= stLabel.uiMinLen && uiLength <= uiMaxLen;
+    // The largest limit that a caller can set has no successor.
+    const size_t uiLength = strnlen(pcValue, uiMaxLen);
+    return uiLength >= stLabel.uiMinLen && pcValue[uiLength] == '\0';
 }
 
 // Goes by the caller's count; the terminator is no white space, so the walk never passes it.

@@ -9,7 +9,8 @@ u32 checkRegularExpressionCorrect(const char *pcValue, const char *pcPattern)
 {
     FRU_REQUIRE(pcValue, 0U);
     // For this thread alone, and its own again before returning. The plain locale is never out of memory.
-    const locale_t stCallers = uselocale(newlocale(LC_ALL_MASK, "C", nullptr));
+    const locale_t stPlain = newlocale(LC_ALL_MASK, "C", nullptr);
+    const locale_t stCallers = uselocale(stPlain);
     regex_t stRegex;
     u32 uiMatches = 0U;
     if (regcomp(&stRegex, pcPattern, REG_EXTENDED) == 0) {
@@ -18,5 +19,6 @@ u32 checkRegularExpressionCorrect(const char *pcValue, const char *pcPattern)
         regfree(&stRegex);
     }
     (void)uselocale(stCallers);
+    freelocale(stPlain);
     return uiMatches;
 }

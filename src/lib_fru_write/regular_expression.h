@@ -5,8 +5,8 @@
 
 #include "lib_fru_types.h"
 
-// 1 when the value matches, by ASCII whatever the caller's locale is; 0 otherwise, for a null value (reported)
-// and for a pattern that does not compile.
+// 1 when the value matches, by ASCII whatever the caller's locale is; 0 otherwise, for a null value
+// (reported), and for a pattern that does not compile.
 u32 checkRegularExpressionCorrect(const char *pcValue, const char *pcPattern);
 
 #endif

@@ -1,5 +1,4 @@
-// Matchers by hand: a compiled expression would cost a thousand times as much and ask the locale what a digit
-// is.
+// Matchers by hand: a compiled expression would cost a thousand times as much, and ask the locale for digits.
 #include "lib_fru_write/value_forms.h"
 
 namespace {

@@ -4,11 +4,12 @@
 #ifndef LIB_FRU_DEVICE_IO_H
 #define LIB_FRU_DEVICE_IO_H
 
+#include "lib_fru_ipmi.h"
 #include "lib_fru_types.h"
 
-// The cached image could not be read. It is a count as well: Read FRU Data, a recovery and a clear's trial
-// read take a transfer of exactly this many bytes for a failure, Write FRU Data does not. Intended.
-#define FRU_RESULT_NOT_PRESENT 203
+// The cached image could not be read. It is a count as well: Read FRU Data, a recovery and a clear's
+// trial read take a transfer of exactly this many bytes for a failure, Write FRU Data does not. Intended.
+#define FRU_RESULT_NOT_PRESENT static_cast<i32>(FRU_CC_NOT_PRESENT)
 
 // uiLength bytes from EEPROM offset usOffset (start offset included) into pucBuf. Bytes read;
 // FRU_ERR_NULL_POINTER (pucBuf or pstFRUInfo), FRU_ERR_FAILED (EEPROM type), FRU_ERR_OUT_OF_RANGE (bus

@@ -7,6 +7,8 @@
 
 namespace {
 
+constexpr u32 g_uiByteMax = 0xFFU;
+
 // Entries that a scan may look at: a count above the table's room is not to be believed.
 u32 UsableEntries(const FRU_DEVICE_TBL_S &stTable)
 {
@@ -47,35 +49,43 @@ u32 LIB_FRU_GetDeviceID(u8 ucComponentType, u8 ucInstance, u8 *pucDeviceID)
     return FRU_ERR_FAILED;
 }
 
-u32 FRU_FindDevice(u8 ucComponentType, u8 ucInstance, u8 *pucDeviceID, FRU_DEVICE_INFO_S *pstInfo,
-                   void (*pfnReportNoRecord)(u8 ucDeviceID))
+u32 FRU_FindDevice(u32 uiComponentType, u32 uiInstance, u8 *pucDeviceID, FRU_DEVICE_INFO_S *pstInfo,
+                   FRU_REPORT_NO_ID pfnReportNoID, FRU_REPORT_NO_RECORD pfnReportNoRecord)
 {
-    if (LIB_FRU_GetDeviceID(ucComponentType, ucInstance, pucDeviceID) != FRU_OK) {
-        FRU_LOG(FRU_CAT_DATA, BMC_DIAG_WARNING, "Fail to find ComponentType:%#x,Instance:%#x!",
-                ucComponentType, ucInstance);
+    // The device table holds bytes: cut to a byte, a wider number would name another component's device.
+    if (uiComponentType > g_uiByteMax || uiInstance > g_uiByteMax ||
+        LIB_FRU_GetDeviceID(static_cast<u8>(uiComponentType), static_cast<u8>(uiInstance), pucDeviceID) !=
+            FRU_OK) {
+        pfnReportNoID(uiComponentType, uiInstance);
         return LIB_FRU_ERR_NO_DEVICE_ID;
     }
-    if (FRU_DB_GetFRUDeviceInfo(*pucDeviceID, pstInfo) != FRU_OK) {
-        pfnReportNoRecord(*pucDeviceID);
+    const u32 uiRet = FRU_DB_GetFRUDeviceInfo(*pucDeviceID, pstInfo);
+    if (uiRet != FRU_OK) {
+        pfnReportNoRecord(*pucDeviceID, uiRet);
         return LIB_FRU_ERR_NO_DEVICE;
     }
     return FRU_OK;
+}
+
+void FRU_ReportNoDeviceID(u32 uiComponentType, u32 uiInstance)
+{
+    FRU_LOG(FRU_CAT_DATA, BMC_DIAG_WARNING, "Fail to find ComponentType:%#x,Instance:%#x!", uiComponentType,
+            uiInstance);
 }
 
 u32 LIB_FRU_GetFRUDeviceInfo(u8 ucComponentType, u8 ucInstance, FRU_DEVICE_INFO_S *pstFRUDeviceInfo)
 {
     FRU_REQUIRE(pstFRUDeviceInfo, LIB_FRU_ERR_NULL_POINTER);
     u8 ucDeviceID = 0;
-    if (LIB_FRU_GetDeviceID(ucComponentType, ucInstance, &ucDeviceID) != FRU_OK) {
-        FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_WARNING, "Fail to find ComponentType:%#x Instance:%#x Device ID!",
-                ucComponentType, ucInstance);
-        return LIB_FRU_ERR_NO_DEVICE_ID;
-    }
-    if (FRU_DB_GetFRUDeviceInfo(ucDeviceID, pstFRUDeviceInfo) != FRU_OK) {
-        FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_WARNING, "FRU ID[%#x] does not exist!", ucDeviceID);
-        return LIB_FRU_ERR_NO_DEVICE;
-    }
-    return FRU_OK;
+    return FRU_FindDevice(
+        ucComponentType, ucInstance, &ucDeviceID, pstFRUDeviceInfo,
+        [](u32 uiType, u32 uiInstance) {
+            FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_WARNING,
+                    "Fail to find ComponentType:%#x Instance:%#x Device ID!", uiType, uiInstance);
+        },
+        [](u8 ucID, u32) {
+            FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_WARNING, "FRU ID[%#x] does not exist!", ucID);
+        });
 }
 
 u32 LIB_FRU_GetSDRByRecordID(u16 usRecordID, FRU_SDR_S *pstFRUSDR)

@@ -4,8 +4,7 @@
 
 #include "lib_fru_types.h"
 
-// Tells the controller's services that a FRU changed. Nobody waits for them, and their answer is
-// nobody's business.
+// Tells the controller's services that a FRU changed. Nobody waits for them or looks at their answer.
 void FRU_NotifyDeviceChanged(const FRU_DEVICE_INFO_S *pstFRUInfo);
 
 #endif

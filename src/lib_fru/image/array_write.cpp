@@ -14,8 +14,7 @@ namespace {
 
 constexpr u32 g_uiChunkMax = 127U;
 
-// A failed chunk or an image that could not be cached leave 0 as the result: they are in the log alone.
-// Intended.
+// A failed chunk and an image that could not be cached are in the log alone: the result is 0. Intended.
 u32 WriteArray(u8 ucDeviceID, u32 uiFRUSize, const FRU_DATA_S *pstFRUData)
 {
     if (uiFRUSize < FRU_COMMON_HEADER_LEN) {
@@ -75,9 +74,11 @@ u32 LIB_FRU_WriteArrayFRUData(u8 ucComponentType, u8 ucInstance, const FRU_DATA_
     FRU_REQUIRE(pstFRUData, LIB_FRU_ERR_NULL_POINTER);
     u8 ucDeviceID = 0;
     FRU_DEVICE_INFO_S stInfo = {};
-    const u32 uiRet = FRU_FindDevice(ucComponentType, ucInstance, &ucDeviceID, &stInfo, [](u8 ucID) {
+    const auto pfnNoRecord = [](u8 ucID, u32) {
         FRU_LOG(FRU_CAT_DATA, BMC_DIAG_WARNING, "Fail to find FRU Device:ID=%#x!", ucID);
-    });
+    };
+    const u32 uiRet =
+        FRU_FindDevice(ucComponentType, ucInstance, &ucDeviceID, &stInfo, FRU_ReportNoDeviceID, pfnNoRecord);
     if (uiRet != FRU_OK) {
         return uiRet;
     }

@@ -1,4 +1,4 @@
-// Private to lib_fru: an encoded image to the device, chunk by chunk.
+// Private to array_write.cpp, and to its tests: no image that the encoder makes gets to the end of the FRU.
 #ifndef LIB_FRU_ARRAY_WRITE_H
 #define LIB_FRU_ARRAY_WRITE_H
 

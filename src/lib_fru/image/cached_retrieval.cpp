@@ -14,9 +14,11 @@ u32 LIB_FRU_GetFRUDataFromDB(u8 ucComponentType, u8 ucInstance, FRU_DATA_S *pstF
     FRU_REQUIRE(pstFRUData, LIB_FRU_ERR_NULL_POINTER);
     u8 ucDeviceID = 0;
     FRU_DEVICE_INFO_S stInfo = {};
-    const u32 uiRet = FRU_FindDevice(ucComponentType, ucInstance, &ucDeviceID, &stInfo, [](u8 ucID) {
+    const auto pfnNoRecord = [](u8 ucID, u32) {
         FRU_LOG(FRU_CAT_DATA, BMC_DIAG_WARNING, "Get fru device info failed! DeviceID:%#x.", ucID);
-    });
+    };
+    const u32 uiRet =
+        FRU_FindDevice(ucComponentType, ucInstance, &ucDeviceID, &stInfo, FRU_ReportNoDeviceID, pfnNoRecord);
     if (uiRet != FRU_OK) {
         return uiRet;
     }

@@ -14,7 +14,6 @@
 namespace {
 
 constexpr int g_iErased = 0xFF;
-constexpr u32 g_uiProductSNLen = 80U;
 
 // Proves that the device answers with its whole size before anything is erased; what it answers is discarded.
 bool ProveReadable(const FRU_DEVICE_INFO_S &stInfo, u8 *pucBuf)
@@ -67,8 +66,9 @@ bool EraseDevice(const FRU_DEVICE_INFO_S &stInfo, u8 *pucBuf)
 // The baseboard's product serial number has a mirror in a file, and the controller's services follow its FRU.
 void ClearBaseboardTraces(const FRU_DEVICE_INFO_S &stInfo)
 {
-    const char acNoSerialNumber[g_uiProductSNLen] = {};
-    const u32 uiRet = FRU_UpdateProductSN(acNoSerialNumber, g_uiProductSNLen);
+    // As long as any label value.
+    const char acNoSerialNumber[sizeof(FRU_SET_PARA_S::acLabelValue)] = {};
+    const u32 uiRet = FRU_UpdateProductSN(acNoSerialNumber, sizeof(acNoSerialNumber));
     if (uiRet != FRU_OK) {
         FRU_LOG(FRU_CAT_DEVICE, BMC_DIAG_WARNING, "Clear Baseboard product SN failed! Ret:%#x.", uiRet);
     }
@@ -104,8 +104,7 @@ u32 LIB_FRU_ClearFRUElectronicLabel(FRU_CLEAR_PARA_S *pstFRUClearPara)
                 pstFRUClearPara->ucComponentType, pstFRUClearPara->ucInstance);
         return LIB_FRU_ERR_NO_DEVICE;
     }
-    (void)BMC_Strlcpy(pstFRUClearPara->acFRUName, FRU_TextOf(stInfo.acFRUName).acText,
-                      sizeof(pstFRUClearPara->acFRUName));
+    FRU_CopyText(pstFRUClearPara->acFRUName, stInfo.acFRUName, sizeof(pstFRUClearPara->acFRUName) - 1U);
     pstFRUClearPara->ucOperateLogType = FRU_OPERATELOG_SOURCE;
     FRU_AddClearFRULog(FRU_OPERATELOG_FAILED, pstFRUClearPara);
     const FRU_BUFFER upBuf(static_cast<u8 *>(FRU_CALLOC(1U, stInfo.usSize)));

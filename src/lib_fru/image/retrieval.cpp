@@ -137,9 +137,11 @@ u32 LIB_FRU_GetFRUData(u8 ucComponentType, u8 ucInstance, u8 ucReadMode, u8 ucAr
     FRU_REQUIRE(pstFRUData, LIB_FRU_ERR_NULL_POINTER);
     u8 ucDeviceID = 0;
     FRU_DEVICE_INFO_S stInfo = {};
-    const u32 uiRet = FRU_FindDevice(ucComponentType, ucInstance, &ucDeviceID, &stInfo, [](u8 ucID) {
+    const auto pfnNoRecord = [](u8 ucID, u32) {
         FRU_LOG(FRU_CAT_DATA, BMC_DIAG_WARNING, "Fail to find FRU Device ID[%#x] device info!", ucID);
-    });
+    };
+    const u32 uiRet =
+        FRU_FindDevice(ucComponentType, ucInstance, &ucDeviceID, &stInfo, FRU_ReportNoDeviceID, pfnNoRecord);
     if (uiRet != FRU_OK) {
         return uiRet;
     }

@@ -31,8 +31,7 @@ void TellFeatureService()
 }
 
 // One entry for each sequence that Get FRU Inventory Area Info opened: the first write logs it and closes it.
-// It is closed whatever the log answered: an entry that could not be made is lost, not left to the next
-// write.
+// It is closed whatever the log answered: an entry that could not be made is lost, not left to the next one.
 void LogOperation(u8 ucDeviceID, bool bSuccess)
 {
     u8 ucOperateFlag = 0;

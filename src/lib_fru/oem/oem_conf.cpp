@@ -10,66 +10,65 @@
 
 namespace {
 
-enum class OEM_TYPE_E : u8
-{
-    TEXT,
-    NUMBER,
-    FLAG,
-};
-
-// One key of the file: its member, its value when the key is missing and when the whole file is.
-struct OEM_KEY_S
-{
-    const char *pcKey;
-    OEM_TYPE_E eType;
-    u16 usOffset;
-    u16 usSize;
-    const char *pcMissingKey;
-    const char *pcMissingFile;
-    u32 uiMissingKey;
-    u32 uiMissingFile;
-};
-
 constexpr u16 Bytes(size_t uiBytes)
 {
     return static_cast<u16>(uiBytes);
 }
 
 #define OEM_MEMBER(Member) Bytes(offsetof(FRU_OEM_CONF_S, Member)), Bytes(sizeof(FRU_OEM_CONF_S::Member))
-#define OEM_TEXT(pcKey, Member, pcMissingKey, pcMissingFile)                                                 \
-    {                                                                                                        \
-        (pcKey), OEM_TYPE_E::TEXT, OEM_MEMBER(Member), (pcMissingKey), (pcMissingFile), 0U, 0U               \
-    }
 #define OEM_NUMBER(pcKey, eType, Member, uiMissingKey, uiMissingFile)                                        \
     {                                                                                                        \
-        (pcKey), (eType), OEM_MEMBER(Member), "", "", (uiMissingKey), (uiMissingFile)                        \
+        (pcKey), (eType), g_stNoSource, OEM_MEMBER(Member), "", "", (uiMissingKey), (uiMissingFile)          \
+    }
+#define OEM_TEXT(pcKey, Member, pcMissingKey, pcMissingFile, stSource)                                       \
+    {                                                                                                        \
+        (pcKey), FRU_OEM_TYPE_E::TEXT, (stSource), OEM_MEMBER(Member), (pcMissingKey), (pcMissingFile), 0U,  \
+            0U                                                                                               \
     }
 
-// In the file's order. Three numbers default to the failure code and keep what fits their member: a file
-// without "checkarea" reads as 1. Intended.
-constexpr OEM_KEY_S g_astOemKey[] = {
-    OEM_TEXT("copyright_cn", acCopyrightCn, "", ""),
-    OEM_TEXT("copyright_en", acCopyrightEn, "", ""),
-    OEM_TEXT("boardmanufacturer", acBoardManufacturer, "", "N/A"),
-    OEM_TEXT("productmanufacturer", acProductManufacturer, "", "N/A"),
-    OEM_TEXT("productname", acProductName, "", "N/A"),
-    OEM_TEXT("qbx", acQbx, "BMC", "BMC"),
-    OEM_NUMBER("oemflag", OEM_TYPE_E::NUMBER, ucOemFlag, FRU_ERR_FAILED, 0U),
-    OEM_NUMBER("checkarea", OEM_TYPE_E::NUMBER, usCheckArea, FRU_ERR_FAILED, 0U),
-    OEM_NUMBER("privateoid", OEM_TYPE_E::NUMBER, uiPrivateOid, FRU_ERR_FAILED, 8072U),
-    OEM_NUMBER("userid", OEM_TYPE_E::NUMBER, ucUserId, 0U, 0U),
-    OEM_NUMBER("logocidflag", OEM_TYPE_E::FLAG, ucLogoCidFlag, 1U, 1U),
-    OEM_TEXT("productserialnumber", acProductSerialNumber, "", ""),
-    OEM_TEXT("productassettag", acProductAssetTag, "", ""),
-    OEM_TEXT("productextra1", acProductExtra1, "", ""),
-    OEM_TEXT("productextra2", acProductExtra2, "", ""),
-    OEM_TEXT("productextra3", acProductExtra3, "", ""),
-    OEM_TEXT("productextra4", acProductExtra4, "", ""),
-    OEM_TEXT("productpartnumber", acProductPartNumber, "", ""),
-    OEM_TEXT("chassispartnumber", acChassisPartNumber, "", ""),
-    OEM_TEXT("boardproductname", acBoardProductName, "", ""),
-    OEM_TEXT("productversion", acProductVersion, "", ""),
+constexpr FRU_OEM_SOURCE_S g_stNoSource = {0U, FRU_FIELD_COUNT, 0U};
+
+constexpr FRU_OEM_SOURCE_S Field(u8 ucTurn, FRU_FIELD_ID eField)
+{
+    return {ucTurn, eField, 0U};
+}
+
+constexpr FRU_OEM_SOURCE_S Custom(u8 ucTurn, u8 ucSlot)
+{
+    return {ucTurn, FRU_FIELD_COUNT, ucSlot};
+}
+
+} // namespace
+
+// In the order in which the file is read; the other walk has its turns, with the part number ahead of the
+// extras. Three numbers default to the failure code and keep what fits their member: a file without
+// "checkarea" reads as 1. Intended.
+const FRU_OEM_KEY_S g_astFruOemKey[FRU_OEM_KEYS] = {
+    OEM_TEXT("copyright_cn", acCopyrightCn, "", "", g_stNoSource),
+    OEM_TEXT("copyright_en", acCopyrightEn, "", "", g_stNoSource),
+    OEM_TEXT("boardmanufacturer", acBoardManufacturer, "", "N/A", g_stNoSource),
+    OEM_TEXT("productmanufacturer", acProductManufacturer, "", "N/A",
+             Field(1U, FRU_FIELD_PRODUCT_MANUFACTURER)),
+    OEM_TEXT("productname", acProductName, "", "N/A", Field(2U, FRU_FIELD_PRODUCT_NAME)),
+    OEM_TEXT("qbx", acQbx, "BMC", "BMC", g_stNoSource),
+    OEM_NUMBER("oemflag", FRU_OEM_TYPE_E::NUMBER, ucOemFlag, FRU_ERR_FAILED, 0U),
+    OEM_NUMBER("checkarea", FRU_OEM_TYPE_E::NUMBER, usCheckArea, FRU_ERR_FAILED, 0U),
+    OEM_NUMBER("privateoid", FRU_OEM_TYPE_E::NUMBER, uiPrivateOid, FRU_ERR_FAILED, 8072U),
+    OEM_NUMBER("userid", FRU_OEM_TYPE_E::NUMBER, ucUserId, 0U, 0U),
+    OEM_NUMBER("logocidflag", FRU_OEM_TYPE_E::FLAG, ucLogoCidFlag, 1U, 1U),
+    OEM_TEXT("productserialnumber", acProductSerialNumber, "", "", Field(3U, FRU_FIELD_PRODUCT_SERIAL)),
+    OEM_TEXT("productassettag", acProductAssetTag, "", "", Field(4U, FRU_FIELD_PRODUCT_ASSET_TAG)),
+    OEM_TEXT("productextra1", acProductExtra1, "", "", Custom(6U, 0U)),
+    OEM_TEXT("productextra2", acProductExtra2, "", "", Custom(7U, 1U)),
+    OEM_TEXT("productextra3", acProductExtra3, "", "", Custom(8U, 2U)),
+    OEM_TEXT("productextra4", acProductExtra4, "", "", Custom(9U, 3U)),
+    OEM_TEXT("productpartnumber", acProductPartNumber, "", "", Field(5U, FRU_FIELD_PRODUCT_PART)),
+    OEM_TEXT("chassispartnumber", acChassisPartNumber, "", "", Field(10U, FRU_FIELD_CHASSIS_PART)),
+    OEM_TEXT("boardproductname", acBoardProductName, "", "", Field(11U, FRU_FIELD_BOARD_NAME)),
+    OEM_TEXT("productversion", acProductVersion, "", "", Field(12U, FRU_FIELD_PRODUCT_VERSION)),
 };
+
+namespace {
 
 // Stores a number in a member of 1, 2 or 4 bytes; what does not fit is lost.
 void StoreNumber(u32 uiValue, u32 uiSize, u8 *pucMember)
@@ -94,23 +93,23 @@ void StoreText(const char *pcValue, u32 uiSize, u8 *pucMember)
     (void)BMC_Scnprintf(reinterpret_cast<char *>(pucMember), uiSize, "%s", pcValue);
 }
 
-void StoreMissingFile(const OEM_KEY_S &stKey, u8 *pucMember)
+void StoreMissingFile(const FRU_OEM_KEY_S &stKey, u8 *pucMember)
 {
-    if (stKey.eType == OEM_TYPE_E::TEXT) {
+    if (stKey.eType == FRU_OEM_TYPE_E::TEXT) {
         StoreText(stKey.pcMissingFile, stKey.usSize, pucMember);
     } else {
         StoreNumber(stKey.uiMissingFile, stKey.usSize, pucMember);
     }
 }
 
-void StoreKey(void *hpd, const OEM_KEY_S &stKey, u8 *pucMember)
+void StoreKey(void *hpd, const FRU_OEM_KEY_S &stKey, u8 *pucMember)
 {
-    if (stKey.eType == OEM_TYPE_E::TEXT) {
+    if (stKey.eType == FRU_OEM_TYPE_E::TEXT) {
         const char *pcValue = BRIDGE_IniGetStr(hpd, FRU_OEM_CONF_SECTION, stKey.pcKey, stKey.pcMissingKey);
         StoreText(pcValue == nullptr ? stKey.pcMissingKey : pcValue, stKey.usSize, pucMember);
         return;
     }
-    const auto pfnGet = stKey.eType == OEM_TYPE_E::FLAG ? BRIDGE_IniGetBool : BRIDGE_IniGetUInt;
+    const auto pfnGet = stKey.eType == FRU_OEM_TYPE_E::FLAG ? BRIDGE_IniGetBool : BRIDGE_IniGetUInt;
     StoreNumber(pfnGet(hpd, FRU_OEM_CONF_SECTION, stKey.pcKey, stKey.uiMissingKey), stKey.usSize, pucMember);
 }
 
@@ -132,13 +131,13 @@ void FRU_GetOEMConfBeforeDeal(FRU_OEM_CONF_S *pstOemConf)
     void *hpd = BRIDGE_IniLoadFile(FRU_OEM_CONF_PATH);
     if (hpd == nullptr) {
         FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_WARNING, "Unable to get oem conf file : %s", FRU_OEM_CONF_PATH);
-        for (const OEM_KEY_S &stKey : g_astOemKey) {
+        for (const FRU_OEM_KEY_S &stKey : g_astFruOemKey) {
             StoreMissingFile(stKey, pucConf + stKey.usOffset);
         }
         *pstOemConf = stConf;
         return;
     }
-    for (const OEM_KEY_S &stKey : g_astOemKey) {
+    for (const FRU_OEM_KEY_S &stKey : g_astFruOemKey) {
         StoreKey(hpd, stKey, pucConf + stKey.usOffset);
     }
     *pstOemConf = stConf;

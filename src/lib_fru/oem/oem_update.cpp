@@ -12,43 +12,40 @@ namespace {
 
 constexpr u32 g_uiSetModule = 23U; // FRU_SetOEMConf() logs under a module of its own
 
-// A key that FRU_SetOEMConf() writes: its value in the file and in the FRU.
-struct REPLACEMENT_S
+// The FRU's value for a key, whose text may be null; false: the FRU has no such custom field.
+bool FindValue(const FRU_DATA_S &stData, const FRU_OEM_SOURCE_S &stSource, const u8 **ppucValue)
 {
-    const char *pcKey;
-    const char *pcCurrent;
-    const u8 *pucValue;
-    u32 uiCustomField; // not 0: the value is the product area's custom field of this number, if there is one
-};
+    if (stSource.ucField != FRU_FIELD_COUNT) {
+        *ppucValue = FRU_FieldText(&stData, stSource.ucField);
+        return true;
+    }
+    const FRU_AREA_S &stProduct = g_astFruArea[FRU_AREA_PRODUCT];
+    u8 *const *const ppucCustom = FRU_CustomFields(&stData, stProduct);
+    if (ppucCustom == nullptr || stSource.ucSlot >= FRU_CustomCount(&stData, stProduct)) {
+        return false;
+    }
+    *ppucValue = ppucCustom[stSource.ucSlot];
+    return true;
+}
 
-// Replaces every key that has a value in the file by the FRU's; keys that are empty there are never created.
+// Replaces a key that has a value in the file by the FRU's; one that is empty there is never created.
+void ReplaceKey(void *hpd, const FRU_DATA_S &stData, const FRU_OEM_CONF_S &stConf, const FRU_OEM_KEY_S &stKey)
+{
+    const char *pcCurrent = reinterpret_cast<const char *>(FRU_MemberAt(&stConf, stKey.usOffset));
+    const u8 *pucValue = nullptr;
+    if (pcCurrent[0] != '\0' && FindValue(stData, stKey.stSource, &pucValue)) {
+        FRU_ReplaceOemConf(hpd, reinterpret_cast<const char *>(pucValue), pcCurrent, stKey.pcKey);
+    }
+}
+
 void ReplaceKeys(void *hpd, const FRU_DATA_S &stData, const FRU_OEM_CONF_S &stConf)
 {
-    const FRU_PRODUCT_INFO_S &stProduct = stData.stProductInfo;
-    const REPLACEMENT_S astReplacement[] = {
-        {"productmanufacturer", stConf.acProductManufacturer, stProduct.pucMfrName, 0U},
-        {"productname", stConf.acProductName, stProduct.pucProductName, 0U},
-        {"productserialnumber", stConf.acProductSerialNumber, stProduct.pucProductSerialNum, 0U},
-        {"productassettag", stConf.acProductAssetTag, stProduct.pucAssetTag, 0U},
-        {"productpartnumber", stConf.acProductPartNumber, stProduct.pucProductPartNum, 0U},
-        {"productextra1", stConf.acProductExtra1, nullptr, 1U},
-        {"productextra2", stConf.acProductExtra2, nullptr, 2U},
-        {"productextra3", stConf.acProductExtra3, nullptr, 3U},
-        {"productextra4", stConf.acProductExtra4, nullptr, 4U},
-        {"chassispartnumber", stConf.acChassisPartNumber, stData.stChassisInfo.pucChassisPartNum, 0U},
-        {"boardproductname", stConf.acBoardProductName, stData.stBoardInfo.pucBoardProductName, 0U},
-        {"productversion", stConf.acProductVersion, stProduct.pucProductVersion, 0U},
-    };
-    u8 **const ppucCustom = stProduct.ppucCustomFields;
-    const u32 uiCustomCount = ppucCustom == nullptr ? 0U : stProduct.ucCustomFieldCount;
-    for (const REPLACEMENT_S &stReplacement : astReplacement) {
-        const u32 uiField = stReplacement.uiCustomField;
-        if (stReplacement.pcCurrent[0] == '\0' || uiField > uiCustomCount) {
-            continue;
+    for (u32 uiTurn = 1U; uiTurn <= FRU_OEM_KEYS; ++uiTurn) {
+        for (const FRU_OEM_KEY_S &stKey : g_astFruOemKey) {
+            if (stKey.stSource.ucTurn == uiTurn) {
+                ReplaceKey(hpd, stData, stConf, stKey);
+            }
         }
-        const u8 *pucValue = uiField == 0U ? stReplacement.pucValue : ppucCustom[uiField - 1U];
-        FRU_ReplaceOemConf(hpd, reinterpret_cast<const char *>(pucValue), stReplacement.pcCurrent,
-                           stReplacement.pcKey);
     }
 }
 
@@ -59,15 +56,13 @@ void FRU_SetOEMConf(void)
     FRU_DATA_S stData = {};
     if (LIB_FRU_GetFRUData(FRU_COMPONENT_BASEBOARD, FRU_INSTANCE_MAIN, FRU_READ_MODE_PLAIN, FRU_READ_ARG_NONE,
                            &stData) != FRU_OK) {
-        BMC_DiagLogOut(g_uiSetModule, FRU_CAT_GENERAL, BMC_DIAG_ERROR, __LINE__, FRU_DIAG_FILE,
-                       "Get fru info failed!");
+        FRU_LOG_AS(g_uiSetModule, FRU_CAT_GENERAL, BMC_DIAG_ERROR, "Get fru info failed!");
         FRU_ANALYZER_SafeFree(&stData);
         return;
     }
     void *hpd = BRIDGE_IniLoadFile(FRU_OEM_CONF_PATH);
     if (hpd == nullptr) {
-        BMC_DiagLogOut(g_uiSetModule, FRU_CAT_GENERAL, BMC_DIAG_ERROR, __LINE__, FRU_DIAG_FILE,
-                       "open file %s failed.", FRU_OEM_CONF_PATH);
+        FRU_LOG_AS(g_uiSetModule, FRU_CAT_GENERAL, BMC_DIAG_ERROR, "open file %s failed.", FRU_OEM_CONF_PATH);
         FRU_ANALYZER_SafeFree(&stData);
         return;
     }

@@ -1,4 +1,4 @@
-#include "lib_fru_analyzer/chassis_type.h"
+#include "lib_fru_analyzer/fields.h"
 
 #include "codec_test_helper.h"
 

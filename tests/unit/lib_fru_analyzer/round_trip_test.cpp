@@ -2,7 +2,7 @@
 #include <random>
 
 #include "codec_test_helper.h"
-#include "lib_fru_analyzer/chassis_type.h"
+#include "lib_fru_analyzer/fields.h"
 
 namespace {
 

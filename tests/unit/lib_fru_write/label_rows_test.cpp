@@ -144,6 +144,16 @@ TEST(LabelRows, ThePartNumbersLimitGoesByTheIdInTheTable)
     EXPECT_EQ(Valid("Board Part Number", std::string(40U, 'p'), 0U), 0U);
 }
 
+TEST(LabelRows, AnUnlimitedLengthInTheTableIsNoLimit)
+{
+    const ChangedRow stRow(FRU_LABEL_BOARD_MANUFACTURER - 1U);
+    stRow->uiMaxLen = 0xFFFFFFFFU;
+    EXPECT_EQ(Valid("Board Manufacturer", "ACME"), 1U);
+    EXPECT_EQ(Valid("Board Manufacturer", std::string(500U, 'm')), 1U);
+    EXPECT_EQ(Valid("Board Manufacturer", "A"), 0U); // the shortest is still 2
+    EXPECT_EQ(fake::Messages(), LINES{Line(2U, "Label Value Size:1 invalid!")});
+}
+
 // A caller's own setter, with the contract of the text setters.
 u8 *g_pucTaken;
 

@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "label_texts.h"
-#include "lib_fru_analyzer/chassis_type.h"
+#include "lib_fru_analyzer/fields.h"
 #include "lib_fru_labels.h"
 
 namespace {
