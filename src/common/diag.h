@@ -24,14 +24,10 @@
 #define FRU_LOG_AS(uiModule, uiCategory, uiSeverity, ...)                                                    \
     BMC_DiagLogOut((uiModule), (uiCategory), (uiSeverity), __LINE__, FRU_DIAG_FILE, __VA_ARGS__)
 
-#define FRU_NULL_FORMAT(pcName) "Pointer " pcName " is Null, File:%s Func:%s Line:%d"
-
-// Reports a null pointer under the name that callers know; the second form names the function that they
-// called, the third takes a FRU_NULL_FORMAT out of a table.
+// Reports a null pointer under the name that callers know; the second form names the function
+// that they called.
 #define FRU_LOG_NULL(pcName) FRU_LOG_NULL_IN(pcName, __func__)
-#define FRU_LOG_NULL_IN(pcName, pcFunction) FRU_LOG_NULL_TABLE(FRU_NULL_FORMAT(pcName), pcFunction)
-#define FRU_LOG_NULL_TABLE(pcFormat, pcFunction)                                                             \
-    FRU_ReportNull((pcFormat), FRU_DIAG_FILE, (pcFunction), __LINE__)
+#define FRU_LOG_NULL_IN(pcName, pcFunction) FRU_ReportNull((pcName), FRU_DIAG_FILE, (pcFunction), __LINE__)
 
 // The frame's first step: a null pointer is reported under its own name and the function returns uiCode, or
 // just returns. The second form names the function that callers called.
@@ -51,8 +47,8 @@
         }                                                                                                    \
     } while (0)
 
-// The report behind FRU_LOG_NULL; out of line, for there are many of them. pcFormat is a FRU_NULL_FORMAT.
-void FRU_ReportNull(const char *pcFormat, const char *pcFile, const char *pcFunction, u32 uiLine);
+// The report behind FRU_LOG_NULL; out of line, for there are many of them. pcName is the library's own.
+void FRU_ReportNull(const char *pcName, const char *pcFile, const char *pcFunction, u32 uiLine);
 
 // How many arguments a format takes, all of them numbers; one that asks for anything else, such as a text,
 // takes more than anybody has. What tables of texts are checked with where they stand.

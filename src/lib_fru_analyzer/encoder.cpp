@@ -4,7 +4,6 @@
 #include "lib_fru_analyzer/area_texts.h"
 #include "lib_fru_analyzer/field_writer.h"
 #include "lib_fru_analyzer/multirecord_area.h"
-#include "lib_fru_analyzer/type_length.h"
 #include "lib_fru_codec.h"
 
 namespace {

@@ -25,15 +25,15 @@ void FreeCustomFields(FRU_DATA_S *pstFRUData, const FRU_AREA_S &stArea)
 }
 
 // Most records have no or few MultiRecords, so entries are looked at by the group first.
-constexpr u32 g_uiGroup = 8U;
+constexpr u32 g_uiGroup = 4U;
 static_assert(FRU_MULTIRECORD_MAX % g_uiGroup == 0U);
 
 bool HasData(const FRU_MULTIRECORD_S *pstGroup)
 {
-    uintptr_t uiAny = 0;
-    for (u32 i = 0; i < g_uiGroup; ++i) {
-        uiAny |= reinterpret_cast<uintptr_t>(pstGroup[i].pucRecordData);
-    }
+    const uintptr_t uiAny = reinterpret_cast<uintptr_t>(pstGroup[0].pucRecordData) |
+                            reinterpret_cast<uintptr_t>(pstGroup[1].pucRecordData) |
+                            reinterpret_cast<uintptr_t>(pstGroup[2].pucRecordData) |
+                            reinterpret_cast<uintptr_t>(pstGroup[3].pucRecordData);
     return uiAny != 0U;
 }
 

@@ -41,14 +41,16 @@ void FRU_ParseByUnicode(const u8 *pucData, u32 uiCount, char *pcOut)
 
 void FRU_ParseByASCII6Bit(const u8 *pucData, u32 uiCount, char *pcOut)
 {
-    for (u32 i = 0; i < uiCount; i += 3U) {
+    const u8 *pucEnd = pucData + uiCount;
+    while (pucData != pucEnd) {
         // Bytes that a short last group lacks count as 0.
-        const u32 uiSecond = i + 1U < uiCount ? pucData[i + 1U] : 0U;
-        const u32 uiThird = i + 2U < uiCount ? pucData[i + 2U] : 0U;
-        const u32 uiGroup = pucData[i] | uiSecond << 8U | uiThird << 16U;
-        for (u32 j = 0; j < 4U; ++j) {
-            *pcOut++ = static_cast<char>((uiGroup >> (6U * j) & 0x3FU) + 0x20U);
-        }
+        u32 uiGroup = *pucData++;
+        uiGroup |= pucData == pucEnd ? 0U : static_cast<u32>(*pucData++) << 8U;
+        uiGroup |= pucData == pucEnd ? 0U : static_cast<u32>(*pucData++) << 16U;
+        *pcOut++ = static_cast<char>((uiGroup & 0x3FU) + 0x20U);
+        *pcOut++ = static_cast<char>((uiGroup >> 6U & 0x3FU) + 0x20U);
+        *pcOut++ = static_cast<char>((uiGroup >> 12U & 0x3FU) + 0x20U);
+        *pcOut++ = static_cast<char>((uiGroup >> 18U) + 0x20U);
     }
     *pcOut = '\0';
 }
