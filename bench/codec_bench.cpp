@@ -1,5 +1,5 @@
-// What decoding and encoding cost. Decoding stands beside its floor: every image byte summed once, one malloc and
-// one free for every buffer that the decoder makes.
+// What decoding and encoding cost. Decoding stands beside its floor: every image byte summed once, one malloc
+// and one free for every buffer that the decoder makes.
 #include <algorithm>
 #include <chrono>
 #include <cstdlib>
@@ -70,8 +70,8 @@ template <typename CALL> double Seconds(const CALL &fnCall)
     return std::chrono::duration<double>(CLOCK::now() - start).count() / g_iBatch;
 }
 
-// Both take turns, so that whatever else the machine does hits them alike, and the best turn of each counts: read
-// the counters; the benchmark's own time is that of two turns.
+// Both take turns, so that whatever else the machine does hits them alike, and the best turn of each counts:
+// read the counters; the benchmark's own time is that of two turns.
 void DecodeBesideFloor(benchmark::State &state, const CASE_S &stCase)
 {
     bool bDecodes = DecodeOnce(stCase.vecDevice);

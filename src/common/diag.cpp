@@ -11,7 +11,7 @@ constexpr u32 g_uiFormatLen = 128; // the longest name has 42 characters
 
 void FRU_ReportNull(const char *pcName, const char *pcFile, const char *pcFunction, u32 uiLine)
 {
-    // The name is part of the format, as whoever reads formats knows it; eighty of them as literals are 3 KiB.
+    // The name is part of the format, as whoever reads formats knows it; eighty literals would be 3 KiB.
     char acFormat[g_uiFormatLen];
     (void)BMC_Scnprintf(acFormat, sizeof(acFormat), "Pointer %s is Null, File:%%s Func:%%s Line:%%d", pcName);
 #pragma GCC diagnostic push

@@ -46,6 +46,23 @@ TEST(Alloc, ZeroedFormsClearMemoryThatWasUsedBefore)
     }
 }
 
+TEST(Alloc, CopyHoldsTheSameBytesAndRefusesNone)
+{
+    fake::Reset();
+    const u8 aucBytes[] = {1U, 2U, 3U};
+    const FRU_BUFFER upCopy(static_cast<u8 *>(FRU_COPY(aucBytes, sizeof(aucBytes))));
+    ASSERT_NE(upCopy, nullptr);
+    EXPECT_EQ(memcmp(upCopy.get(), aucBytes, sizeof(aucBytes)), 0);
+    EXPECT_NE(upCopy.get(), aucBytes);
+    EXPECT_EQ(FRU_COPY_IN(aucBytes, 0U, "FRU_Caller"), nullptr);
+    EXPECT_EQ(fake::Messages(),
+              std::vector<std::string>{"0/3 lib_fru.c: Invalid MALLOC size (size is 0)is detected"});
+    EXPECT_EQ(fake::TakeStdout(), "Invalid MALLOC size (size is 0)is detected in # FRU_Caller lib_fru.c\n");
+    fake::Arm({fake::KIND_E::ALLOC, 1, false});
+    EXPECT_EQ(FRU_COPY(aucBytes, 2U), nullptr);
+    fake::Disarm();
+}
+
 TEST(Alloc, CallocFormRefusesAProductThatWraps)
 {
     fake::Reset();
