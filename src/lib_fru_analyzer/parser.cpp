@@ -51,7 +51,7 @@ u32 GetChassisTypeDesc(FRU_READER_S &stReader, FRU_DATA_S *pstFRUData)
         FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_ERROR, "Failed to calloc memory!");
         return FRU_ERR_FAILED;
     }
-    (void)strcpy(pcText, pcDesc); // the longest has 21 characters
+    (void)BMC_Strlcpy(pcText, pcDesc, FRU_CHASSIS_TYPE_DESC_LEN);
     FRU_StoreFieldText(pstFRUData, FRU_FIELD_CHASSIS_TYPE, reinterpret_cast<u8 *>(pcText));
     return FRU_OK;
 }
