@@ -20,8 +20,9 @@ std::atomic<unsigned> g_uiLocks{0};
 
 } // namespace
 
-// Ours come before libc's for the libraries too.
-extern "C" int fcntl64(int iFd, int iCommand, ...)
+// Ours come before libc's for the libraries too. This name is given by hand: libc's headers may stand another for it.
+extern "C" int CountingFcntl(int iFd, int iCommand, ...) __asm__("fcntl64");
+extern "C" int CountingFcntl(int iFd, int iCommand, ...)
 {
     va_list vaArguments;
     va_start(vaArguments, iCommand);
@@ -29,7 +30,7 @@ extern "C" int fcntl64(int iFd, int iCommand, ...)
     va_end(vaArguments);
     using FCNTL = int (*)(int, int, ...);
     static const auto pfnNext = reinterpret_cast<FCNTL>(dlsym(RTLD_NEXT, "fcntl64"));
-    g_uiLocks += iCommand == F_SETLK || iCommand == F_SETLKW ? 1U : 0U;
+    g_uiLocks += iCommand == F_SETLK || iCommand == F_SETLK64 ? 1U : 0U;
     return pfnNext(iFd, iCommand, pArgument);
 }
 
