@@ -101,7 +101,7 @@ FAULT_S Connection::Ask(const char *pcSql, std::string *pstrAnswer)
             pstrAnswer->assign(pcText == nullptr ? "" : pcText);
         }
     }
-    const FAULT_S stFault = iCode == SQLITE_ROW || iCode == SQLITE_DONE ? FAULT_S() : Fault(iCode);
+    FAULT_S stFault = iCode == SQLITE_ROW || iCode == SQLITE_DONE ? FAULT_S() : Fault(iCode);
     (void)sqlite3_finalize(pstStatement);
     return stFault;
 }
@@ -379,6 +379,9 @@ FAULT_S Connection::Get(u32 uiKey, u32 uiLen, void *pData)
     const void *pFound = nullptr;
     FAULT_S stFault = Find(uiKey, uiLen, &pFound);
     if (!stFault && uiLen != 0U) {
+        if (pFound == nullptr) {
+            return Fault(SQLITE_NOMEM);
+        }
         (void)memcpy(pData, pFound, uiLen);
     }
     return stFault;
@@ -441,8 +444,8 @@ FAULT_S Connection::Put(u32 uiKey, u32 uiLen, const void *pData)
     {
         const Finish stFinish(m_pstGet);
         const void *pFound = nullptr;
-        const FAULT_S stFault = Find(uiKey, uiLen, &pFound);
-        if (!stFault && (uiLen == 0U || memcmp(pFound, pData, uiLen) == 0)) {
+        FAULT_S stFault = Find(uiKey, uiLen, &pFound);
+        if (!stFault && (uiLen == 0U || (pFound != nullptr && memcmp(pFound, pData, uiLen) == 0))) {
             return FlushLogOnce();
         }
         if (stFault && stFault.enReason != BMCHOST_DB_NO_RECORD) {
