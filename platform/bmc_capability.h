@@ -1,7 +1,8 @@
 /*
  * Platform: capability store.
  *
- * What this product is and can. May be called from any thread.
+ * What this product is and can. May be called from any thread, not from signal handlers. The call waits for
+ * nobody and writes nothing; a changed store is seen by the next call.
  */
 #ifndef BMC_CAPABILITY_H
 #define BMC_CAPABILITY_H

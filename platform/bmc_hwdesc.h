@@ -2,7 +2,7 @@
  * Platform: hardware description.
  *
  * The product's hardware, from XML files. A name space is used by one thread at a time; different ones are
- * independent.
+ * independent. Not for signal handlers. The calls wait for nobody and write nothing.
  */
 #ifndef BMC_HWDESC_H
 #define BMC_HWDESC_H
@@ -39,7 +39,8 @@ HW_NAMESPACE_S *HW_NewNameSpace(void);
 
 /*
  * Loads an XML file into the name space, behind what was loaded before. 0 for success. Not 0, and the name
- * space as it was: a null argument, a file that cannot be read or is not well-formed, or an object with a
+ * space as it was: a null argument, a file that cannot be read, is not well-formed or is larger than the
+ * platform reads (on the desk 1 MiB), or an object with a
  * value that is missing, malformed or out of range.
  *
  * On the desk every child element of the root element is an object, its name the class; a "FRU" element has

@@ -1,7 +1,11 @@
 /*
  * Platform: RPC service.
  *
- * Calls to the other services of the controller. May be made from any thread.
+ * Calls to the other services of the controller. May be made from any thread, not from signal handlers. A
+ * call ends after uiTimeoutMs, or after the transport's own bound where that is 0 (on the desk: the time of
+ * a file's write, and 5 seconds for one that another process does not let go). What was told is with the
+ * service when the call returns 0; whether it outlives a power cut there is the service's (on the desk
+ * events are not flushed).
  *
  * What FRU data asks of them:
  *
@@ -11,6 +15,23 @@
  *   29/5            none                            FRU data written in OEM mode       none needed
  *   630/0           16 bytes (FRU_EVENT_S)          a FRU event                        none
  *   636/0           184 bytes (FRU_DEVICE_INFO_S)   this device's FRU data changed     none
+ *
+ * Requests are the structures' bytes as they lie in memory: packed, numbers in the machine's byte order
+ * (little-endian on every controller so far; the desk reads them so). lib_fru_types.h declares them. Bytes
+ * not named here are passed on as they are and mean nothing to a receiver.
+ *
+ *   FRU_EVENT_S        bytes 0-3   kind: 3 a label was written, 4 the labels were cleared
+ *                      byte 4      component type
+ *                      byte 5      instance
+ *                      bytes 8-11  label ID; 0 when all were cleared
+ *   FRU_DEVICE_INFO_S  byte 0      device ID
+ *                      bytes 3-4   where the FRU begins in its EEPROM, 5-6 its size
+ *                      bytes 14-29 name, ended by a NUL unless it fills them
+ *                      byte 158    bus, 159 address, 160 switch level
+ *   29/4               1334 bytes whose layout is the feature service's own
+ *
+ * The texts of 29/3 are one for each feature: "success" for one in order, anything else tells what is
+ * wrong.
  */
 #ifndef BMC_MRPC_H
 #define BMC_MRPC_H

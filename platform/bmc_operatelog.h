@@ -2,7 +2,10 @@
  * Platform: operation log.
  *
  * What was done to the controller, for its operators. May be called from any thread; processes that log at
- * the same time do not disturb each other's entries.
+ * the same time do not disturb each other's entries. Not for signal handlers. A call waits for another
+ * entry at most for a bounded time (on the desk 5 seconds). An entry outlives its process at once; whether
+ * it outlives a power cut is the log's own business, and nobody may rely on it (on the desk it is not
+ * flushed). The log may drop its oldest entries when it is full, never the one that is being added.
  */
 #ifndef BMC_OPERATELOG_H
 #define BMC_OPERATELOG_H

@@ -4,6 +4,11 @@
  * Logging, bounded text, checksums, files and directories, time, OEM flag. Every call may be made from any
  * thread. Results are u32, 0 for success, unless said otherwise. Buffers are the caller's; a pointer may be
  * null only where that is said. Paths are the controller's, from its top.
+ *
+ * Nothing here is for signal handlers but the text and checksum calls. No call waits for another process.
+ * What BMC_CopyFileWithAllMode() has copied is on the disk when it returns, name and content; a directory's
+ * own name need not be. On the desk symbolic links are followed only where the process's user or root has
+ * laid them, and nothing but regular files is opened.
  */
 #ifndef BMC_SUPPORT_H
 #define BMC_SUPPORT_H
@@ -23,7 +28,8 @@ extern "C" {
 #define BMC_DIAG_DEBUG 7U   /* null pointers and debug counts */
 
 /* Writes one message to the diagnostic log: the text that pcFormat and its arguments make, of any length, in
- * one piece. pcFile and pcFormat are never null. errno stays as it is. */
+ * one piece. pcFile and pcFormat are never null. errno stays as it is. No caller holds a lock meanwhile, so
+ * a log that takes its time holds up nobody but the caller; nothing is durable when it returns. */
 void BMC_DiagLogOut(u32 uiModule, u32 uiCategory, u32 uiSeverity, u32 uiLine, const char *pcFile,
                     const char *pcFormat, ...) __attribute__((format(printf, 6, 7)));
 
@@ -64,7 +70,8 @@ i32 BMC_GetFileSize(const char *pcPath);
  * such file, or a shorter one. */
 u32 BMC_ReadFile(const char *pcPath, u8 *pucBuf, u32 uiLen);
 
-/* Creates a directory (mode 0755) and its parents; 0 also when it is there already. Not 0: something else has
+/* Creates a directory (mode 0755, whatever the umask) and its parents; 0 also when it is there already.
+ * Not 0: something else has
  * that name, or it cannot be made. */
 u32 BMC_Mkdir(const char *pcPath);
 
@@ -73,14 +80,15 @@ u32 BMC_Mkdir(const char *pcPath);
 /* BMC_DIR_USABLE when the directory exists and can be read, searched and written to, else another value. */
 u32 BMC_CheckDirVaildStatus(const char *pcPath);
 
-/* Copies a regular file with its permission bits, replacing pcDest whole or not at all, whatever happens
- * meanwhile. Not 0, and pcDest as it was: no such file, no directory for pcDest, or it cannot be written. */
+/* Copies a regular file with its permission bits, set-ID bits excepted, replacing pcDest whole or not at all,
+ * whatever happens meanwhile. Not 0, and pcDest as it was: no such file, no directory for pcDest, or it
+ * cannot be written. */
 u32 BMC_CopyFileWithAllMode(const char *pcSrc, const char *pcDest);
 
 /*
  * Formats Unix time uiTimeStamp (seconds, UTC) into pcOut as "YYYY-MM-DD HH:MM:SS"; pcOut holds at least 32
- * bytes. uiArg is the caller's; on the desk 0 is UTC and anything else the process's time zone. Not 0: a null
- * pcOut, or a moment that cannot be told.
+ * bytes. uiArg is the caller's; on the desk 0 is UTC and anything else the process's time zone. Not 0: a
+ * null pcOut, or a moment that cannot be told.
  */
 u32 BMC_TimeStampToIsoTime(u32 uiTimeStamp, u32 uiArg, char *pcOut);
 

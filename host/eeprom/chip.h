@@ -1,5 +1,5 @@
-// One chip on the desk: an image file, whose length is the capacity and whose write bits are the write-protect
-// pin, and perhaps a file beside it with the fault that it is to show.
+// One chip on the desk: an image file, whose length is the capacity and whose write bits are the
+// write-protect pin, and perhaps a file beside it with the fault that it is to show.
 #ifndef BMCHOST_EEPROM_CHIP_H
 #define BMCHOST_EEPROM_CHIP_H
 

@@ -6,8 +6,8 @@
 //     root has laid; what somebody else has linked is refused with ELOOP;
 //   - a file with a second name (a hard link) whose owner is not its directory's is not written to (EMLINK);
 //   - a new file gets the permission bits that are asked for, whatever the umask, and no set-ID bits ever;
-//   - a file takes its name when it is whole and on the disk, and then the directory is flushed: after a power
-//     cut there is the old file or the new one;
+//   - a file takes its name when it is whole and on the disk, and then the directory is flushed: after a
+//     power cut there is the old file or the new one;
 //   - every wait has a bound.
 // Results are errno values, 0 for success; Reason() puts them into words.
 #ifndef BMCFRU_FILES_H
@@ -115,8 +115,8 @@ int MakeDirectories(const PLACE_S &stPlace, mode_t uiMode = 0755);
 // The permission bits of a file that is replaced stay, a new one gets 0644.
 constexpr mode_t g_uiKeepMode = ~static_cast<mode_t>(0);
 
-// A file on its way: it has an unpredictable name beside the one that it will take, and vanishes when it is not
-// committed.
+// A file on its way: it has an unpredictable name beside the one that it will take, and vanishes when it is
+// not committed.
 class NewFile
 {
   public:

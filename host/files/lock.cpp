@@ -13,8 +13,8 @@
 
 namespace files {
 
-// Every lock of this process. flock(2) belongs to the open file, which a child of fork() shares: it closes its
-// copies at once, for else a lock would outlive the parent that is killed while it holds it.
+// Every lock of this process. flock(2) belongs to the open file, which a child of fork() shares: it closes
+// its copies at once, for else a lock would outlive the parent that is killed while it holds it.
 struct LOCK_LIST_S
 {
     std::mutex mtx;

@@ -48,23 +48,23 @@ const char *BMCHOST_GetRoot(void);
  */
 void BMCHOST_AllowForeignRoot(u32 uiAllow);
 
-/* 1 when the root is such a one, whatever has been allowed; 0 when it is the user's own or is not there yet. */
+/* 1 when the root is such a one, whatever has been allowed; 0 when it is the user's own or not there yet. */
 u32 BMCHOST_IsForeignRoot(void);
 
 /*
  * Puts the root in front of a controller's path, into pcOut of uiSize bytes; the path need not begin with a
- * slash, "." components and doubled slashes fall away. 0, or not 0 with errno set and pcOut empty: EINVAL for
- * a null or empty path or no root, EACCES when ".." components would lead out of the root, ENAMETOOLONG when
- * it does not fit. Nothing is looked at on the disk.
+ * slash, "." components and doubled slashes fall away. 0, or not 0 with errno set and pcOut empty: EINVAL
+ * for a null or empty path or no root, EACCES when ".." components would lead out of the root, ENAMETOOLONG
+ * when it does not fit. Nothing is looked at on the disk.
  *
- * The platform's own calls follow a symbolic link below the root only when this process's user or root has laid
- * it, and open nothing but regular files; whoever opens a resolved path himself has to see to that.
+ * The platform's own calls follow a symbolic link below the root only when this process's user or root has
+ * laid it, and open nothing but regular files; whoever opens a resolved path himself has to see to that.
  */
 u32 BMCHOST_ResolvePath(const char *pcPath, size_t uiSize, char *pcOut);
 
 /*
- * fopen(3) below the root with mode "r", "w" or "w+", under those rules; a new file gets mode 0644 whatever the
- * umask. Null with errno set.
+ * fopen(3) below the root with mode "r", "w" or "w+", under those rules; a new file gets mode 0644 whatever
+ * the umask. Null with errno set.
  */
 FILE *BMCHOST_OpenFile(const char *pcPath, const char *pcMode);
 
@@ -72,10 +72,11 @@ FILE *BMCHOST_OpenFile(const char *pcPath, const char *pcMode);
 #define BMCHOST_JOURNAL_FORMER ".1"     /* what the one before it is called: its name and this */
 
 /*
- * Journals hold one JSON object a line, appended whole under a lock in var/lock; a line that a dying process
- * left unfinished stands alone. A line that would not fit into BMCHOST_JOURNAL_MAX bytes begins a new file, and
- * the old one takes the place of the one before it: there are two of each at most. Lines are not flushed: they
- * outlive their process, not a power cut. Every object begins with "time" (UTC, "2024-05-01T12:34:56.789Z").
+ * Journals hold one JSON object a line, appended whole under a lock in var/lock; a line that a dying
+ * process left unfinished stands alone. A line that would not fit into BMCHOST_JOURNAL_MAX bytes begins a
+ * new file, and the old one takes the place of the one before it: there are two of each at most. Lines are
+ * not flushed: they outlive their process, not a power cut. Every object begins with "time" (UTC,
+ * "2024-05-01T12:34:56.789Z").
  *
  *   operate.jsonl     module, result (99 success, 67 failure), text, args (two numbers), line, source
  *   fru-events.jsonl  service, method, event, and with the event
@@ -138,9 +139,9 @@ typedef struct
 
 /*
  * Where diagnostic messages go from now on: to pfnSink with pContext, or nowhere when it is null (as at the
- * start). The sink is called on the thread that logs, without a lock: on several threads at once, and one that
- * hangs holds up its own thread only. When this call returns, the former sink is no longer running anywhere,
- * but for a sink that replaces itself. A sink makes no platform calls; what it logs is dropped.
+ * start). The sink is called on the thread that logs, without a lock: on several threads at once, and one
+ * that hangs holds up its own thread only. When this call returns, the former sink is no longer running
+ * anywhere, but for a sink that replaces itself. A sink makes no platform calls; what it logs is dropped.
  */
 void BMCHOST_SetDiagSink(void (*pfnSink)(const BMCHOST_DIAG_S *pstDiag, void *pContext), void *pContext);
 
@@ -153,11 +154,11 @@ void BMCHOST_DiagToSyslog(const BMCHOST_DIAG_S *pstDiag, void *pContext);
 
 /*
  * The image file of a chip, as ReadWriteEEPROM() names it: for the types 9 to 15
- * eeprom/bus<bus>-addr0x<address>.bin, with "-switch<level>" ahead of the ".bin" when the level is not 0 (bus
- * and level decimal, address two hexadecimal digits: "bus1-addr0xa0.bin", "bus1-addr0xa0-switch2.bin"); for
- * any other type eeprom/<device name>.bin. pcOut of uiSize bytes receives the path below the root's own. 0,
- * or not 0 with pcOut empty: null location, a name that is empty, begins with a dot or holds a slash, a
- * backslash or a control character, or a path that does not fit.
+ * eeprom/bus<bus>-addr0x<address>.bin, with "-switch<level>" ahead of the ".bin" when the level is not 0
+ * (bus and level decimal, address two hexadecimal digits: "bus1-addr0xa0.bin",
+ * "bus1-addr0xa0-switch2.bin"); for any other type eeprom/<device name>.bin. pcOut of uiSize bytes receives
+ * the path below the root's own. 0, or not 0 with pcOut empty: null location, a name that is empty, begins
+ * with a dot or holds a slash, a backslash or a control character, or a path that does not fit.
  */
 u32 BMCHOST_GetEepromPath(u8 ucType, const void *pLocation, size_t uiSize, char *pcOut);
 
@@ -177,13 +178,14 @@ void BMCHOST_SetEepromProgress(void (*pfnProgress)(const BMCHOST_EEPROM_PROGRESS
                                void *pContext);
 
 /*
- * A chip shows a fault while a file eeprom/<image's name without ".bin">.fault says so, in one word and perhaps
- * a number:
+ * A chip shows a fault while a file eeprom/<image's name without ".bin">.fault says so, in one word and
+ * perhaps a number:
  *
  *   absent       nobody answers: every transfer is negative
  *   busy [N]     the next N transfers (1) are negative, as in a write cycle; then the file is removed
  *   stuck [MS]   the bus hangs: every transfer takes MS milliseconds (100) and is negative
- *   torn [AT]    the power goes while the page with the chip's byte AT (the next page) is written: half of its
+ *   torn [AT]    the power goes while the page with the chip's byte AT (the next page) is written: half of
+ *   its
  *                bytes are new, the others anything; the write is negative, the file is removed
  *   protected    writes are acknowledged in full, and the chip's bytes stay
  */

@@ -55,8 +55,8 @@ u32 RootGeneration();
 // A controller's path below the root; throws std::system_error when it is refused.
 std::string Resolve(const char *pcPath);
 files::PLACE_S PlaceOf(const char *pcPath);
-// The same for what is about to be changed: throws also when the root is somebody else's and nobody has allowed
-// that. At the first use in a root, what killed processes left in it is tidied.
+// The same for what is about to be changed: throws also when the root is somebody else's and nobody has
+// allowed that. At the first use in a root, what killed processes left in it is tidied.
 files::PLACE_S WritePlaceOf(const char *pcPath);
 
 // Text files that are read whole: what is larger is a mistake or worse.
