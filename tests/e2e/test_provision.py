@@ -54,6 +54,35 @@ class Provision(FructlTest):
         self.assertFalse(self.Json("provision", EXAMPLES / "controller.json", "--dry-run")["written"])
         self.assertFalse(self.pathRoot.exists())
 
+    def test_a_chip_whose_write_protect_pin_is_pulled_stays_so(self):
+        self.Provision()
+        pathChip = self.Eeprom(BASEBOARD_EEPROM)
+        pathChip.chmod(0o444)
+        self.Good("provision", EXAMPLES / "controller.json", "--force")
+        self.assertEqual(pathChip.stat().st_mode & 0o7777, 0o444)
+
+    def test_names_that_others_laid_are_not_written_through(self):
+        pathVictim = self.pathRoot.parent / "victim"
+        pathVictim.write_text("kept")
+        (self.pathRoot / "eeprom").mkdir(parents=True)
+        for strName in (BASEBOARD_EEPROM + ".new", BASEBOARD_EEPROM.replace(".bin", ".new")):
+            (self.pathRoot / "eeprom" / strName).symlink_to(pathVictim)
+        self.Good("provision", EXAMPLES / "controller.json")
+        self.assertEqual(pathVictim.read_text(), "kept")
+        self.assertFalse(self.Eeprom(BASEBOARD_EEPROM).is_symlink())
+
+    @unittest.skipIf(os.geteuid() != 0, "only root can act as two users")
+    def test_a_directory_of_another_user_is_written_to_when_asked_for_only(self):
+        self.Provision()
+        os.chown(self.pathRoot, 65534, 65534)
+        dictBefore = self.Tree()
+        strRefused = (f"{self.pathRoot} belongs to another user, so nothing is written there; --foreign-root writes all the same")
+        self.assertEqual(self.Bad(1, "provision", EXAMPLES / "controller.json", "--force"), strRefused)
+        self.assertEqual(self.Bad(1, "label", "set", "psu1", "Product Version=C3"), strRefused)
+        self.Good("show", "psu1")
+        self.assertEqual(self.Tree(), dictBefore)
+        self.Good("--foreign-root", "label", "set", "psu1", "Product Version=C3")
+
     def test_a_controller_is_replaced_only_by_force(self):
         self.Provision()
         self.Damage(self.Eeprom(BASEBOARD_EEPROM), 0, b"mine")

@@ -126,6 +126,29 @@ class SmallServices(ServicesTest):
             self.assertEqual(stMonitor.wait(timeout=HANG_SECONDS), 0)
         self.assertRegex(strLine, r"^\d{4}-\d\d-\d\dT\S+  cleared  0x03:1\n$")
 
+    def test_monitor_follows_a_journal_that_begins_anew(self):
+        pathJournal = self.pathRoot / EVENTS
+        self.Good("clear", "psu1", "--yes")
+        with open(pathJournal, "a", encoding="utf-8") as stFile:
+            stFile.write("x" * (4 * 1024 * 1024 - 100) + "\n")
+        with subprocess.Popen([*COMMAND, "--root", str(self.pathRoot), "monitor", "--all", "--count", "3"], stdout=subprocess.PIPE, text=True,
+                              env=Environment()) as stMonitor:
+            listLines = [stMonitor.stdout.readline()]
+            self.Good("clear", "psu2", "--yes")
+            listLines += stMonitor.stdout.readlines()
+        self.assertEqual(stMonitor.returncode, 0)
+        self.assertEqual(len(listLines), 3)
+        self.assertRegex(listLines[2], r"^\d{4}-\d\d-\d\dT\S+  cleared  0x03:1\n$")
+        self.assertLess(pathJournal.stat().st_size, 10000)
+        self.assertGreater((self.pathRoot / (EVENTS + ".1")).stat().st_size, 4000000)
+
+    def test_monitor_hands_no_control_characters_to_a_terminal(self):
+        (self.pathRoot / EVENTS).parent.mkdir(parents=True, exist_ok=True)
+        (self.pathRoot / EVENTS).write_text('{"event":"x\x1b]0;title\x07","time":"now"}\nno JSON \x1b[2J\n')
+        for asMode in ([], ["--json"]):
+            strOut = self.Good(*asMode, "monitor", "--all", "--count", "2").strOut
+            self.assertEqual([c for c in strOut if c != "\n" and not c.isprintable()], [])
+
 
 class Date(unittest.TestCase):
     def test_there_and_back(self):

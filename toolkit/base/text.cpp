@@ -50,6 +50,17 @@ std::string EscapeText(std::string_view strBytes)
     return strOut;
 }
 
+std::string PrintableLines(std::string_view strText)
+{
+    std::string strOut;
+    for (const char cByte : strText) {
+        const u8 ucByte = static_cast<u8>(cByte);
+        const bool bPlain = (ucByte >= 0x20U && ucByte < 0x7FU) || cByte == '\n';
+        strOut += bPlain ? std::string(1U, cByte) : Format("\\x%02x", ucByte);
+    }
+    return strOut;
+}
+
 std::string Latin1ToUtf8(std::string_view strBytes)
 {
     std::string strOut;

@@ -20,6 +20,10 @@ std::string HexBytes(const std::vector<u8> &vecBytes, const char *pcSeparator = 
 // For a terminal: printable ASCII as it is, a backslash doubled, every other byte as \xNN.
 std::string EscapeText(std::string_view strBytes);
 
+// Lines of another program as a terminal may have them: what is no printable ASCII becomes \xNN, ends of
+// lines stay.
+std::string PrintableLines(std::string_view strText);
+
 // For JSON: the bytes read as Latin-1, as the FRU format says, in UTF-8. Nothing is lost.
 std::string Latin1ToUtf8(std::string_view strBytes);
 

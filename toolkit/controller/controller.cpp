@@ -12,6 +12,15 @@ void OpenController(CONTROLLER_S &stController)
         FailUsage("--root " + EscapeText(stController.strRoot) + " is refused: the path is too long");
     }
     stController.strRoot = BMCHOST_GetRoot();
+    BMCHOST_AllowForeignRoot(stController.bForeignRoot ? 1U : 0U);
+}
+
+void RequireOwnRoot(const CONTROLLER_S &stController)
+{
+    if (!stController.bForeignRoot && BMCHOST_IsForeignRoot() != 0U) {
+        Fail(EscapeText(stController.strRoot) +
+             " belongs to another user, so nothing is written there; --foreign-root writes all the same");
+    }
 }
 
 bool HasController(const CONTROLLER_S &stController)

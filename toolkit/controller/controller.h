@@ -11,6 +11,7 @@ struct CONTROLLER_S
     std::string strRoot;                                    // empty: $FRUCTL_ROOT, else ~/.local/state/fructl
     std::string strCommandLine;                             // who works there, for the lock file
     std::function<void(const std::string &strLine)> fnWarn; // of what is no failure; may be empty
+    bool bForeignRoot = false;                              // also write to somebody else's directory
 };
 
 // Points the platform to the root directory, and fills in which one it is.
@@ -22,6 +23,9 @@ bool HasController(const CONTROLLER_S &stController);
 
 // Fails with a helpful line when there is none.
 void RequireController(const CONTROLLER_S &stController);
+
+// Fails when the root belongs to somebody else and that was not asked for. Asked before anything is written.
+void RequireOwnRoot(const CONTROLLER_S &stController);
 
 // Where a file of the controller lies in reality; nothing when its path would lead out of the root.
 std::optional<std::string> RealPath(const std::string &strControllerPath);

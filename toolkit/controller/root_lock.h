@@ -2,20 +2,18 @@
 #ifndef TOOLKIT_CONTROLLER_ROOT_LOCK_H
 #define TOOLKIT_CONTROLLER_ROOT_LOCK_H
 
+#include "files/files.h"
 #include "toolkit/controller/controller.h"
 
 // Held while somebody writes to the controller. Its file names the holder.
 class RootLock
 {
   public:
-    // Waits two seconds for another writer, then fails with who holds it.
+    // Waits two seconds for another writer, then fails with who holds it. Fails as RequireOwnRoot() does.
     explicit RootLock(const CONTROLLER_S &stController);
-    ~RootLock();
-    RootLock(const RootLock &) = delete;
-    RootLock &operator=(const RootLock &) = delete;
 
   private:
-    int m_iFd = -1;
+    files::LockFile m_stLock;
 };
 
 #endif

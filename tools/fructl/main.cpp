@@ -44,6 +44,7 @@ void AddGlobalOptions(CLI::App &stApp, SESSION_S &stSession)
                     "the controller's directory (else $FRUCTL_ROOT, else ~/.local/state/fructl)")
         ->type_name("DIR");
     stApp.add_flag("-v,--verbose", stSession.bVerbose, "print the library's diagnostics to stderr");
+    stApp.add_flag("--foreign-root", stSession.bForeignRoot, "write also to a directory of another user");
     stApp.add_flag("--json", stSession.bJson, "print JSON, for programs");
     stApp.set_version_flag("--version", "fructl " FRUCTL_VERSION);
     stApp.require_subcommand(1);

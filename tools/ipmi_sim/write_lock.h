@@ -2,21 +2,20 @@
 #ifndef IPMI_SIM_WRITE_LOCK_H
 #define IPMI_SIM_WRITE_LOCK_H
 
+#include "files/files.h"
+
 class WRITE_LOCK
 {
   public:
     // Waits half a second at most: a client that waits longer for its answer sends the request again.
     WRITE_LOCK();
-    ~WRITE_LOCK();
-    WRITE_LOCK(const WRITE_LOCK &) = delete;
-    WRITE_LOCK &operator=(const WRITE_LOCK &) = delete;
     bool Held() const
     {
-        return m_iFd >= 0;
+        return m_stLock.IsHeld();
     }
 
   private:
-    int m_iFd = -1;
+    files::LockFile m_stLock;
 };
 
 #endif

@@ -4,10 +4,12 @@
 #include <cstring>
 #include <ctime>
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include "bmcfru_host.h"
 #include "commands/commands.h"
+#include "files/files.h"
 #include "lib_fru.h"
 #include "terminal/console.h"
 #include "toolkit/base/error.h"
@@ -63,20 +65,40 @@ std::string Describe(const std::string &strLine)
     return strText;
 }
 
-// Opens the journal, waiting for the first event to make it. -1 when stopped.
-int OpenJournal(const std::string &strPath)
+// Opens the journal, waiting for the first event to make it. None when stopped.
+files::Fd OpenJournal(const files::PLACE_S &stPlace)
 {
+    files::Fd stFile;
     while (g_iStop == 0) {
-        const int iFd = open(strPath.c_str(), O_RDONLY | O_CLOEXEC);
-        if (iFd >= 0) {
-            return iFd;
+        const int iError = files::OpenRegular(stPlace, O_RDONLY, files::Links::Ours, &stFile);
+        if (iError == 0) {
+            return stFile;
         }
-        if (errno != ENOENT) {
-            Fail("cannot read " + strPath + ": " + strerror(errno));
+        if (iError != ENOENT) {
+            Fail("cannot read " + EscapeText(stPlace.Text()) + ": " + files::Reason(iError));
         }
         usleep(100000U);
     }
-    return -1;
+    return stFile;
+}
+
+// A journal at its limit gets another name, and a new one begins.
+bool HasBegunAnew(const files::PLACE_S &stPlace, int iFd)
+{
+    struct stat stOpen = {};
+    struct stat stNamed = {};
+    return fstat(iFd, &stOpen) == 0 && files::Status(stPlace, &stNamed) == 0 &&
+           (stOpen.st_ino != stNamed.st_ino || stOpen.st_dev != stNamed.st_dev);
+}
+
+// One line as it is, but for what a terminal would obey.
+std::string PlainLine(std::string strLine)
+{
+    for (char &cLetter : strLine) {
+        const u8 ucByte = static_cast<u8>(cLetter);
+        cLetter = ucByte < 0x20U || ucByte == 0x7FU ? ' ' : cLetter; // JSON has escapes for them
+    }
+    return strLine;
 }
 
 void RunMonitor(const SESSION_S &stSession, const MONITOR_S &stOptions)
@@ -92,35 +114,38 @@ void RunMonitor(const SESSION_S &stSession, const MONITOR_S &stOptions)
     sigaction(SIGINT, &stAction, nullptr);
     sigaction(SIGTERM, &stAction, nullptr);
 
-    const std::string strPath = stSession.strRoot + BMCHOST_EVENT_JOURNAL;
-    const bool bFromEnd = !stOptions.bAll && access(strPath.c_str(), F_OK) == 0;
-    const int iFd = OpenJournal(strPath);
-    if (iFd >= 0 && bFromEnd) {
-        lseek(iFd, 0, SEEK_END);
+    const files::PLACE_S stPlace(stSession.strRoot, BMCHOST_EVENT_JOURNAL);
+    struct stat stStat = {};
+    const bool bFromEnd = !stOptions.bAll && files::Status(stPlace, &stStat) == 0;
+    files::Fd stFile = OpenJournal(stPlace);
+    if (stFile && bFromEnd) {
+        lseek(stFile.Get(), 0, SEEK_END);
     }
     std::string strPending;
     u32 uiShown = 0;
-    while (iFd >= 0 && g_iStop == 0) {
+    bool bAnew = false;
+    while (stFile && g_iStop == 0) {
         char acChunk[4096];
-        const ssize_t iRead = read(iFd, acChunk, sizeof(acChunk));
+        const ssize_t iRead = read(stFile.Get(), acChunk, sizeof(acChunk));
         if (iRead <= 0) {
-            usleep(50000U);
+            // What was written ahead of the change has been read by the second look.
+            if (bAnew) {
+                stFile = OpenJournal(stPlace);
+            }
+            bAnew = !bAnew && HasBegunAnew(stPlace, stFile.Get());
+            usleep(bAnew ? 0U : 50000U);
             continue;
         }
         strPending.append(acChunk, static_cast<size_t>(iRead));
         for (size_t uiEnd; (uiEnd = strPending.find('\n')) != std::string::npos;) {
             const std::string strLine = strPending.substr(0, uiEnd);
             strPending.erase(0, uiEnd + 1U);
-            Print((stSession.bJson ? strLine : Describe(strLine)) + "\n");
+            Print((stSession.bJson ? PlainLine(strLine) : Describe(strLine)) + "\n");
             (void)FlushOutput();
             if (++uiShown == *optCount) {
-                close(iFd);
                 return;
             }
         }
-    }
-    if (iFd >= 0) {
-        close(iFd);
     }
 }
 
