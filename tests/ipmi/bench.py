@@ -259,6 +259,7 @@ class SERVICE:
         stCase.addCleanup(self.Stop, signal.SIGKILL)
         self.mapFacts = json.loads(self._Announcement())
         self.iSimulator = self.mapFacts['pid']
+        self.strPassword = self.mapFacts.get('password', '')  # made for this service alone
 
     def _Announcement(self):
         """What it says when it serves; a service that keeps silent is a failure, not a wait."""
@@ -282,7 +283,8 @@ class SERVICE:
         _, strErrors = self.stProcess.communicate(timeout=HANG_SECONDS)
         return self.stProcess.returncode, strErrors
 
-    def Tool(self, *lstArgs, strUser='admin', strPassword='admin', iSuite=3):
+    def Tool(self, *lstArgs, strUser='admin', strPassword=None, iSuite=3):
+        strPassword = self.strPassword if strPassword is None else strPassword
         return Run(['ipmitool', '-I', 'lanplus', '-C', str(iSuite), '-H', '127.0.0.1', '-p', str(self.iPort), '-U', strUser,
                     '-P', strPassword, '-N', '30', *lstArgs])
 
@@ -310,7 +312,7 @@ class SERVICE:
 class PYIPMI:
     """One session of python3-pyipmi."""
 
-    def __init__(self, stService, strUser='admin', strPassword='admin'):
+    def __init__(self, stService, strUser='admin', strPassword=None):
         import pyipmi
         import pyipmi.interfaces
         stInterface = pyipmi.interfaces.create_interface('rmcp', slave_address=0x81, host_target_address=0x20,
@@ -318,7 +320,7 @@ class PYIPMI:
         stInterface.set_timeout(HANG_SECONDS)
         self.stIpmi = pyipmi.create_connection(stInterface)
         self.stIpmi.session.set_session_type_rmcp('127.0.0.1', port=stService.iPort)
-        self.stIpmi.session.set_auth_type_user(strUser, strPassword)
+        self.stIpmi.session.set_auth_type_user(strUser, stService.strPassword if strPassword is None else strPassword)
         self.stIpmi.target = pyipmi.Target(ipmb_address=0x20)
         self.stIpmi.session.establish()
 

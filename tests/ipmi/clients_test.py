@@ -222,7 +222,7 @@ class Speed(ClientCase):
 class OtherClients(ClientCase):
     def test_freeipmi_shows_all_fields(self):
         for lstDriver in (['-D', 'LAN'], ['-D', 'LAN_2_0', '-W', 'opensesspriv']):
-            stDone = bench.Run(['ipmi-fru', '-h', '127.0.0.1:%d' % self.stService.iPort, '-u', 'admin', '-p', 'admin', '-l',
+            stDone = bench.Run(['ipmi-fru', '-h', '127.0.0.1:%d' % self.stService.iPort, '-u', 'admin', '-p', self.stService.strPassword, '-l',
                                 'ADMIN', *lstDriver, '--sdr-cache-directory', self.stController.strBase, '--quiet-cache',
                                 '--session-timeout', str(int(bench.HANG_SECONDS * 1000))])
             self.assertEqual(stDone.returncode, 0, stDone)

@@ -84,7 +84,7 @@ class Killed(unittest.TestCase):
         with open(strFile, 'wb') as stFile:
             stFile.write(abNew)
         with subprocess.Popen(['ipmitool', '-I', 'lanplus', '-C', '3', '-H', '127.0.0.1', '-p', str(stService.iPort), '-U',
-                               'admin', '-P', 'admin', 'fru', 'write', str(stDevice.iId), strFile],
+                               'admin', '-P', stService.strPassword, 'fru', 'write', str(stDevice.iId), strFile],
                               stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL) as stClient:
             fUntil = time.monotonic() + bench.HANG_SECONDS
             while stController.Chip(stDevice)[:1024] == abOld[:1024] and time.monotonic() < fUntil:

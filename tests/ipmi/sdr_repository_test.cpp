@@ -1,5 +1,6 @@
 #include "sdr_repository.h"
 
+#include <ctime>
 #include <gtest/gtest.h>
 
 #include "fake/fake_platform.h"
@@ -75,6 +76,41 @@ TEST_F(SdrRepository, NameIsAlwaysAPrintableIdString)
         vecNames.emplace_back(stSdr.vecBytes.begin() + 16, stSdr.vecBytes.end());
     }
     EXPECT_EQ(vecNames, (std::vector<std::string>{"FRU 1", "x ", "sixteen letters!", "a??z"}));
+}
+
+TEST_F(SdrRepository, EachDeviceIsAnEntityOfItsOwn)
+{
+    AddDevice(3U, "card", 256U, 0U);
+    AddDevice(4U, "fan", 256U, 0U);
+    AddDevice(5U, "far", 256U, 0U);
+    PutTable({{1U, 0x00U, 0U, 1U},
+              {2U, 0x03U, 1U, 2U},
+              {3U, 0x30U, 0U, 3U},
+              {4U, 0x04U, 1U, 4U},
+              {5U, 0x05U, 200U, 5U}});
+    std::vector<std::pair<u32, u32>> vecEntities;
+    for (const SDR_S &stSdr : ListSdrs()) {
+        vecEntities.emplace_back(stSdr.vecBytes[12], stSdr.vecBytes[13]);
+    }
+    EXPECT_EQ(vecEntities,
+              (std::vector<std::pair<u32, u32>>{{7U, 0U}, {0U, 1U}, {6U, 0U}, {0U, 0U}, {0U, 2U}}));
+}
+
+TEST_F(SdrRepository, TheTimeIsThatOfTheStamps)
+{
+    const auto Number = [](const BYTES &vecBytes, size_t uiAt) {
+        return static_cast<u32>(vecBytes[uiAt]) | static_cast<u32>(vecBytes[uiAt + 1U]) << 8U |
+               static_cast<u32>(vecBytes[uiAt + 2U]) << 16U | static_cast<u32>(vecBytes[uiAt + 3U]) << 24U;
+    };
+    const u32 uiBefore = static_cast<u32>(time(nullptr));
+    const u32 uiStamp = Number(Ask(INFO), 6U);
+    const BYTES vecTime = Ask(0x28U);
+    ASSERT_EQ(vecTime.size(), 5U);
+    EXPECT_EQ(vecTime[0], 0U);
+    EXPECT_GE(Number(vecTime, 1U), uiStamp);
+    EXPECT_GE(Number(vecTime, 1U), uiBefore);
+    EXPECT_LE(Number(vecTime, 1U), uiBefore + 60U);
+    EXPECT_EQ(Ask(0x29U, {0, 0, 0, 0}), BYTES{0xC1U});
 }
 
 TEST_F(SdrRepository, LocatorInTheCacheIsServedAsItIs)

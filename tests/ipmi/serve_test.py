@@ -3,7 +3,7 @@ import os
 import shutil
 import signal
 import socket
-import stat
+import time
 
 import bench
 from bench import unittest
@@ -45,11 +45,11 @@ class Refusals(ServeCase):
         self.Refused(1, '--address takes an address of this machine', '--address', '192.0.2.1', '--password-file',
                      self.PasswordFile('s3cret'))
 
-    def test_default_password_beyond_loopback(self):
-        for strAddress in ('0.0.0.0', '192.0.2.1', '::', '2001:db8::1'):
-            self.Refused(2, 'is refused with the default password', '--address', strAddress)
-        self.Refused(2, 'is refused with the default password', '--address', '0.0.0.0', '--password-file',
-                     self.PasswordFile('admin\n'))
+    def test_the_users_name_is_no_password(self):
+        for strAddress in ('127.0.0.1', '0.0.0.0', '192.0.2.1', '::', '2001:db8::1'):
+            self.Refused(2, "the user's name is refused as password", '--address', strAddress, '--password-file',
+                         self.PasswordFile('admin\n'))
+        self.Refused(2, "the user's name is refused as password", '--user', 'me', '--password-file', self.PasswordFile('me'))
 
     def test_user_and_password(self):
         for strUser in ('', 'x' * 16, 'two words', 'tab\t'):
@@ -78,11 +78,131 @@ class Refusals(ServeCase):
 
 
 class Life(ServeCase):
+    def FilesWith(self, strText):
+        """The files of the controller that hold the text."""
+        lstFound = []
+        for strDirectory, _, lstNames in os.walk(self.stController.strRoot):
+            for strName in lstNames:
+                with open(os.path.join(strDirectory, strName), 'rb') as stFile:
+                    if strText.encode() in stFile.read():
+                        lstFound.append(strName)
+        return lstFound
+
+    def test_nothing_is_left_of_a_killed_service(self):
+        stService = bench.SERVICE(self, self.stController)
+        lstBefore = sorted(os.listdir(self.stController.strRoot + '/var'))
+        stService.Stop(signal.SIGKILL)
+        self.assertTrue(bench.Await(lambda: not os.path.exists('/proc/%d' % stService.iSimulator)
+                                    or not bench.IsAlive(stService.iSimulator)))
+        self.assertFalse(os.path.exists(self.strRun))
+        self.assertEqual(sorted(os.listdir(self.stController.strRoot + '/var')), lstBefore)
+        self.assertEqual(self.FilesWith(stService.strPassword), [])
+        self.assertEqual(bench.SERVICE(self, self.stController).Stop(), (0, ''))
+
+    def test_each_service_has_a_password_of_its_own(self):
+        lstPasswords = []
+        for _ in range(3):
+            stService = bench.SERVICE(self, self.stController)
+            lstPasswords.append(stService.strPassword)
+            self.assertRegex(stService.strPassword, '^[a-z2-9]{16}$')
+            self.assertNotEqual(stService.Tool('raw', '6', '1', strPassword='admin').returncode, 0)
+            self.assertEqual(stService.Tool('raw', '6', '1').returncode, 0)
+            stService.Stop()
+        self.assertEqual(len(set(lstPasswords)), 3)
+        stService = bench.SERVICE(self, self.stController, '--password-file', self.PasswordFile('secret'))
+        self.assertNotIn('password', stService.mapFacts)
+
+    def test_the_simulators_end_is_noticed_where_childrens_ends_are_ignored(self):
+        import subprocess
+
+        def Ignore():
+            bench.DieWithParent()
+            signal.signal(signal.SIGCHLD, signal.SIG_IGN)
+
+        with subprocess.Popen([bench.STR_FRUCTL, '--root', self.stController.strRoot, '--json', 'serve', '--port',
+                               str(bench.FreePort())], stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True,
+                              preexec_fn=Ignore) as stProcess:
+            strText = ''
+            while not strText.endswith('}\n'):
+                strText += stProcess.stdout.readline()
+            os.kill(bench.json.loads(strText)['pid'], signal.SIGKILL)
+            strErrors = stProcess.communicate(timeout=bench.HANG_SECONDS)[1]
+        self.assertEqual(stProcess.returncode, 1)
+        self.assertIn('the service has ended: ipmi_sim was ended by signal 9', strErrors)
+
+    def Status(self, stService):
+        with open('/proc/%d/status' % stService.iSimulator, encoding='utf-8') as stFile:
+            return dict(strLine.rstrip('\n').split(':\t', 1) for strLine in stFile if ':\t' in strLine)
+
+    def test_the_simulator_has_no_privileges_and_a_clean_environment(self):
+        os.environ['LD_BIND_NOW'] = '1'
+        self.addCleanup(os.environ.pop, 'LD_BIND_NOW')
+        stService = bench.SERVICE(self, self.stController)
+        mapStatus = self.Status(stService)
+        for strSet in ('CapInh', 'CapPrm', 'CapEff', 'CapAmb'):
+            self.assertEqual(int(mapStatus[strSet], 16), 0, strSet)
+        self.assertEqual(mapStatus['NoNewPrivs'], '1')
+        with open('/proc/%d/environ' % stService.iSimulator, 'rb') as stFile:
+            lstNames = [abEntry.split(b'=')[0] for abEntry in stFile.read().split(b'\0') if abEntry]
+        self.assertEqual(sorted(lstNames), [b'LC_ALL', b'PATH', b'TZ'])
+        with open('/proc/%d/cmdline' % stService.iSimulator, 'rb') as stFile:
+            self.assertNotIn(stService.strPassword.encode(), stFile.read())
+
+    def test_root_serves_a_users_controller_as_that_user(self):
+        if os.geteuid() != 0:
+            self.skipTest('only root can act as two users')
+        iUser = 65534
+        os.chmod(self.stController.strBase, 0o755)
+        for strDirectory, _, lstNames in os.walk(self.stController.strRoot):
+            for strName in ['.', *lstNames]:
+                os.chown(os.path.join(strDirectory, strName), iUser, iUser)
+        self.Refused(1, '--foreign-root writes all the same')
+        os.environ['SUDO_UID'] = str(iUser)
+        self.addCleanup(os.environ.pop, 'SUDO_UID')
+        stService = bench.SERVICE(self, self.stController)
+        mapStatus = self.Status(stService)
+        self.assertEqual(mapStatus['Uid'].split(), [str(iUser)] * 4)
+        self.assertEqual(mapStatus['Gid'].split(), [str(iUser)] * 4)
+        self.assertEqual(mapStatus['Groups'].split(), [])
+        self.assertEqual(int(mapStatus['CapBnd'], 16), 0)
+        self.assertEqual(stService.Raw(0x0A, 0x12, 1, 0, 0, 1), (0, b'\x01'))  # and it can write there
+        self.assertEqual(stService.Stop(), (0, ''))
+        for strDirectory, _, lstNames in os.walk(self.stController.strRoot):
+            for strName in lstNames:
+                self.assertEqual(os.stat(os.path.join(strDirectory, strName)).st_uid, iUser, strName)
+
+    def test_what_others_laid_where_its_files_once_were_stays(self):
+        strVictim = os.path.join(self.stController.strBase, 'victim')
+        os.makedirs(strVictim + '/state')
+        with open(strVictim + '/state/kept', 'w', encoding='utf-8'):
+            pass
+        os.makedirs(os.path.dirname(self.strRun))
+        os.symlink(strVictim, self.strRun)
+        self.assertEqual(bench.SERVICE(self, self.stController).Stop(), (0, ''))
+        self.assertEqual(os.listdir(strVictim), ['state'])
+        self.assertEqual(os.listdir(strVictim + '/state'), ['kept'])
+
+    def test_a_lock_that_is_a_link_empties_nothing(self):
+        strVictim = os.path.join(self.stController.strBase, 'victim')
+        with open(strVictim, 'w', encoding='utf-8') as stFile:
+            stFile.write('kept')
+        for strLock in ('fructl.lock', 'fructl-serve.lock'):
+            strPath = os.path.join(self.stController.strRoot, 'var/lock', strLock)
+            if os.path.exists(strPath):
+                os.unlink(strPath)
+            os.symlink(strVictim, strPath)
+        self.Refused(1, 'a symbolic link there is not followed')
+        stDone = bench.Run([bench.STR_FRUCTL, '--root', self.stController.strRoot, 'label', 'set', 'psu1', 'Product Version=B2'])
+        self.assertEqual(stDone.returncode, 1)
+        self.assertIn('a symbolic link there is not followed', stDone.stderr)
+        with open(strVictim, encoding='utf-8') as stFile:
+            self.assertEqual(stFile.read(), 'kept')
+
     def test_stops_cleanly_on_each_signal(self):
         for iSignal in (signal.SIGINT, signal.SIGTERM, signal.SIGHUP):
             stService = bench.SERVICE(self, self.stController)
-            self.assertEqual(stat.S_IMODE(os.stat(self.strRun).st_mode), 0o700)
-            self.assertEqual(stat.S_IMODE(os.stat(self.strRun + '/lan.conf').st_mode), 0o600)
+            self.assertFalse(os.path.exists(self.strRun))  # the configuration lies in no directory at all
+            self.assertEqual(self.FilesWith(stService.strPassword), [])
             self.assertEqual(stService.Stop(iSignal), (0, ''))
             self.assertFalse(bench.IsAlive(stService.iSimulator) if os.path.exists('/proc/%d' % stService.iSimulator) else False)
             self.assertFalse(os.path.exists(self.strRun))
@@ -97,8 +217,8 @@ class Life(ServeCase):
                               preexec_fn=bench.DieWithParent) as stProcess:
             strFirst, strSecond = stProcess.stdout.readline(), stProcess.stdout.readline()
             self.assertTrue(strFirst.startswith('serving 2 FRU devices of '), strFirst)
-            self.assertEqual(strSecond.strip(),
-                             'ipmitool -I lanplus -C 3 -H 127.0.0.1 -p %d -U admin -P admin fru print' % iPort)
+            self.assertRegex(strSecond.strip(),
+                             '^ipmitool -I lanplus -C 3 -H 127.0.0.1 -p %d -U admin -P [a-z2-9]{16} fru print$' % iPort)
             stDone = bench.Run(['sh', '-c', strSecond.strip()])
             self.assertEqual(stDone.returncode, 0, stDone)
             self.assertIn('PS8024100311', stDone.stdout)
@@ -131,6 +251,36 @@ class Life(ServeCase):
         self.assertEqual(stService.Stop(), (0, ''))
         stService = bench.SERVICE(self, self.stController, '--address', '127.0.0.2')
         self.assertIn('PS8024100311', bench.Run(['sh', '-c', stService.mapFacts['client']]).stdout)
+
+    def test_repository_time_is_in_the_clock_of_its_stamps(self):
+        stService = bench.SERVICE(self, self.stController)
+        _, abInfo = stService.Raw(0x0A, 0x20)
+        iCode, abTime = stService.Raw(0x0A, 0x28)
+        self.assertEqual((iCode, len(abTime)), (0, 4))
+        iTime = int.from_bytes(abTime, 'little')
+        self.assertLess(abs(iTime - time.time()), 60)
+        self.assertLessEqual(int.from_bytes(abInfo[5:9], 'little'), iTime)
+        self.assertEqual(stService.Raw(0x0A, 0x29, 0, 0, 0, 0)[0], 0xC1)
+
+    def test_what_the_simulator_prints_is_plain_text(self):
+        import subprocess
+        strChip = self.stController.ChipPath(self.stController.lstDevices[1])
+        with open(strChip[:-len('.bin')] + '.fault', 'w', encoding='utf-8') as stFile:
+            stFile.write('absent')
+        iPort = bench.FreePort()
+        with subprocess.Popen([bench.STR_FRUCTL, '--root', self.stController.strRoot, '--json', '-v', 'serve', '--port', str(iPort)],
+                              stdout=subprocess.PIPE, stderr=subprocess.PIPE, preexec_fn=bench.DieWithParent) as stProcess:
+            abText = b''
+            while not abText.endswith(b'}\n'):
+                abText += stProcess.stdout.readline()
+            strPassword = bench.json.loads(abText)['password']
+            bench.Run(['ipmitool', '-I', 'lanplus', '-C', '3', '-H', '127.0.0.1', '-p', str(iPort), '-U', 'ad\x1b[2Jmin', '-P', 'x', 'raw', '6', '1'])
+            bench.Run(['ipmitool', '-I', 'lanplus', '-C', '3', '-H', '127.0.0.1', '-p', str(iPort), '-U', 'admin', '-P', strPassword,
+                       'raw', '0x0a', '0x12', '1', '0', '0', '1'])
+            stProcess.terminate()
+            abErrors = stProcess.communicate(timeout=bench.HANG_SECONDS)[1]
+        self.assertIn(b'nobody answers', abErrors)
+        self.assertEqual([i for i in abErrors if i != 10 and not 32 <= i < 127], [])
 
     def test_change_of_the_devices_is_seen_at_once(self):
         stService = bench.SERVICE(self, self.stController)

@@ -19,21 +19,22 @@ void Require(u32 uiRet, const std::string &strWhat)
     }
 }
 
-// Where a path of the plan lies in reality.
-std::string PlacePath(const std::string &strControllerPath)
+// Where a path of the plan lies: below the root, which others may have prepared.
+files::PLACE_S PlacePath(const std::string &strControllerPath)
 {
-    const std::optional<std::string> optPath = RealPath(strControllerPath);
-    if (!optPath.has_value()) {
+    if (!RealPath(strControllerPath).has_value()) {
         Fail("the path " + EscapeText(strControllerPath) + " does not lie inside the controller");
     }
-    return *optPath;
+    return {BMCHOST_GetRoot(), strControllerPath};
 }
 
 void WriteFiles(const CONTROLLER_PLAN_S &stPlan)
 {
     for (const DEVICE_PLAN_S &stDevice : stPlan.vecDevices) {
         if (stDevice.bHasEeprom) {
-            WriteFileBytes(EepromPath(stDevice), EepromContents(stPlan, stDevice));
+            const std::string strRoot = BMCHOST_GetRoot();
+            WriteFileBytes({strRoot, EepromPath(stDevice).substr(strRoot.size())},
+                           EepromContents(stPlan, stDevice));
         }
         if (!stDevice.vecRecovery.empty()) {
             WriteFileBytes(PlacePath(stDevice.stInfo.acImageFilePath), stDevice.vecRecovery);
@@ -66,9 +67,10 @@ void WriteRecords(const CONTROLLER_PLAN_S &stPlan, const std::vector<u8> &vecOld
     for (const u8 ucDeviceID : vecOldIDs) {
         Forget(ucDeviceID);
     }
+    EntityList stEntities;
     for (const DEVICE_PLAN_S &stDevice : stPlan.vecDevices) {
         const u8 ucDeviceID = stDevice.stEntry.ucDeviceID;
-        const FRU_SDR_S stSdr = LocatorRecord(stDevice);
+        const FRU_SDR_S stSdr = LocatorRecord(stDevice, stEntities);
         const std::string strOf = std::string(" of ") + stDevice.stInfo.acFRUName;
         Require(FRU_DB_PutFRUDeviceInfo(ucDeviceID, &stDevice.stInfo), "the record" + strOf);
         Require(FRU_DB_PutFRUSDR(ucDeviceID, &stSdr), "the SDR" + strOf);

@@ -309,25 +309,13 @@ std::vector<u8> EepromContents(const CONTROLLER_PLAN_S &stPlan, const DEVICE_PLA
     return vecBytes;
 }
 
-FRU_SDR_S LocatorRecord(const DEVICE_PLAN_S &stDevice)
+FRU_SDR_S LocatorRecord(const DEVICE_PLAN_S &stDevice, EntityList &stEntities)
 {
     FRU_SDR_S stSdr = {};
-    u8 *pucData = stSdr.aucData;
-    const u16 usRecordID = stDevice.stEntry.usSDRRecordID;
-    const std::string strName = NameOf(stDevice);
-    pucData[0] = static_cast<u8>(usRecordID);
-    pucData[1] = static_cast<u8>(usRecordID >> 8U);
-    pucData[2] = 0x51U;                                 // SDR version 1.5
-    pucData[3] = 0x11U;                                 // FRU Device Locator
-    pucData[4] = static_cast<u8>(11U + strName.size()); // bytes that follow
-    pucData[5] = 0x20U;                                 // the management controller
-    pucData[6] = stDevice.stEntry.ucDeviceID;
-    pucData[7] = 0x80U;  // a logical FRU device
-    pucData[10] = 0x10U; // FRU inventory device
-    pucData[12] =
-        stDevice.stEntry.ucComponentType == 0U ? 0x07U : 0x00U; // entity: system board, else unspecified
-    pucData[13] = stDevice.stEntry.ucInstance;
-    pucData[15] = static_cast<u8>(0xC0U | strName.size()); // 8-bit text
-    memcpy(pucData + 16, strName.data(), strName.size());
+    const FRU_DEVICE_TBL_ENTRY_S &stEntry = stDevice.stEntry;
+    const std::vector<u8> vecLocator =
+        MakeLocator(stEntry.usSDRRecordID, stEntry.ucDeviceID,
+                    stEntities.Take(stEntry.ucComponentType, stEntry.ucInstance), NameOf(stDevice));
+    std::copy(vecLocator.begin(), vecLocator.end(), stSdr.aucData);
     return stSdr;
 }

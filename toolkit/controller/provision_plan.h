@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "lib_fru_types.h"
+#include "toolkit/image/locator.h"
 
 // Where the hardware description lies on the controller.
 constexpr const char *CONF_HARDWARE_FILE = "/conf/hw/ProductPath/Baseboard.xml";
@@ -42,7 +43,7 @@ CONTROLLER_PLAN_S ReadPlan(const std::string &strFile);
 // The EEPROM's contents: erased, with the images of all devices that live in the chip of this one.
 std::vector<u8> EepromContents(const CONTROLLER_PLAN_S &stPlan, const DEVICE_PLAN_S &stDevice);
 
-// A FRU Device Locator record (IPMI 2.0, section 43.8) for the device.
-FRU_SDR_S LocatorRecord(const DEVICE_PLAN_S &stDevice);
+// The locator record of a device; stEntities knows the devices before it.
+FRU_SDR_S LocatorRecord(const DEVICE_PLAN_S &stDevice, EntityList &stEntities);
 
 #endif

@@ -3,7 +3,8 @@
 //   loadlib "/usr/lib/bmcfru/libbmcfru_ipmi_sim.so" "root=/var/lib/controller"
 //
 // The options are "root=DIR", the controller's directory, to the end of the text; ahead of it "verbose "
-// lets the library's diagnostics go to standard error. The simulator is one thread and calls its modules
+// lets the library's diagnostics go to standard error, and "foreign-root " lets a directory be written to
+// that belongs to another user. The simulator is one thread and calls its modules
 // from there only.
 #include <cstdio>
 #include <cstring>
@@ -18,6 +19,7 @@ extern "C" {
 #include "bmcfru_host.h"
 #include "fru_requests.h"
 #include "ipmi_codes.h"
+#include "printable.h"
 #include "sdr_repository.h"
 
 #define MODULE_EXPORT extern "C" __attribute__((visibility("default")))
@@ -25,6 +27,7 @@ extern "C" {
 namespace {
 
 constexpr char OPTION_VERBOSE[] = "verbose ";
+constexpr char OPTION_FOREIGN_ROOT[] = "foreign-root ";
 constexpr char OPTION_ROOT[] = "root=";
 constexpr u8 AUTHTYPE_RMCP_PLUS = 6U;
 constexpr u8 AUTHTYPE_NONE = 0U;
@@ -35,7 +38,7 @@ SDR_REPOSITORY g_stRepository;
 void DiagToStderr(const BMCHOST_DIAG_S *pstDiag, void * /*pContext*/)
 {
     fprintf(stderr, "[%u] %s:%u: %s\n", pstDiag->uiSeverity, pstDiag->pcFile, pstDiag->uiLine,
-            pstDiag->pcText);
+            Printable(pstDiag->pcText).c_str());
 }
 
 // What the simulator passes in as the response's length is the room that there is for it.
@@ -78,8 +81,13 @@ bool TakeOptions(const char *pcOptions)
         BMCHOST_SetDiagSink(DiagToStderr, nullptr);
         strOptions.erase(0U, strlen(OPTION_VERBOSE));
     }
+    if (strOptions.rfind(OPTION_FOREIGN_ROOT, 0U) == 0U) {
+        BMCHOST_AllowForeignRoot(1U);
+        strOptions.erase(0U, strlen(OPTION_FOREIGN_ROOT));
+    }
     if (strOptions.rfind(OPTION_ROOT, 0U) != 0U) {
-        fprintf(stderr, "libbmcfru_ipmi_sim: the options are \"[verbose ]root=DIR\", not \"%s\"\n",
+        fprintf(stderr,
+                "libbmcfru_ipmi_sim: the options are \"[verbose ][foreign-root ]root=DIR\", not \"%s\"\n",
                 strOptions.c_str());
         return false;
     }
@@ -108,7 +116,7 @@ MODULE_EXPORT int ipmi_sim_module_init(sys_data_t * /*pstSys*/, const char *pcOp
     for (u8 ucCommand = IPMI_CMD_GET_FRU_AREA_INFO; ucCommand <= IPMI_CMD_WRITE_FRU_DATA; ++ucCommand) {
         iResult |= ipmi_emu_register_cmd_handler(IPMI_NETFN_STORAGE, ucCommand, HandleFru, nullptr);
     }
-    for (u8 ucCommand = IPMI_CMD_GET_SDR_REPOSITORY_INFO; ucCommand <= IPMI_CMD_CLEAR_SDR_REPOSITORY;
+    for (u8 ucCommand = IPMI_CMD_GET_SDR_REPOSITORY_INFO; ucCommand <= IPMI_CMD_SET_SDR_REPOSITORY_TIME;
          ++ucCommand) {
         iResult |= ipmi_emu_register_cmd_handler(IPMI_NETFN_STORAGE, ucCommand, HandleSdr, nullptr);
     }

@@ -7,6 +7,7 @@
 
 #include "ipmi_codes.h"
 #include "lib_fru.h"
+#include "toolkit/image/locator.h"
 
 namespace {
 
@@ -19,23 +20,11 @@ constexpr size_t SDR_TYPE_INDEX = 3U;
 constexpr size_t SDR_LENGTH_INDEX = 4U;
 constexpr size_t LOCATOR_DEVICE_ID_INDEX = 6U;
 constexpr size_t LOCATOR_NAME_TYPE_INDEX = 15U;
-constexpr size_t LOCATOR_FIXED_LEN = 16U;
-constexpr size_t LOCATOR_NAME_MAX = 16U;
 constexpr u8 LOCATOR_NAME_LEN_MASK = 0x1FU;
-constexpr u8 LOCATOR_NAME_ASCII = 0xC0U;
-constexpr u8 LOCATOR_LOGICAL_DEVICE = 0x80U;  // reached through Read and Write FRU Data
-constexpr u8 LOCATOR_DEVICE_TYPE_FRU = 0x10U; // FRU inventory device behind a management controller
-constexpr u8 BMC_SLAVE_ADDRESS = 0x20U;
+constexpr size_t LOCATOR_ENTITY_INDEX = 12U;
 
 constexpr u16 RECORD_ID_FIRST = 0x0000U;
 constexpr u16 RECORD_ID_LAST = 0xFFFFU;
-
-constexpr u8 COMPONENT_BASEBOARD = 0x00U;
-constexpr u8 COMPONENT_BMC_CARD = 0x30U;
-constexpr u8 ENTITY_UNSPECIFIED = 0x00U;
-constexpr u8 ENTITY_MANAGEMENT_MODULE = 0x06U;
-constexpr u8 ENTITY_SYSTEM_BOARD = 0x07U;
-constexpr u8 ENTITY_INSTANCE_MAX = 0x5FU; // above it an instance is relative to some other device
 
 constexpr size_t GET_SDR_REQ_LEN = 6U;
 constexpr size_t GET_SDR_RES_HEADER_LEN = 3U;
@@ -57,14 +46,6 @@ u16 Word(const u8 *pucBytes)
     return static_cast<u16>(pucBytes[0] | (pucBytes[1] << 8U));
 }
 
-u8 EntityOf(u8 ucComponentType)
-{
-    if (ucComponentType == COMPONENT_BASEBOARD) {
-        return ENTITY_SYSTEM_BOARD;
-    }
-    return ucComponentType == COMPONENT_BMC_CARD ? ENTITY_MANAGEMENT_MODULE : ENTITY_UNSPECIFIED;
-}
-
 // The record comes from another process: a locator only if it is one in every byte that a client relies on.
 bool IsLocatorOf(u8 ucDeviceID, const FRU_SDR_S &stSdr)
 {
@@ -76,54 +57,14 @@ bool IsLocatorOf(u8 ucDeviceID, const FRU_SDR_S &stSdr)
            pucSdr[LOCATOR_DEVICE_ID_INDEX] == ucDeviceID;
 }
 
-std::string DeviceName(const FRU_DEVICE_INFO_S &stInfo)
-{
-    std::string strName(stInfo.acFRUName, strnlen(stInfo.acFRUName, sizeof(stInfo.acFRUName)));
-    if (strName.empty()) {
-        strName = "FRU " + std::to_string(stInfo.ucDeviceID);
-    }
-    for (char &cLetter : strName) {
-        if (cLetter < ' ' || cLetter > '~') {
-            cLetter = '?';
-        }
-    }
-    if (strName.size() == 1U) {
-        strName += ' '; // an ASCII ID string has two bytes at least
-    }
-    return strName.substr(0U, LOCATOR_NAME_MAX);
-}
-
-std::vector<u8> MakeLocator(const FRU_DEVICE_TBL_ENTRY_S &stEntry, const FRU_DEVICE_INFO_S &stInfo)
-{
-    const std::string strName = DeviceName(stInfo);
-    std::vector<u8> vecBytes = {0U,
-                                0U,
-                                SDR_VERSION,
-                                SDR_TYPE_FRU_LOCATOR,
-                                LowByte(LOCATOR_FIXED_LEN + strName.size() - SDR_HEADER_LEN),
-                                BMC_SLAVE_ADDRESS,
-                                stEntry.ucDeviceID,
-                                LOCATOR_LOGICAL_DEVICE,
-                                0U, // channel 0
-                                0U,
-                                LOCATOR_DEVICE_TYPE_FRU,
-                                0U,
-                                EntityOf(stEntry.ucComponentType),
-                                std::min(stEntry.ucInstance, ENTITY_INSTANCE_MAX),
-                                0U,
-                                static_cast<u8>(LOCATOR_NAME_ASCII | strName.size())};
-    vecBytes.insert(vecBytes.end(), strName.begin(), strName.end());
-    return vecBytes;
-}
-
-std::vector<u8> LocatorOf(const FRU_DEVICE_TBL_ENTRY_S &stEntry, const FRU_DEVICE_INFO_S &stInfo)
+// The locator that the FRU service has put into the cache, or nothing.
+std::vector<u8> LocatorOfService(u8 ucDeviceID)
 {
     FRU_SDR_S stSdr = {};
-    if (FRU_DB_GetFRUSDR(stEntry.ucDeviceID, &stSdr) == FRU_OK && IsLocatorOf(stEntry.ucDeviceID, stSdr)) {
-        const size_t uiLength = SDR_HEADER_LEN + stSdr.aucData[SDR_LENGTH_INDEX];
-        return std::vector<u8>(stSdr.aucData, stSdr.aucData + uiLength);
+    if (FRU_DB_GetFRUSDR(ucDeviceID, &stSdr) != FRU_OK || !IsLocatorOf(ucDeviceID, stSdr)) {
+        return {};
     }
-    return MakeLocator(stEntry, stInfo);
+    return {stSdr.aucData, stSdr.aucData + SDR_HEADER_LEN + stSdr.aucData[SDR_LENGTH_INDEX]};
 }
 
 bool IsTaken(const std::vector<SDR_S> &vecSdrs, u16 usRecordID)
@@ -160,13 +101,26 @@ void NumberSdrs(std::vector<SDR_S> &vecSdrs)
     }
 }
 
+void AppendTime(std::vector<u8> *pvecRes, u32 uiTime)
+{
+    for (u32 uiShift = 0U; uiShift < 32U; uiShift += 8U) {
+        pvecRes->push_back(LowByte(uiTime >> uiShift));
+    }
+}
+
+// The clock of the stamps, which may be ahead of the machine's after many changes in one second.
+std::vector<u8> RepositoryTime(u32 uiChangedAt)
+{
+    std::vector<u8> vecRes = {IPMI_CC_OK};
+    AppendTime(&vecRes, std::max(static_cast<u32>(time(nullptr)), uiChangedAt));
+    return vecRes;
+}
+
 std::vector<u8> RepositoryInfo(size_t uiCount, u32 uiChangedAt)
 {
     std::vector<u8> vecRes = {IPMI_CC_OK, SDR_VERSION, LowByte(uiCount), HighByte(uiCount), 0U, 0U};
     for (int i = 0; i < 2; ++i) { // most recent addition, most recent erase: told apart by nobody here
-        for (u32 uiShift = 0U; uiShift < 32U; uiShift += 8U) {
-            vecRes.push_back(LowByte(uiChangedAt >> uiShift));
-        }
+        AppendTime(&vecRes, uiChangedAt);
     }
     vecRes.push_back(OPERATION_SUPPORT);
     return vecRes;
@@ -191,11 +145,28 @@ std::vector<SDR_S> ListSdrs()
         return vecSdrs;
     }
     const u32 uiCount = std::min<u32>(stTable.ucCount, FRU_DEVICE_TBL_MAX);
+    EntityList stEntities;
+    std::vector<std::pair<FRU_DEVICE_TBL_ENTRY_S, std::string>> vecNamed; // in step with the SDRs
     for (u32 i = 0U; i < uiCount; ++i) {
         const FRU_DEVICE_TBL_ENTRY_S &stEntry = stTable.astEntry[i];
         FRU_DEVICE_INFO_S stInfo = {};
-        if (FRU_DB_GetFRUDeviceInfo(stEntry.ucDeviceID, &stInfo) == FRU_OK) {
-            vecSdrs.push_back({stEntry.usSDRRecordID, LocatorOf(stEntry, stInfo)});
+        if (FRU_DB_GetFRUDeviceInfo(stEntry.ucDeviceID, &stInfo) != FRU_OK) {
+            continue;
+        }
+        const std::vector<u8> vecLocator = LocatorOfService(stEntry.ucDeviceID);
+        if (!vecLocator.empty()) {
+            stEntities.Note({vecLocator[LOCATOR_ENTITY_INDEX], vecLocator[LOCATOR_ENTITY_INDEX + 1U]});
+        }
+        vecSdrs.push_back({stEntry.usSDRRecordID, vecLocator});
+        vecNamed.emplace_back(
+            stEntry, std::string(stInfo.acFRUName, strnlen(stInfo.acFRUName, sizeof(stInfo.acFRUName))));
+    }
+    // What the service says stays as it is; the others get what is left.
+    for (size_t i = 0U; i < vecSdrs.size(); ++i) {
+        const FRU_DEVICE_TBL_ENTRY_S &stEntry = vecNamed[i].first;
+        if (vecSdrs[i].vecBytes.empty()) {
+            const ENTITY_S stEntity = stEntities.Take(stEntry.ucComponentType, stEntry.ucInstance);
+            vecSdrs[i].vecBytes = MakeLocator(0U, stEntry.ucDeviceID, stEntity, vecNamed[i].second);
         }
     }
     NumberSdrs(vecSdrs);
@@ -228,6 +199,8 @@ std::vector<u8> SDR_REPOSITORY::Respond(u8 ucCommand, const u8 *pucReq, u32 uiRe
         m_usReservation = static_cast<u16>(m_usReservation == RECORD_ID_LAST ? 1U : m_usReservation + 1U);
         m_bReserved = true;
         return {IPMI_CC_OK, LowByte(m_usReservation), HighByte(m_usReservation)};
+    case IPMI_CMD_GET_SDR_REPOSITORY_TIME:
+        return RepositoryTime(m_uiChangedAt);
     case IPMI_CMD_GET_SDR:
         return GetSdr(vecSdrs, pucReq, uiReqLen, uiRoom);
     default:

@@ -25,7 +25,8 @@ std::vector<SDR_S> ListSdrs();
 class SDR_REPOSITORY
 {
   public:
-    // Answers Get SDR Repository Info (0x20), Allocation Info (0x21), Reserve (0x22) and Get SDR (0x23); any
+    // Answers Get SDR Repository Info (0x20), Allocation Info (0x21), Reserve (0x22), Get SDR (0x23) and Get
+    // SDR Repository Time (0x28); any
     // other command gets 0xC1, the writing ones among them. Arguments and result as for AnswerFruRequest().
     u32 Answer(u8 ucCommand, const u8 *pucReq, u32 uiReqLen, u32 uiRoom, u8 *pucRes);
 

@@ -1,10 +1,14 @@
 // fructl serve: the controller's FRU devices for IPMI clients, through OpenIPMI's simulator.
 #include <algorithm>
 #include <cctype>
+#include <cerrno>
 #include <csignal>
 #include <cstring>
+#include <sys/random.h>
+#include <sys/signalfd.h>
 
 #include "commands/commands.h"
+#include "commands/endpoint.h"
 #include "commands/simulator.h"
 #include "terminal/console.h"
 #include "terminal/json_out.h"
@@ -19,10 +23,10 @@ namespace {
 constexpr u32 PORT_DEFAULT = 9623U;
 constexpr const char *ADDRESS_DEFAULT = "127.0.0.1";
 constexpr const char *USER_DEFAULT = "admin";
-constexpr const char *PASSWORD_DEFAULT = "admin"; // on the loopback address only
 // What the simulator keeps of them.
 constexpr size_t USER_MAX = 15U;
 constexpr size_t PASSWORD_MAX = 19U;
+constexpr size_t PASSWORD_MADE = 16U; // of 32 letters each: 80 bits
 
 struct SERVE_S
 {
@@ -53,6 +57,23 @@ std::string ReadPassword(const std::string &strFile)
     return strPassword;
 }
 
+// One that nobody has had before, of letters that nobody mistakes for one another.
+std::string MakePassword()
+{
+    constexpr char LETTERS[] = "abcdefghijkmnpqrstuvwxyz23456789";
+    static_assert(sizeof(LETTERS) == 33U, "five bits each");
+    u8 aucRandom[PASSWORD_MADE] = {};
+    if (getrandom(aucRandom, sizeof(aucRandom), 0) != static_cast<ssize_t>(sizeof(aucRandom))) {
+        Fail(std::string("no random password can be made: ") + strerror(errno) +
+             "; --password-file FILE gives one");
+    }
+    std::string strPassword;
+    for (const u8 ucRandom : aucRandom) {
+        strPassword += LETTERS[ucRandom % 32U];
+    }
+    return strPassword;
+}
+
 SERVICE_S ServiceOf(const SESSION_S &stSession, const SERVE_S &stOptions)
 {
     SERVICE_S stService;
@@ -70,13 +91,13 @@ SERVICE_S ServiceOf(const SESSION_S &stSession, const SERVE_S &stOptions)
     stService.strUser = stOptions.strUser;
     stService.strRoot = stSession.strRoot;
     stService.bVerbose = stSession.bVerbose;
-    const bool bLoopback = IsLoopback(MakeEndpoint(stService.strAddress, stService.usPort));
+    stService.bForeignRoot = stSession.bForeignRoot;
+    (void)MakeEndpoint(stService.strAddress, stService.usPort); // fails when it is none
     stService.strPassword =
-        stOptions.strPasswordFile.empty() ? PASSWORD_DEFAULT : ReadPassword(stOptions.strPasswordFile);
-    if (!bLoopback && stService.strPassword == PASSWORD_DEFAULT) {
-        FailUsage(
-            "--address " + EscapeText(stService.strAddress) +
-            " is refused with the default password; accepted: another one, through --password-file FILE");
+        stOptions.strPasswordFile.empty() ? MakePassword() : ReadPassword(stOptions.strPasswordFile);
+    if (stService.strPassword == stService.strUser) {
+        FailUsage("the user's name is refused as password; accepted: another one, or none and no "
+                  "--password-file, for one that is made");
     }
     return stService;
 }
@@ -105,7 +126,8 @@ std::string ClientLine(const SERVICE_S &stService, const std::string &strPasswor
     strHost = strHost == "0.0.0.0" ? "127.0.0.1" : strHost == "::" ? "::1" : strHost;
     return Format("ipmitool -I lanplus -C 3 -H %s -p %u -U %s %s fru print", strHost.c_str(),
                   stService.usPort, ShellWord(stService.strUser).c_str(),
-                  strPasswordFile.empty() ? "-P admin" : ("-f " + ShellWord(strPasswordFile)).c_str());
+                  strPasswordFile.empty() ? ("-P " + stService.strPassword).c_str()
+                                          : ("-f " + ShellWord(strPasswordFile)).c_str());
 }
 
 void Announce(const SESSION_S &stSession, const SERVE_S &stOptions, const SERVICE_S &stService, pid_t iPid)
@@ -113,12 +135,16 @@ void Announce(const SESSION_S &stSession, const SERVE_S &stOptions, const SERVIC
     const size_t uiDevices = LoadDevices(stSession).size();
     const std::string strClient = ClientLine(stService, stOptions.strPasswordFile);
     if (stSession.bJson) {
-        PrintJson({{"address", stService.strAddress},
-                   {"port", stService.usPort},
-                   {"user", stService.strUser},
-                   {"devices", uiDevices},
-                   {"pid", iPid},
-                   {"client", strClient}});
+        Json stFacts = {{"address", stService.strAddress},
+                        {"port", stService.usPort},
+                        {"user", stService.strUser},
+                        {"devices", uiDevices},
+                        {"pid", iPid},
+                        {"client", strClient}};
+        if (stOptions.strPasswordFile.empty()) {
+            stFacts["password"] = stService.strPassword; // made for this service, and told here only
+        }
+        PrintJson(stFacts);
     } else {
         Print(Format("serving %s of %s at %s, UDP port %u, until Ctrl-C\n  ",
                      Count(uiDevices, "FRU device").c_str(), EscapeText(stSession.strRoot).c_str(),
@@ -131,24 +157,25 @@ void Announce(const SESSION_S &stSession, const SERVE_S &stOptions, const SERVIC
 void RunServe(const SESSION_S &stSession, const SERVE_S &stOptions)
 {
     RequireController(stSession);
+    RequireOwnRoot(stSession);
     const SERVICE_S stService = ServiceOf(stSession, stOptions);
     (void)LoadDevices(stSession); // without a device table there is nothing to serve
+    // A parent may have had its children's ends ignored; then nobody could tell how the simulator has ended.
+    (void)signal(SIGCHLD, SIG_DFL);
     sigset_t stSignals;
     sigemptyset(&stSignals);
-    for (const int iSignal : {SIGINT, SIGTERM, SIGHUP, SIGCHLD}) {
+    for (const int iSignal : {SIGINT, SIGTERM, SIGHUP}) {
         sigaddset(&stSignals, iSignal);
     }
     sigprocmask(SIG_BLOCK, &stSignals, nullptr);
+    const files::Fd stSignalFd(signalfd(-1, &stSignals, SFD_CLOEXEC));
+    if (!stSignalFd) {
+        Fail(std::string("cannot wait for signals: ") + strerror(errno));
+    }
     Simulator stSimulator(stService);
     Announce(stSession, stOptions, stService, stSimulator.Pid());
-    int iSignal = SIGCHLD;
-    while (iSignal == SIGCHLD) {
-        if (stSimulator.HasEnded()) {
-            Fail("the service has ended: " + stSimulator.EndText());
-        }
-        if (sigwait(&stSignals, &iSignal) != 0) {
-            Fail("cannot wait for signals");
-        }
+    if (stSimulator.WaitForEnd(stSignalFd.Get())) {
+        Fail("the service has ended: " + stSimulator.EndText());
     }
 }
 
@@ -169,7 +196,7 @@ void AddServeCommand(CLI::App &stParent, SESSION_S &stSession)
         ->capture_default_str();
     pstCommand
         ->add_option("--password-file", pstOptions->strPasswordFile,
-                     "file with the password in its first line (else: admin, on the loopback address only)")
+                     "file with the password in its first line (else one is made and shown)")
         ->type_name("FILE");
     pstCommand->callback([&stSession, pstOptions] {
         stSession.fnRun = [&stSession, pstOptions] { RunServe(stSession, *pstOptions); };

@@ -1,7 +1,7 @@
 #include "commands/simulator.h"
 
 #include <algorithm>
-#include <arpa/inet.h>
+#include <array>
 #include <cerrno>
 #include <chrono>
 #include <csignal>
@@ -11,15 +11,16 @@
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <filesystem>
-#include <linux/close_range.h>
 #include <poll.h>
-#include <sys/file.h>
-#include <sys/prctl.h>
-#include <sys/stat.h>
+#include <sys/mman.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
 
+#include "bmcfru_host.h"
+#include "commands/confinement.h"
+#include "commands/endpoint.h"
 #include "lib_fru.h"
 #include "toolkit/base/error.h"
 #include "toolkit/base/file.h"
@@ -32,18 +33,17 @@ using std::chrono::milliseconds;
 
 constexpr const char *PROGRAM = "ipmi_sim";
 constexpr const char *MODULE = "libbmcfru_ipmi_sim.so";
-constexpr const char *RUN_DIRECTORY = "/var/run/ipmi_sim";
-constexpr const char *LOCK_FILE = "/var/lock/fructl-serve.lock";
-constexpr milliseconds PORT_PATIENCE(1000); // a service killed just now may still hold the port
+constexpr const char *LOCK_FILE = BMCHOST_LOCK_DIR "/fructl-serve.lock";
 constexpr milliseconds START_PATIENCE(30000);
 constexpr milliseconds STOP_PATIENCE(3000);
 constexpr milliseconds PAUSE(20);
-constexpr int ANSWER_TIMEOUT_MS = 100;
+constexpr size_t TAIL_MAX = 300U;
 
-// RMCP presence ping (IPMI 2.0, section 13.2.3): answered by any server that listens.
-constexpr u8 PING[] = {0x06, 0x00, 0xFF, 0x06, 0x00, 0x00, 0x11, 0xBE, 0x80, 0x01, 0x00, 0x00};
-constexpr size_t PONG_TYPE_INDEX = 8U;
-constexpr u8 PONG_TYPE = 0x40U;
+// Where the child finds what it gets, behind its three standard descriptors.
+constexpr int LAN_FD = 3;
+constexpr int CONTROLLER_FD = 4;
+constexpr const char *LAN_PATH = "/proc/self/fd/3";
+constexpr const char *CONTROLLER_PATH = "/proc/self/fd/4";
 
 std::string FindProgram()
 {
@@ -107,141 +107,84 @@ std::string GuidOf(const std::string &strRoot)
     return strGuid;
 }
 
-void WriteNewFile(const std::string &strPath, const std::string &strText)
+// A text that only those see who are given the descriptor.
+files::Fd MakeHidden(const char *pcName, const std::string &strText)
 {
-    (void)unlink(strPath.c_str()); // left by a service that was killed
-    const int iFd = open(strPath.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
-    const bool bWritten =
-        iFd >= 0 && write(iFd, strText.data(), strText.size()) == static_cast<ssize_t>(strText.size());
-    const int iError = errno;
-    if (iFd >= 0) {
-        close(iFd);
+    files::Fd stFile(memfd_create(pcName, MFD_CLOEXEC));
+    const int iError = stFile ? files::WriteAll(stFile.Get(), strText) : errno;
+    if (iError != 0) {
+        Fail(std::string("cannot keep the simulator's configuration: ") + files::Reason(iError));
     }
-    if (!bWritten) {
-        Fail("cannot write " + EscapeText(strPath) + ": " + strerror(iError));
-    }
+    return stFile;
 }
 
-// A wildcard address cannot be asked; its own machine can.
-ENDPOINT_S AskableEndpoint(const SERVICE_S &stService)
+// In the child: the descriptor iFrom as iTo, with nothing in the way.
+bool MoveTo(int iFrom, int iTo)
 {
-    ENDPOINT_S stEndpoint = MakeEndpoint(stService.strAddress, stService.usPort);
-    if (stEndpoint.stAddress.ss_family == AF_INET6) {
-        sockaddr_in6 stAddress = {};
-        memcpy(&stAddress, &stEndpoint.stAddress, sizeof(stAddress));
-        return IN6_IS_ADDR_UNSPECIFIED(&stAddress.sin6_addr) ? MakeEndpoint("::1", stService.usPort)
-                                                             : stEndpoint;
-    }
-    sockaddr_in stAddress = {};
-    memcpy(&stAddress, &stEndpoint.stAddress, sizeof(stAddress));
-    return stAddress.sin_addr.s_addr == INADDR_ANY ? MakeEndpoint("127.0.0.1", stService.usPort) : stEndpoint;
+    return iFrom >= 0 && dup2(iFrom, iTo) == iTo;
 }
 
-bool AnswersPing(int iSocket, const ENDPOINT_S &stEndpoint)
+struct CHILD_S
 {
-    const auto *pstAddress = reinterpret_cast<const sockaddr *>(&stEndpoint.stAddress);
-    if (sendto(iSocket, PING, sizeof(PING), 0, pstAddress, stEndpoint.uiLength) < 0) {
-        return false;
+    const char *pcProgram;
+    pid_t iParent;
+    int iLan;
+    int iController;
+    int iOutput;
+    IDENTITY_S stIdentity;
+};
+
+// In the child, from fork() to the simulator. Whoever reads its output is told what went wrong.
+[[noreturn]] void Become(const CHILD_S &stChild)
+{
+    const int iNull = open("/dev/null", O_RDWR | O_CLOEXEC);
+    const char *pcFailed = "cannot open /dev/null";
+    // High numbers first: none of them may lie where another is to go.
+    const int iLan = fcntl(stChild.iLan, F_DUPFD_CLOEXEC, 10);
+    const int iController = fcntl(stChild.iController, F_DUPFD_CLOEXEC, 10);
+    if (MoveTo(stChild.iOutput, STDOUT_FILENO) && MoveTo(stChild.iOutput, STDERR_FILENO) &&
+        MoveTo(iNull, STDIN_FILENO)) {
+        pcFailed = "cannot hand over the configuration";
+        if (MoveTo(iLan, LAN_FD) && MoveTo(iController, CONTROLLER_FD)) {
+            // Nothing else of this process: whoever reads its output must see the end of it when it ends.
+            CloseFrom(CONTROLLER_FD + 1);
+            pcFailed = Confine(stChild.stIdentity, stChild.iParent);
+            if (pcFailed == nullptr) {
+                const std::array<const char *, 8> apcArguments = {PROGRAM,         "-c", LAN_PATH, "-f",
+                                                                  CONTROLLER_PATH, "-p", "-n",     nullptr};
+                const std::array<const char *, 4> apcEnvironment = {"PATH=/usr/bin:/bin", "LC_ALL=C",
+                                                                    "TZ=UTC0", nullptr};
+                execve(stChild.pcProgram, const_cast<char **>(apcArguments.data()),
+                       const_cast<char **>(apcEnvironment.data()));
+                pcFailed = stChild.pcProgram;
+            }
+        }
     }
-    pollfd stPoll = {iSocket, POLLIN, 0};
-    u8 aucPong[64] = {};
-    return poll(&stPoll, 1, ANSWER_TIMEOUT_MS) == 1 &&
-           recv(iSocket, aucPong, sizeof(aucPong), 0) > static_cast<ssize_t>(PONG_TYPE_INDEX) &&
-           aucPong[PONG_TYPE_INDEX] == PONG_TYPE;
+    dprintf(STDERR_FILENO, "%s: %s\n", pcFailed, strerror(errno));
+    _exit(127);
 }
 
 } // namespace
-
-ENDPOINT_S MakeEndpoint(const std::string &strAddress, u16 usPort)
-{
-    ENDPOINT_S stEndpoint;
-    sockaddr_in stV4 = {};
-    sockaddr_in6 stV6 = {};
-    if (inet_pton(AF_INET, strAddress.c_str(), &stV4.sin_addr) == 1) {
-        stV4.sin_family = AF_INET;
-        stV4.sin_port = htons(usPort);
-        stEndpoint.uiLength = sizeof(stV4);
-        memcpy(&stEndpoint.stAddress, &stV4, sizeof(stV4));
-    } else if (inet_pton(AF_INET6, strAddress.c_str(), &stV6.sin6_addr) == 1) {
-        stV6.sin6_family = AF_INET6;
-        stV6.sin6_port = htons(usPort);
-        stEndpoint.uiLength = sizeof(stV6);
-        memcpy(&stEndpoint.stAddress, &stV6, sizeof(stV6));
-    } else {
-        FailUsage("--address " + EscapeText(strAddress) +
-                  " is refused; accepted: a numeric IPv4 or IPv6 address of this machine");
-    }
-    return stEndpoint;
-}
-
-bool IsLoopback(const ENDPOINT_S &stEndpoint)
-{
-    if (stEndpoint.stAddress.ss_family == AF_INET6) {
-        sockaddr_in6 stAddress = {};
-        memcpy(&stAddress, &stEndpoint.stAddress, sizeof(stAddress));
-        return IN6_IS_ADDR_LOOPBACK(&stAddress.sin6_addr);
-    }
-    sockaddr_in stAddress = {};
-    memcpy(&stAddress, &stEndpoint.stAddress, sizeof(stAddress));
-    return ntohl(stAddress.sin_addr.s_addr) >> 24U == IN_LOOPBACKNET;
-}
-
-void CheckPortIsFree(const SERVICE_S &stService)
-{
-    const ENDPOINT_S stEndpoint = MakeEndpoint(stService.strAddress, stService.usPort);
-    const auto stUntil = Clock::now() + PORT_PATIENCE;
-    int iError = 0;
-    do {
-        const int iSocket = socket(stEndpoint.stAddress.ss_family, SOCK_DGRAM | SOCK_CLOEXEC, 0);
-        const bool bFree =
-            iSocket >= 0 && bind(iSocket, reinterpret_cast<const sockaddr *>(&stEndpoint.stAddress),
-                                 stEndpoint.uiLength) == 0;
-        iError = errno;
-        if (iSocket >= 0) {
-            close(iSocket);
-        }
-        if (bFree) {
-            return;
-        }
-        std::this_thread::sleep_for(PAUSE);
-    } while (iError == EADDRINUSE && Clock::now() < stUntil);
-    const std::string strWhere = Format("UDP port %u of %s", stService.usPort, stService.strAddress.c_str());
-    if (iError == EADDRINUSE) {
-        Fail(strWhere + " is in use by another program; --port names another");
-    }
-    if (iError == EACCES) {
-        Fail(strWhere + " needs root's rights; --port takes any from 1024 up without them");
-    }
-    Fail("cannot listen on " + strWhere + ": " + strerror(iError) +
-         "; --address takes an address of this machine");
-}
 
 Simulator::Simulator(const SERVICE_S &stService) : m_stService(stService)
 {
     const std::string strProgram = FindProgram();
     m_strModule = FindModule();
-    m_strDirectory = stService.strRoot + RUN_DIRECTORY;
-    const std::string strLock = stService.strRoot + LOCK_FILE;
-    MakeParentDirectory(strLock);
-    m_iLockFd = open(strLock.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
-    if (m_iLockFd < 0 || flock(m_iLockFd, LOCK_EX | LOCK_NB) != 0) {
-        const int iError = errno;
-        if (m_iLockFd >= 0) {
-            close(m_iLockFd);
-        }
-        Fail(iError == EWOULDBLOCK
+    const files::PLACE_S stLock(stService.strRoot, LOCK_FILE);
+    MakeParentDirectory(stLock);
+    const int iError = m_stLock.Take(stLock, 0U);
+    if (iError != 0) {
+        Fail(iError == ETIMEDOUT
                  ? "another 'fructl serve' serves " + EscapeText(stService.strRoot) + " already"
-                 : "cannot lock " + EscapeText(strLock) + ": " + strerror(iError));
+                 : "cannot lock " + EscapeText(stLock.Text()) + ": " + files::Reason(iError));
     }
+    CheckPortIsFree(stService.strAddress, stService.usPort);
+    MakeConfiguration();
     try {
-        CheckPortIsFree(stService);
-        WriteConfiguration();
         Start(strProgram);
         AwaitAnswer();
     } catch (...) { // there will be no destructor
         Stop();
-        RemoveFiles();
-        close(m_iLockFd);
         throw;
     }
 }
@@ -249,13 +192,13 @@ Simulator::Simulator(const SERVICE_S &stService) : m_stService(stService)
 Simulator::~Simulator()
 {
     Stop();
-    RemoveFiles();
-    close(m_iLockFd);
 }
 
-void Simulator::WriteConfiguration() const
+void Simulator::MakeConfiguration()
 {
-    const std::string strOptions = (m_stService.bVerbose ? "verbose root=" : "root=") + m_stService.strRoot;
+    std::string strOptions = m_stService.bVerbose ? "verbose " : "";
+    strOptions += m_stService.bForeignRoot ? "foreign-root " : "";
+    strOptions += "root=" + m_stService.strRoot;
     std::string strLan = "name \"bmcfru\"\nset_working_mc 0x20\n  startlan 1\n";
     strLan += Format("    addr %s %u\n    guid %s\n    priv_limit admin\n", m_stService.strAddress.c_str(),
                      m_stService.usPort, GuidOf(m_stService.strRoot).c_str());
@@ -266,74 +209,58 @@ void Simulator::WriteConfiguration() const
     strLan +=
         "  user 2 true \"" + m_stService.strUser + "\" \"" + m_stService.strPassword + "\" admin 63 md5\n";
     strLan += "loadlib " + Quote(m_strModule) + " " + Quote(strOptions) + "\n";
+    m_stLan = MakeHidden("lan", strLan);
     // One controller with an SDR repository and FRU devices; the module answers for both.
-    const std::string strController = "mc_setbmc 0x20\n"
-                                      "mc_add 0x20 0x20 no-device-sdrs 0x01 1 0 0x0a 0x000000 0x0000\n"
-                                      "mc_enable 0x20\n";
-    MakeParentDirectory(m_strDirectory + "/state/x");
-    if (chmod(m_strDirectory.c_str(), 0700) != 0) { // lan.conf holds the password
-        Fail("cannot keep " + EscapeText(m_strDirectory) + " to its owner: " + strerror(errno));
-    }
-    WriteNewFile(m_strDirectory + "/lan.conf", strLan);
-    WriteNewFile(m_strDirectory + "/controller.emu", strController);
-    WriteNewFile(m_strDirectory + "/log", "");
+    m_stController =
+        MakeHidden("controller", "mc_setbmc 0x20\n"
+                                 "mc_add 0x20 0x20 no-device-sdrs 0x01 1 0 0x0a 0x000000 0x0000\n"
+                                 "mc_enable 0x20\n");
 }
 
 void Simulator::Start(const std::string &strProgram)
 {
-    const std::string strLan = m_strDirectory + "/lan.conf";
-    const std::string strController = m_strDirectory + "/controller.emu";
-    const std::string strState = m_strDirectory + "/state";
-    const std::string strLog = m_strDirectory + "/log";
-    const bool bVerbose = m_stService.bVerbose;
-    const pid_t iParent = getpid();
+    int aiPipe[2] = {-1, -1};
+    if (pipe2(aiPipe, O_CLOEXEC) != 0) {
+        Fail(std::string("cannot make a pipe: ") + strerror(errno));
+    }
+    m_stOutput = files::Fd(aiPipe[0]);
+    const files::Fd stWrite(aiPipe[1]);
+    (void)fcntl(aiPipe[0], F_SETFL, O_NONBLOCK);
+    const CHILD_S stChild = {strProgram.c_str(), getpid(),
+                             m_stLan.Get(),      m_stController.Get(),
+                             stWrite.Get(),      IdentityFor(m_stService.strRoot, m_stService.usPort)};
     m_iPid = fork();
+    if (m_iPid == 0) {
+        Become(stChild);
+    }
     if (m_iPid < 0) {
         Fail(std::string("cannot start a process: ") + strerror(errno));
     }
-    if (m_iPid > 0) {
-        return;
+    // The child is not waited for before this, so the number is its own.
+    m_stProcess = files::Fd(static_cast<int>(syscall(SYS_pidfd_open, m_iPid, 0)));
+    if (!m_stProcess) {
+        Fail(std::string("cannot watch the simulator: ") + strerror(errno));
     }
-    // It must not outlive this process, nor be stopped by the terminal before this process has
-    // seen the signal.
-    prctl(PR_SET_PDEATHSIG, SIGTERM);
-    setpgid(0, 0);
-    if (getppid() != iParent) {
-        _exit(1);
-    }
-    sigset_t stNone;
-    sigemptyset(&stNone);
-    sigprocmask(SIG_SETMASK, &stNone, nullptr);
-    const int iNull = open("/dev/null", O_RDWR);
-    const int iLog = bVerbose ? dup(STDERR_FILENO) : open(strLog.c_str(), O_WRONLY | O_APPEND);
-    dup2(iNull, STDIN_FILENO);
-    dup2(iLog, STDOUT_FILENO);
-    dup2(iLog, STDERR_FILENO);
-    // Nothing of this process: whoever reads its output must see the end of it when it ends.
-    close_range(STDERR_FILENO + 1, ~0U, CLOSE_RANGE_CLOEXEC);
-    execl(strProgram.c_str(), PROGRAM, "-c", strLan.c_str(), "-f", strController.c_str(), "-s",
-          strState.c_str(), "-n", static_cast<char *>(nullptr));
-    dprintf(STDERR_FILENO, "%s: %s\n", strProgram.c_str(), strerror(errno));
-    _exit(127);
 }
 
 void Simulator::AwaitAnswer()
 {
-    const ENDPOINT_S stEndpoint = AskableEndpoint(m_stService);
-    const int iSocket = socket(stEndpoint.stAddress.ss_family, SOCK_DGRAM | SOCK_CLOEXEC, 0);
-    if (iSocket < 0) {
+    const ENDPOINT_S stEndpoint = AskableEndpoint(m_stService.strAddress, m_stService.usPort);
+    const files::Fd stSocket(socket(stEndpoint.stAddress.ss_family, SOCK_DGRAM | SOCK_CLOEXEC, 0));
+    if (!stSocket) {
         Fail(std::string("cannot open a socket: ") + strerror(errno));
     }
     const auto stUntil = Clock::now() + START_PATIENCE;
     bool bAnswers = false;
     while (!bAnswers && !HasEnded() && Clock::now() < stUntil) {
-        bAnswers = AnswersPing(iSocket, stEndpoint);
+        TakeOutput();
+        bAnswers = AnswersPing(stSocket.Get(), stEndpoint);
         std::this_thread::sleep_for(bAnswers ? milliseconds(0) : PAUSE);
     }
-    close(iSocket);
     if (!bAnswers) {
+        TakeOutput();
         Fail(m_iPid < 0 ? "the simulator did not start: " + EndText()
-                        : "the simulator does not answer on " + m_stService.strAddress + LogTail());
+                        : "the simulator does not answer on " + m_stService.strAddress + OutputTail());
     }
 }
 
@@ -345,53 +272,79 @@ bool Simulator::HasEnded()
     return m_iPid < 0;
 }
 
+bool Simulator::WaitForEnd(int iSignalFd)
+{
+    std::array<pollfd, 3> astPolls = {pollfd{iSignalFd, POLLIN, 0}, pollfd{m_stProcess.Get(), POLLIN, 0},
+                                      pollfd{m_stOutput.Get(), POLLIN, 0}};
+    while (true) {
+        if (poll(astPolls.data(), astPolls.size(), -1) < 0 && errno != EINTR) {
+            Fail(std::string("cannot wait for the simulator: ") + strerror(errno));
+        }
+        TakeOutput();
+        if (HasEnded()) {
+            return true;
+        }
+        if (astPolls[0].revents != 0) {
+            return false;
+        }
+        if ((astPolls[2].revents & POLLHUP) != 0) {
+            astPolls[2].fd = -1; // it has closed its output, and lives
+        }
+    }
+}
+
+// What the simulator prints is read whether anybody wants it or not: a full pipe would hold it up.
+void Simulator::TakeOutput()
+{
+    std::array<char, 4096> acText = {};
+    for (ssize_t iRead = 1; iRead > 0;) {
+        iRead = read(m_stOutput.Get(), acText.data(), acText.size());
+        const std::string strText(acText.data(), iRead > 0 ? static_cast<size_t>(iRead) : 0U);
+        if (m_stService.bVerbose) {
+            const std::string strShown = PrintableLines(strText);
+            (void)fwrite(strShown.data(), 1U, strShown.size(), stderr);
+        }
+        m_strTail += strText;
+        m_strTail.erase(0U, m_strTail.size() > TAIL_MAX ? m_strTail.size() - TAIL_MAX : 0U);
+    }
+}
+
 std::string Simulator::EndText() const
 {
     const std::string strHow = WIFSIGNALED(m_iStatus)
                                    ? Format("%s was ended by signal %d", PROGRAM, WTERMSIG(m_iStatus))
                                    : Format("%s ended with code %d", PROGRAM, WEXITSTATUS(m_iStatus));
-    return strHow + LogTail();
+    return strHow + OutputTail();
 }
 
 // The last words of the simulator, to stand behind an error.
-std::string Simulator::LogTail() const
+std::string Simulator::OutputTail() const
 {
-    std::string strLog;
-    try {
-        const std::vector<u8> vecLog = ReadFileBytes(m_strDirectory + "/log");
-        strLog.assign(vecLog.begin(), vecLog.end());
-    } catch (const Error &) {
-        return "";
-    }
-    constexpr size_t TAIL = 300U;
-    strLog.erase(strLog.find_last_not_of('\n') + 1U);
-    strLog.erase(0U, strLog.size() > TAIL ? strLog.size() - TAIL : 0U);
-    std::replace(strLog.begin(), strLog.end(), '\n', ' ');
-    return strLog.empty() ? "" : " (it says: " + EscapeText(strLog) + ")";
+    std::string strTail = m_strTail;
+    strTail.erase(strTail.find_last_not_of('\n') + 1U);
+    std::replace(strTail.begin(), strTail.end(), '\n', ' ');
+    return strTail.empty() ? "" : " (it says: " + EscapeText(strTail) + ")";
 }
 
 void Simulator::Stop()
 {
+    const auto SendSignal = [this](int iSignal) {
+        // Until it is waited for, the number names nobody else either.
+        if (!m_stProcess || syscall(SYS_pidfd_send_signal, m_stProcess.Get(), iSignal, nullptr, 0) != 0) {
+            (void)kill(m_iPid, iSignal);
+        }
+    };
     const auto stUntil = Clock::now() + STOP_PATIENCE;
     if (!HasEnded()) {
-        kill(m_iPid, SIGTERM);
+        SendSignal(SIGTERM);
     }
     while (!HasEnded() && Clock::now() < stUntil) {
+        TakeOutput();
         std::this_thread::sleep_for(PAUSE);
     }
     if (!HasEnded()) {
-        kill(m_iPid, SIGKILL);
+        SendSignal(SIGKILL);
         waitpid(m_iPid, &m_iStatus, 0);
         m_iPid = -1;
     }
-}
-
-void Simulator::RemoveFiles() const
-{
-    std::error_code stIgnored; // what is left is overwritten by the next start
-    for (const char *pcName : {"/lan.conf", "/controller.emu", "/log"}) {
-        std::filesystem::remove(m_strDirectory + pcName, stIgnored);
-    }
-    std::filesystem::remove_all(m_strDirectory + "/state", stIgnored);
-    std::filesystem::remove(m_strDirectory, stIgnored);
 }

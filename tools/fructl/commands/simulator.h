@@ -2,11 +2,10 @@
 #ifndef FRUCTL_COMMANDS_SIMULATOR_H
 #define FRUCTL_COMMANDS_SIMULATOR_H
 
-#include <netinet/in.h>
 #include <string>
-#include <sys/socket.h>
 #include <sys/types.h>
 
+#include "files/files.h"
 #include "lib_fru_types.h"
 
 // Where it listens and who may log in.
@@ -17,30 +16,18 @@ struct SERVICE_S
     std::string strUser;
     std::string strPassword;
     std::string strRoot;
+    bool bForeignRoot = false;
     bool bVerbose = false; // the library's diagnostics and the simulator's own go to stderr
 };
-
-// A numeric IPv4 or IPv6 address with a port.
-struct ENDPOINT_S
-{
-    sockaddr_storage stAddress = {};
-    socklen_t uiLength = 0;
-};
-
-// Fails as wrong usage when the address is not numeric.
-ENDPOINT_S MakeEndpoint(const std::string &strAddress, u16 usPort);
-bool IsLoopback(const ENDPOINT_S &stEndpoint);
-
-// Fails, saying what would help, when nobody can listen there now.
-void CheckPortIsFree(const SERVICE_S &stService);
 
 class Simulator
 {
   public:
-    // Writes the configuration into var/run/ipmi_sim under the root, starts the simulator and waits until it
-    // answers. The signals that end the service must be blocked already: the child gets them unblocked.
+    // Starts the simulator and waits until it answers. Its configuration reaches it through descriptors:
+    // nothing of it lies in a directory, and nothing is left there, however both end. SIGCHLD must not be
+    // ignored, and the signals that end the service must be blocked: the child gets them unblocked.
     explicit Simulator(const SERVICE_S &stService);
-    // Stops it and removes the files.
+    // Stops it.
     ~Simulator();
     Simulator(const Simulator &) = delete;
     Simulator &operator=(const Simulator &) = delete;
@@ -49,24 +36,29 @@ class Simulator
     {
         return m_iPid;
     }
-    // True when it has ended by itself; how, is in EndText() then.
-    bool HasEnded();
+    // Waits until it has ended by itself (true; how, is in EndText() then) or iSignalFd can be read (false).
+    bool WaitForEnd(int iSignalFd);
     std::string EndText() const;
 
   private:
-    void WriteConfiguration() const;
+    void MakeConfiguration();
     void Start(const std::string &strProgram);
     void AwaitAnswer();
+    bool HasEnded();
+    void TakeOutput();
     void Stop();
-    void RemoveFiles() const;
-    std::string LogTail() const;
+    std::string OutputTail() const;
 
     SERVICE_S m_stService;
-    std::string m_strDirectory;
     std::string m_strModule;
+    files::LockFile m_stLock;
+    files::Fd m_stLan;
+    files::Fd m_stController;
+    files::Fd m_stOutput;  // what it prints
+    files::Fd m_stProcess; // names the child, and nobody else
+    std::string m_strTail;
     pid_t m_iPid = -1;
     int m_iStatus = 0;
-    int m_iLockFd = -1;
 };
 
 #endif
