@@ -2,6 +2,8 @@
 #ifndef FRUCTL_COMMANDS_MR_H
 #define FRUCTL_COMMANDS_MR_H
 
+#include <CLI/CLI.hpp>
+
 #include "commands/session.h"
 
 // Adds "mr add"; it stands in mr_add.cpp.

@@ -2,6 +2,8 @@
 #ifndef FRUCTL_COMMANDS_OEM_H
 #define FRUCTL_COMMANDS_OEM_H
 
+#include <CLI/CLI.hpp>
+
 #include "commands/session.h"
 
 // Adds "oem sync"; it stands in oem_sync.cpp.
