@@ -14,8 +14,8 @@ HW_BLOCK_S ReadDeviceBlock(const DEVICE_S &stDevice)
     }
     FRU_HW_DATA_S stData = {};
     ClearDiagnostics();
-    const u32 uiRet =
-        LIB_FRU_GetHWFRUData(0U, stDevice.stEntry.ucComponentType, stDevice.stEntry.ucInstance, &stData);
+    const u32 uiRet = LIB_FRU_GetHWFRUData(FRU_HW_ARG_USUAL, stDevice.stEntry.ucComponentType,
+                                           stDevice.stEntry.ucInstance, &stData);
     if (uiRet != FRU_OK) {
         Fail("the hardware block of " + stDevice.Title() + " cannot be read: " + StatusText(uiRet) +
              DiagnosticHint());

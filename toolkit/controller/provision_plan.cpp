@@ -12,6 +12,7 @@
 #include "toolkit/base/text.h"
 #include "toolkit/controller/conf_check.h"
 #include "toolkit/controller/oem_conf.h"
+#include "toolkit/image/erased.h"
 #include "toolkit/image/image_file.h"
 
 namespace {
@@ -60,7 +61,7 @@ std::vector<u8> ReadSizedImage(const JsonNode &stNode, const char *pcName, const
                            "filled with 0xff)",
                            vecImage.size(), uiSize));
     }
-    vecImage.resize(uiSize, 0xFFU);
+    vecImage.resize(uiSize, ERASED);
     return vecImage;
 }
 
@@ -165,7 +166,7 @@ DEVICE_PLAN_S TakeDevice(const JsonNode &stNode, const std::string &strFile)
     stInfo.ucFieldFlag = static_cast<u8>(stNode.Number("fieldFlag", 0U, FIELD_FLAG_MAX, FIELD_FLAG_ALL));
     stInfo.ucDatabaseOnly = stNode.Flag("databaseOnly", false) ? 1U : 0U;
     TakeEeprom(stNode, stDevice);
-    stDevice.vecImage.assign(stInfo.usSize, 0xFFU);
+    stDevice.vecImage.assign(stInfo.usSize, ERASED);
     if (stNode.Has("image")) {
         stDevice.vecImage = ReadSizedImage(stNode, "image", strFile, stInfo.usSize);
         stDevice.strImage = stNode.Text("image", 1U, 4095U);
@@ -299,7 +300,7 @@ CONTROLLER_PLAN_S ReadPlan(const std::string &strFile)
 
 std::vector<u8> EepromContents(const CONTROLLER_PLAN_S &stPlan, const DEVICE_PLAN_S &stDevice)
 {
-    std::vector<u8> vecBytes(stDevice.uiEepromSize, 0xFFU);
+    std::vector<u8> vecBytes(stDevice.uiEepromSize, ERASED);
     for (const DEVICE_PLAN_S &stOther : stPlan.vecDevices) {
         if (SameChip(stDevice, stOther)) {
             std::copy(stOther.vecImage.begin(), stOther.vecImage.end(),

@@ -149,20 +149,25 @@ READ_BACK_S ReadBack(const IMAGE_S &stImage, bool bFixedSlots, const Record &stR
 }
 
 CHANGE_S PlanRecord(const DEVICE_S &stDevice, const std::string &strWhat, const Record &stRecord,
-                    const std::vector<u8> &vecBytes)
+                    const CHANGE_S &stFirst)
 {
     if (stDevice.IsDatabaseOnly()) {
         return PlanCachedRecord(stDevice, strWhat, stRecord, stDevice.HasFixedSlots());
     }
     const ENCODED_S stEncoded = EncodeFor(stDevice, strWhat, stRecord);
+    const std::vector<u8> &vecBytes = stFirst.Home().vecAfter;
     std::vector<u8> vecAfter = vecBytes;
     std::copy_n(stEncoded.vecBuffer.begin(), stEncoded.uiLength, vecAfter.begin());
     const bool bFixedSlots = stDevice.HasFixedSlots();
     const std::vector<u8> &vecCached = stEncoded.vecBuffer;
     RequireReadBack(stDevice, strWhat, stRecord, {Source::Eeprom, vecAfter, vecAfter.size()}, bFixedSlots);
     RequireReadBack(stDevice, strWhat, stRecord, {Source::Cache, vecCached, vecCached.size()}, bFixedSlots);
-    return {stDevice, PART_S{vecBytes, vecAfter}, PartOf(stDevice, Source::Cache, vecCached),
-            stEncoded.uiLength};
+    CHANGE_S stChange = {stDevice, PART_S{vecBytes, vecAfter}, PartOf(stDevice, Source::Cache, vecCached),
+                         stEncoded.uiLength};
+    if (stFirst.optCache.has_value()) {
+        stChange.optCache->optBefore = stFirst.optCache->vecAfter;
+    }
+    return stChange;
 }
 
 CHANGE_S PlanCachedRecord(const DEVICE_S &stDevice, const std::string &strWhat, const Record &stRecord,

@@ -18,7 +18,7 @@
 // What one of the places that hold a device's bytes holds now and shall hold.
 struct PART_S
 {
-    std::optional<std::vector<u8>> optBefore; // nothing: it cannot be read
+    std::optional<std::vector<u8>> optBefore; // nothing: there is nothing that can be read
     std::vector<u8> vecAfter;                 // exactly the FRU's size
 };
 
@@ -35,11 +35,11 @@ struct CHANGE_S
 };
 
 // The change that the library makes when it writes the record: its image over the beginning of the EEPROM,
-// and over zeros in the cache. vecBytes is what the device's home holds now (or will, when other changes
-// come first); strWhat is what is new in the record ("the new 'Product Serial Number'"). Fails when no
+// and over zeros in the cache. stFirst is what comes before it: the change of the step before, else
+// PlanNothing(); strWhat is what is new in the record ("the new 'Product Serial Number'"). Fails when no
 // image can be made or when an image would not decode to the same record again.
 CHANGE_S PlanRecord(const DEVICE_S &stDevice, const std::string &strWhat, const Record &stRecord,
-                    const std::vector<u8> &vecBytes);
+                    const CHANGE_S &stFirst);
 
 // The same for an image that goes into the cache alone, whatever the EEPROM holds. bFixedSlots: it is to
 // read as the record with preset custom-field counts too.

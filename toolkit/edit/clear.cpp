@@ -6,12 +6,7 @@
 #include "toolkit/controller/operate_log.h"
 #include "toolkit/edit/change.h"
 #include "toolkit/edit/uninterrupted.h"
-
-namespace {
-
-constexpr u8 ERASED = 0xFFU;
-
-} // namespace
+#include "toolkit/image/erased.h"
 
 std::string ClearDevice(const DEVICE_S &stDevice, ProgressView *pstView)
 {

@@ -7,13 +7,13 @@
 #include "toolkit/base/text.h"
 #include "toolkit/controller/diagnostics.h"
 #include "toolkit/edit/change.h"
+#include "toolkit/image/erased.h"
 #include "toolkit/image/image.h"
 #include "toolkit/image/image_file.h"
 
 namespace {
 
 constexpr u32 SIZE_MAX_FRU = 0xFFFFU;
-constexpr u8 ERASED = 0xFFU;
 
 } // namespace
 

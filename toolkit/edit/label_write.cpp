@@ -40,7 +40,7 @@ FRU_SET_PARA_S Block(const DEVICE_S &stDevice, const LABEL_REQUEST_S &stRequest)
 // ---- the plan ----
 
 LABEL_STEP_S PlanStep(const DEVICE_S &stDevice, const LABEL_REQUEST_S &stRequest, Record &stRecord,
-                      const std::vector<u8> &vecBytes)
+                      const CHANGE_S &stFirst)
 {
     const LABEL_S &stLabel = stRequest.stLabel;
     const RECORD_VIEW_S stView = ViewRecord(*stRecord.Data());
@@ -59,7 +59,7 @@ LABEL_STEP_S PlanStep(const DEVICE_S &stDevice, const LABEL_REQUEST_S &stRequest
              "; nothing was written");
     }
     const std::string strWhat = "the new '" + stLabel.strName + "'";
-    LABEL_STEP_S stStep = {stRequest, std::nullopt, "", PlanRecord(stDevice, strWhat, stRecord, vecBytes)};
+    LABEL_STEP_S stStep = {stRequest, std::nullopt, "", PlanRecord(stDevice, strWhat, stRecord, stFirst)};
     stStep.strNew = LabelValue(ViewRecord(*stRecord.Data()), stLabel).value_or("");
     return stStep;
 }
@@ -140,10 +140,10 @@ LABEL_PLAN_S PlanLabels(const DEVICE_S &stDevice, const std::vector<LABEL_REQUES
     }
     LABEL_PLAN_S stPlan;
     const RECORD_VIEW_S stView = ViewRecord(*stBefore.Data());
-    std::vector<u8> vecAfter = stImage.vecBytes;
+    CHANGE_S stNow = PlanNothing(stDevice);
     for (const LABEL_REQUEST_S &stRequest : vecRequests) {
-        stPlan.vecSteps.push_back(PlanStep(stDevice, stRequest, stRecord, vecAfter));
-        vecAfter = stPlan.vecSteps.back().stChange.Home().vecAfter;
+        stPlan.vecSteps.push_back(PlanStep(stDevice, stRequest, stRecord, stNow));
+        stNow = stPlan.vecSteps.back().stChange;
         stPlan.vecSteps.back().optOld = LabelValue(stView, stRequest.stLabel);
         if (stPlan.vecSteps.back().strNew != stRequest.strValue) {
             stPlan.vecNotes.push_back(stRequest.stLabel.strName + " will read as '" +
@@ -155,6 +155,7 @@ LABEL_PLAN_S PlanLabels(const DEVICE_S &stDevice, const std::vector<LABEL_REQUES
                                       "may take for the end of the fields");
         }
     }
+    const std::vector<u8> &vecAfter = stNow.Home().vecAfter;
     stPlan.vecChanges = Changes(stImage.vecBytes, vecAfter);
     const REWRITE_S stRewrite = CompareImages(stDevice, stImage, vecAfter, [&](const FIELD_ID_S &stField) {
         return IsLabelField(vecRequests, stField);

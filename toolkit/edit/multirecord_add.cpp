@@ -158,7 +158,7 @@ RECORD_PLAN_S PlanAccessRecords(const DEVICE_S &stDevice, const std::vector<WANT
     DecodeTarget(stTarget, stRecord);
     CheckList(stDevice, *stRecord.Data());
     const IMAGE_S stImage = ReadTarget(stTarget);
-    std::vector<u8> vecAfter = stImage.vecBytes;
+    CHANGE_S stNow = PlanNothing(stDevice);
     bool bChanges = false;
     for (WANTED_RECORD_S &stWanted : stPlan.vecWanted) {
         FRU_MULTIRECORD_S *pstEntry = Place(stDevice, stRecord.Data(), stWanted);
@@ -168,14 +168,14 @@ RECORD_PLAN_S PlanAccessRecords(const DEVICE_S &stDevice, const std::vector<WANT
         Put(pstEntry, stWanted);
         RenewMarks(stRecord.Data());
         stWanted.optChange =
-            PlanRecord(stDevice, std::string("the new ") + stWanted.Row().pcTitle, stRecord, vecAfter);
-        vecAfter = stWanted.optChange->Home().vecAfter;
+            PlanRecord(stDevice, std::string("the new ") + stWanted.Row().pcTitle, stRecord, stNow);
+        stNow = *stWanted.optChange;
         bChanges = true;
     }
     if (bChanges) {
-        stPlan.stRewrite = CompareImages(stDevice, stImage, vecAfter, [](const FIELD_ID_S &stField) {
-            return stField.enArea == Area::MultiRecord;
-        });
+        stPlan.stRewrite =
+            CompareImages(stDevice, stImage, stNow.Home().vecAfter,
+                          [](const FIELD_ID_S &stField) { return stField.enArea == Area::MultiRecord; });
     }
     return stPlan;
 }

@@ -10,9 +10,6 @@
 
 namespace {
 
-constexpr size_t RESPONSE_MAX = 2U; // completion code and count
-constexpr size_t HEADER_LEN = 3U;   // device ID and offset
-
 // The device that the request names; nothing when the controller has none of that ID, or no devices at all.
 std::optional<DEVICE_S> FindDevice(const CONTROLLER_S &stController, u8 ucDeviceID)
 {
@@ -36,8 +33,8 @@ void Patch(std::optional<PART_S> &optPart, const std::vector<u8> &vecRequest)
     }
     optPart->vecAfter = *optPart->optBefore;
     const size_t uiOffset = vecRequest[1] | static_cast<size_t>(vecRequest[2]) << 8U;
-    if (uiOffset + vecRequest.size() - HEADER_LEN <= optPart->vecAfter.size()) {
-        std::copy(vecRequest.begin() + HEADER_LEN, vecRequest.end(),
+    if (uiOffset + vecRequest.size() - FRU_WRITE_REQ_HEADER_LEN <= optPart->vecAfter.size()) {
+        std::copy(vecRequest.begin() + FRU_WRITE_REQ_HEADER_LEN, vecRequest.end(),
                   optPart->vecAfter.begin() + static_cast<std::ptrdiff_t>(uiOffset));
     }
 }
@@ -46,7 +43,7 @@ void Patch(std::optional<PART_S> &optPart, const std::vector<u8> &vecRequest)
 
 RAW_ANSWER_S WriteRaw(const CONTROLLER_S &stController, const std::vector<u8> &vecRequest)
 {
-    RAW_ANSWER_S stAnswer = {std::vector<u8>(RESPONSE_MAX), ""};
+    RAW_ANSWER_S stAnswer = {std::vector<u8>(FRU_WRITE_RES_LEN), ""};
     const auto fnWrite = [&] {
         stAnswer.vecResponse.resize(LIB_FRU_WriteFRUData(
             vecRequest.data(), static_cast<u32>(vecRequest.size()), stAnswer.vecResponse.data()));

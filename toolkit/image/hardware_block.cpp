@@ -7,6 +7,7 @@
 #include "lib_fru.h"
 #include "toolkit/base/error.h"
 #include "toolkit/base/text.h"
+#include "toolkit/image/erased.h"
 #include "toolkit/image/fields.h"
 
 namespace {
@@ -59,7 +60,7 @@ std::vector<u8> HardwareBlockBytes(const FRU_HW_DATA_S &stData, const HardwareLa
 bool IsHardwareBlock(const std::vector<u8> &vecImage, size_t uiStored)
 {
     const bool bErased =
-        std::all_of(vecImage.begin(), vecImage.end(), [](u8 ucByte) { return ucByte == 0xFFU; });
+        std::all_of(vecImage.begin(), vecImage.end(), [](u8 ucByte) { return ucByte == ERASED; });
     return uiStored == FRU_HW_DATA_LEN && !bErased &&
            FRU_ANALYZER_CheckValidHeader(vecImage.data()) != FRU_OK;
 }

@@ -2,6 +2,7 @@
 
 #include "toolkit/base/error.h"
 #include "toolkit/base/text.h"
+#include "toolkit/image/erased.h"
 #include "toolkit/image/fields.h"
 #include "toolkit/image/image_file.h"
 
@@ -49,7 +50,7 @@ std::optional<size_t> FirstDifference(const IMAGE_S &stLeft, const IMAGE_S &stRi
 IMAGE_S FileImage(std::vector<u8> vecBytes)
 {
     const size_t uiStored = vecBytes.size();
-    vecBytes.resize(uiStored + FILE_PADDING, 0xFFU);
+    vecBytes.resize(uiStored + FILE_PADDING, ERASED);
     return {Source::File, std::move(vecBytes), uiStored};
 }
 

@@ -5,6 +5,7 @@
 #include "toolkit/base/error.h"
 #include "toolkit/base/file.h"
 #include "toolkit/base/text.h"
+#include "toolkit/image/erased.h"
 
 namespace {
 
@@ -51,7 +52,7 @@ void TakeOffset(const std::string &strWord, const std::string &strWhere, std::ve
              Format("offset 0x%x lies behind the bytes before it, which end at 0x%zx; offsets only grow",
                     *optOffset, vecBytes.size()));
     }
-    vecBytes.resize(*optOffset, 0xFFU); // a gap is erased EEPROM
+    vecBytes.resize(*optOffset, ERASED); // a gap is erased EEPROM
 }
 
 } // namespace

@@ -5,6 +5,7 @@
 #include "lib_fru.h"
 #include "toolkit/base/text.h"
 #include "toolkit/image/checksum.h"
+#include "toolkit/image/erased.h"
 #include "toolkit/image/hardware_block.h"
 #include "toolkit/image/multirecord.h"
 #include "toolkit/image/names.h"
@@ -390,7 +391,7 @@ IMAGE_LAYOUT_S Walker::Walk()
         return stLeft.uiOffset < stRight.uiOffset;
     };
     m_stLayout.bErased =
-        std::all_of(m_vecImage.begin(), m_vecImage.end(), [](u8 ucByte) { return ucByte == 0xFFU; });
+        std::all_of(m_vecImage.begin(), m_vecImage.end(), [](u8 ucByte) { return ucByte == ERASED; });
     if (m_stLayout.bErased) {
         Finding(0U, Area::Header, "erased: every byte is 0xff");
     } else if (Header()) {

@@ -46,17 +46,17 @@ std::string MfgDateText(const u8 *pucMfgDate)
 const char *CompletionCodeName(u8 ucCode)
 {
     switch (ucCode) {
-    case 0x00:
+    case FRU_CC_OK:
         return "success";
-    case 0x81:
+    case FRU_CC_ACCESS_FAILED:
         return "the device could not be accessed";
-    case 0xC7:
+    case FRU_CC_REQUEST_LENGTH:
         return "request length invalid: no data to write";
-    case 0xC9:
+    case FRU_CC_COUNT_EXCEEDS:
         return "the count reaches beyond the end of the FRU";
-    case 0xCB:
+    case FRU_CC_NOT_PRESENT:
         return "no such FRU device, or its cached image cannot be read";
-    case 0xCC:
+    case FRU_CC_OFFSET_EXCEEDS:
         return "the offset lies at or beyond the end of the FRU";
     default:
         return "not a code that these commands give";

@@ -87,8 +87,7 @@ class Change : public testing::Test
 
     CHANGE_S Plan(const Record &stRecord) const
     {
-        return PlanRecord(m_stDevice, "the new text", stRecord,
-                          ReadSource(m_stDevice, Source::Eeprom).vecBytes);
+        return PlanRecord(m_stDevice, "the new text", stRecord, PlanNothing(m_stDevice));
     }
 
     std::string Refusal(const Record &stRecord) const
@@ -118,6 +117,22 @@ TEST_F(Change, ARecordsImageGoesOverTheEepromAndOverZerosInTheCache)
     EXPECT_EQ(stChange.optCache->vecAfter.size(), size_t{SIZE});
     // Nothing is written by planning.
     EXPECT_EQ(ReadSource(m_stDevice, Source::Eeprom).vecBytes, std::vector<u8>(SIZE, 0xFFU));
+}
+
+TEST_F(Change, AStepBeginsWhereTheOneBeforeItEnds)
+{
+    Record stLong;
+    Fill(stLong, std::string(40U, 'v'));
+    Record stShort;
+    Fill(stShort, "v");
+    const CHANGE_S stFirst = Plan(stLong);
+    const CHANGE_S stSecond = PlanRecord(m_stDevice, "the new text", stShort, stFirst);
+    EXPECT_EQ(stSecond.optEeprom->optBefore, stFirst.optEeprom->vecAfter);
+    EXPECT_EQ(stSecond.optCache->optBefore, stFirst.optCache->vecAfter);
+    EXPECT_LT(stSecond.uiWritten, stFirst.uiWritten);
+    // What the longer image left behind the shorter one stays in the EEPROM.
+    EXPECT_EQ(stSecond.optEeprom->vecAfter[stFirst.uiWritten - 1U],
+              stFirst.optEeprom->vecAfter[stFirst.uiWritten - 1U]);
 }
 
 TEST_F(Change, AWriteThatKeepsItsPlanIsGood)
@@ -190,8 +205,7 @@ TEST_F(Change, ADeviceWithoutEepromHasItsHomeInTheCache)
     m_stDevice.stInfo.ucDatabaseOnly = 1U;
     Record stRecord;
     Fill(stRecord, "1.0");
-    const CHANGE_S stChange =
-        PlanRecord(m_stDevice, "the new text", stRecord, ReadSource(m_stDevice, Source::Cache).vecBytes);
+    const CHANGE_S stChange = PlanRecord(m_stDevice, "the new text", stRecord, PlanNothing(m_stDevice));
     EXPECT_FALSE(stChange.optEeprom.has_value());
     EXPECT_EQ(&stChange.Home(), &*stChange.optCache);
 }

@@ -17,7 +17,7 @@
 namespace {
 
 // The largest response: completion code, count and 255 bytes.
-constexpr size_t RESPONSE_MAX = 257U;
+constexpr size_t RESPONSE_MAX = FRU_READ_RES_HEADER_LEN + FRU_READ_COUNT_MAX;
 
 // Data bytes of one write request; the answer tells their number in one byte.
 constexpr size_t WRITE_MAX = 255U;
@@ -68,7 +68,7 @@ void RunInfo(const SESSION_S &stSession, const TARGET_OPTIONS_S &stOptions)
 void RunRead(const SESSION_S &stSession, const RAW_READ_S &stOptions)
 {
     const u32 uiOffset = NumberOption("--offset", stOptions.strOffset, 0xFFFFU);
-    const u32 uiCount = NumberOption("--count", stOptions.strCount, 0xFFU);
+    const u32 uiCount = NumberOption("--count", stOptions.strCount, FRU_READ_COUNT_MAX);
     const std::vector<u8> vecRequest = {ResolveDeviceID(stSession, stOptions.stTarget),
                                         static_cast<u8>(uiOffset), static_cast<u8>(uiOffset >> 8U),
                                         static_cast<u8>(uiCount)};
@@ -82,11 +82,11 @@ void RunWrite(const SESSION_S &stSession, const RAW_WRITE_S &stOptions)
 {
     const u32 uiOffset = NumberOption("--offset", stOptions.strOffset, 0xFFFFU);
     const std::vector<u8> vecData = HexOption(Join(stOptions.vecBytes, ""));
-    std::vector<u8> vecRequest(vecData.size() + 3U);
+    std::vector<u8> vecRequest(vecData.size() + FRU_WRITE_REQ_HEADER_LEN);
     vecRequest[0] = ResolveDeviceID(stSession, stOptions.stTarget);
     vecRequest[1] = static_cast<u8>(uiOffset);
     vecRequest[2] = static_cast<u8>(uiOffset >> 8U);
-    std::copy(vecData.begin(), vecData.end(), vecRequest.begin() + 3);
+    std::copy(vecData.begin(), vecData.end(), vecRequest.begin() + FRU_WRITE_REQ_HEADER_LEN);
     const RootLock stLock(stSession);
     const RAW_ANSWER_S stAnswer = WriteRaw(stSession, vecRequest);
     ReportExchange(stSession, "Write FRU Data", vecRequest, stAnswer.vecResponse, stAnswer.strHint);

@@ -16,7 +16,8 @@ struct FAULT_S
     u8 ucStatusBit; // of a device's cache status
     const char *pcKey;
 };
-constexpr FAULT_S FAULTS[] = {{0x20U, FRU_CACHE_FAULT_1, "bit 5"}, {0x04U, FRU_CACHE_FAULT_2, "bit 2"}};
+constexpr FAULT_S FAULTS[] = {{FRU_TEST_RESULT_FAULT_1, FRU_CACHE_FAULT_1, "bit 5"},
+                              {FRU_TEST_RESULT_FAULT_2, FRU_CACHE_FAULT_2, "bit 2"}};
 
 // The devices whose cache status carries the mark; one that cannot be read carries none.
 std::vector<std::string> Marked(const SESSION_S &stSession, u8 ucStatusBit)
