@@ -32,7 +32,7 @@ std::vector<u8> ReadFileBytes(const files::PLACE_S &stPlace)
     if (iError == EFBIG) {
         Fail("cannot read " + EscapeText(stPlace.Text()) + ": larger than 1 MiB, which no FRU image is");
     }
-    Require(iError, "read", stPlace);
+    Require(iError == EISDIR ? EINVAL : iError, "read", stPlace); // whatever it is, it is no file
     return {strContent.begin(), strContent.end()};
 }
 
