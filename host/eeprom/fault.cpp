@@ -37,7 +37,7 @@ std::string NextWord(std::string *pstrText)
     constexpr char acBlank[] = " \t\r\n";
     const size_t uiBegin = std::min(pstrText->find_first_not_of(acBlank), pstrText->size());
     const size_t uiEnd = std::min(pstrText->find_first_of(acBlank, uiBegin), pstrText->size());
-    const std::string strWord = pstrText->substr(uiBegin, uiEnd - uiBegin);
+    std::string strWord = pstrText->substr(uiBegin, uiEnd - uiBegin);
     pstrText->erase(0U, uiEnd);
     return strWord;
 }

@@ -318,7 +318,7 @@ int OpenAt(SPOT_S *pstSpot, int iFlags, Links enLinks, Fd *pstFd, struct stat *p
             *pstFd = Fd(RetryOpen(pstSpot->stDirectory.Get(), pstSpot->strName.c_str(), iBare));
         }
     }
-    struct stat stStat;
+    struct stat stStat = {};
     int iError = *pstFd ? CheckRegular(*pstSpot, pstFd->Get(), bWrite, &stStat) : errno;
     if (iError == 0 && (iFlags & O_TRUNC) != 0 && stStat.st_size != 0 && ftruncate(pstFd->Get(), 0) != 0) {
         iError = errno;

@@ -153,8 +153,11 @@ struct METHOD_S
     u32 (*pfnServe)(const CALL_S &stCall);
 };
 constexpr METHOD_S g_astMethods[] = {
-    {29, 3, 0, FeatureList},          {29, 4, g_uiFeatureLen, FeatureUpdate}, {29, 5, 0, OemNotice},
-    {630, 0, g_uiEventLen, FruEvent}, {636, 0, g_uiDeviceLen, DeviceChanged},
+    {MRPC_SERVICE_FRU_FEATURE, MRPC_METHOD_FEATURE_LIST, 0, FeatureList},
+    {MRPC_SERVICE_FRU_FEATURE, MRPC_METHOD_FEATURE_UPDATE, g_uiFeatureLen, FeatureUpdate},
+    {MRPC_SERVICE_FRU_FEATURE, MRPC_METHOD_FRU_WRITTEN, 0, OemNotice},
+    {MRPC_SERVICE_FRU_EVENT, MRPC_METHOD_FRU_EVENT, g_uiEventLen, FruEvent},
+    {MRPC_SERVICE_FRU_CHANGED, MRPC_METHOD_FRU_CHANGED, g_uiDeviceLen, DeviceChanged},
 };
 
 } // namespace

@@ -131,7 +131,7 @@ const char *FRU_NameOfLabel(const FRU_LABEL_S &stLabel)
 
 // Only the rows of such setters are left of this when it is compiled.
 #define FRU_OR_STORED(uiID, pcName, uiMin, uiMax, ucNone, eRule, ucSpecial, stTarget, pfnRow)                \
-    || (KeepsNothing(stTarget) && pfnSetLabel == pfnRow)
+    || (KeepsNothing(stTarget) && pfnSetLabel == (pfnRow))
 #define FRU_OR_NOTHING(...)
 bool FRU_SetterKeepsNothing(FRU_SETTER pfnSetLabel)
 {

@@ -2,6 +2,7 @@
 #ifndef IPMI_SIM_CODES_H
 #define IPMI_SIM_CODES_H
 
+#include "lib_fru_ipmi.h"
 #include "lib_fru_types.h"
 
 constexpr u8 IPMI_NETFN_APP = 0x06U;
@@ -21,15 +22,15 @@ constexpr u8 IPMI_CMD_CLEAR_SDR_REPOSITORY = 0x27U;
 constexpr u8 IPMI_CMD_GET_SDR_REPOSITORY_TIME = 0x28U;
 constexpr u8 IPMI_CMD_SET_SDR_REPOSITORY_TIME = 0x29U;
 
-constexpr u8 IPMI_CC_OK = 0x00U;
+constexpr u8 IPMI_CC_OK = FRU_CC_OK;
 constexpr u8 IPMI_CC_NODE_BUSY = 0xC0U;
 constexpr u8 IPMI_CC_INVALID_COMMAND = 0xC1U;
 constexpr u8 IPMI_CC_RESERVATION = 0xC5U;
-constexpr u8 IPMI_CC_REQUEST_LENGTH = 0xC7U;
+constexpr u8 IPMI_CC_REQUEST_LENGTH = FRU_CC_REQUEST_LENGTH;
 constexpr u8 IPMI_CC_REQUEST_FIELD_LIMIT = 0xC8U;
-constexpr u8 IPMI_CC_OUT_OF_RANGE = 0xC9U;
+constexpr u8 IPMI_CC_OUT_OF_RANGE = FRU_CC_COUNT_EXCEEDS;
 constexpr u8 IPMI_CC_CANNOT_RETURN_COUNT = 0xCAU;
-constexpr u8 IPMI_CC_NOT_PRESENT = 0xCBU;
+constexpr u8 IPMI_CC_NOT_PRESENT = FRU_CC_NOT_PRESENT;
 constexpr u8 IPMI_CC_PRIVILEGE = 0xD4U;
 
 #endif
