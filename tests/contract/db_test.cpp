@@ -1,6 +1,6 @@
 // Database: what one process sees.
 #include <algorithm>
-#include <chrono>
+#include <ctime>
 #include <thread>
 #include <utility>
 
@@ -164,12 +164,12 @@ TEST_F(Database, ServesThreadsAtOnce)
 
 TEST_F(Database, OpeningAgainIsCheap)
 {
-    const auto begin = std::chrono::steady_clock::now();
+    const std::clock_t iBegin = std::clock(); // of this process: a busy machine does not count
     for (u32 i = 0; i < 2000U; ++i) {
         ASSERT_EQ(DB_Open(), m_pDb);
     }
-    const std::chrono::duration<double> passed = std::chrono::steady_clock::now() - begin;
-    EXPECT_LT(passed.count(), 2.0); // a real opening each time would take far longer
+    const double dSeconds = static_cast<double>(std::clock() - iBegin) / CLOCKS_PER_SEC;
+    EXPECT_LT(dSeconds, 2.0); // a real opening each time would take far longer
 }
 
 class DatabasePlace : public controller::ContractTest
