@@ -27,7 +27,9 @@
 // Reports a null pointer under the name that callers know; the second form names the function
 // that they called.
 #define FRU_LOG_NULL(pcName) FRU_LOG_NULL_IN(pcName, __func__)
-#define FRU_LOG_NULL_IN(pcName, pcFunction) FRU_ReportNull((pcName), FRU_DIAG_FILE, (pcFunction), __LINE__)
+#define FRU_LOG_NULL_IN(pcName, pcFunction)                                                                  \
+    FRU_ReportNull(FRU_NULL_FORMAT(pcName), FRU_DIAG_FILE, (pcFunction), __LINE__)
+#define FRU_NULL_FORMAT(pcName) "Pointer " pcName " is Null, File:%s Func:%s Line:%d"
 
 // The frame's first step: a null pointer is reported under its own name and the function returns uiCode, or
 // just returns. The second form names the function that callers called.
@@ -47,8 +49,8 @@
         }                                                                                                    \
     } while (0)
 
-// The report behind FRU_LOG_NULL; out of line, for there are many of them. pcName is the library's own.
-void FRU_ReportNull(const char *pcName, const char *pcFile, const char *pcFunction, u32 uiLine);
+// The report behind FRU_LOG_NULL; out of line, for there are many of them. pcFormat is a FRU_NULL_FORMAT.
+void FRU_ReportNull(const char *pcFormat, const char *pcFile, const char *pcFunction, u32 uiLine);
 
 // How many arguments a format takes, all of them numbers; one that asks for anything else, such as a text,
 // takes more than anybody has. What tables of texts are checked with where they stand.

@@ -19,7 +19,7 @@ struct TEXT_ROW_S
 {
     u8 ucSlot;
     FRU_FIELD_ID eField;
-    const char *pcNullName;
+    const char *pcNullFormat;
 };
 
 struct ASSEMBLED_AREA_S
@@ -31,7 +31,7 @@ struct ASSEMBLED_AREA_S
     u8 ucTexts;
     TEXT_ROW_S astText[g_uiMaxTexts];
     FRU_FIELD_ID eFileID;
-    const char *pcFileIDNullName;
+    const char *pcFileIDNullFormat;
 };
 
 constexpr ASSEMBLED_AREA_S g_stBoardArea = {
@@ -41,13 +41,17 @@ constexpr ASSEMBLED_AREA_S g_stBoardArea = {
     FRU_ASSEMBLE_BOARD_PART_NUMBER,
     4,
     {
-        {FRU_ASSEMBLE_BOARD_MANUFACTURER, FRU_FIELD_BOARD_MANUFACTURER, "pstBoardInfo->pucBoardMfr"},
-        {FRU_ASSEMBLE_BOARD_PART_NUMBER, FRU_FIELD_BOARD_PART, "pstBoardInfo->pucBoardPartNum"},
-        {FRU_ASSEMBLE_BOARD_PRODUCT_NAME, FRU_FIELD_BOARD_NAME, "pstBoardInfo->pucBoardProductName"},
-        {FRU_ASSEMBLE_BOARD_SERIAL_NUMBER, FRU_FIELD_BOARD_SERIAL, "pstBoardInfo->pucBoardSerialNum"},
+        {FRU_ASSEMBLE_BOARD_MANUFACTURER, FRU_FIELD_BOARD_MANUFACTURER,
+         FRU_NULL_FORMAT("pstBoardInfo->pucBoardMfr")},
+        {FRU_ASSEMBLE_BOARD_PART_NUMBER, FRU_FIELD_BOARD_PART,
+         FRU_NULL_FORMAT("pstBoardInfo->pucBoardPartNum")},
+        {FRU_ASSEMBLE_BOARD_PRODUCT_NAME, FRU_FIELD_BOARD_NAME,
+         FRU_NULL_FORMAT("pstBoardInfo->pucBoardProductName")},
+        {FRU_ASSEMBLE_BOARD_SERIAL_NUMBER, FRU_FIELD_BOARD_SERIAL,
+         FRU_NULL_FORMAT("pstBoardInfo->pucBoardSerialNum")},
     },
     FRU_FIELD_BOARD_FILE_ID,
-    "pstBoardInfo->pucFRUFileID",
+    FRU_NULL_FORMAT("pstBoardInfo->pucFRUFileID"),
 };
 
 constexpr ASSEMBLED_AREA_S g_stProductArea = {
@@ -57,15 +61,21 @@ constexpr ASSEMBLED_AREA_S g_stProductArea = {
     FRU_ASSEMBLE_PRODUCT_ASSET_TAG,
     6,
     {
-        {FRU_ASSEMBLE_PRODUCT_MANUFACTURER, FRU_FIELD_PRODUCT_MANUFACTURER, "pstProductInfo->pucMfrName"},
-        {FRU_ASSEMBLE_PRODUCT_NAME, FRU_FIELD_PRODUCT_NAME, "pstProductInfo->pucProductName"},
-        {FRU_ASSEMBLE_PRODUCT_PART_NUMBER, FRU_FIELD_PRODUCT_PART, "pstProductInfo->pucProductPartNum"},
-        {FRU_ASSEMBLE_PRODUCT_VERSION, FRU_FIELD_PRODUCT_VERSION, "pstProductInfo->pucProductVersion"},
-        {FRU_ASSEMBLE_PRODUCT_ASSET_TAG, FRU_FIELD_PRODUCT_ASSET_TAG, "pstProductInfo->pucAssetTag"},
-        {FRU_ASSEMBLE_PRODUCT_SERIAL_NUMBER, FRU_FIELD_PRODUCT_SERIAL, "pstProductInfo->pucProductSerialNum"},
+        {FRU_ASSEMBLE_PRODUCT_MANUFACTURER, FRU_FIELD_PRODUCT_MANUFACTURER,
+         FRU_NULL_FORMAT("pstProductInfo->pucMfrName")},
+        {FRU_ASSEMBLE_PRODUCT_NAME, FRU_FIELD_PRODUCT_NAME,
+         FRU_NULL_FORMAT("pstProductInfo->pucProductName")},
+        {FRU_ASSEMBLE_PRODUCT_PART_NUMBER, FRU_FIELD_PRODUCT_PART,
+         FRU_NULL_FORMAT("pstProductInfo->pucProductPartNum")},
+        {FRU_ASSEMBLE_PRODUCT_VERSION, FRU_FIELD_PRODUCT_VERSION,
+         FRU_NULL_FORMAT("pstProductInfo->pucProductVersion")},
+        {FRU_ASSEMBLE_PRODUCT_ASSET_TAG, FRU_FIELD_PRODUCT_ASSET_TAG,
+         FRU_NULL_FORMAT("pstProductInfo->pucAssetTag")},
+        {FRU_ASSEMBLE_PRODUCT_SERIAL_NUMBER, FRU_FIELD_PRODUCT_SERIAL,
+         FRU_NULL_FORMAT("pstProductInfo->pucProductSerialNum")},
     },
     FRU_FIELD_PRODUCT_FILE_ID,
-    "pstProductInfo->pucFRUFileID",
+    FRU_NULL_FORMAT("pstProductInfo->pucFRUFileID"),
 };
 
 bool IsNeeded(const ASSEMBLED_AREA_S &stArea, const FRU_ASSEMBLE_LABEL_S *pstFRULabel)
@@ -86,12 +96,12 @@ u8 SizeOfText(const char *pcSlot)
 }
 
 // A new buffer as the field's text; null was reported.
-bool AllocateInto(FRU_DATA_S *pstFRUData, FRU_FIELD_ID eField, u32 uiSize, const char *pcNullName,
+bool AllocateInto(FRU_DATA_S *pstFRUData, FRU_FIELD_ID eField, u32 uiSize, const char *pcNullFormat,
                   const char *pcFunction)
 {
     u8 *pucText = static_cast<u8 *>(FRU_CALLOC_IN(1U, uiSize, pcFunction));
     if (pucText == nullptr) {
-        FRU_LOG_NULL_IN(pcNullName, pcFunction);
+        FRU_ReportNull(pcNullFormat, FRU_DIAG_FILE, pcFunction, __LINE__);
         return false;
     }
     FRU_StoreFieldText(pstFRUData, eField, pucText);
@@ -109,12 +119,12 @@ bool FillTexts(const ASSEMBLED_AREA_S &stArea, const FRU_ASSEMBLE_LABEL_S *pstFR
     for (u32 i = 0; i < stArea.ucTexts; ++i) {
         const TEXT_ROW_S &stRow = stArea.astText[i];
         if (!AllocateInto(pstFRUData, stRow.eField, *FRU_FieldSize(pstFRUData, stRow.eField),
-                          stRow.pcNullName, stArea.pcFunction)) {
+                          stRow.pcNullFormat, stArea.pcFunction)) {
             return false;
         }
     }
     // Its size byte stays 0.
-    if (!AllocateInto(pstFRUData, stArea.eFileID, 1U, stArea.pcFileIDNullName, stArea.pcFunction)) {
+    if (!AllocateInto(pstFRUData, stArea.eFileID, 1U, stArea.pcFileIDNullFormat, stArea.pcFunction)) {
         return false;
     }
     for (u32 i = 0; i < stArea.ucTexts; ++i) {
