@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What retrieving a 2 KiB device costs, from the cache and from the EEPROM.
 #include <benchmark/benchmark.h>
 

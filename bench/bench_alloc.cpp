@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Counts what the library allocates (linked with --wrap).
 #include "bench_alloc.h"
 

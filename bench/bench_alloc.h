@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the library has allocated so far.
 #ifndef BENCH_ALLOC_H
 #define BENCH_ALLOC_H

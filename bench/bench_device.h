@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The device that the benchmarks work on.
 #ifndef BENCH_DEVICE_H
 #define BENCH_DEVICE_H

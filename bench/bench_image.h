@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The image that the benchmarks work on: all areas, seven MultiRecords, texts of everyday length.
 #ifndef BENCH_IMAGE_H
 #define BENCH_IMAGE_H

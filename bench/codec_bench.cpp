@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What decoding and encoding cost. Decoding stands beside its floor: every image byte summed once, one malloc
 // and one free for every buffer that the decoder makes.
 #include <algorithm>

@@ -1,4 +1,5 @@
 #!/usr/bin/python3
+# SPDX-License-Identifier: Apache-2.0
 """Decodes one image with this library and with an independent decoder, in turn, and prints how they compare.
 
 The image is the example's baseboard. The other decoder is Debian's python3-pyipmi; what it costs is mostly Python, and

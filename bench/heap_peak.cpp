@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Prints the peak of the heap, in bytes, that writing one label on a device of 2 KiB takes.
 #include <cstddef>
 #include <cstdio>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What editing one label of a 2 KiB device costs, and what checking a value costs.
 #include <cstring>
 

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # One place for the flags that every target of the project is built with.
 add_library(bmcfru_warnings INTERFACE)
 target_compile_options(bmcfru_warnings INTERFACE -Wall -Wextra -Wconversion -Wshadow -Werror)

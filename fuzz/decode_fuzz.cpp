@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Fuzzes the decoder, and whatever takes a decoded record. The first input byte says how, the rest is
 // the image: bit 0 lets every zero checksum pass, bit 1 asks for fixed custom-field slots, bit 2 repairs
 // the common header.

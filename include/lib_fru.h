@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /*
  * libbmcfru: a server's FRU inventory, for management controllers. The whole public interface.
  *

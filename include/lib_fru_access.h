@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /*
  * libbmcfru, access: device table, device I/O, retrieval, array write and clear.
  *

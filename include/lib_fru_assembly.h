@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /* libbmcfru, assembly: an image from label texts. */
 #ifndef LIB_FRU_ASSEMBLY_H
 #define LIB_FRU_ASSEMBLY_H

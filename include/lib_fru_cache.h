@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /*
  * libbmcfru, cache: the records kept in the controller's database.
  *

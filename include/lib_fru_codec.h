@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /*
  * libbmcfru, codec: image bytes <-> decoded record, hardware block, custom fields.
  *

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /* libbmcfru, dates: the board's manufacturing date, three bytes <-> text. */
 #ifndef LIB_FRU_DATES_H
 #define LIB_FRU_DATES_H

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /* libbmcfru, diagnostics: dumps and test result, for engineers and their tools. */
 #ifndef LIB_FRU_DIAGNOSTICS_H
 #define LIB_FRU_DIAGNOSTICS_H

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /* libbmcfru, events: what the controller is told of its FRUs. */
 #ifndef LIB_FRU_EVENTS_H
 #define LIB_FRU_EVENTS_H

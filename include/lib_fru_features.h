@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /* libbmcfru, features: the controller's feature service. */
 #ifndef LIB_FRU_FEATURES_H
 #define LIB_FRU_FEATURES_H

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /* libbmcfru, hardware: hardware FRU block on devices, serial numbers. */
 #ifndef LIB_FRU_HARDWARE_H
 #define LIB_FRU_HARDWARE_H

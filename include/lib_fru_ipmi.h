@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /*
  * libbmcfru, IPMI: the handlers of the three FRU inventory commands.
  *

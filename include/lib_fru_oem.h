@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /* libbmcfru, oem: OEM configuration. */
 #ifndef LIB_FRU_OEM_H
 #define LIB_FRU_OEM_H

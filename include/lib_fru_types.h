@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /*
  * Structures and status codes of libbmcfru. C99 and C++17; needs only <stdint.h> and <stddef.h>.
  *

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /* Platform: the integer names that all contract headers use. */
 #ifndef BMC_TYPES_H
 #define BMC_TYPES_H

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /*
  * A controller's IPMI service, cut down to its FRU commands: it takes requests from a transport, sees to it
  * that each is as long as its command, hands it to libbmcfru and carries the response back.

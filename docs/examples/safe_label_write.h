@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /*
  * Label writes that no power cut and no kill leaves half done: LIB_FRU_WriteElectronicLabel() between an
  * entry in a journal of your own and its removal, and a repair at start. docs/interrupted-writes.md tells why

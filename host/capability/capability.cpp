@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Capabilities and the OEM flag, from conf/capability.ini: [object] name = text.
 #include <cerrno>
 

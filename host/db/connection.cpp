@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The connection: opening, noticing that other files lie there now, reading and writing records.
 #include "db/connection.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // This process's one connection to the database file.
 //
 // SQLite's locks belong to the process and fall with any descriptor of the file that it closes: nobody else

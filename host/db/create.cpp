@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A new database file takes its name when it is whole and on the disk.
 #include "db/create.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A new database file.
 #ifndef BMCHOST_DB_CREATE_H
 #define BMCHOST_DB_CREATE_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The database's calls: SQLite in the root, one connection for each process.
 #include <algorithm>
 #include <chrono>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Why a call of the database failed, in words and for programs.
 #include "db/fault.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Why a call of the database failed.
 #ifndef BMCHOST_DB_FAULT_H
 #define BMCHOST_DB_FAULT_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Records that were read, for as long as nobody has committed anything.
 //
 // One read of a FRU image asks for the same few records hundreds of times, and each question costs SQLite three

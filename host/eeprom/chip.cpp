@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Transfers with an image file: reads at once, writes page by page, as a chip takes them.
 #include "eeprom/chip.h"
 

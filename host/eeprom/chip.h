@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // One chip on the desk: an image file, whose length is the capacity and whose write bits are the
 // write-protect pin, and perhaps a file beside it with the fault that it is to show.
 #ifndef BMCHOST_EEPROM_CHIP_H

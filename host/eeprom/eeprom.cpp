@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // EEPROM access: which image file a chip is, and the calls.
 #include <algorithm>
 #include <atomic>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Faults on request: what a chip does that is not there, busy, on a hung bus, cut off or protected.
 #include <cerrno>
 #include <ctime>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Inside the room: a name in an open directory, which nobody can swap under us.
 #ifndef BMCFRU_FILES_DIRECTORY_H
 #define BMCFRU_FILES_DIRECTORY_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Files, for the platform and the tools: how they are opened, read, replaced and locked.
 //
 // The rules that everything here keeps:

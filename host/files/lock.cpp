@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Lock files: flock(2) on files that nobody else can open.
 #include <algorithm>
 #include <cerrno>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Finding and opening files.
 #include <algorithm>
 #include <cerrno>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Reading files whole, and putting new ones in their place.
 #include <cerrno>
 #include <ctime>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Hardware description: XML files with one element for each object, named after its class, below
 // the root element.
 //

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /*
  * libbmcfruhost: the platform on plain Linux. One directory, the root, is one controller; every path that a
  * controller knows lies below it. This header is what a program on the desk may say to it beyond the

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // INI bridge over libiniparser. A file is parsed once for each change of it, and its handles share what was
 // parsed until one of them sets a key. Parsing and looking up are the parser's own; saving is ours, because its
 // dump writes values without the quotes that it needs to read them again and drops keys that stand before

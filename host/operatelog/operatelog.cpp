@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Operation log: one JSON line for each entry.
 #include "bmc_operatelog.h"
 #include "support/host.h"

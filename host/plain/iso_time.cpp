@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Time as text. A file of its own, so that a test platform can tell a time of its own instead.
 #include <ctime>
 

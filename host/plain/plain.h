@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the platform's plain calls (text, sums, time) share. Nothing here needs a root, a file or a lock: the desk, the
 // test platforms, the benchmarks and the fuzzers link the same objects.
 #ifndef BMCHOST_PLAIN_PLAIN_H

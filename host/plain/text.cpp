@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Bounded text, and numbers in text.
 #include <cerrno>
 #include <cstdarg>

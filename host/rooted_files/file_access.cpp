@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The library's two file calls on the desk: the controller's root goes in front of the path.
 #include "common/file_access.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // RPC: the desk answers for the controller's other services by writing down what it was told.
 #include <cerrno>
 #include <cstdlib>

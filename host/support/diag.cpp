@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Diagnostic messages, and the locks that live through fork().
 #include <cerrno>
 #include <chrono>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The platform's file calls, below the root.
 #include <cerrno>
 #include <cstdio>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the platform's folders share: messages, the shield at the C boundary, locks, files below the root.
 #ifndef BMCHOST_SUPPORT_HOST_H
 #define BMCHOST_SUPPORT_HOST_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Journals below the root: one line for each entry, two files of limited length.
 #include <cerrno>
 #include <ctime>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // One line of a journal.
 #ifndef BMCHOST_SUPPORT_JSON_LINE_H
 #define BMCHOST_SUPPORT_JSON_LINE_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The root directory, and paths below it.
 #include <atomic>
 #include <cerrno>

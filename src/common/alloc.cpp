@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Serves all modules, so it has no file name of its own.
 #define FRU_DIAG_FILE ""
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Heap buffers: the guard against zero sizes, and owners that free by themselves.
 #ifndef FRU_COMMON_ALLOC_H
 #define FRU_COMMON_ALLOC_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Diagnostic messages. Include this through a module's private header, which says under which file
 // name it reports.
 #ifndef FRU_COMMON_DIAG_H

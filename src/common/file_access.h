@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The two calls with which the library itself touches the file system. A desk build links its own
 // version of file_access.cpp, which puts the controller's root directory in front of the path; paths
 // here are the controller's.

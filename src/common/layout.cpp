@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The sizes and offsets that other processes and the database rely on; nothing here is code.
 #include "lib_fru_types.h"
 

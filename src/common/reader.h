@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A reader over bytes that came from a device: it knows their end, and a read past it poisons it, so that a
 // decoder may ask once whether all went well. Poisoned reads give 0 or null.
 #ifndef FRU_COMMON_READER_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Texts in members of fixed size. They come from the database or from other processes, and one that fills its
 // member has no NUL.
 #ifndef FRU_COMMON_TEXT_H

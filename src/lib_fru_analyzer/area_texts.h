@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the codec says about fields and areas, one row each, letter for letter.
 #ifndef LIB_FRU_ANALYZER_AREA_TEXTS_H
 #define LIB_FRU_ANALYZER_AREA_TEXTS_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Chassis type codes and their texts, which are the values of the chassis type label, too.
 #include "lib_fru_analyzer/fields.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The custom fields of an info area, decoded.
 #ifndef LIB_FRU_ANALYZER_CUSTOM_LIST_H
 #define LIB_FRU_ANALYZER_CUSTOM_LIST_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Custom fields as texts for callers that show or export them.
 #include "lib_fru_analyzer/custom_text.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Custom fields joined into one text.
 #ifndef LIB_FRU_ANALYZER_CUSTOM_TEXT_H
 #define LIB_FRU_ANALYZER_CUSTOM_TEXT_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Record to image bytes.
 #include "lib_fru_analyzer/lib_fru_analyzer_module.h"
 

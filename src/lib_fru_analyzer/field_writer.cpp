@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "lib_fru_analyzer/field_writer.h"
 
 #include <cstring>

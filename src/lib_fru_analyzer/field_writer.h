@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Bounded writing of image bytes.
 #ifndef LIB_FRU_ANALYZER_FIELD_WRITER_H
 #define LIB_FRU_ANALYZER_FIELD_WRITER_H

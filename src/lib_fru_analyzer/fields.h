@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What a decoded record has and where: the one table of its fields, walked by decoder, encoder, release,
 // label setters, the empty product area and the assembly; and the chassis types. For the rooms above, too;
 // messages are each room's own.

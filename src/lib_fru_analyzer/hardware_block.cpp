@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The 32-byte hardware FRU block: two halves of 16 bytes, each behind its own CRC-8.
 #include "lib_fru_analyzer/lib_fru_analyzer_module.h"
 

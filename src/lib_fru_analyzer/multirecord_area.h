@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The MultiRecord area (IPMI Platform Management FRU Information Storage Definition, section 16), decoded.
 #ifndef LIB_FRU_ANALYZER_MULTIRECORD_AREA_H
 #define LIB_FRU_ANALYZER_MULTIRECORD_AREA_H

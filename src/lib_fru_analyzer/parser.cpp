@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Image bytes to record: common header, internal-use area, the three info areas.
 #include "lib_fru_analyzer/lib_fru_analyzer_module.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Type/length-coded fields (IPMI Platform Management FRU Information Storage Definition, section 13).
 #ifndef LIB_FRU_ANALYZER_TYPE_LENGTH_H
 #define LIB_FRU_ANALYZER_TYPE_LENGTH_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A FRU image from a block of label texts, into the cache.
 #include "lib_fru_assemble/lib_fru_assemble_module.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Private to lib_fru_assemble.
 #ifndef LIB_FRU_ASSEMBLE_MODULE_H
 #define LIB_FRU_ASSEMBLE_MODULE_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The thirteen cache records: each call opens the database, checks its pointer and makes one database call,
 // whose result it hands on unlogged; callers report it with what they know. The handle comes before the
 // pointer, so a call with both faults reports the handle alone. A null pointer is "out of range" here and

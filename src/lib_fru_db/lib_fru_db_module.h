@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Private to lib_fru_db.
 #ifndef LIB_FRU_DB_MODULE_H
 #define LIB_FRU_DB_MODULE_H

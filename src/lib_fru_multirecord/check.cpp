@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The validator of record lists, in memory and as raw area bytes.
 #include "lib_fru_multirecord/lib_fru_multirecord_module.h"
 

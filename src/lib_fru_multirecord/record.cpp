@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Single MultiRecords: built from a caller's value, copied into a FRU table.
 #include "lib_fru_multirecord/lib_fru_multirecord_module.h"
 

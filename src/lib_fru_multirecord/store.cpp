@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The store of queued MultiRecords. Nothing is printed and no message made while the mutex is held: either
 // may block for ever (a full pipe, a log that is stuck), and the mutex is waited for without a limit.
 #include "lib_fru_multirecord/store.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Private to lib_fru_multirecord: the door of the store of queued records.
 //
 // Two locks guard the store. The semaphore is waited for with a time limit and held through a whole update or

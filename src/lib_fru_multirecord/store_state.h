@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Private to store.cpp, and to the tests that look behind the store's door.
 #ifndef LIB_FRU_MULTIRECORD_STORE_STATE_H
 #define LIB_FRU_MULTIRECORD_STORE_STATE_H

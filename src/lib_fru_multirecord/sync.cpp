@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The merge of all queued records into the main FRU's MultiRecord table, and its write.
 #include "lib_fru_multirecord/lib_fru_multirecord_module.h"
 

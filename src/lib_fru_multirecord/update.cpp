@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // One record from another service into the store, then a merge of the whole store.
 #include "lib_fru_multirecord/lib_fru_multirecord_module.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The label catalogue: which labels there are, and which of them a device accepts.
 #include "lib_fru_write/catalogue.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Private to lib_fru_write: lookups in the exported label table, and what is known of a label beside it.
 #ifndef LIB_FRU_WRITE_CATALOGUE_H
 #define LIB_FRU_WRITE_CATALOGUE_H

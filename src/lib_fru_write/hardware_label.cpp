@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Writing the label "Hardware FRU Label": seven raw bytes of the hardware FRU block. Neither the value nor
 // the device's field flag is looked at, on purpose.
 #include <cstring>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The request block of the label writes: its bounded texts, its outputs, and the sentences for
 // the operation log.
 #include "lib_fru_write/label_block.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Private to lib_fru_write: what both label writes do with their request block.
 #ifndef LIB_FRU_WRITE_LABEL_BLOCK_H
 #define LIB_FRU_WRITE_LABEL_BLOCK_H

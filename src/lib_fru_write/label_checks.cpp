@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Which label names a device accepts, and which values a label accepts.
 #include <cstdlib>
 #include <cstring>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Private to lib_fru_write: everything about every label, one row each. The exported table, what the checks
 // know beside it, and the setters are made of these rows.
 #ifndef LIB_FRU_WRITE_LABEL_ROWS_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The steps of a label write: read the record, check the request, put the value in, write the record back.
 #include <cstring>
 

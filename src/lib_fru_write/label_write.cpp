@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Writing one electronic label: read the whole image, change one field, write the whole image back.
 #include <cstring>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Private to lib_fru_write: texts held against a POSIX extended regular expression. The label checks have
 // matchers of their own, which say the same at a thousandth of the cost; this is what they are compared with.
 #ifndef LIB_FRU_WRITE_REGULAR_EXPRESSION_H

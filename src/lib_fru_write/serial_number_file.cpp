@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The product serial number of component type 0, kept in a file of its own with a copy on the network share.
 #include <cerrno>
 #include <cstring>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The setters behind the catalogue: each stores one new value in one member of a decoded record. No checks of
 // the value and no I/O.
 #include <cstdlib>

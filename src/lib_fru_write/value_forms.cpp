@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Matchers by hand: a compiled expression would cost a thousand times as much, and ask the locale for digits.
 #include "lib_fru_write/value_forms.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Private to lib_fru_write: which texts are dates, numbers, addresses. ASCII alone counts, whatever the
 // caller's locale makes of other bytes.
 #ifndef LIB_FRU_WRITE_VALUE_FORMS_H

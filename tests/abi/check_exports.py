@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: Apache-2.0
 """Compare what libbmcfru exports and needs with what it promises.
 
 usage: check_exports.py NM READELF LIBRARY VERSION_SCRIPT INCLUDE_DIR [--sanitized]

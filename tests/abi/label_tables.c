@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /*
  * A program in C that links the label tables by name, as other processes of a controller do, and walks them
  * by the layout that it was once compiled with. Prints every row; any difference ends it with 1.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The controller that the contract tests run on. What a test must arrange beyond the platform's own
 // calls goes through here; a port brings its own adapter that defines these functions (desk/ is
 // that of libbmcfruhost).

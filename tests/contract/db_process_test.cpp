@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Database: many processes at once, and processes that are killed.
 #include <algorithm>
 #include <csignal>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Database: what one process sees.
 #include <algorithm>
 #include <ctime>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Support library: files and directories.
 #include <filesystem>
 #include <sys/stat.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Capability store, RPC and operation log.
 #include <cstring>
 

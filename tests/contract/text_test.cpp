@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Support library: messages, bounded text, checksums, time, OEM flag.
 #include <cerrno>
 #include <climits>

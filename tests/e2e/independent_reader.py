@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """Reads images with python3-pyipmi, which knows nothing of this system, and says what it sees.
 
 Run with Debian's own interpreter: independent_reader.py FILE ... prints a JSON array, an object for each file.

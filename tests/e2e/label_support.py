@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """What the tests of labels share."""
 from support import EVENTS, FructlTest, OPERATE_LOG
 

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """What the tests of fructl share: running it, and controllers to run it on."""
 import copy
 import json

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """A folder of real images, when there is one: the texts that are plain to read in them, and no contradictions."""
 import sys
 import unittest

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """The walk through that newcomers are shown."""
 import re
 import subprocess

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """fructl encode: the inverse of 'show --json', and readers of other makes see the same."""
 import random
 import unittest

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """fructl encode: the file that it makes."""
 import os
 import unittest

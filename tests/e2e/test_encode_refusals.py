@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """fructl encode: the documents that it refuses."""
 import copy
 import os

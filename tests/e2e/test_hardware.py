@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """fructl hw, sn and psn: hardware blocks and serial numbers; and hardware blocks among the FRU images."""
 import json
 import unittest

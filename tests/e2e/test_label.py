@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """fructl label list and get: what a device takes, and its values."""
 import unittest
 

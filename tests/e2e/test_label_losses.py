@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """fructl label set: what a new image would lose is not thrown away unasked."""
 import unittest
 

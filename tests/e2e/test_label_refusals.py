@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """fructl label set: every refusal, and that nothing is touched then."""
 import unittest
 

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """fructl label set: device, cache, files, log and event follow."""
 import os
 import pty

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """fructl label set on chips, caches and files that do not play along."""
 import unittest
 

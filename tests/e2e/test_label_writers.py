@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """fructl label set beside other writers and under signals."""
 import concurrent.futures
 import contextlib

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """fructl mr: MultiRecords listed and checked, and the byte order of GUIDs."""
 import unittest
 

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """fructl mr add: what it writes and what it leaves alone."""
 import fcntl
 import unittest

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """fructl provision: what it writes."""
 import contextlib
 import copy

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """The controller's own files that a description lays down."""
 import unittest
 

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """An image that would not decode to the same record again is refused before anything is written, whatever command makes it."""
 import unittest
 

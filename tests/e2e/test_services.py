@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """fructl clear, raw write, test-result, features, date and monitor."""
 import datetime
 import json

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """fructl list, show and map on the example's devices and on images made here."""
 import unittest
 

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """Help, exit codes, the one line of an error, where the controller lies, and who may write."""
 import fcntl
 import os

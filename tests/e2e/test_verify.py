@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """fructl verify: what is wrong, and at which byte; and fructl recover, which mends it."""
 import shutil
 import unittest

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A controller that can be cut short before, or in the middle of, every call that changes something lasting,
 // and started again from what was left: chip, database, journal and serial-number files.
 #ifndef TESTS_CUT_WORLD_H

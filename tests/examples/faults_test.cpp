@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The safe label write where something fails, where the chip is another one, and where there is nothing to
 // write.
 #include <cstring>

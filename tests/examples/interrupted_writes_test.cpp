@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What a cut leaves of a plain label write, and that the safe one leaves the old or the new image, wherever
 // it is cut and wherever its repair is cut.
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Label writes that the tests cut short, and what is to be there afterwards.
 #ifndef TESTS_LABEL_CASE_H
 #define TESTS_LABEL_CASE_H

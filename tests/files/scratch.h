@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A directory for one test, and work done by another user or process.
 #ifndef TESTS_FILES_SCRATCH_H
 #define TESTS_FILES_SCRATCH_H

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """What the IPMI tests share: images built byte by byte, controllers made with fructl, the service, and its clients."""
 import ctypes
 import json

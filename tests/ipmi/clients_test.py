@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """Unmodified IPMI clients against the service: what they show, read, write and edit."""
 import array
 import fcntl

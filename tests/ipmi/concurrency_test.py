@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """Several clients at once: an untouched device is always read whole, and so is each area of a device under a write, or its
 checksum shows that it is not. An image is read and written in many messages, and each area has a checksum of its own: a read
 that is overtaken exactly between two areas has whole areas of both images, which no checksum can show."""

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """The example of docs/ipmi-service.md against a controller: requests in, responses out."""
 import os
 import subprocess

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """What a client or the kernel may do to the service: malformed requests, sessions without a signature, SIGKILL."""
 import os
 import random

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """fructl serve as its user meets it: what it refuses, what it says, how it ends."""
 import os
 import shutil

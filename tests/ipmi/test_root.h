@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The root directory of these tests: a temporary one, under which the write lock lies.
 #ifndef TESTS_IPMI_TEST_ROOT_H
 #define TESTS_IPMI_TEST_ROOT_H

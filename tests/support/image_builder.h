@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // FRU images for tests, put together byte by byte and independently of the library.
 #ifndef TESTS_SUPPORT_IMAGE_BUILDER_H
 #define TESTS_SUPPORT_IMAGE_BUILDER_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What a write that stops halfway may leave behind.
 #ifndef TESTS_SUPPORT_MIXTURE_H
 #define TESTS_SUPPORT_MIXTURE_H

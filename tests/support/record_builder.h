@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Decoded records for tests, from a plain model and back, independently of the library's tables.
 #ifndef TESTS_SUPPORT_RECORD_BUILDER_H
 #define TESTS_SUPPORT_RECORD_BUILDER_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Updates, merges and destroys of the MultiRecord store on eight threads at once.
 #include <atomic>
 #include <chrono>

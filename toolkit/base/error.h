@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // How something fails: one line for people, and whether the one who asked or the controller was at fault.
 #ifndef TOOLKIT_BASE_ERROR_H
 #define TOOLKIT_BASE_ERROR_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Files read whole, and written whole or not at all.
 #ifndef TOOLKIT_BASE_FILE_H
 #define TOOLKIT_BASE_FILE_H

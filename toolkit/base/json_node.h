@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A value of a JSON description with the path that leads to it. Every accessor fails with that path and with
 // what would be accepted.
 #ifndef TOOLKIT_BASE_JSON_NODE_H

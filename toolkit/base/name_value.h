@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // NAME=VALUE arguments of commands that set several things at once.
 #ifndef TOOLKIT_BASE_NAME_VALUE_H
 #define TOOLKIT_BASE_NAME_VALUE_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Texts: formatting, hex, and making bytes that came from a device safe to print.
 #ifndef TOOLKIT_BASE_TEXT_H
 #define TOOLKIT_BASE_TEXT_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Would the controller be able to read a configuration file? Asked before anything is laid into it.
 #ifndef TOOLKIT_CONTROLLER_CONF_CHECK_H
 #define TOOLKIT_CONTROLLER_CONF_CHECK_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The controller that is worked on: one directory, the root, and who works there.
 #ifndef TOOLKIT_CONTROLLER_CONTROLLER_H
 #define TOOLKIT_CONTROLLER_CONTROLLER_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // FRU devices of the controller.
 #ifndef TOOLKIT_CONTROLLER_DEVICE_H
 #define TOOLKIT_CONTROLLER_DEVICE_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Devices and targets for programs.
 #ifndef TOOLKIT_CONTROLLER_DEVICE_JSON_H
 #define TOOLKIT_CONTROLLER_DEVICE_JSON_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the library and the platform report while they work.
 #ifndef TOOLKIT_CONTROLLER_DIAGNOSTICS_H
 #define TOOLKIT_CONTROLLER_DIAGNOSTICS_H

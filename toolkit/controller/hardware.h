@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Hardware blocks of devices and files.
 #ifndef TOOLKIT_CONTROLLER_HARDWARE_H
 #define TOOLKIT_CONTROLLER_HARDWARE_H

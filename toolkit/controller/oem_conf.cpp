@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "toolkit/controller/oem_conf.h"
 
 #define OEM_TEXT_ROW(pcKey, Member)                                                                          \

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The OEM configuration file.
 #ifndef TOOLKIT_CONTROLLER_OEM_CONF_H
 #define TOOLKIT_CONTROLLER_OEM_CONF_H

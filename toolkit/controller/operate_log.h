@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The controller's operation log: the library leaves a sentence for its caller, and fructl is the caller.
 #ifndef TOOLKIT_CONTROLLER_OPERATE_LOG_H
 #define TOOLKIT_CONTROLLER_OPERATE_LOG_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Making a controller from its description, as its FRU service would.
 #ifndef TOOLKIT_CONTROLLER_PROVISION_H
 #define TOOLKIT_CONTROLLER_PROVISION_H

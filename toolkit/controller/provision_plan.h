@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The description of a controller (controller.json), checked whole before anything is written.
 // examples/README.md tells what may stand in it.
 #ifndef TOOLKIT_CONTROLLER_PROVISION_PLAN_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // One writer at a time.
 #ifndef TOOLKIT_CONTROLLER_ROOT_LOCK_H
 #define TOOLKIT_CONTROLLER_ROOT_LOCK_H

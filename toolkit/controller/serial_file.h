@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The file that mirrors the product serial number of the main FRU, and its copy for the network services.
 #ifndef TOOLKIT_CONTROLLER_SERIAL_FILE_H
 #define TOOLKIT_CONTROLLER_SERIAL_FILE_H

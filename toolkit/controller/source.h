@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The one door to a device's images: what its EEPROM, its cached image or its stored image holds now.
 #ifndef TOOLKIT_CONTROLLER_SOURCE_H
 #define TOOLKIT_CONTROLLER_SOURCE_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // In what state a device's images are.
 #ifndef TOOLKIT_CONTROLLER_STATE_H
 #define TOOLKIT_CONTROLLER_STATE_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the user named: a device of the controller or an image file.
 #ifndef TOOLKIT_CONTROLLER_TARGET_H
 #define TOOLKIT_CONTROLLER_TARGET_H

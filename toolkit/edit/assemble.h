@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A whole image from texts, into the cache.
 #ifndef TOOLKIT_EDIT_ASSEMBLE_H
 #define TOOLKIT_EDIT_ASSEMBLE_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The one way in which a device's bytes are changed: what is to be there is worked out and checked first,
 // then the library's own call writes it, and what is there afterwards is compared.
 #ifndef TOOLKIT_EDIT_CHANGE_H

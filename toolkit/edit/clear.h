@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Erasing a device.
 #ifndef TOOLKIT_EDIT_CLEAR_H
 #define TOOLKIT_EDIT_CLEAR_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Image files made from records.
 #ifndef TOOLKIT_EDIT_ENCODE_H
 #define TOOLKIT_EDIT_ENCODE_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Writing what can be set in a hardware block.
 #ifndef TOOLKIT_EDIT_HARDWARE_LABEL_H
 #define TOOLKIT_EDIT_HARDWARE_LABEL_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Writing labels: first a plan, which touches nothing, then the library's own write of each label with a
 // check of what is in the device afterwards.
 #ifndef TOOLKIT_EDIT_LABEL_WRITE_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Electronic labels: the library's catalogue, where each label's field is, and why a name or value is
 // refused. Whether it is refused is the library's word alone.
 #ifndef TOOLKIT_EDIT_LABELS_H

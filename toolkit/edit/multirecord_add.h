@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Management Access records into the main FRU.
 #ifndef TOOLKIT_EDIT_MULTIRECORD_ADD_H
 #define TOOLKIT_EDIT_MULTIRECORD_ADD_H

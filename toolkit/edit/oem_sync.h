@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The main FRU's texts into the OEM configuration file.
 #ifndef TOOLKIT_EDIT_OEM_SYNC_H
 #define TOOLKIT_EDIT_OEM_SYNC_H

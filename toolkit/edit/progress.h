@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // How far the writing of a device is, told to whoever shows it.
 #ifndef TOOLKIT_EDIT_PROGRESS_H
 #define TOOLKIT_EDIT_PROGRESS_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The IPMI command Write FRU Data: bytes as they are, nothing is checked or computed anew.
 #ifndef TOOLKIT_EDIT_RAW_WRITE_H
 #define TOOLKIT_EDIT_RAW_WRITE_H

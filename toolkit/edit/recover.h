@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Restoring a device whose image has a damaged header from its stored image.
 #ifndef TOOLKIT_EDIT_RECOVER_H
 #define TOOLKIT_EDIT_RECOVER_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The library changes a field by writing the whole image anew. What that does to everything else in the image
 // is worked out here, before anything is written.
 #ifndef TOOLKIT_EDIT_REWRITE_H

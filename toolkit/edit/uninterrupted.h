@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A write that has begun is finished: an interrupt in its middle would leave half an image in an EEPROM.
 #ifndef TOOLKIT_EDIT_UNINTERRUPTED_H
 #define TOOLKIT_EDIT_UNINTERRUPTED_H

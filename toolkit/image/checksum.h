@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The sums that an image guards its areas with.
 #ifndef TOOLKIT_IMAGE_CHECKSUM_H
 #define TOOLKIT_IMAGE_CHECKSUM_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Type/length-coded fields, decoded as every reader of this system decodes them.
 #ifndef TOOLKIT_IMAGE_ENCODING_H
 #define TOOLKIT_IMAGE_ENCODING_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What a FRU image consists of: its areas, their fields, and where a decoded record keeps them. One table,
 // walked by whoever reads, shows, builds or names fields.
 #ifndef TOOLKIT_IMAGE_FIELDS_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The 32-byte hardware block that a board may carry in place of a FRU image.
 #ifndef TOOLKIT_IMAGE_HARDWARE_BLOCK_H
 #define TOOLKIT_IMAGE_HARDWARE_BLOCK_H

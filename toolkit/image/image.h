@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The bytes of one image, and where they come from.
 #ifndef TOOLKIT_IMAGE_IMAGE_H
 #define TOOLKIT_IMAGE_IMAGE_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Image files: plain bytes, or readable hex (*.hex, described in examples/README.md).
 #ifndef TOOLKIT_IMAGE_IMAGE_FILE_H
 #define TOOLKIT_IMAGE_IMAGE_FILE_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Walks an image's bytes: which byte belongs to which area and field, what it says, and what is wrong with
 // it. The decoder only tells that an area is bad; this tells where and why. verify, show and map share it.
 #ifndef TOOLKIT_IMAGE_LAYOUT_H

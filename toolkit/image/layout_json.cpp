@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "toolkit/image/layout_json.h"
 
 #include "toolkit/image/fields.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What is wrong in an image, for programs.
 #ifndef TOOLKIT_IMAGE_LAYOUT_JSON_H
 #define TOOLKIT_IMAGE_LAYOUT_JSON_H

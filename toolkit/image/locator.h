@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The record by which IPMI clients find a FRU device: type FRU Device Locator (IPMI 2.0, section 43.8).
 #ifndef TOOLKIT_IMAGE_LOCATOR_H
 #define TOOLKIT_IMAGE_LOCATOR_H

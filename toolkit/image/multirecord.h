@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // MultiRecords: their types, what their data says, and GUIDs.
 #ifndef TOOLKIT_IMAGE_MULTIRECORD_H
 #define TOOLKIT_IMAGE_MULTIRECORD_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Names that the FRU format gives to numbers, for people.
 #ifndef TOOLKIT_IMAGE_NAMES_H
 #define TOOLKIT_IMAGE_NAMES_H

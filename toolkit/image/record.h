@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The library's decoded record, owned, and as rows to print.
 #ifndef TOOLKIT_IMAGE_RECORD_H
 #define TOOLKIT_IMAGE_RECORD_H

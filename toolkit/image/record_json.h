@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A decoded record as a JSON document: what 'show --json' prints is what 'encode' takes.
 #ifndef TOOLKIT_IMAGE_RECORD_JSON_H
 #define TOOLKIT_IMAGE_RECORD_JSON_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // fructl: a server's FRU inventory on the command line.
 #include <cstdio>
 #include <cstdlib>

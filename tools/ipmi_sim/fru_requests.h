@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The FRU commands of the Storage function, ahead of libbmcfru's request handlers.
 //
 // The handlers take for granted that the bytes a command has are there, and that the response buffer

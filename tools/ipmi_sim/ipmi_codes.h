@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Numbers of the IPMI Storage function that this service speaks (IPMI 2.0, sections 5.2, 33 and 34).
 #ifndef IPMI_SIM_CODES_H
 #define IPMI_SIM_CODES_H

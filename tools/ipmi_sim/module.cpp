@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The module that OpenIPMI's ipmi_sim loads: carries the simulator's Storage requests to libbmcfru and back.
 //
 //   loadlib "/usr/lib/bmcfru/libbmcfru_ipmi_sim.so" "root=/var/lib/controller"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Text that may hold bytes of a device, made fit for a terminal.
 #ifndef IPMI_SIM_PRINTABLE_H
 #define IPMI_SIM_PRINTABLE_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The SDR repository: one FRU device locator for each device of the device table, so that clients find the
 // devices by themselves. Made anew from the controller's records for every request: what the FRU service
 // changes is seen at once.

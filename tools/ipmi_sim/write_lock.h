@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The lock that every program holds while it writes to this controller.
 #ifndef IPMI_SIM_WRITE_LOCK_H
 #define IPMI_SIM_WRITE_LOCK_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The device layer: EEPROM transfers guarded by the device record, and the cached image of one device.
 #include "lib_fru/device/device_io.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Private to lib_fru: FRU bytes from and to the EEPROMs, and one device's cached image and cache status.
 //
 // Results of type i32 are a byte count or a negative value; the 0x81000000 codes are negative as i32.

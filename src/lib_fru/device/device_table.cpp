@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Which FRU device belongs to a component or to an SDR record. Every lookup fetches the table anew.
 #include "lib_fru/device/device_table.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Private to lib_fru: from a component to the record of its device.
 #ifndef LIB_FRU_DEVICE_TABLE_H
 #define LIB_FRU_DEVICE_TABLE_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A FRU image straight from the EEPROM that the product's hardware description names, past device
 // table and cache.
 #include <memory>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The 32-byte hardware FRU block of a device, read and written.
 #include "lib_fru/device/device_io.h"
 #include "lib_fru/device/device_table.h"

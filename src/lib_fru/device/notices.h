@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Private to lib_fru: what the controller's services are told of a device.
 #ifndef LIB_FRU_DEVICE_NOTICES_H
 #define LIB_FRU_DEVICE_NOTICES_H

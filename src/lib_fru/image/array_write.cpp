@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Writes a whole record: encoded, to the device in chunks, then as the cached image.
 #include "lib_fru/image/array_write.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Private to array_write.cpp, and to its tests: no image that the encoder makes gets to the end of the FRU.
 #ifndef LIB_FRU_ARRAY_WRITE_H
 #define LIB_FRU_ARRAY_WRITE_H

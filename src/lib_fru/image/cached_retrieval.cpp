@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The short read path: the cached image of a component's device, decoded.
 #include <cstring>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Erases a component's FRU device: every byte 0xFF, on the device and in the cache.
 #include <cstring>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The main read path: the whole image of a component's device, chunk by chunk, with recovery, decoded.
 #include <cstring>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Reads a span of any length through the Read FRU Data handler.
 #include "lib_fru/lib_fru_module.h"
 #include "lib_fru_access.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Private to lib_fru: what the IPMI FRU command handlers share, and the core of Write FRU Data.
 //
 // The handlers never return a status: a failure is a response of one byte, its completion code.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The IPMI commands that ask: Get FRU Inventory Area Info and Read FRU Data.
 #include "lib_fru/device/device_io.h"
 #include "lib_fru/ipmi/ipmi_handlers.h"

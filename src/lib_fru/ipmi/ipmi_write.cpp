@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The IPMI command that changes: Write FRU Data, to the device, then the cache, the controller's services and
 // the operation log.
 #include "bmc_hwdesc.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Private to lib_fru: restores a damaged device from its stored image.
 #ifndef LIB_FRU_RECOVERY_H
 #define LIB_FRU_RECOVERY_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The OEM configuration file, read whole into one record.
 #include <cstring>
 

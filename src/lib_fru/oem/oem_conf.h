@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Private to lib_fru: the OEM configuration file and its keys.
 #ifndef LIB_FRU_OEM_CONF_H
 #define LIB_FRU_OEM_CONF_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Small questions that other services ask of the OEM configuration. Every answer reads the file anew.
 #include <cstdio>
 #include <cstring>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The OEM configuration file, written back from the FRU.
 #include <cstring>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The controller's software name and host-name prefix.
 #include "lib_fru/oem/software_name.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Private to lib_fru: the controller's software name, kept once it was had.
 #ifndef LIB_FRU_SOFTWARE_NAME_H
 #define LIB_FRU_SOFTWARE_NAME_H

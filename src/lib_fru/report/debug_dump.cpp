@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Console dumps for engineers. Labels are part of the interface, their misspellings too.
 #include <cstdio>
 

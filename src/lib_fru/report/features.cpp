@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The feature service: its list, printed, and an update handed on.
 #include <cstdio>
 #include <cstring>

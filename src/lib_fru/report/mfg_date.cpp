@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Board manufacturing date: three bytes that count minutes since 1996-01-01 00:00 <-> text.
 #include <cstdio>
 #include <cstdlib>

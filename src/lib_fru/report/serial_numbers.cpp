@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // One serial number of the baseboard or of the management card, along the normal or the direct path.
 #include "lib_fru/lib_fru_module.h"
 #include "lib_fru_access.h"

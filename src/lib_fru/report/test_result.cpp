@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The test-result byte: what the cache status of all devices adds to it.
 #include "lib_fru/device/device_io.h"
 #include "lib_fru/lib_fru_module.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The desk's own: what a call of the database flushes, writes and leaves open.
 #include <atomic>
 #include <cstdarg>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The desk's own: files of the database that are cut, overwritten or garbled, at rest and while they are open. Whatever
 // is read, it is told or it is whole, and nobody dies of it.
 #include <cstring>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The desk's own: why a call of the database failed.
 #include <chrono>
 #include <csignal>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The desk's own: the database's files, and what damages them.
 #include <algorithm>
 #include <chrono>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The contract tests' controller on the desk: a root directory for each test.
 #include <climits>
 #include <cstdlib>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The desk's own: where diagnostic messages go.
 #include <atomic>
 #include <thread>

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # What libbmcfruhost exports is what the contract headers and bmcfru_host.h declare: nothing missing, nothing more.
 string(REPLACE "," ";" asFolders "${HEADERS}")
 set(asDeclared)

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The desk's own: directories that belong to somebody else.
 #include <fcntl.h>
 #include <filesystem>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The desk's own: EEPROMs as image files.
 #include <chrono>
 #include <climits>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The desk's own: INI and XML files that are read whole.
 #include <unistd.h>
 

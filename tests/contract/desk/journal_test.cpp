@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The desk's own: what RPC calls and operation-log entries leave in the journals.
 #include <csignal>
 #include <fcntl.h>

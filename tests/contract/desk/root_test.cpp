@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The desk's own: the root directory and paths below it.
 #include <cerrno>
 #include <climits>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // malloc and its like as the library sees them (linked with --wrap): counted, made to fail, and
 // kept track of.
 #include <cstddef>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The clock and the semaphores as the library sees them (linked with --wrap): a time of the test's own, waits
 // that are looked at and cut short.
 #include <cerrno>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // State, journals, standard output, faults and the sweep.
 #include <array>
 #include <atomic>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Files: real ones, under a directory of this process's own that stands in for the controller's root. The C
 // library's file calls are linked with --wrap; paths outside the controller's own places are left alone.
 #include "fake/fake_files.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The platform of the unit tests. It journals every platform call and every diagnostic message, answers from
 // what a test puts into it, and makes any call fail on demand.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Database, EEPROMs, RPC, operation log, INI files, capabilities and the hardware description.
 #include <algorithm>
 #include <cstdio>

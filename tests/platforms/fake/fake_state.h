@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Between the files of the fake platform: its one state, and the question whether this call is to fail.
 #ifndef TESTS_FAKE_STATE_H
 #define TESTS_FAKE_STATE_H

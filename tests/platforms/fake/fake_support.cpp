@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Support library: messages, time, OEM flag; text and sums are the desk's own.
 #include <cstdarg>
 #include <cstdio>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The fake platform for many threads: its device, database and RPC calls one at a time (linked with --wrap).
 #include "locked/locked_platform.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #ifndef TESTS_THREAD_LOCKED_PLATFORM_H
 #define TESTS_THREAD_LOCKED_PLATFORM_H
 

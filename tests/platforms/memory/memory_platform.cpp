@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "memory/memory_platform.h"
 
 #include <algorithm>

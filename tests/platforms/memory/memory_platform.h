@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A platform for benchmarks and fuzzers: answers from memory without ceremony, and counts what it was asked.
 #ifndef TESTS_MEMORY_PLATFORM_H
 #define TESTS_MEMORY_PLATFORM_H

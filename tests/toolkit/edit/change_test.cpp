@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Changing a device: what is refused before it is written, and what is noticed afterwards.
 #include "toolkit/edit/change.h"
 

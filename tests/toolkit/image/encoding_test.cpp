@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Type/length-coded fields: what they say, and how.
 #include "toolkit/image/encoding.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The table of fields: what every reader, builder and label goes by.
 #include "toolkit/image/fields.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // One FRU device for the tests of lib_fru: its records in the database, its EEPROM, and the lines that it
 // leaves in the journals.
 #ifndef TESTS_UNIT_FRU_DEVICE_H

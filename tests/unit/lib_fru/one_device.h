@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // One FRU device in the fake platform: its table entry, its information record and its chip.
 #ifndef TESTS_UNIT_LIB_FRU_ONE_DEVICE_H
 #define TESTS_UNIT_LIB_FRU_ONE_DEVICE_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Images and records for the tests of retrieval, recovery and writes.
 #ifndef TESTS_UNIT_STORED_IMAGE_H
 #define TESTS_UNIT_STORED_IMAGE_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The three info areas as cases, so that a rule of all of them is one test.
 #ifndef TESTS_UNIT_AREA_CASE_H
 #define TESTS_UNIT_AREA_CASE_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the codec's tests share: a record that releases itself, decoding from exact-size
 // buffers, message lines.
 #ifndef TESTS_UNIT_CODEC_TEST_HELPER_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Images that other programs made and boards hold, where they are at hand.
 #include <fstream>
 #include <iterator>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "lib_fru_analyzer/custom_list.h"
 
 #include "area_case.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The encoder's rules of the info areas.
 #include "encoder_case.h"
 

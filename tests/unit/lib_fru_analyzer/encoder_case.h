@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the encoder's tests share.
 #ifndef TESTS_UNIT_ENCODER_CASE_H
 #define TESTS_UNIT_ENCODER_CASE_H

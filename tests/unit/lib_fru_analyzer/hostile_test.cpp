@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Damaged, cut and random images: the decoder stays within them, what it gives out is sound, and the release
 // leaves nothing behind.
 #include <random>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Decoder and encoder against each other, over generated records.
 #include <random>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The thirteen cache records: keys, lengths, order of checks, and results that pass through unchanged.
 #include <gtest/gtest.h>
 

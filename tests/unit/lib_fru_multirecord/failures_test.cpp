@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Every allocation and platform call failing in turn: no crash, nothing left behind, a documented result, and
 // a chip that holds either what it held or a whole merged image, or a message that says it does not.
 #include "mr_test_helper.h"

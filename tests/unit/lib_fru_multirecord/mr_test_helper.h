@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Shared by the tests of the MultiRecord store: a main FRU on the fake platform, records and images.
 #ifndef TESTS_UNIT_MR_TEST_HELPER_H
 #define TESTS_UNIT_MR_TEST_HELPER_H

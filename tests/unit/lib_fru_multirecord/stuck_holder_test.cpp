@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A thread that holds the store and never comes back from a message or a device: nobody waits for it longer
 // than the store's own limits.
 #include <chrono>

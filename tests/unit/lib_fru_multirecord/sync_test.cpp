@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "mr_test_helper.h"
 
 using namespace mr;

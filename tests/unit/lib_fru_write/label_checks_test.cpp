@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Names, manufacturing dates and regular expressions; the values have a file of their own.
 #include <cstring>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the library knows of a label beside the exported table, and which of the two decides when a caller has
 // changed the table.
 #include "lib_fru_write/label_rows.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the tests of this module say of messages and bytes.
 #ifndef TESTS_LABEL_TEXTS_H
 #define TESTS_LABEL_TEXTS_H

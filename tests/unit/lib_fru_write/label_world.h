@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A controller with FRU devices, for the tests of the label writes: images that the encoder made, and images
 // told as one line for each field.
 #ifndef TESTS_LABEL_WORLD_H

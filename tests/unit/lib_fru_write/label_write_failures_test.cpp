@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The label write when something fails: what the image, the block and the log are left with.
 #include <cstring>
 #include <filesystem>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The matchers beside the expressions that they stand for, over generated texts.
 #include "lib_fru_write/value_forms.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A caller's locale changes nothing that the library decides: each call answers in these locales, byte for
 // byte, what it answers in the plain one.
 #include <clocale>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // fructl assemble: a whole image from label texts, into the cache.
 #include <cstring>
 

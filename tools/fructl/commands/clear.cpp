@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // fructl clear: erases a device, in the EEPROM and in the cache.
 #include <cstdio>
 #include <iostream>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The subcommands. Each lives in its own cmd_*.cpp, which adds it to the command line; the table in
 // commands.cpp names them all, in the order in which the help shows them.
 #ifndef FRUCTL_COMMANDS_COMMANDS_H

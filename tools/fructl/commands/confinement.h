@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What a child process may still do: as whom it runs, with which privileges.
 #ifndef FRUCTL_COMMANDS_CONFINEMENT_H
 #define FRUCTL_COMMANDS_CONFINEMENT_H

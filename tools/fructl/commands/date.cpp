@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // fructl date: manufacturing dates between text and the three bytes of the board area.
 #include "commands/commands.h"
 #include "lib_fru.h"

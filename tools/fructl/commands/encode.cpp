@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // fructl encode: an image file from the JSON document of a record.
 #include <filesystem>
 #include <sys/stat.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Where a service listens, and whether somebody answers there.
 #ifndef FRUCTL_COMMANDS_ENDPOINT_H
 #define FRUCTL_COMMANDS_ENDPOINT_H

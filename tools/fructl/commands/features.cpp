@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // fructl features: the FRU feature list of the controller's feature service, and its update.
 #include <cstring>
 

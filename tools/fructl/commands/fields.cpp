@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // fructl fields: custom fields as other services get them: some in slots, all of an area as one escaped text.
 #include "commands/commands.h"
 #include "lib_fru.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // fructl host-name: what the controller calls itself, and what its host names begin with.
 #include "commands/commands.h"
 #include "lib_fru.h"

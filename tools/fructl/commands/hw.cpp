@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // fructl hw: the 32-byte hardware FRU block of a board.
 #include <algorithm>
 #include <cstring>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // fructl label: the named fields of a device, listed, read and written.
 #include "commands/commands.h"
 #include "terminal/console.h"

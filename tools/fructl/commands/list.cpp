@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // fructl list: the controller's devices and the state of their images.
 #include "commands/commands.h"
 #include "terminal/console.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // fructl map: an image's bytes, each with the area and field that it belongs to.
 #include "commands/commands.h"
 #include "terminal/console.h"

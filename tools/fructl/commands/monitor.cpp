@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // fructl monitor: follows the controller's FRU events as they happen.
 #include <cerrno>
 #include <csignal>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // fructl mr: the MultiRecords of FRU images.
 #ifndef FRUCTL_COMMANDS_MR_H
 #define FRUCTL_COMMANDS_MR_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // fructl mr add: Management Access records into the main FRU.
 #include <algorithm>
 #include <cstdlib>

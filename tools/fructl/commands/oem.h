@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // fructl oem: the OEM configuration file.
 #ifndef FRUCTL_COMMANDS_OEM_H
 #define FRUCTL_COMMANDS_OEM_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // fructl oem sync: the FRU's texts into the OEM configuration file.
 #include <cstring>
 

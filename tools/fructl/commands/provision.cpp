@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // fructl provision: makes a controller from its description, as its FRU service would.
 #include "toolkit/controller/provision.h"
 #include "bmcfru_host.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // fructl psn: the file that mirrors the product serial number.
 #include "commands/commands.h"
 #include "terminal/console.h"

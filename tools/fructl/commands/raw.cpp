@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "commands/raw.h"
 
 #include "commands/commands.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // IPMI requests to the library's handlers, byte for byte.
 #ifndef FRUCTL_COMMANDS_RAW_H
 #define FRUCTL_COMMANDS_RAW_H

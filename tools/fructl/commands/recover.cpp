@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // fructl recover: restores a device whose image has a damaged header from its stored image.
 #include <sys/stat.h>
 

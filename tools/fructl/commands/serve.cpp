@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // fructl serve: the controller's FRU devices for IPMI clients, through OpenIPMI's simulator.
 #include <algorithm>
 #include <cctype>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // One run of fructl: the options that all commands share, and the controller it works on.
 #ifndef FRUCTL_COMMANDS_SESSION_H
 #define FRUCTL_COMMANDS_SESSION_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // fructl show: a device or an image file, decoded.
 #include <map>
 

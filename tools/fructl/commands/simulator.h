@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // OpenIPMI's ipmi_sim as a child process that serves this controller's FRU devices on the network.
 #ifndef FRUCTL_COMMANDS_SIMULATOR_H
 #define FRUCTL_COMMANDS_SIMULATOR_H

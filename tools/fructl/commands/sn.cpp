@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // fructl sn: the serial numbers that other services ask for.
 #include "commands/commands.h"
 #include "lib_fru.h"

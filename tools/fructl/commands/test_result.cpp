@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // fructl test-result: the byte that factory and diagnostic tools read.
 #include "commands/commands.h"
 #include "lib_fru.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // fructl verify: is every byte of an image as it should be, and if not, what is wrong where.
 #include "commands/commands.h"
 #include "terminal/console.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What a command shows people: colour only on a terminal, and aligned tables.
 #ifndef FRUCTL_TERMINAL_CONSOLE_H
 #define FRUCTL_TERMINAL_CONSOLE_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // JSON on standard output.
 #ifndef FRUCTL_TERMINAL_JSON_OUT_H
 #define FRUCTL_TERMINAL_JSON_OUT_H

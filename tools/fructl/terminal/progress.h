@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A line on the terminal while an EEPROM is being written.
 #ifndef FRUCTL_TERMINAL_PROGRESS_H
 #define FRUCTL_TERMINAL_PROGRESS_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The contract tests' controller in memory. It has no files, settings or journals, so most of the contract is not kept
 // here, and a test that asks for more fails.
 #include "controller.h"

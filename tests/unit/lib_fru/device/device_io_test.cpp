@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The device layer: what reaches the EEPROM, and the cached image of one device.
 #include <gtest/gtest.h>
 

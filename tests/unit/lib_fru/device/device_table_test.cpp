@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Device table lookups: who wins, how far a scan goes, which code and message each failure has.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Whole-image writes: chunks, what reaches device and cache, and the failures that only the log knows.
 #include <gtest/gtest.h>
 

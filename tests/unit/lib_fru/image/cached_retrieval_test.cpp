@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The short read path: the cached image alone, and how it differs from the main one.
 #include <gtest/gtest.h>
 

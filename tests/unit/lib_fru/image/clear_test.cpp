@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Clearing a FRU: the trial read, the erase, what follows it, and the sentence for the operation log.
 #include <gtest/gtest.h>
 

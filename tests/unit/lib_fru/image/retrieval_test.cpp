@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The main read path: chunks, cache or device, presets, every failure.
 #include <gtest/gtest.h>
 

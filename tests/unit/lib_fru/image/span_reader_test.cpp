@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The span reader: chunks, the request block that it moves on, and the ends of its buffers.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Calls of the IPMI FRU command handlers with request and response in buffers of exactly their size.
 #ifndef TESTS_UNIT_HANDLER_CALL_H
 #define TESTS_UNIT_HANDLER_CALL_H

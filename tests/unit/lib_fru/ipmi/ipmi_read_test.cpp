@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Get FRU Inventory Area Info and Read FRU Data: responses, messages, what is asked of cache and device.
 #include <gtest/gtest.h>
 

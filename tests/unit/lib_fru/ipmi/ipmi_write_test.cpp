@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Write FRU Data: device, cache, notices and the operation log, in that order.
 #include <gtest/gtest.h>
 

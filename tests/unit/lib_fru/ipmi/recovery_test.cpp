@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Recovery of a damaged device from its stored image: when it runs, what it writes, how each of
 // its steps fails.
 #include <gtest/gtest.h>
