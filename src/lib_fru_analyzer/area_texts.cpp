@@ -1,39 +1,61 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "lib_fru_analyzer/area_texts.h"
 
+#include "common/text.h"
 #include "lib_fru_analyzer/lib_fru_analyzer_module.h"
 
-constexpr FRU_FIELD_TEXTS_S g_astFruFieldTexts[FRU_FIELD_COUNT] = {
-    {"Failed to get chassis type desc in ChassisInfoArea!",
-     "Error ChassisType while converting ChassisInfoArea."},
-    {"Failed to get ChassisPartNum while in ChassisInfoArea!",
-     "Error ChassisPartNum while converting ChassisInfoArea."},
-    {"Failed to get ChassisSerialNum while in ChassisInfoArea!",
-     "Error ChassisSerialNum while converting ChassisInfoArea."},
-    {nullptr, "Error Language while converting BoardInfoArea."},
-    {nullptr, "Error MfgDateTime while converting BoardInfoArea."},
-    {"Failed to get BoardMfr while in BoardInfoArea!", "Error BoardMfr while converting BoardInfoArea."},
-    {"Failed to get BoardProductName while in BoardInfoArea!",
-     "Error BoardProductName while converting BoardInfoArea."},
-    {"Failed to get BoardSerialNum while in BoardInfoArea!",
-     "Error BoardSerialNum while converting BoardInfoArea."},
-    {"Failed to get BoardPartNum while in BoardInfoArea!",
-     "Error BoardPartNum while converting BoardInfoArea."},
-    {"Failed to get FRUFileID while in BoardInfoArea!", "Error FRUFileID while converting BoardInfoArea."},
-    {nullptr, "Error Language while converting ProductInfoArea."},
-    {"Failed to get MfrName while in ProductInfoArea!", "Error MfrName while converting ProductInfoArea."},
-    {"Failed to get ProductName while in ProductInfoArea!",
-     "Error ProductName while converting ProductInfoArea."},
-    {"Failed to get ProductPartNum while in ProductInfoArea!",
-     "Error ProductPartNum while converting ProductInfoArea."},
-    {"Failed to get ProductVersion while in ProductInfoArea!",
-     "Error ProductVersion while converting ProductInfoArea."},
-    {"Failed to get ProductSerialNum while in ProductInfoArea!",
-     "Error ProductSerialNum while converting ProductInfoArea."},
-    {"Failed to get AssetTag while in ProductInfoArea!", "Error AssetTag while converting ProductInfoArea."},
-    {"Failed to get FRUFileID while in ProductInfoArea!",
-     "Error FRUFileID while converting ProductInfoArea."},
-};
+namespace {
+
+// One text behind the other, in the order of the fields.
+constexpr char g_acDecode[] = "Failed to get chassis type desc in ChassisInfoArea!\0"
+                              "Failed to get ChassisPartNum while in ChassisInfoArea!\0"
+                              "Failed to get ChassisSerialNum while in ChassisInfoArea!\0"
+                              "\0"
+                              "\0"
+                              "Failed to get BoardMfr while in BoardInfoArea!\0"
+                              "Failed to get BoardProductName while in BoardInfoArea!\0"
+                              "Failed to get BoardSerialNum while in BoardInfoArea!\0"
+                              "Failed to get BoardPartNum while in BoardInfoArea!\0"
+                              "Failed to get FRUFileID while in BoardInfoArea!\0"
+                              "\0"
+                              "Failed to get MfrName while in ProductInfoArea!\0"
+                              "Failed to get ProductName while in ProductInfoArea!\0"
+                              "Failed to get ProductPartNum while in ProductInfoArea!\0"
+                              "Failed to get ProductVersion while in ProductInfoArea!\0"
+                              "Failed to get ProductSerialNum while in ProductInfoArea!\0"
+                              "Failed to get AssetTag while in ProductInfoArea!\0"
+                              "Failed to get FRUFileID while in ProductInfoArea!\0";
+
+constexpr char g_acEncode[] = "Error ChassisType while converting ChassisInfoArea.\0"
+                              "Error ChassisPartNum while converting ChassisInfoArea.\0"
+                              "Error ChassisSerialNum while converting ChassisInfoArea.\0"
+                              "Error Language while converting BoardInfoArea.\0"
+                              "Error MfgDateTime while converting BoardInfoArea.\0"
+                              "Error BoardMfr while converting BoardInfoArea.\0"
+                              "Error BoardProductName while converting BoardInfoArea.\0"
+                              "Error BoardSerialNum while converting BoardInfoArea.\0"
+                              "Error BoardPartNum while converting BoardInfoArea.\0"
+                              "Error FRUFileID while converting BoardInfoArea.\0"
+                              "Error Language while converting ProductInfoArea.\0"
+                              "Error MfrName while converting ProductInfoArea.\0"
+                              "Error ProductName while converting ProductInfoArea.\0"
+                              "Error ProductPartNum while converting ProductInfoArea.\0"
+                              "Error ProductVersion while converting ProductInfoArea.\0"
+                              "Error ProductSerialNum while converting ProductInfoArea.\0"
+                              "Error AssetTag while converting ProductInfoArea.\0"
+                              "Error FRUFileID while converting ProductInfoArea.\0";
+
+} // namespace
+
+const char *FRU_DecodeTextOf(u32 uiField)
+{
+    return FRU_NthText(g_acDecode, uiField);
+}
+
+const char *FRU_EncodeTextOf(u32 uiField)
+{
+    return FRU_NthText(g_acEncode, uiField);
+}
 
 // The uneven wording of the areas ("FRU Size", "Fail to calc", a closing line for some) is kept.
 constexpr FRU_DECODE_TEXTS_S g_astFruDecodeTexts[FRU_AREA_COUNT] = {
@@ -48,7 +70,7 @@ constexpr FRU_DECODE_TEXTS_S g_astFruDecodeTexts[FRU_AREA_COUNT] = {
         "Fail to calloc CustomField memory in ChassisInfoArea!",
         "Fail to get CustomField index[%#x] while in ChassisInfoArea!",
         "Fail to get chassis custom field! Ret:%d.",
-        nullptr,
+        "",
         "Failed to get ChassisInfoArea!",
     },
     {
@@ -61,7 +83,7 @@ constexpr FRU_DECODE_TEXTS_S g_astFruDecodeTexts[FRU_AREA_COUNT] = {
         "BoardInfoArea CustomField count is %d, length is %d.",
         "Fail to calloc CustomField memory in BoardInfoArea!",
         "Fail to get CustomField index[%#x] while in BoardInfoArea!",
-        nullptr,
+        "",
         "Fail to get board custom field!",
         "Failed to get BoardInfoArea!",
     },
@@ -75,8 +97,8 @@ constexpr FRU_DECODE_TEXTS_S g_astFruDecodeTexts[FRU_AREA_COUNT] = {
         "ProductInfoArea CustomField count is %d, length is %d.",
         "Fail to calloc CustomField memory in ProductInfoArea!",
         "Fail to get CustomField index[%#x] while in ProductInfoArea!",
-        nullptr,
-        nullptr,
+        "",
+        "",
         "Failed to get ProductInfoArea!",
     },
 };
@@ -115,37 +137,38 @@ namespace {
 
 constexpr bool TakeTheirArguments()
 {
-    for (const FRU_FIELD_TEXTS_S &stTexts : g_astFruFieldTexts) {
-        if (FRU_CountConversions(stTexts.pcDecode) != 0U || FRU_CountConversions(stTexts.pcEncode) != 0U) {
+    for (u32 i = 0; i < FRU_FIELD_COUNT; ++i) {
+        if (FRU_CountConversions(FRU_NthText(g_acDecode, i)) != 0U ||
+            FRU_CountConversions(FRU_NthText(g_acEncode, i)) != 0U) {
             return false;
         }
     }
     for (const FRU_DECODE_TEXTS_S &stTexts : g_astFruDecodeTexts) {
-        const char *const apcPlain[] = {stTexts.pcZeroSum,       stTexts.pcCustomAddress,
-                                        stTexts.pcCustomCount,   stTexts.pcCustomMemory,
-                                        stTexts.pcCustomClosing, stTexts.pcClosing};
+        const char *const apcPlain[] = {stTexts.acZeroSum,       stTexts.acCustomAddress,
+                                        stTexts.acCustomCount,   stTexts.acCustomMemory,
+                                        stTexts.acCustomClosing, stTexts.acClosing};
         for (const char *pcPlain : apcPlain) {
             if (FRU_CountConversions(pcPlain) != 0U) {
                 return false;
             }
         }
-        if (FRU_CountConversions(stTexts.pcStart) != 2U || FRU_CountConversions(stTexts.pcVersion) != 1U ||
-            FRU_CountConversions(stTexts.pcSize) != 3U || FRU_CountConversions(stTexts.pcCustomDebug) != 2U ||
-            FRU_CountConversions(stTexts.pcCustomField) != 1U ||
-            FRU_CountConversions(stTexts.pcCustomRet) != (stTexts.pcCustomRet == nullptr ? 0U : 1U)) {
+        if (FRU_CountConversions(stTexts.acStart) != 2U || FRU_CountConversions(stTexts.acVersion) != 1U ||
+            FRU_CountConversions(stTexts.acSize) != 3U || FRU_CountConversions(stTexts.acCustomDebug) != 2U ||
+            FRU_CountConversions(stTexts.acCustomField) != 1U ||
+            FRU_CountConversions(stTexts.acCustomRet) != (stTexts.acCustomRet[0] == '\0' ? 0U : 1U)) {
             return false;
         }
     }
     for (const FRU_ENCODE_TEXTS_S &stTexts : g_astFruEncodeTexts) {
-        const char *const apcPlain[] = {stTexts.pcVersion, stTexts.pcLength, stTexts.pcEndChar,
-                                        stTexts.pcCheckSum, stTexts.pcClosing};
+        const char *const apcPlain[] = {stTexts.acVersion, stTexts.acLength, stTexts.acEndChar,
+                                        stTexts.acCheckSum, stTexts.acClosing};
         for (const char *pcPlain : apcPlain) {
             if (FRU_CountConversions(pcPlain) != 0U) {
                 return false;
             }
         }
-        if (FRU_CountConversions(stTexts.pcCustomField) != 1U ||
-            FRU_CountConversions(stTexts.pcRelocate) != 1U) {
+        if (FRU_CountConversions(stTexts.acCustomField) != 1U ||
+            FRU_CountConversions(stTexts.acRelocate) != 1U) {
             return false;
         }
     }
@@ -153,5 +176,6 @@ constexpr bool TakeTheirArguments()
 }
 
 static_assert(TakeTheirArguments());
+static_assert(FRU_CountTexts(g_acDecode) == FRU_FIELD_COUNT && FRU_CountTexts(g_acEncode) == FRU_FIELD_COUNT);
 
 } // namespace

@@ -5,40 +5,40 @@
 
 #include "lib_fru_analyzer/fields.h"
 
-struct FRU_FIELD_TEXTS_S
-{
-    const char *pcDecode; // null: plain bytes, which never fail by themselves
-    const char *pcEncode;
-};
+// What is told when a field cannot be decoded (empty: plain bytes, which never fail by themselves) and when it
+// cannot be encoded. Found by walking, so not before it has failed.
+const char *FRU_DecodeTextOf(u32 uiField);
+const char *FRU_EncodeTextOf(u32 uiField);
 
+// The texts themselves, as long as the longest of an area: a pointer would cost 12 bytes more, as it has to be
+// relocated.
 struct FRU_DECODE_TEXTS_S
 {
-    const char *pcStart;   // offset, image length
-    const char *pcVersion; // version
-    const char *pcSize;    // area length, offset, image length
-    const char *pcZeroSum;
-    const char *pcCustomAddress;
-    const char *pcCustomCount;
-    const char *pcCustomDebug; // count, bytes left
-    const char *pcCustomMemory;
-    const char *pcCustomField;   // index
-    const char *pcCustomRet;     // internal result, after a field that failed; null: none
-    const char *pcCustomClosing; // after any failure of the custom fields; null: none
-    const char *pcClosing;
+    char acStart[57];   // offset, image length
+    char acVersion[42]; // version
+    char acSize[58];    // area length, offset, image length
+    char acZeroSum[45];
+    char acCustomAddress[60];
+    char acCustomCount[53];
+    char acCustomDebug[55]; // count, bytes left
+    char acCustomMemory[54];
+    char acCustomField[61];   // index
+    char acCustomRet[42];     // internal result, after a field that failed; empty: none
+    char acCustomClosing[32]; // after any failure of the custom fields; empty: none
+    char acClosing[31];
 };
 
 struct FRU_ENCODE_TEXTS_S
 {
-    const char *pcVersion;
-    const char *pcLength;
-    const char *pcCustomField; // index
-    const char *pcEndChar;
-    const char *pcRelocate; // area length in bytes
-    const char *pcCheckSum;
-    const char *pcClosing;
+    char acVersion[54];
+    char acLength[47];
+    char acCustomField[64]; // index
+    char acEndChar[48];
+    char acRelocate[67]; // area length in bytes
+    char acCheckSum[54];
+    char acClosing[42];
 };
 
-extern const FRU_FIELD_TEXTS_S g_astFruFieldTexts[FRU_FIELD_COUNT];
 extern const FRU_DECODE_TEXTS_S g_astFruDecodeTexts[FRU_AREA_COUNT];
 extern const FRU_ENCODE_TEXTS_S g_astFruEncodeTexts[FRU_AREA_COUNT];
 

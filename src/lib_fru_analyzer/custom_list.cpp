@@ -31,9 +31,9 @@ u32 DecodeFields(u32 uiArea, FRU_READER_S &stReader, u32 uiFrom, u32 uiTo, u8 **
         u8 ucSize = 0;
         if (FRU_ReadField(stReader, &ppucFields[i], &ucSize) != FRU_OK) {
             FRU_FREE(ppucFields[i]);
-            FRU_LOG_TABLE(FRU_CAT_GENERAL, BMC_DIAG_ERROR, stTexts.pcCustomField, i);
-            if (stTexts.pcCustomRet != nullptr) {
-                FRU_LOG_TABLE(FRU_CAT_GENERAL, BMC_DIAG_ERROR, stTexts.pcCustomRet, FRU_ERR_FAILED);
+            FRU_LOG_TABLE(FRU_CAT_GENERAL, BMC_DIAG_ERROR, stTexts.acCustomField, i);
+            if (stTexts.acCustomRet[0] != '\0') {
+                FRU_LOG_TABLE(FRU_CAT_GENERAL, BMC_DIAG_ERROR, stTexts.acCustomRet, FRU_ERR_FAILED);
             }
             return FRU_ERR_FAILED;
         }
@@ -57,18 +57,18 @@ u32 FRU_GetCustomFields(u32 uiArea, FRU_READER_S stReader, u32 uiUsed, u32 uiAre
     const FRU_CUSTOM_LIST_S &stCustom = g_astFruArea[uiArea].stCustom;
     const FRU_DECODE_TEXTS_S &stTexts = g_astFruDecodeTexts[uiArea];
     if (uiUsed >= uiAreaSize) {
-        FRU_LOG_TABLE(FRU_CAT_GENERAL, BMC_DIAG_ERROR, stTexts.pcCustomAddress);
+        FRU_LOG_TABLE(FRU_CAT_GENERAL, BMC_DIAG_ERROR, stTexts.acCustomAddress);
         return FRU_ERR_FAILED;
     }
     const u32 uiLeft = uiAreaSize - uiUsed;
     u8 *pucCount = FRU_MemberAt(pstFRUData, stCustom.usCount);
     const u32 uiPreset = *pucCount;
     if (FRU_GetCustomerFieldCount(stReader.pucCursor, uiLeft, pucCount) != FRU_OK) {
-        FRU_LOG_TABLE(FRU_CAT_GENERAL, BMC_DIAG_ERROR, stTexts.pcCustomCount);
+        FRU_LOG_TABLE(FRU_CAT_GENERAL, BMC_DIAG_ERROR, stTexts.acCustomCount);
         return FRU_ERR_FAILED;
     }
     const u32 uiCount = *pucCount;
-    FRU_LOG_TABLE(FRU_CAT_GENERAL, BMC_DIAG_DEBUG, stTexts.pcCustomDebug, uiCount, uiLeft);
+    FRU_LOG_TABLE(FRU_CAT_GENERAL, BMC_DIAG_DEBUG, stTexts.acCustomDebug, uiCount, uiLeft);
 
     const bool bFixed =
         stCustom.ucFixedSlots != 0U && uiPreset == stCustom.ucFixedSlots && uiCount != uiPreset;
@@ -78,7 +78,7 @@ u32 FRU_GetCustomFields(u32 uiArea, FRU_READER_S stReader, u32 uiUsed, u32 uiAre
     u8 **ppucFields =
         static_cast<u8 **>(FRU_CALLOC(bFixed ? stCustom.ucFixedSlots : uiCount, sizeof(*ppucFields)));
     if (ppucFields == nullptr) {
-        FRU_LOG_TABLE(FRU_CAT_GENERAL, BMC_DIAG_ERROR, stTexts.pcCustomMemory);
+        FRU_LOG_TABLE(FRU_CAT_GENERAL, BMC_DIAG_ERROR, stTexts.acCustomMemory);
         return FRU_ERR_FAILED;
     }
     if (bFixed && uiCount > stCustom.ucFixedSlots) {

@@ -22,11 +22,11 @@ struct CUSTOM_AREA_S
     u16 ausSlot[g_uiSlotCount]; // char[64] member by field index
     u16 usText;                 // char * member
     u16 usLength;               // u32 member
-    const char *pcIndexError;   // of a field without a slot; null: the area has no slots
-    const char *pcMallocError;
-    const char *pcEscapeError;
-    const char *pcClosing;
-    u32 uiAppendFailure; // result after an append that failed
+    u32 uiAppendFailure;        // result after an append that failed
+    char acIndexError[40];      // of a field without a slot; empty: the area has no slots
+    char acMallocError[44];
+    char acEscapeError[36];
+    char acClosing[48];
 };
 
 #define CUSTOM_OFFSET(Member) static_cast<u16>(offsetof(FRU_CUSTOM_FIELD_S, Member))
@@ -36,39 +36,39 @@ constexpr CUSTOM_AREA_S g_astCustomArea[] = {
      {g_usNoSlot, CUSTOM_OFFSET(acChassisCustomField1), CUSTOM_OFFSET(acChassisCustomField2)},
      CUSTOM_OFFSET(pcChassisCustomFields),
      CUSTOM_OFFSET(uiChassisCustomFieldsLen),
+     FRU_ERR_FAILED,
      "Invalid chassis custom field index[%d].",
      "Malloc chassis custom field failed! Ret:%d.",
      "Escape chassis custom field failed!",
-     "Interpret chassis custom field failed! Ret:%#x.",
-     FRU_ERR_FAILED},
+     "Interpret chassis custom field failed! Ret:%#x."},
     {FRU_AREA_BOARD,
      {CUSTOM_OFFSET(acBoardCustomField0), g_usNoSlot, g_usNoSlot},
      CUSTOM_OFFSET(pcBoardCustomFields),
      CUSTOM_OFFSET(uiBoardCustomFieldsLen),
+     FRU_ERR_FAILED,
      "Invalid board custom field index[%d].",
      "Malloc board custom field failed! Ret:%d.",
      "Escape board custom field failed!",
-     "Interpret board custom field failed! Ret:%#x.",
-     FRU_ERR_FAILED},
+     "Interpret board custom field failed! Ret:%#x."},
     // Intended: unlike the other two, product fields that cannot be joined are no failure.
     {FRU_AREA_PRODUCT,
      {g_usNoSlot, g_usNoSlot, g_usNoSlot},
      CUSTOM_OFFSET(pcProductCustomFields),
      CUSTOM_OFFSET(uiProductCustomFieldsLen),
-     nullptr,
+     FRU_OK,
+     "",
      "Malloc product custom field failed! Ret:%d.",
      "Escape product custom field failed!",
-     "Interpret product custom field failed! Ret:%#x.",
-     FRU_OK},
+     "Interpret product custom field failed! Ret:%#x."},
 };
 
 constexpr bool TakeTheirArguments()
 {
     for (const CUSTOM_AREA_S &stCustom : g_astCustomArea) {
-        if (FRU_CountConversions(stCustom.pcIndexError) != (stCustom.pcIndexError == nullptr ? 0U : 1U) ||
-            FRU_CountConversions(stCustom.pcMallocError) != 1U ||
-            FRU_CountConversions(stCustom.pcEscapeError) != 0U ||
-            FRU_CountConversions(stCustom.pcClosing) != 1U) {
+        if (FRU_CountConversions(stCustom.acIndexError) != (stCustom.acIndexError[0] == '\0' ? 0U : 1U) ||
+            FRU_CountConversions(stCustom.acMallocError) != 1U ||
+            FRU_CountConversions(stCustom.acEscapeError) != 0U ||
+            FRU_CountConversions(stCustom.acClosing) != 1U) {
             return false;
         }
     }
@@ -80,13 +80,13 @@ static_assert(TakeTheirArguments());
 void FillSlot(const CUSTOM_AREA_S &stCustom, u32 uiIndex, const char *pcField,
               FRU_CUSTOM_FIELD_S *pstFRUCustomField)
 {
-    if (stCustom.pcIndexError == nullptr) {
+    if (stCustom.acIndexError[0] == '\0') {
         return;
     }
     const u16 usSlot = uiIndex < g_uiSlotCount ? stCustom.ausSlot[uiIndex] : g_usNoSlot;
     if (usSlot == g_usNoSlot) {
         // The field stays in the joined text.
-        FRU_LOG_TABLE(FRU_CAT_GENERAL, BMC_DIAG_WARNING, stCustom.pcIndexError, uiIndex);
+        FRU_LOG_TABLE(FRU_CAT_GENERAL, BMC_DIAG_WARNING, stCustom.acIndexError, uiIndex);
         return;
     }
     char *pcSlot = reinterpret_cast<char *>(pstFRUCustomField) + usSlot;
@@ -107,7 +107,7 @@ u32 JoinFields(const CUSTOM_AREA_S &stCustom, const FRU_DATA_S *pstFRUData,
         }
         pupJoined->reset(FRU_AllocCustomField(pcField, pupJoined->release()));
         if (*pupJoined == nullptr) {
-            FRU_LOG_TABLE(FRU_CAT_GENERAL, BMC_DIAG_ERROR, stCustom.pcMallocError, FRU_ERR_FAILED);
+            FRU_LOG_TABLE(FRU_CAT_GENERAL, BMC_DIAG_ERROR, stCustom.acMallocError, FRU_ERR_FAILED);
             return FRU_ERR_FAILED;
         }
         FillSlot(stCustom, i, pcField, pstFRUCustomField);
@@ -127,7 +127,7 @@ u32 InterpretArea(const CUSTOM_AREA_S &stCustom, const FRU_DATA_S *pstFRUData,
     }
     char *pcEscaped = FRU_ANALYZER_Escape(upJoined.get());
     if (pcEscaped == nullptr) {
-        FRU_LOG_TABLE(FRU_CAT_GENERAL, BMC_DIAG_WARNING, stCustom.pcEscapeError);
+        FRU_LOG_TABLE(FRU_CAT_GENERAL, BMC_DIAG_WARNING, stCustom.acEscapeError);
         return FRU_ERR_FAILED;
     }
     const u32 uiLength = static_cast<u32>(strlen(pcEscaped));
@@ -174,7 +174,7 @@ u32 FRU_ANALYZER_InterpretCustomField(const FRU_DATA_S *pstFRUData, FRU_CUSTOM_F
         }
         const u32 uiRet = InterpretArea(stCustom, pstFRUData, pstFRUCustomField);
         if (uiRet != FRU_OK) {
-            FRU_LOG_TABLE(FRU_CAT_GENERAL, BMC_DIAG_ERROR, stCustom.pcClosing, uiRet);
+            FRU_LOG_TABLE(FRU_CAT_GENERAL, BMC_DIAG_ERROR, stCustom.acClosing, uiRet);
             FRU_ANALYZER_FreeCustomField(pstFRUCustomField);
             return LIB_FRU_ERR_DECODE;
         }

@@ -62,6 +62,12 @@ bool Reported(bool bWritten, const char *pcError)
     return bWritten;
 }
 
+// The same for a field.
+bool ReportedField(bool bWritten, u32 uiField)
+{
+    return bWritten || Reported(false, FRU_EncodeTextOf(uiField));
+}
+
 bool PutChassisType(const FRU_DATA_S *pstFRUData, FRU_WRITER_S &stWriter)
 {
     u8 ucType = 0;
@@ -70,22 +76,21 @@ bool PutChassisType(const FRU_DATA_S *pstFRUData, FRU_WRITER_S &stWriter)
         FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_ERROR, "Error chassis type while converting ChassisInfoArea.");
         return false;
     }
-    return Reported(FRU_PutByte(stWriter, ucType), g_astFruFieldTexts[FRU_FIELD_CHASSIS_TYPE].pcEncode);
+    return ReportedField(FRU_PutByte(stWriter, ucType), FRU_FIELD_CHASSIS_TYPE);
 }
 
 bool PutField(u32 uiField, const FRU_DATA_S *pstFRUData, FRU_WRITER_S &stWriter)
 {
     const FRU_FIELD_S &stField = g_astFruField[uiField];
-    const char *pcError = g_astFruFieldTexts[uiField].pcEncode;
     switch (stField.ucKind) {
     case FRU_KIND_BYTES:
-        return Reported(FRU_PutBytes(stWriter, FRU_MemberAt(pstFRUData, stField.usMember), stField.ucBytes),
-                        pcError);
+        return ReportedField(
+            FRU_PutBytes(stWriter, FRU_MemberAt(pstFRUData, stField.usMember), stField.ucBytes), uiField);
     case FRU_KIND_CHASSIS_TYPE:
         return PutChassisType(pstFRUData, stWriter);
     case FRU_KIND_TEXT:
     default:
-        return Reported(FRU_PutText(stWriter, FRU_FieldText(pstFRUData, uiField)), pcError);
+        return ReportedField(FRU_PutText(stWriter, FRU_FieldText(pstFRUData, uiField)), uiField);
     }
 }
 
@@ -104,11 +109,11 @@ bool PutFields(u32 uiArea, const FRU_DATA_S *pstFRUData, FRU_WRITER_S &stWriter)
     const u32 uiCount = ppucFields == nullptr ? 0U : FRU_CustomCount(pstFRUData, stArea);
     for (u32 i = 0; i < uiCount; ++i) {
         if (!FRU_PutText(stWriter, ppucFields[i])) {
-            FRU_LOG_TABLE(FRU_CAT_GENERAL, BMC_DIAG_ERROR, stTexts.pcCustomField, i);
+            FRU_LOG_TABLE(FRU_CAT_GENERAL, BMC_DIAG_ERROR, stTexts.acCustomField, i);
             return false;
         }
     }
-    return Reported(FRU_PutByte(stWriter, FRU_FIELD_END), stTexts.pcEndChar);
+    return Reported(FRU_PutByte(stWriter, FRU_FIELD_END), stTexts.acEndChar);
 }
 
 i32 ConvertInfoArea(u32 uiArea, const FRU_DATA_S *pstFRUData, u32 uiPosition, u32 uiRoom, u8 *pucBuf)
@@ -116,25 +121,25 @@ i32 ConvertInfoArea(u32 uiArea, const FRU_DATA_S *pstFRUData, u32 uiPosition, u3
     const FRU_ENCODE_TEXTS_S &stTexts = g_astFruEncodeTexts[uiArea];
     FRU_WRITER_S stWriter = {pucBuf, uiRoom, 0U};
     const u8 ucVersion = *FRU_MemberAt(pstFRUData, g_astFruArea[uiArea].usVersion);
-    if (!Reported(FRU_PutByte(stWriter, ucVersion), stTexts.pcVersion) ||
-        !Reported(FRU_PutByte(stWriter, 0U), stTexts.pcLength) || !PutFields(uiArea, pstFRUData, stWriter)) {
+    if (!Reported(FRU_PutByte(stWriter, ucVersion), stTexts.acVersion) ||
+        !Reported(FRU_PutByte(stWriter, 0U), stTexts.acLength) || !PutFields(uiArea, pstFRUData, stWriter)) {
         return FRU_WRITE_FAILED;
     }
     const u32 uiSize = RoundUp(stWriter.uiUsed + 1U);
     const u32 uiUnits = uiSize / FRU_AREA_UNIT;
     // Neither the length byte nor the header's offset byte may wrap.
     if (uiSize - 1U >= uiRoom || uiUnits > g_uiMaxUnits || uiPosition / FRU_AREA_UNIT > g_uiMaxUnits) {
-        FRU_LOG_TABLE(FRU_CAT_GENERAL, BMC_DIAG_ERROR, stTexts.pcRelocate, uiSize);
+        FRU_LOG_TABLE(FRU_CAT_GENERAL, BMC_DIAG_ERROR, stTexts.acRelocate, uiSize);
         return FRU_WRITE_FAILED;
     }
     FRU_WRITER_S stLength = {pucBuf, uiRoom, 1U};
-    if (!Reported(FRU_PutByte(stLength, static_cast<u8>(uiUnits)), stTexts.pcLength)) {
+    if (!Reported(FRU_PutByte(stLength, static_cast<u8>(uiUnits)), stTexts.acLength)) {
         return FRU_WRITE_FAILED;
     }
     // Covers the bytes behind the end mark as the caller left them.
     FRU_WRITER_S stCheckSum = {pucBuf, uiRoom, uiSize - 1U};
     const u8 ucCheckSum = BMC_CalcZeroCheckSum(pucBuf, uiSize - 1U);
-    if (!Reported(FRU_PutByte(stCheckSum, ucCheckSum), stTexts.pcCheckSum)) {
+    if (!Reported(FRU_PutByte(stCheckSum, ucCheckSum), stTexts.acCheckSum)) {
         return FRU_WRITE_FAILED;
     }
     return static_cast<i32>(uiSize);
@@ -146,8 +151,8 @@ i32 FinishMultiRecordArea(u32 uiWritten, u32 uiPosition, u32 uiRoom)
     const u32 uiSize = RoundUp(uiWritten) & g_uiMultiRecordSizeMask;
     // Intended: one byte of room must stay, and the message is the product area's.
     if (uiSize >= uiRoom || uiPosition / FRU_AREA_UNIT > g_uiMaxUnits) {
-        FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_ERROR,
-                "Error relocate address while converting ProductInfoArea:length=%#x", uiSize);
+        FRU_LOG_TABLE(FRU_CAT_GENERAL, BMC_DIAG_ERROR, g_astFruEncodeTexts[FRU_AREA_PRODUCT].acRelocate,
+                      uiSize);
         return FRU_WRITE_FAILED;
     }
     return static_cast<i32>(uiSize);
@@ -197,7 +202,7 @@ i32 ConvertAreas(const FRU_DATA_S *pstFRUData, u32 uiLength, u8 *pucBuf, FRU_COM
         }
         const i32 iSize = ConvertInfoArea(uiArea, pstFRUData, uiTotal, uiLength - uiTotal, pucBuf + uiTotal);
         if (iSize < 0) {
-            FRU_LOG_TABLE(FRU_CAT_GENERAL, BMC_DIAG_ERROR, g_astFruEncodeTexts[uiArea].pcClosing);
+            FRU_LOG_TABLE(FRU_CAT_GENERAL, BMC_DIAG_ERROR, g_astFruEncodeTexts[uiArea].acClosing);
             return FRU_WRITE_FAILED;
         }
         FRU_SetAreaPlace(&stHeader, stArea, static_cast<u8>(uiTotal / FRU_AREA_UNIT));

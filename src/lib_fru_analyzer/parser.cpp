@@ -67,18 +67,18 @@ u32 CheckArea(u32 uiArea, u32 uiOffset, u32 uiLength, FRU_READER_S &stReader, FR
     const u8 ucVersion = FRU_ReadByte(stReader);
     *FRU_MemberAt(pstFRUData, stArea.usVersion) = ucVersion;
     if (ucVersion != FRU_AREA_VERSION) {
-        FRU_LOG_TABLE(FRU_CAT_GENERAL, BMC_DIAG_ERROR, stTexts.pcVersion, ucVersion);
+        FRU_LOG_TABLE(FRU_CAT_GENERAL, BMC_DIAG_ERROR, stTexts.acVersion, ucVersion);
         return FRU_ERR_FAILED;
     }
     const u32 uiUnits = FRU_ReadByte(stReader);
     *FRU_MemberAt(pstFRUData, stArea.usAreaLength) = static_cast<u8>(uiUnits);
     // Intended: an area that ends with the image's last byte is refused.
     if ((uiUnits + uiOffset) * FRU_AREA_UNIT >= uiLength) {
-        FRU_LOG_TABLE(FRU_CAT_GENERAL, BMC_DIAG_ERROR, stTexts.pcSize, uiUnits, uiOffset, uiLength);
+        FRU_LOG_TABLE(FRU_CAT_GENERAL, BMC_DIAG_ERROR, stTexts.acSize, uiUnits, uiOffset, uiLength);
         return FRU_ERR_FAILED;
     }
     if (BMC_CheckZeroSum(pucStart, uiUnits * FRU_AREA_UNIT) != 0U) {
-        FRU_LOG_TABLE(FRU_CAT_GENERAL, BMC_DIAG_ERROR, stTexts.pcZeroSum);
+        FRU_LOG_TABLE(FRU_CAT_GENERAL, BMC_DIAG_ERROR, stTexts.acZeroSum);
         return FRU_ERR_FAILED;
     }
     return FRU_OK;
@@ -123,7 +123,7 @@ u32 GetInfoArea(u32 uiArea, u32 uiOffset, const u8 *pucBuff, u32 uiLength, FRU_D
     const FRU_DECODE_TEXTS_S &stTexts = g_astFruDecodeTexts[uiArea];
     const u32 uiStart = uiOffset * FRU_AREA_UNIT;
     if (uiStart >= uiLength) {
-        FRU_LOG_TABLE(FRU_CAT_GENERAL, BMC_DIAG_ERROR, stTexts.pcStart, uiOffset, uiLength);
+        FRU_LOG_TABLE(FRU_CAT_GENERAL, BMC_DIAG_ERROR, stTexts.acStart, uiOffset, uiLength);
         return FRU_ERR_FAILED;
     }
     const u8 *pucStart = pucBuff + uiStart;
@@ -133,15 +133,15 @@ u32 GetInfoArea(u32 uiArea, u32 uiOffset, const u8 *pucBuff, u32 uiLength, FRU_D
     }
     for (u32 uiField = stArea.ucFirstField; uiField < stArea.ucEndField; ++uiField) {
         if (GetField(uiField, stReader, pstFRUData) != FRU_OK) {
-            FRU_LOG_TABLE(FRU_CAT_GENERAL, BMC_DIAG_ERROR, g_astFruFieldTexts[uiField].pcDecode);
+            FRU_LOG_TABLE(FRU_CAT_GENERAL, BMC_DIAG_ERROR, FRU_DecodeTextOf(uiField));
             return FRU_ERR_FAILED;
         }
     }
     const u32 uiAreaSize = *FRU_MemberAt(pstFRUData, stArea.usAreaLength) * FRU_AREA_UNIT;
     const u32 uiUsed = static_cast<u32>(stReader.pucCursor - pucStart);
     const u32 uiRet = FRU_GetCustomFields(uiArea, stReader, uiUsed, uiAreaSize, pstFRUData);
-    if (uiRet != FRU_OK && stTexts.pcCustomClosing != nullptr) {
-        FRU_LOG_TABLE(FRU_CAT_GENERAL, BMC_DIAG_ERROR, stTexts.pcCustomClosing);
+    if (uiRet != FRU_OK && stTexts.acCustomClosing[0] != '\0') {
+        FRU_LOG_TABLE(FRU_CAT_GENERAL, BMC_DIAG_ERROR, stTexts.acCustomClosing);
     }
     return uiRet;
 }
@@ -184,7 +184,7 @@ u32 FRU_ANALYZER_InterpretFRUData(const u8 *pucBuff, u32 uiLength, FRU_DATA_S *p
     for (u32 uiArea = 0; uiArea < FRU_AREA_COUNT; ++uiArea) {
         const u32 uiOffset = FRU_AreaPlace(pstFRUData, g_astFruArea[uiArea]);
         if (uiOffset != 0U && GetInfoArea(uiArea, uiOffset, pucBuff, uiLength, pstFRUData) != FRU_OK) {
-            FRU_LOG_TABLE(FRU_CAT_GENERAL, BMC_DIAG_ERROR, g_astFruDecodeTexts[uiArea].pcClosing);
+            FRU_LOG_TABLE(FRU_CAT_GENERAL, BMC_DIAG_ERROR, g_astFruDecodeTexts[uiArea].acClosing);
             return LIB_FRU_ERR_READ;
         }
     }

@@ -4,6 +4,7 @@
 
 #include <cstring>
 
+#include "common/text.h"
 #include "lib_fru_analyzer/fields.h"
 #include "lib_fru_assembly.h"
 #include "lib_fru_cache.h"
@@ -15,12 +16,11 @@ namespace {
 constexpr u32 g_uiImageLen = 256;
 constexpr u32 g_uiMaxTexts = 6;
 
-// One text of an area. The rows stand in the order in which the buffers are allocated, not in the image's.
+// One text of an area.
 struct TEXT_ROW_S
 {
     u8 ucSlot;
     FRU_FIELD_ID eField;
-    const char *pcNullFormat;
 };
 
 struct ASSEMBLED_AREA_S
@@ -30,10 +30,20 @@ struct ASSEMBLED_AREA_S
     u8 ucFirstSlot;
     u8 ucLastSlot;
     u8 ucTexts;
+    // In the order in which the buffers are allocated, not in the image's; the file ID follows them.
     TEXT_ROW_S astText[g_uiMaxTexts];
     FRU_FIELD_ID eFileID;
-    const char *pcFileIDNullFormat;
+    const char *pcNullFormats; // of these buffers, one text behind the other
 };
+
+// clang-format off
+constexpr char g_acBoardNullFormats[] =
+    FRU_NULL_FORMAT("pstBoardInfo->pucBoardMfr") "\0"
+    FRU_NULL_FORMAT("pstBoardInfo->pucBoardPartNum") "\0"
+    FRU_NULL_FORMAT("pstBoardInfo->pucBoardProductName") "\0"
+    FRU_NULL_FORMAT("pstBoardInfo->pucBoardSerialNum") "\0"
+    FRU_NULL_FORMAT("pstBoardInfo->pucFRUFileID") "\0";
+// clang-format on
 
 constexpr ASSEMBLED_AREA_S g_stBoardArea = {
     "FRU_AssembleBoardInfo",
@@ -42,18 +52,26 @@ constexpr ASSEMBLED_AREA_S g_stBoardArea = {
     FRU_ASSEMBLE_BOARD_PART_NUMBER,
     4,
     {
-        {FRU_ASSEMBLE_BOARD_MANUFACTURER, FRU_FIELD_BOARD_MANUFACTURER,
-         FRU_NULL_FORMAT("pstBoardInfo->pucBoardMfr")},
-        {FRU_ASSEMBLE_BOARD_PART_NUMBER, FRU_FIELD_BOARD_PART,
-         FRU_NULL_FORMAT("pstBoardInfo->pucBoardPartNum")},
-        {FRU_ASSEMBLE_BOARD_PRODUCT_NAME, FRU_FIELD_BOARD_NAME,
-         FRU_NULL_FORMAT("pstBoardInfo->pucBoardProductName")},
-        {FRU_ASSEMBLE_BOARD_SERIAL_NUMBER, FRU_FIELD_BOARD_SERIAL,
-         FRU_NULL_FORMAT("pstBoardInfo->pucBoardSerialNum")},
+        {FRU_ASSEMBLE_BOARD_MANUFACTURER, FRU_FIELD_BOARD_MANUFACTURER},
+        {FRU_ASSEMBLE_BOARD_PART_NUMBER, FRU_FIELD_BOARD_PART},
+        {FRU_ASSEMBLE_BOARD_PRODUCT_NAME, FRU_FIELD_BOARD_NAME},
+        {FRU_ASSEMBLE_BOARD_SERIAL_NUMBER, FRU_FIELD_BOARD_SERIAL},
     },
     FRU_FIELD_BOARD_FILE_ID,
-    FRU_NULL_FORMAT("pstBoardInfo->pucFRUFileID"),
+    g_acBoardNullFormats,
 };
+static_assert(FRU_CountTexts(g_acBoardNullFormats) == g_stBoardArea.ucTexts + 1U);
+
+// clang-format off
+constexpr char g_acProductNullFormats[] =
+    FRU_NULL_FORMAT("pstProductInfo->pucMfrName") "\0"
+    FRU_NULL_FORMAT("pstProductInfo->pucProductName") "\0"
+    FRU_NULL_FORMAT("pstProductInfo->pucProductPartNum") "\0"
+    FRU_NULL_FORMAT("pstProductInfo->pucProductVersion") "\0"
+    FRU_NULL_FORMAT("pstProductInfo->pucAssetTag") "\0"
+    FRU_NULL_FORMAT("pstProductInfo->pucProductSerialNum") "\0"
+    FRU_NULL_FORMAT("pstProductInfo->pucFRUFileID") "\0";
+// clang-format on
 
 constexpr ASSEMBLED_AREA_S g_stProductArea = {
     "FRU_AssembleProductInfo",
@@ -62,22 +80,17 @@ constexpr ASSEMBLED_AREA_S g_stProductArea = {
     FRU_ASSEMBLE_PRODUCT_ASSET_TAG,
     6,
     {
-        {FRU_ASSEMBLE_PRODUCT_MANUFACTURER, FRU_FIELD_PRODUCT_MANUFACTURER,
-         FRU_NULL_FORMAT("pstProductInfo->pucMfrName")},
-        {FRU_ASSEMBLE_PRODUCT_NAME, FRU_FIELD_PRODUCT_NAME,
-         FRU_NULL_FORMAT("pstProductInfo->pucProductName")},
-        {FRU_ASSEMBLE_PRODUCT_PART_NUMBER, FRU_FIELD_PRODUCT_PART,
-         FRU_NULL_FORMAT("pstProductInfo->pucProductPartNum")},
-        {FRU_ASSEMBLE_PRODUCT_VERSION, FRU_FIELD_PRODUCT_VERSION,
-         FRU_NULL_FORMAT("pstProductInfo->pucProductVersion")},
-        {FRU_ASSEMBLE_PRODUCT_ASSET_TAG, FRU_FIELD_PRODUCT_ASSET_TAG,
-         FRU_NULL_FORMAT("pstProductInfo->pucAssetTag")},
-        {FRU_ASSEMBLE_PRODUCT_SERIAL_NUMBER, FRU_FIELD_PRODUCT_SERIAL,
-         FRU_NULL_FORMAT("pstProductInfo->pucProductSerialNum")},
+        {FRU_ASSEMBLE_PRODUCT_MANUFACTURER, FRU_FIELD_PRODUCT_MANUFACTURER},
+        {FRU_ASSEMBLE_PRODUCT_NAME, FRU_FIELD_PRODUCT_NAME},
+        {FRU_ASSEMBLE_PRODUCT_PART_NUMBER, FRU_FIELD_PRODUCT_PART},
+        {FRU_ASSEMBLE_PRODUCT_VERSION, FRU_FIELD_PRODUCT_VERSION},
+        {FRU_ASSEMBLE_PRODUCT_ASSET_TAG, FRU_FIELD_PRODUCT_ASSET_TAG},
+        {FRU_ASSEMBLE_PRODUCT_SERIAL_NUMBER, FRU_FIELD_PRODUCT_SERIAL},
     },
     FRU_FIELD_PRODUCT_FILE_ID,
-    FRU_NULL_FORMAT("pstProductInfo->pucFRUFileID"),
+    g_acProductNullFormats,
 };
+static_assert(FRU_CountTexts(g_acProductNullFormats) == g_stProductArea.ucTexts + 1U);
 
 bool IsNeeded(const ASSEMBLED_AREA_S &stArea, const FRU_ASSEMBLE_LABEL_S *pstFRULabel)
 {
@@ -96,13 +109,14 @@ u8 SizeOfText(const char *pcSlot)
     return uiLength == FRU_ASSEMBLE_SLOT_LEN ? u8{0} : static_cast<u8>(uiLength + 1U);
 }
 
-// A new buffer as the field's text; null was reported.
-bool AllocateInto(FRU_DATA_S *pstFRUData, FRU_FIELD_ID eField, u32 uiSize, const char *pcNullFormat,
-                  const char *pcFunction)
+// A new buffer, number uiBuffer of the area's, as the field's text; null was reported.
+bool AllocateInto(const ASSEMBLED_AREA_S &stArea, u32 uiBuffer, FRU_FIELD_ID eField, u32 uiSize,
+                  FRU_DATA_S *pstFRUData)
 {
-    u8 *pucText = static_cast<u8 *>(FRU_CALLOC_IN(1U, uiSize, pcFunction));
+    u8 *pucText = static_cast<u8 *>(FRU_CALLOC_IN(1U, uiSize, stArea.pcFunction));
     if (pucText == nullptr) {
-        FRU_ReportNull(pcNullFormat, FRU_DIAG_FILE, pcFunction, __LINE__);
+        FRU_ReportNull(FRU_NthText(stArea.pcNullFormats, uiBuffer), FRU_DIAG_FILE, stArea.pcFunction,
+                       __LINE__);
         return false;
     }
     FRU_StoreFieldText(pstFRUData, eField, pucText);
@@ -118,14 +132,13 @@ bool FillTexts(const ASSEMBLED_AREA_S &stArea, const FRU_ASSEMBLE_LABEL_S *pstFR
         *FRU_FieldSize(pstFRUData, stRow.eField) = SizeOfText(pstFRULabel->acSlot[stRow.ucSlot]);
     }
     for (u32 i = 0; i < stArea.ucTexts; ++i) {
-        const TEXT_ROW_S &stRow = stArea.astText[i];
-        if (!AllocateInto(pstFRUData, stRow.eField, *FRU_FieldSize(pstFRUData, stRow.eField),
-                          stRow.pcNullFormat, stArea.pcFunction)) {
+        const FRU_FIELD_ID eField = stArea.astText[i].eField;
+        if (!AllocateInto(stArea, i, eField, *FRU_FieldSize(pstFRUData, eField), pstFRUData)) {
             return false;
         }
     }
     // Its size byte stays 0.
-    if (!AllocateInto(pstFRUData, stArea.eFileID, 1U, stArea.pcFileIDNullFormat, stArea.pcFunction)) {
+    if (!AllocateInto(stArea, stArea.ucTexts, stArea.eFileID, 1U, pstFRUData)) {
         return false;
     }
     for (u32 i = 0; i < stArea.ucTexts; ++i) {

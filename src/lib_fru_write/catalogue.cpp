@@ -4,6 +4,7 @@
 
 #include <cstring>
 
+#include "common/text.h"
 #include "lib_fru_labels.h"
 #include "lib_fru_write/label_rows.h"
 #include "lib_fru_write/lib_fru_write_module.h"
@@ -22,14 +23,7 @@ constexpr u32 RowOfID(u32 uiLabelID)
 
 constexpr const char *NameOfID(u32 uiLabelID)
 {
-    const char *pcName = g_acNames;
-    for (u32 i = RowOfID(uiLabelID); i != 0U; --i) {
-        while (*pcName != '\0') {
-            ++pcName;
-        }
-        ++pcName;
-    }
-    return pcName;
+    return FRU_NthText(g_acNames, RowOfID(uiLabelID));
 }
 
 } // namespace

@@ -17,14 +17,13 @@ constexpr u16 Bytes(size_t uiBytes)
 }
 
 #define OEM_MEMBER(Member) Bytes(offsetof(FRU_OEM_CONF_S, Member)), Bytes(sizeof(FRU_OEM_CONF_S::Member))
-#define OEM_NUMBER(pcKey, eType, Member, uiMissingKey, uiMissingFile)                                        \
+#define OEM_NUMBER(acKey, eType, Member, uiMissingKey, uiMissingFile)                                        \
     {                                                                                                        \
-        (pcKey), (eType), g_stNoSource, OEM_MEMBER(Member), "", "", (uiMissingKey), (uiMissingFile)          \
+        acKey, "", "", (eType), g_stNoSource, OEM_MEMBER(Member), (uiMissingKey), (uiMissingFile)            \
     }
-#define OEM_TEXT(pcKey, Member, pcMissingKey, pcMissingFile, stSource)                                       \
+#define OEM_TEXT(acKey, Member, acMissingKey, acMissingFile, stSource)                                       \
     {                                                                                                        \
-        (pcKey), FRU_OEM_TYPE_E::TEXT, (stSource), OEM_MEMBER(Member), (pcMissingKey), (pcMissingFile), 0U,  \
-            0U                                                                                               \
+        acKey, acMissingKey, acMissingFile, FRU_OEM_TYPE_E::TEXT, (stSource), OEM_MEMBER(Member), 0U, 0U     \
     }
 
 constexpr FRU_OEM_SOURCE_S g_stNoSource = {0U, FRU_FIELD_COUNT, 0U};
@@ -97,7 +96,7 @@ void StoreText(const char *pcValue, u32 uiSize, u8 *pucMember)
 void StoreMissingFile(const FRU_OEM_KEY_S &stKey, u8 *pucMember)
 {
     if (stKey.eType == FRU_OEM_TYPE_E::TEXT) {
-        StoreText(stKey.pcMissingFile, stKey.usSize, pucMember);
+        StoreText(stKey.acMissingFile, stKey.usSize, pucMember);
     } else {
         StoreNumber(stKey.uiMissingFile, stKey.usSize, pucMember);
     }
@@ -106,12 +105,12 @@ void StoreMissingFile(const FRU_OEM_KEY_S &stKey, u8 *pucMember)
 void StoreKey(void *hpd, const FRU_OEM_KEY_S &stKey, u8 *pucMember)
 {
     if (stKey.eType == FRU_OEM_TYPE_E::TEXT) {
-        const char *pcValue = BRIDGE_IniGetStr(hpd, FRU_OEM_CONF_SECTION, stKey.pcKey, stKey.pcMissingKey);
-        StoreText(pcValue == nullptr ? stKey.pcMissingKey : pcValue, stKey.usSize, pucMember);
+        const char *pcValue = BRIDGE_IniGetStr(hpd, FRU_OEM_CONF_SECTION, stKey.acKey, stKey.acMissingKey);
+        StoreText(pcValue == nullptr ? stKey.acMissingKey : pcValue, stKey.usSize, pucMember);
         return;
     }
     const auto pfnGet = stKey.eType == FRU_OEM_TYPE_E::FLAG ? BRIDGE_IniGetBool : BRIDGE_IniGetUInt;
-    StoreNumber(pfnGet(hpd, FRU_OEM_CONF_SECTION, stKey.pcKey, stKey.uiMissingKey), stKey.usSize, pucMember);
+    StoreNumber(pfnGet(hpd, FRU_OEM_CONF_SECTION, stKey.acKey, stKey.uiMissingKey), stKey.usSize, pucMember);
 }
 
 // Fills an empty name from the FRU.

@@ -28,13 +28,13 @@ struct FRU_OEM_SOURCE_S
 // when the key is missing and when the whole file is.
 struct FRU_OEM_KEY_S
 {
-    const char *pcKey;
+    char acKey[20];
+    char acMissingKey[4];
+    char acMissingFile[4];
     FRU_OEM_TYPE_E eType;
     FRU_OEM_SOURCE_S stSource; // here it costs no padding
     u16 usOffset;
     u16 usSize;
-    const char *pcMissingKey;
-    const char *pcMissingFile;
     u32 uiMissingKey;
     u32 uiMissingFile;
 };

@@ -35,7 +35,7 @@ void ReplaceKey(void *hpd, const FRU_DATA_S &stData, const FRU_OEM_CONF_S &stCon
     const char *pcCurrent = reinterpret_cast<const char *>(FRU_MemberAt(&stConf, stKey.usOffset));
     const u8 *pucValue = nullptr;
     if (pcCurrent[0] != '\0' && FindValue(stData, stKey.stSource, &pucValue)) {
-        FRU_ReplaceOemConf(hpd, reinterpret_cast<const char *>(pucValue), pcCurrent, stKey.pcKey);
+        FRU_ReplaceOemConf(hpd, reinterpret_cast<const char *>(pucValue), pcCurrent, stKey.acKey);
     }
 }
 

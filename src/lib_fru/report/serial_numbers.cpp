@@ -2,60 +2,49 @@
 // One serial number of the baseboard or of the management card, along the normal or the direct path.
 #include "lib_fru/lib_fru_module.h"
 #include "lib_fru_access.h"
+#include "lib_fru_analyzer/fields.h"
 #include "lib_fru_codec.h"
 #include "lib_fru_hardware.h"
 
 namespace {
 
-const u8 *ChassisSerial(const FRU_DATA_S &stData)
+enum class PATH_E : u8
 {
-    return stData.stChassisInfo.pucChassisSerialNum;
-}
-
-const u8 *BoardSerial(const FRU_DATA_S &stData)
-{
-    return stData.stBoardInfo.pucBoardSerialNum;
-}
-
-const u8 *ProductSerial(const FRU_DATA_S &stData)
-{
-    return stData.stProductInfo.pucProductSerialNum;
-}
-
-u32 FetchNormally(u8 ucComponentType, FRU_DATA_S *pstFRUData)
-{
-    return LIB_FRU_GetFRUData(ucComponentType, FRU_INSTANCE_MAIN, FRU_READ_MODE_PLAIN, FRU_READ_ARG_USUAL,
-                              pstFRUData);
-}
-
-u32 FetchDirectly(u8 ucComponentType, FRU_DATA_S *pstFRUData)
-{
-    return LIB_FRU_GetBaseboardFRUDataByI2C(ucComponentType, pstFRUData);
-}
-
-// A serial number: how to have the record of which component, and where it is in there.
-struct SERIAL_SOURCE_S
-{
-    u32 (*pfnFetch)(u8 ucComponentType, FRU_DATA_S *pstFRUData);
-    u8 ucComponentType;
-    const u8 *(*pfnField)(const FRU_DATA_S &stData);
+    NORMAL, // device table, cache, device
+    DIRECT, // the device that the hardware description names
 };
 
-// Copies the serial number of a source into a caller's buffer; untouched when the record cannot be had.
-u32 CopySerial(const SERIAL_SOURCE_S &stSource, u32 uiSize, char *pcOut)
+// A serial number: along which path, in the record of which component, which field.
+struct SERIAL_S
+{
+    PATH_E ePath;
+    u8 ucComponentType;
+    FRU_FIELD_ID eField;
+};
+
+u32 Fetch(SERIAL_S stSerial, FRU_DATA_S *pstFRUData)
+{
+    return stSerial.ePath == PATH_E::DIRECT
+               ? LIB_FRU_GetBaseboardFRUDataByI2C(stSerial.ucComponentType, pstFRUData)
+               : LIB_FRU_GetFRUData(stSerial.ucComponentType, FRU_INSTANCE_MAIN, FRU_READ_MODE_PLAIN,
+                                    FRU_READ_ARG_USUAL, pstFRUData);
+}
+
+// Copies a serial number into a caller's buffer; untouched when the record cannot be had.
+u32 CopySerial(SERIAL_S stSerial, u32 uiSize, char *pcOut)
 {
     FRU_DATA_S stData = {};
-    const u32 uiRet = stSource.pfnFetch(stSource.ucComponentType, &stData);
+    const u32 uiRet = Fetch(stSerial, &stData);
     if (uiRet != FRU_OK) {
-        if (stSource.ucComponentType == FRU_COMPONENT_BMC_CARD) {
-            FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_WARNING, "Fail to get BMC card fru data! Ret:%#x", uiRet);
-        } else {
-            FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_WARNING, "Fail to get baseboard fru data! Ret:%#x", uiRet);
-        }
+        FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_WARNING,
+                stSerial.ucComponentType == FRU_COMPONENT_BMC_CARD
+                    ? "Fail to get BMC card fru data! Ret:%#x"
+                    : "Fail to get baseboard fru data! Ret:%#x",
+                uiRet);
         FRU_ANALYZER_SafeFree(&stData);
         return LIB_FRU_ERR_READ;
     }
-    (void)BMC_Strlcpy(pcOut, reinterpret_cast<const char *>(stSource.pfnField(stData)), uiSize);
+    (void)BMC_Strlcpy(pcOut, reinterpret_cast<const char *>(FRU_FieldText(&stData, stSerial.eField)), uiSize);
     FRU_ANALYZER_SafeFree(&stData);
     return FRU_OK;
 }
@@ -65,41 +54,44 @@ u32 CopySerial(const SERIAL_SOURCE_S &stSource, u32 uiSize, char *pcOut)
 u32 LIB_FRU_GetBaseboardChassisSN(u32 uiSize, char *pucChassisSN)
 {
     FRU_REQUIRE(pucChassisSN, LIB_FRU_ERR_NULL_POINTER);
-    return CopySerial({FetchNormally, FRU_COMPONENT_BASEBOARD, ChassisSerial}, uiSize, pucChassisSN);
+    return CopySerial({PATH_E::NORMAL, FRU_COMPONENT_BASEBOARD, FRU_FIELD_CHASSIS_SERIAL}, uiSize,
+                      pucChassisSN);
 }
 
 u32 LIB_FRU_GetBaseboardProductSN(u32 uiSize, char *pucProductSN)
 {
     FRU_REQUIRE(pucProductSN, LIB_FRU_ERR_NULL_POINTER);
-    return CopySerial({FetchNormally, FRU_COMPONENT_BASEBOARD, ProductSerial}, uiSize, pucProductSN);
+    return CopySerial({PATH_E::NORMAL, FRU_COMPONENT_BASEBOARD, FRU_FIELD_PRODUCT_SERIAL}, uiSize,
+                      pucProductSN);
 }
 
 u32 LIB_FRU_GetMainBoardSN(u32 uiSize, char *pucBoardSN)
 {
     FRU_REQUIRE(pucBoardSN, LIB_FRU_ERR_NULL_POINTER);
-    return CopySerial({FetchNormally, FRU_COMPONENT_BASEBOARD, BoardSerial}, uiSize, pucBoardSN);
+    return CopySerial({PATH_E::NORMAL, FRU_COMPONENT_BASEBOARD, FRU_FIELD_BOARD_SERIAL}, uiSize, pucBoardSN);
 }
 
 u32 LIB_FRU_GetBmcCardSN(u32 uiSize, char *pucBoardSN)
 {
     FRU_REQUIRE(pucBoardSN, LIB_FRU_ERR_NULL_POINTER);
-    return CopySerial({FetchNormally, FRU_COMPONENT_BMC_CARD, BoardSerial}, uiSize, pucBoardSN);
+    return CopySerial({PATH_E::NORMAL, FRU_COMPONENT_BMC_CARD, FRU_FIELD_BOARD_SERIAL}, uiSize, pucBoardSN);
 }
 
 u32 LIB_FRU_GetBaseboardProductSNByI2C(u32 uiSize, char *pucProductSN)
 {
     FRU_REQUIRE(pucProductSN, LIB_FRU_ERR_NULL_POINTER);
-    return CopySerial({FetchDirectly, FRU_COMPONENT_BASEBOARD, ProductSerial}, uiSize, pucProductSN);
+    return CopySerial({PATH_E::DIRECT, FRU_COMPONENT_BASEBOARD, FRU_FIELD_PRODUCT_SERIAL}, uiSize,
+                      pucProductSN);
 }
 
 u32 LIB_FRU_GetMainBoardSNByI2C(u32 uiSize, char *pucBoardSN)
 {
     FRU_REQUIRE(pucBoardSN, LIB_FRU_ERR_NULL_POINTER);
-    return CopySerial({FetchDirectly, FRU_COMPONENT_BASEBOARD, BoardSerial}, uiSize, pucBoardSN);
+    return CopySerial({PATH_E::DIRECT, FRU_COMPONENT_BASEBOARD, FRU_FIELD_BOARD_SERIAL}, uiSize, pucBoardSN);
 }
 
 u32 LIB_FRU_GetBmcCardSNByI2C(u32 uiSize, char *pucBoardSN)
 {
     FRU_REQUIRE(pucBoardSN, LIB_FRU_ERR_NULL_POINTER);
-    return CopySerial({FetchDirectly, FRU_COMPONENT_BMC_CARD, BoardSerial}, uiSize, pucBoardSN);
+    return CopySerial({PATH_E::DIRECT, FRU_COMPONENT_BMC_CARD, FRU_FIELD_BOARD_SERIAL}, uiSize, pucBoardSN);
 }

@@ -36,6 +36,17 @@ TEST(MemberText, AMemberIsCopiedUpToItsNulOrItsEnd)
     EXPECT_STREQ(acCopy, "");
 }
 
+TEST(TextRow, TextsAreCountedAndFoundByTheirPlace)
+{
+    constexpr char acTexts[] = "first\0"
+                               "\0"
+                               "third\0";
+    static_assert(FRU_CountTexts(acTexts) == 3U);
+    EXPECT_STREQ(FRU_NthText(acTexts, 0U), "first");
+    EXPECT_STREQ(FRU_NthText(acTexts, 1U), "");
+    EXPECT_STREQ(FRU_NthText(acTexts, 2U), "third");
+}
+
 TEST(MemberText, ATerminatorCountsOnlyInsideTheMember)
 {
     EXPECT_TRUE(FRU_IsTerminated(Text("012").get(), 4U));

@@ -68,9 +68,16 @@ TEST(Fields, EveryFieldBelongsToOneArea)
 TEST(Fields, EveryFieldHasItsMessages)
 {
     for (u32 i = 0; i < FRU_FIELD_COUNT; ++i) {
-        EXPECT_EQ(g_astFruFieldTexts[i].pcDecode == nullptr, g_astFruField[i].ucKind == FRU_KIND_BYTES) << i;
-        EXPECT_NE(g_astFruFieldTexts[i].pcEncode, nullptr) << i;
+        EXPECT_EQ(FRU_DecodeTextOf(i)[0] == '\0', g_astFruField[i].ucKind == FRU_KIND_BYTES) << i;
+        EXPECT_NE(FRU_EncodeTextOf(i)[0], '\0') << i;
     }
+    // The first, one behind fields without a text, and the last.
+    EXPECT_STREQ(FRU_DecodeTextOf(FRU_FIELD_CHASSIS_TYPE),
+                 "Failed to get chassis type desc in ChassisInfoArea!");
+    EXPECT_STREQ(FRU_DecodeTextOf(FRU_FIELD_PRODUCT_MANUFACTURER),
+                 "Failed to get MfrName while in ProductInfoArea!");
+    EXPECT_STREQ(FRU_EncodeTextOf(FRU_FIELD_PRODUCT_FILE_ID),
+                 "Error FRUFileID while converting ProductInfoArea.");
 }
 
 TEST(Fields, PointersGoInAndOutAtUnalignedOffsets)
