@@ -37,6 +37,8 @@ u32 FRU_WriteLabelToFile(const char *pcWriteBuf, u32 uiLength)
     // is no failure.
     (void)setvbuf(pstFile, nullptr, _IONBF, 0U);
     struct stat stStat = {};
+    // No size or inode number may be too long to be told, on 32 bits either: the file is empty by now.
+    static_assert(sizeof(stStat.st_size) == 8U && sizeof(stStat.st_ino) == 8U);
     if (fstat(fileno(pstFile), &stStat) != 0) {
         FRU_LOG(FRU_CAT_GENERAL, BMC_DIAG_WARNING, "file stat get fail.");
         CloseFile(pstFile, __func__, __LINE__);

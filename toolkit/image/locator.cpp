@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <array>
 
+#include "lib_fru_access.h"
+
 namespace {
 
 constexpr u8 SDR_VERSION = 0x51U;
@@ -14,8 +16,6 @@ constexpr u8 LOGICAL_DEVICE = 0x80U;  // reached through Read and Write FRU Data
 constexpr u8 DEVICE_TYPE_FRU = 0x10U; // FRU inventory device behind a management controller
 constexpr u8 NAME_ASCII = 0xC0U;
 
-constexpr u8 COMPONENT_BASEBOARD = 0x00U;
-constexpr u8 COMPONENT_BMC_CARD = 0x30U;
 constexpr u8 ENTITY_UNSPECIFIED = 0x00U;
 constexpr u8 ENTITY_MANAGEMENT_MODULE = 0x06U;
 constexpr u8 ENTITY_SYSTEM_BOARD = 0x07U;
@@ -23,10 +23,10 @@ constexpr u8 ENTITY_INSTANCE_MAX = 0x5FU; // above it an instance is relative to
 
 u8 EntityOf(u8 ucComponentType)
 {
-    if (ucComponentType == COMPONENT_BASEBOARD) {
+    if (ucComponentType == FRU_COMPONENT_BASEBOARD) {
         return ENTITY_SYSTEM_BOARD;
     }
-    return ucComponentType == COMPONENT_BMC_CARD ? ENTITY_MANAGEMENT_MODULE : ENTITY_UNSPECIFIED;
+    return ucComponentType == FRU_COMPONENT_BMC_CARD ? ENTITY_MANAGEMENT_MODULE : ENTITY_UNSPECIFIED;
 }
 
 } // namespace
