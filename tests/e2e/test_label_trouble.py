@@ -14,7 +14,7 @@ class Trouble(LabelTest):
         pathEeprom.chmod(0o444)
         strLine = self.Bad(1, "label", "set", "psu1", "Product Asset Tag=RACK7", "Product Version=A2")
         self.assertRegex(strLine, r"^'Product Asset Tag' of psu1 \(0x03:0\) could not be written: the EEPROM holds other bytes than were to be written, from byte 0x[0-9a-f]{4} on "
-                                  r"\(0x.., not 0x..\) \(the library says: .*\); not written: 'Product Version'$")
+                                  r"\(0x.., not 0x..\) \(the library says: .*\); what was there before is put back$")
         self.assertEqual(pathEeprom.read_bytes(), abBefore)
         self.assertEqual(self.OperationLog(), [(17, 67, "Failed to set psu1 FRU.", 12)])
         pathEeprom.chmod(0o644)

@@ -26,11 +26,10 @@ class Writers(LabelTest):
             fStart = time.monotonic()
             stProcess = subprocess.Popen([*COMMAND, "--root", str(self.pathRoot), "label", "set", "psu1", "Product Version", "A3"], stdout=subprocess.DEVNULL,
                                          stderr=subprocess.DEVNULL)
-            self.Good("label", "set", "psu1", "Product Version", "A4", "--dry-run")  # reads do not wait
             self.assertEqual(self.Bad(1, "label", "set", "psu1", "Product Version", "A5"),
                              f"another command is writing to {self.pathRoot}: pid 4711, fructl label set baseboard; try again when it is done")
             self.assertEqual(stProcess.wait(), 1)
-            self.assertGreaterEqual(time.monotonic() - fStart, 2.0)
+            self.assertGreaterEqual(time.monotonic() - fStart, 9.0)
         self.assertEqual(self.Json("show", "psu1")["product"]["version"], "A2")
 
     def test_writers_at_the_same_time_lose_nothing(self):
@@ -40,7 +39,7 @@ class Writers(LabelTest):
         def SetWhenItMay(i):
             """On a busy machine the others may hold the lock for longer than a writer waits."""
             stResult = self.Fructl("label", "set", "psu1", listNames[i], f"w{i}")
-            while "another command is writing" in stResult.strErr:
+            while "another command is " in stResult.strErr:
                 stResult = self.Fructl("label", "set", "psu1", listNames[i], f"w{i}")
             return stResult.iCode
 
@@ -63,9 +62,10 @@ class Writers(LabelTest):
             time.sleep(0.2)
             self.assertIsNone(stProcess.poll())
         self.assertEqual(stProcess.wait(), -signal.SIGINT)
-        # The label that was being written is in the device, the cache and the log; the next one was not begun.
-        self.assertEqual([self.Json("show", "psu1")["product"][strKey] for strKey in ("version", "assetTag")], ["A7", ""])
-        self.assertEqual([s[2] for s in self.OperationLog()], ["Set psu1 FRU successfully, psu1 Product Version: A7."])
+        # All labels of the command are in the device, the cache and the log: it is all or nothing.
+        self.assertEqual([self.Json("show", "psu1")["product"][strKey] for strKey in ("version", "assetTag")], ["A7", "RACK7"])
+        self.assertEqual([s[2] for s in self.OperationLog()],
+                         ["Set psu1 FRU successfully, psu1 Product Version: A7.", "Set psu1 FRU successfully, psu1 Product Asset Tag: RACK7."])
         self.Good("verify", "psu1")
 
     def WaitsForLock(self, iPid, pathLock):

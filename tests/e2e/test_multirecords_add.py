@@ -125,8 +125,8 @@ nothing was written; without --dry-run: 2 device writes
         (self.pathRoot / "var/lock").mkdir(parents=True, exist_ok=True)
         with open(self.pathRoot / "var/lock/fructl.lock", "w", encoding="ascii") as stLock:
             fcntl.flock(stLock, fcntl.LOCK_EX)
-            self.assertIn("another command is writing", self.Bad(1, "mr", "add", "system-url=u"))
-            self.Good("mr", "add", "system-url=u", "--dry-run")
+            self.assertIn("another command is reading or writing", self.Bad(1, "mr", "add", "system-url=u"))
+            self.assertIn("another command is reading or writing", self.Bad(1, "mr", "add", "system-url=u", "--dry-run"))
 
 
 if __name__ == "__main__":

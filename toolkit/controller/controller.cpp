@@ -6,6 +6,7 @@
 #include "bmcfru_host.h"
 #include "toolkit/base/error.h"
 #include "toolkit/base/text.h"
+#include "toolkit/controller/root_lock.h"
 
 void OpenController(CONTROLLER_S &stController)
 {
@@ -21,6 +22,13 @@ void RequireOwnRoot(const CONTROLLER_S &stController)
     if (!stController.bForeignRoot && BMCHOST_IsForeignRoot() != 0U) {
         Fail(EscapeText(stController.strRoot) +
              " belongs to another user, so nothing is written there; --foreign-root writes all the same");
+    }
+}
+
+void CONTROLLER_S::Warn(const std::string &strLine) const
+{
+    if (fnWarn) {
+        fnWarn(strLine);
     }
 }
 
@@ -40,6 +48,9 @@ void RequireController(const CONTROLLER_S &stController)
     if (!HasController(stController)) {
         Fail("there is no controller in " + stController.strRoot +
              "; 'fructl provision FILE' makes one, --root or $FRUCTL_ROOT names another");
+    }
+    if (stController.pstReadLock == nullptr && !stController.bWriting) {
+        stController.pstReadLock = std::make_shared<ReadLock>(stController);
     }
 }
 

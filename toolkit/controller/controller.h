@@ -4,8 +4,11 @@
 #define TOOLKIT_CONTROLLER_CONTROLLER_H
 
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
+
+class ReadLock;
 
 struct CONTROLLER_S
 {
@@ -13,16 +16,22 @@ struct CONTROLLER_S
     std::string strCommandLine;                             // who works there, for the lock file
     std::function<void(const std::string &strLine)> fnWarn; // of what is no failure; may be empty
     bool bForeignRoot = false;                              // also write to somebody else's directory
+    unsigned uiWaitMs = 10000;                              // for other commands to be done
+    mutable std::shared_ptr<ReadLock> pstReadLock;          // since RequireController()
+    mutable bool bWriting = false; // a RootLock lives
+
+    void Warn(const std::string &strLine) const;
 };
 
 // Points the platform to the root directory, and fills in which one it is.
 void OpenController(CONTROLLER_S &stController);
 
-// True when the root holds a controller's database. Asked before the database is opened, which would make it. Fails
-// when there is one that cannot be used, with the reason.
+// True when the root holds a controller's database. Asked before the database is opened, which would make
+// it. Fails when there is one that cannot be used, with the reason.
 bool HasController(const CONTROLLER_S &stController);
 
-// Fails with a helpful line when there is none.
+// Fails with a helpful line when there is none. From then on no other command writes to it, until the
+// controller is locked for writing or goes.
 void RequireController(const CONTROLLER_S &stController);
 
 // Fails when the root belongs to somebody else and that was not asked for. Asked before anything is written.

@@ -8,32 +8,92 @@
 #include "toolkit/base/error.h"
 #include "toolkit/base/file.h"
 #include "toolkit/base/text.h"
+#include "toolkit/controller/mend.h"
 
 namespace {
 
 constexpr const char *LOCK_FILE = BMCHOST_LOCK_DIR "/fructl.lock";
-constexpr unsigned PATIENCE_MS = 2000U;
 
-} // namespace
-
-RootLock::RootLock(const CONTROLLER_S &stController)
+files::PLACE_S PlaceOf(const CONTROLLER_S &stController, const char *pcPath)
 {
+    return {stController.strRoot, pcPath};
+}
+
+[[noreturn]] void FailBusy(const CONTROLLER_S &stController, const files::LockFile &stFile)
+{
+    const std::string strHolder = EscapeText(stFile.Holder());
+    // Readers share the lock and leave no name in it.
+    Fail("another command is " + std::string(strHolder.empty() ? "reading or writing in " : "writing to ") +
+         stController.strRoot + (strHolder.empty() ? "" : ": " + strHolder) + "; try again when it is done");
+}
+
+void Take(const CONTROLLER_S &stController, files::LockFile &stFile)
+{
+    const files::PLACE_S stPlace = PlaceOf(stController, LOCK_FILE);
     RequireOwnRoot(stController);
-    const files::PLACE_S stPlace(stController.strRoot, LOCK_FILE);
     MakeParentDirectory(stPlace);
-    int iError = m_stLock.Take(stPlace, PATIENCE_MS);
+    int iError = stFile.Take(stPlace, stController.uiWaitMs);
     if (iError == ETIMEDOUT) {
-        const std::string strHolder = m_stLock.Holder();
-        Fail("another command is writing to " + stController.strRoot + ": " +
-             (strHolder.empty() ? "a process that has not said its name yet" : EscapeText(strHolder)) +
-             "; try again when it is done");
+        FailBusy(stController, stFile);
     }
     if (iError != 0) {
         Fail("cannot take the lock " + stPlace.Text() + ": " + files::Reason(iError));
     }
-    iError = m_stLock.SetHolder(Format("pid %d, %s", getpid(), stController.strCommandLine.c_str()));
-    if (iError != 0 && stController.fnWarn) {
+    iError = stFile.SetHolder(Format("pid %d, ", getpid()) + stController.strCommandLine);
+    if (iError != 0) {
         // The lock holds all the same; only the other side's message would be poorer.
-        stController.fnWarn("cannot write into " + stPlace.Text() + ": " + files::Reason(iError));
+        stController.Warn("cannot write into " + stPlace.Text() + ": " + files::Reason(iError));
     }
+}
+
+} // namespace
+
+RootLock::RootLock(const CONTROLLER_S &stController) : m_stController(stController)
+{
+    stController.pstReadLock.reset(); // it would keep us waiting for ourselves
+    Take(stController, m_stFile);
+    for (const MENDED_S &stMended : MendAll()) {
+        stController.Warn(stMended.strLine);
+        for (const u8 ucDeviceID : stMended.vecDeviceIDs) {
+            if (stMended.enMended == Mended::Stuck) {
+                m_vecStuck.emplace_back(ucDeviceID, stMended.strLine);
+            }
+        }
+    }
+    stController.bWriting = true;
+}
+
+RootLock::~RootLock()
+{
+    m_stController.bWriting = false;
+}
+
+void RootLock::RequireMended(u8 ucDeviceID) const
+{
+    for (const auto &[ucStuckID, strLine] : m_vecStuck) {
+        if (ucStuckID == ucDeviceID) {
+            Fail(strLine);
+        }
+    }
+}
+
+ReadLock::ReadLock(const CONTROLLER_S &stController)
+{
+    if (HasJournal()) {
+        try {
+            const RootLock stWriter(stController);
+        } catch (const Error &stError) {
+            stController.Warn(std::string("a write was cut short and is not mended: ") + stError.what());
+        }
+    }
+    // Whoever may not even read the lock reads without it; so does who finds none, for nobody has written
+    // yet.
+    if (m_stFile.Share(PlaceOf(stController, LOCK_FILE), stController.uiWaitMs) == ETIMEDOUT) {
+        FailBusy(stController, m_stFile);
+    }
+}
+
+void ReadLock::Release()
+{
+    m_stFile.Release();
 }

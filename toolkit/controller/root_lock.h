@@ -1,20 +1,55 @@
 // SPDX-License-Identifier: Apache-2.0
-// One writer at a time.
+// One writer at a time, and readers who see no image half written.
 #ifndef TOOLKIT_CONTROLLER_ROOT_LOCK_H
 #define TOOLKIT_CONTROLLER_ROOT_LOCK_H
 
+#include <string>
+#include <utility>
+#include <vector>
+
 #include "files/files.h"
+#include "lib_fru_types.h"
 #include "toolkit/controller/controller.h"
 
 // Held while somebody writes to the controller. Its file names the holder.
 class RootLock
 {
   public:
-    // Waits two seconds for another writer, then fails with who holds it. Fails as RequireOwnRoot() does.
+    // Waits for other writers and readers as long as the controller's uiWaitMs says, then fails with who
+    // holds it. Before it returns, writes that were cut short are mended, and told of to fnWarn.
+    // Fails as RequireOwnRoot() does.
     explicit RootLock(const CONTROLLER_S &stController);
+    ~RootLock();
+    RootLock(const RootLock &) = delete;
+    RootLock &operator=(const RootLock &) = delete;
+
+    // Fails when a write to the device was cut short and could not be mended: nobody writes over that.
+    void RequireMended(u8 ucDeviceID) const;
+
+    const CONTROLLER_S &Controller() const
+    {
+        return m_stController;
+    }
 
   private:
-    files::LockFile m_stLock;
+    const CONTROLLER_S &m_stController;
+    files::LockFile m_stFile;
+    std::vector<std::pair<u8, std::string>> m_vecStuck; // device ID, the line that tells
+};
+
+// Held while a command reads: no writer is at work meanwhile. A RootLock takes its place while that lives.
+class ReadLock
+{
+  public:
+    // Mends first what was cut short, as far as the user may write. A root in which nobody can write, or
+    // where the user may not lock, is read as it is.
+    explicit ReadLock(const CONTROLLER_S &stController);
+
+    // For commands that go on for long: what they read from then on may be half written.
+    void Release();
+
+  private:
+    files::LockFile m_stFile;
 };
 
 #endif

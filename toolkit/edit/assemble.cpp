@@ -7,6 +7,7 @@
 #include "lib_fru.h"
 #include "toolkit/base/error.h"
 #include "toolkit/base/text.h"
+#include "toolkit/edit/transaction.h"
 #include "toolkit/image/fields.h"
 #include "toolkit/image/record.h"
 
@@ -147,12 +148,12 @@ CHANGE_S PlanAssembly(const DEVICE_S &stDevice, const std::vector<NAME_VALUE_S> 
     return PlanCachedRecord(stDevice, "these texts", stRecord, false);
 }
 
-void Assemble(const DEVICE_S &stDevice, const std::vector<NAME_VALUE_S> &vecGiven)
+static void Build(const DEVICE_S &stDevice, const std::vector<NAME_VALUE_S> &vecGiven,
+                  const CHANGE_S &stChange)
 {
     const FRU_ASSEMBLE_LABEL_S stLabels = LabelsOf(vecGiven);
-    const OUTCOME_S stOutcome =
-        ApplyChange(PlanAssembly(stDevice, vecGiven), "assembling " + stDevice.Title(), nullptr,
-                    [&] { return FRU_AssembleBin(&stDevice.stInfo, &stLabels); });
+    const OUTCOME_S stOutcome = ApplyChange(stChange, "assembling " + stDevice.Title(), nullptr,
+                                            [&] { return FRU_AssembleBin(&stDevice.stInfo, &stLabels); });
     if (stOutcome.uiStatus != FRU_OK) {
         Fail("no image for " + stDevice.Title() + " could be assembled: " + StatusText(stOutcome.uiStatus) +
              stOutcome.Hint() + "; the cache is as it was");
@@ -160,4 +161,10 @@ void Assemble(const DEVICE_S &stDevice, const std::vector<NAME_VALUE_S> &vecGive
     if (!stOutcome.strHomeDiffers.empty()) {
         Fail("the library reports success, but " + stOutcome.strHomeDiffers + stOutcome.Hint());
     }
+}
+
+void Assemble(const RootLock &stLock, const DEVICE_S &stDevice, const std::vector<NAME_VALUE_S> &vecGiven)
+{
+    const CHANGE_S stChange = PlanAssembly(stDevice, vecGiven);
+    RunTransaction(stLock, stChange, {}, [&] { Build(stDevice, vecGiven, stChange); });
 }

@@ -7,6 +7,7 @@
 
 #include "toolkit/base/name_value.h"
 #include "toolkit/controller/device.h"
+#include "toolkit/controller/root_lock.h"
 #include "toolkit/edit/change.h"
 
 // The texts that it can be made from.
@@ -19,6 +20,6 @@ void CheckAssembly(const DEVICE_S &stDevice, const std::vector<NAME_VALUE_S> &ve
 CHANGE_S PlanAssembly(const DEVICE_S &stDevice, const std::vector<NAME_VALUE_S> &vecGiven);
 
 // Makes it. Fails when the cache does not hold it afterwards.
-void Assemble(const DEVICE_S &stDevice, const std::vector<NAME_VALUE_S> &vecGiven);
+void Assemble(const RootLock &stLock, const DEVICE_S &stDevice, const std::vector<NAME_VALUE_S> &vecGiven);
 
 #endif

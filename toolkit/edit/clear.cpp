@@ -5,16 +5,21 @@
 #include "toolkit/base/error.h"
 #include "toolkit/base/text.h"
 #include "toolkit/controller/operate_log.h"
+#include "toolkit/controller/serial_file.h"
 #include "toolkit/edit/change.h"
+#include "toolkit/edit/transaction.h"
 #include "toolkit/edit/uninterrupted.h"
 #include "toolkit/image/erased.h"
 
-std::string ClearDevice(const DEVICE_S &stDevice, ProgressView *pstView)
+namespace {
+
+constexpr u32 CLEARED_SERIAL_LEN = 80U; // the library clears the serial-number file by so many zero bytes
+
+std::string Erase(const DEVICE_S &stDevice, const CHANGE_S &stChange, ProgressView *pstView)
 {
     FRU_CLEAR_PARA_S stPara = {};
     stPara.ucComponentType = stDevice.stEntry.ucComponentType;
     stPara.ucInstance = stDevice.stEntry.ucInstance;
-    const CHANGE_S stChange = PlanBytes(stDevice, std::vector<u8>(stDevice.stInfo.usSize, ERASED), true);
     const Uninterrupted stUninterrupted; // the operation log belongs to the write
     const OUTCOME_S stOutcome = ApplyChange(stChange, "erasing " + stDevice.Title(), pstView,
                                             [&] { return LIB_FRU_ClearFRUElectronicLabel(&stPara); });
@@ -33,4 +38,18 @@ std::string ClearDevice(const DEVICE_S &stDevice, ProgressView *pstView)
              stOutcome.Hint());
     }
     return stPara.acOperateLog;
+}
+
+} // namespace
+
+std::string ClearDevice(const RootLock &stLock, const DEVICE_S &stDevice, ProgressView *pstView)
+{
+    const CHANGE_S stChange = PlanBytes(stDevice, std::vector<u8>(stDevice.stInfo.usSize, ERASED), true);
+    std::vector<FILE_CHANGE_S> vecFiles;
+    if (stDevice.stEntry.ucDeviceID == FRU_DEVICE_ID_BASEBOARD) {
+        vecFiles = SerialFiles(Bytes(CLEARED_SERIAL_LEN));
+    }
+    std::string strSentence;
+    RunTransaction(stLock, stChange, vecFiles, [&] { strSentence = Erase(stDevice, stChange, pstView); });
+    return strSentence;
 }

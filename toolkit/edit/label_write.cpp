@@ -15,6 +15,7 @@
 #include "toolkit/controller/source.h"
 #include "toolkit/controller/target.h"
 #include "toolkit/edit/rewrite.h"
+#include "toolkit/edit/transaction.h"
 #include "toolkit/edit/uninterrupted.h"
 #include "toolkit/image/fields.h"
 #include "toolkit/image/image.h"
@@ -166,6 +167,16 @@ LABEL_PLAN_S PlanLabels(const DEVICE_S &stDevice, const std::vector<LABEL_REQUES
     return stPlan;
 }
 
+namespace {
+
+struct WRITTEN_S
+{
+    std::string strSentence;  // the operation log's
+    std::string strAftermath; // not empty: the device holds the label, but something beside it failed
+};
+
+// Writes one step and records it in the operation log. Fails when the device or its cached image does not
+// hold the planned image afterwards.
 WRITTEN_S WriteStep(const DEVICE_S &stDevice, const LABEL_STEP_S &stStep, ProgressView *pstView)
 {
     FRU_SET_PARA_S stPara = Block(stDevice, stStep.stRequest);
@@ -187,12 +198,59 @@ WRITTEN_S WriteStep(const DEVICE_S &stDevice, const LABEL_STEP_S &stStep, Progre
         Fail("'" + strName + "' of " + stDevice.Title() + " could not be written: " + strFailure + strCause +
              strUnlogged);
     }
-    RecordOperation(true, stPara.acOperateLog, stPara.ucOperateLogType);
+    std::string strAftermath;
+    try {
+        RecordOperation(true, stPara.acOperateLog, stPara.ucOperateLogType);
+    } catch (const Error &stError) {
+        strAftermath = stError.what(); // no reason to take the label back
+    }
     if (!stOutcome.bCacheHolds) {
         Fail("the EEPROM of " + stDevice.Title() + " holds the new '" + strName +
              "', but its cached image could not be renewed" + strCause);
     }
     const bool bSerialFiles = stDevice.stEntry.ucComponentType == 0U &&
                               stStep.stRequest.stLabel.uiID == FRU_LABEL_PRODUCT_SERIAL_NUMBER;
-    return {stPara.acOperateLog, bSerialFiles ? WhySerialFilesDiffer(stStep, strCause) : ""};
+    const std::string strFiles = bSerialFiles ? WhySerialFilesDiffer(stStep, strCause) : "";
+    return {stPara.acOperateLog, strFiles.empty() ? strAftermath : strFiles};
+}
+
+// Each label in turn; when one fails, the line tells which.
+std::vector<std::string> WriteSteps(const DEVICE_S &stDevice, const LABEL_PLAN_S &stPlan,
+                                    std::string &strAftermath, ProgressView *pstView)
+{
+    std::vector<std::string> vecSentences;
+    for (const LABEL_STEP_S &stStep : stPlan.vecSteps) {
+        const WRITTEN_S stWritten = WriteStep(stDevice, stStep, pstView);
+        vecSentences.push_back(stWritten.strSentence);
+        strAftermath = stWritten.strAftermath.empty() ? strAftermath : stWritten.strAftermath;
+    }
+    return vecSentences;
+}
+
+// The files that the library renews with the labels.
+std::vector<FILE_CHANGE_S> FilesOf(const DEVICE_S &stDevice, const LABEL_PLAN_S &stPlan)
+{
+    for (const LABEL_STEP_S &stStep : stPlan.vecSteps) {
+        if (stDevice.stEntry.ucComponentType == FRU_COMPONENT_BASEBOARD &&
+            stStep.stRequest.stLabel.uiID == FRU_LABEL_PRODUCT_SERIAL_NUMBER) {
+            return SerialFiles(Bytes(stStep.strNew.begin(), stStep.strNew.end()));
+        }
+    }
+    return {};
+}
+
+} // namespace
+
+std::vector<std::string> WriteLabels(const RootLock &stLock, const DEVICE_S &stDevice,
+                                     const LABEL_PLAN_S &stPlan, std::string &strAftermath,
+                                     ProgressView *pstView)
+{
+    std::vector<CHANGE_S> vecSteps;
+    for (const LABEL_STEP_S &stStep : stPlan.vecSteps) {
+        vecSteps.push_back(stStep.stChange);
+    }
+    std::vector<std::string> vecSentences;
+    RunTransaction(stLock, MergeChanges(vecSteps), FilesOf(stDevice, stPlan),
+                   [&] { vecSentences = WriteSteps(stDevice, stPlan, strAftermath, pstView); });
+    return vecSentences;
 }

@@ -10,6 +10,7 @@
 
 #include "lib_fru_types.h"
 #include "toolkit/controller/device.h"
+#include "toolkit/controller/root_lock.h"
 #include "toolkit/edit/change.h"
 #include "toolkit/edit/labels.h"
 #include "toolkit/edit/progress.h"
@@ -50,14 +51,11 @@ void CheckRequests(const DEVICE_S &stDevice, const std::vector<LABEL_REQUEST_S> 
 // Reads the device and works out every step for checked requests. Fails when a step would.
 LABEL_PLAN_S PlanLabels(const DEVICE_S &stDevice, const std::vector<LABEL_REQUEST_S> &vecRequests);
 
-struct WRITTEN_S
-{
-    std::string strSentence;  // the operation log's
-    std::string strAftermath; // not empty: the device holds the label, but something beside it failed
-};
-
-// Writes one step and records it in the operation log. Fails when the device or its cached image does not
-// hold the planned image afterwards.
-WRITTEN_S WriteStep(const DEVICE_S &stDevice, const LABEL_STEP_S &stStep, ProgressView *pstView);
+// Writes all labels or none, each by the library's own write, and records them in the operation log; gives
+// the sentences that stand there. strAftermath is set when the device holds the labels, but something
+// beside it failed.
+std::vector<std::string> WriteLabels(const RootLock &stLock, const DEVICE_S &stDevice,
+                                     const LABEL_PLAN_S &stPlan, std::string &strAftermath,
+                                     ProgressView *pstView);
 
 #endif

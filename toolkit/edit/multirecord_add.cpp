@@ -13,6 +13,7 @@
 #include "toolkit/controller/diagnostics.h"
 #include "toolkit/controller/source.h"
 #include "toolkit/controller/target.h"
+#include "toolkit/edit/transaction.h"
 #include "toolkit/edit/uninterrupted.h"
 #include "toolkit/image/fields.h"
 #include "toolkit/image/image.h"
@@ -183,7 +184,7 @@ RECORD_PLAN_S PlanAccessRecords(const DEVICE_S &stDevice, const std::vector<WANT
 
 // Every update is a merge and a device write of its own: no call queues a record without merging it. One
 // that is there already is handed over as well; the merge finds that nothing changes.
-void WriteAccessRecords(const DEVICE_S &stDevice, const RECORD_PLAN_S &stPlan, ProgressView *pstView)
+static void WriteEach(const DEVICE_S &stDevice, const RECORD_PLAN_S &stPlan, ProgressView *pstView)
 {
     const Uninterrupted stUninterrupted;
     std::vector<std::string> vecDone;
@@ -210,4 +211,17 @@ void WriteAccessRecords(const DEVICE_S &stDevice, const RECORD_PLAN_S &stPlan, P
         }
         vecDone.emplace_back(stWanted.Row().pcName);
     }
+}
+
+void WriteAccessRecords(const RootLock &stLock, const DEVICE_S &stDevice, const RECORD_PLAN_S &stPlan,
+                        ProgressView *pstView)
+{
+    std::vector<CHANGE_S> vecSteps;
+    for (const WANTED_RECORD_S &stWanted : stPlan.vecWanted) {
+        if (stWanted.optChange.has_value()) {
+            vecSteps.push_back(*stWanted.optChange);
+        }
+    }
+    const CHANGE_S stChange = vecSteps.empty() ? PlanNothing(stDevice) : MergeChanges(vecSteps);
+    RunTransaction(stLock, stChange, {}, [&] { WriteEach(stDevice, stPlan, pstView); });
 }

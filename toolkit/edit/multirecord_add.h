@@ -8,6 +8,7 @@
 #include "lib_fru_types.h"
 #include "toolkit/base/name_value.h"
 #include "toolkit/controller/device.h"
+#include "toolkit/controller/root_lock.h"
 #include "toolkit/edit/change.h"
 #include "toolkit/edit/progress.h"
 #include "toolkit/edit/rewrite.h"
@@ -51,6 +52,7 @@ WANTED_RECORD_S WantedRecord(const NAME_VALUE_S &stGiven);
 RECORD_PLAN_S PlanAccessRecords(const DEVICE_S &stDevice, const std::vector<WANTED_RECORD_S> &vecWanted);
 
 // Fails when the device or its cached image does not hold the records afterwards.
-void WriteAccessRecords(const DEVICE_S &stDevice, const RECORD_PLAN_S &stPlan, ProgressView *pstView);
+void WriteAccessRecords(const RootLock &stLock, const DEVICE_S &stDevice, const RECORD_PLAN_S &stPlan,
+                        ProgressView *pstView);
 
 #endif

@@ -8,6 +8,7 @@
 #include "toolkit/controller/device.h"
 #include "toolkit/controller/diagnostics.h"
 #include "toolkit/edit/change.h"
+#include "toolkit/edit/transaction.h"
 
 namespace {
 
@@ -42,8 +43,9 @@ void Patch(std::optional<PART_S> &optPart, const std::vector<u8> &vecRequest)
 
 } // namespace
 
-RAW_ANSWER_S WriteRaw(const CONTROLLER_S &stController, const std::vector<u8> &vecRequest)
+RAW_ANSWER_S WriteRaw(const RootLock &stLock, const std::vector<u8> &vecRequest)
 {
+    const CONTROLLER_S &stController = stLock.Controller();
     RAW_ANSWER_S stAnswer = {std::vector<u8>(FRU_WRITE_RES_LEN), ""};
     const auto fnWrite = [&] {
         stAnswer.vecResponse.resize(LIB_FRU_WriteFRUData(
@@ -61,6 +63,8 @@ RAW_ANSWER_S WriteRaw(const CONTROLLER_S &stController, const std::vector<u8> &v
     Patch(stChange.optEeprom, vecRequest);
     Patch(stChange.optCache, vecRequest);
     // The completion code is all that the command tells; who sends it wants the bytes as they are.
-    stAnswer.strHint = ApplyChange(stChange, "writing " + optDevice->Title(), nullptr, fnWrite).Hint();
+    RunTransaction(stLock, stChange, {}, [&] {
+        stAnswer.strHint = ApplyChange(stChange, "writing " + optDevice->Title(), nullptr, fnWrite).Hint();
+    });
     return stAnswer;
 }

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "lib_fru_types.h"
-#include "toolkit/controller/controller.h"
+#include "toolkit/controller/root_lock.h"
 
 struct RAW_ANSWER_S
 {
@@ -16,6 +16,6 @@ struct RAW_ANSWER_S
 };
 
 // The answer to a request; the device need not exist.
-RAW_ANSWER_S WriteRaw(const CONTROLLER_S &stController, const std::vector<u8> &vecRequest);
+RAW_ANSWER_S WriteRaw(const RootLock &stLock, const std::vector<u8> &vecRequest);
 
 #endif

@@ -9,6 +9,7 @@
 #include "toolkit/controller/controller.h"
 #include "toolkit/controller/source.h"
 #include "toolkit/edit/change.h"
+#include "toolkit/edit/transaction.h"
 #include "toolkit/image/image.h"
 #include "toolkit/image/layout.h"
 #include "toolkit/image/record.h"
@@ -81,11 +82,8 @@ std::string WhyNot(const DEVICE_S &stDevice, const std::vector<std::string> &vec
     return vecSaid.empty() ? strWhy : strWhy + " (the library says: " + Join(vecSaid, " | ") + ")";
 }
 
-} // namespace
-
-Recovery Recover(const DEVICE_S &stDevice)
+Recovery Restore(const DEVICE_S &stDevice, const IMAGE_S &stBefore, const CHANGE_S &stChange)
 {
-    const IMAGE_S stBefore = ReadTarget({stDevice, ""});
     const bool bWasValid = HasValidHeader(stBefore.vecBytes);
     Record stRecord;
     const auto fnRecover = [&] {
@@ -93,8 +91,7 @@ Recovery Recover(const DEVICE_S &stDevice)
         return LIB_FRU_GetFRUData(stDevice.stEntry.ucComponentType, stDevice.stEntry.ucInstance,
                                   FRU_READ_MODE_RECOVER, FRU_READ_ARG_NONE, stRecord.Data());
     };
-    const OUTCOME_S stOutcome =
-        ApplyChange(Plan(stDevice, stBefore.vecBytes), "restoring " + stDevice.Title(), nullptr, fnRecover);
+    const OUTCOME_S stOutcome = ApplyChange(stChange, "restoring " + stDevice.Title(), nullptr, fnRecover);
     const u32 uiRet = stOutcome.uiStatus;
     const std::vector<std::string> &vecSaid = stOutcome.vecSaid;
     const std::string strStatus = uiRet == FRU_OK ? "" : StatusText(uiRet);
@@ -123,4 +120,15 @@ Recovery Recover(const DEVICE_S &stDevice)
         Fail(strCannot + "it is served from the cache only; " + strStatus);
     }
     Fail(strCannot + WhyNot(stDevice, vecSaid) + "; " + strStatus);
+}
+
+} // namespace
+
+Recovery Recover(const RootLock &stLock, const DEVICE_S &stDevice)
+{
+    const IMAGE_S stBefore = ReadTarget({stDevice, ""});
+    const CHANGE_S stChange = Plan(stDevice, stBefore.vecBytes);
+    Recovery enRecovery = Recovery::Fine;
+    RunTransaction(stLock, stChange, {}, [&] { enRecovery = Restore(stDevice, stBefore, stChange); });
+    return enRecovery;
 }

@@ -4,6 +4,7 @@
 #define TOOLKIT_EDIT_RECOVER_H
 
 #include "toolkit/controller/device.h"
+#include "toolkit/controller/root_lock.h"
 
 enum class Recovery
 {
@@ -12,6 +13,6 @@ enum class Recovery
 };
 
 // Fails when the device is not in order afterwards, and says why.
-Recovery Recover(const DEVICE_S &stDevice);
+Recovery Recover(const RootLock &stLock, const DEVICE_S &stDevice);
 
 #endif

@@ -73,7 +73,7 @@ void RunAssemble(const SESSION_S &stSession, const ASSEMBLE_S &stOptions)
         (void)PlanAssembly(stDevice, vecGiven);
     } else {
         const RootLock stLock(stSession);
-        Assemble(stDevice, vecGiven);
+        Assemble(stLock, stDevice, vecGiven);
     }
     Report(stSession, stOptions, stDevice, vecGiven);
 }

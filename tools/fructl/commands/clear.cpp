@@ -61,7 +61,7 @@ void RunClear(const SESSION_S &stSession, const CLEAR_S &stOptions)
         Confirm(stDevice);
     }
     const RootLock stLock(stSession);
-    const std::string strSentence = ClearDevice(stDevice, TerminalProgress());
+    const std::string strSentence = ClearDevice(stLock, stDevice, TerminalProgress());
     if (stSession.bJson) {
         PrintJson({{"device", DeviceJson(stDevice)}, {"operationLog", strSentence}});
     } else {

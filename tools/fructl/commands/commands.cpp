@@ -18,6 +18,9 @@ constexpr void (*COMMANDS[])(CLI::App &stParent, SESSION_S &stSession) = {
     AddEncodeCommand,     //
     AddClearCommand,      //
     AddRecoverCommand,    //
+    AddHistoryCommand,    //
+    AddUndoCommand,       //
+    AddJournalCommand,    //
     AddMrCommand,         // read and written
     AddHwCommand,         //
     AddOemCommand,        //

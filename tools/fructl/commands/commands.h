@@ -43,6 +43,9 @@ void AddSnCommand(CLI::App &stParent, SESSION_S &stSession);
 void AddPsnCommand(CLI::App &stParent, SESSION_S &stSession);
 void AddOemCommand(CLI::App &stParent, SESSION_S &stSession);
 void AddHostNameCommand(CLI::App &stParent, SESSION_S &stSession);
+void AddHistoryCommand(CLI::App &stParent, SESSION_S &stSession);
+void AddUndoCommand(CLI::App &stParent, SESSION_S &stSession);
+void AddJournalCommand(CLI::App &stParent, SESSION_S &stSession);
 void AddAssembleCommand(CLI::App &stParent, SESSION_S &stSession);
 
 #endif

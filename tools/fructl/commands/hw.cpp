@@ -158,7 +158,7 @@ void RunSet(const SESSION_S &stSession, const SET_S &stOptions)
     const HardwareLabel aucLabel = NewLabel(stOptions, stBefore);
     std::string strSentence;
     if (!stOptions.bDryRun) {
-        strSentence = WriteHardwareLabel(stDevice, aucLabel);
+        strSentence = WriteHardwareLabel(*optLock, stDevice, aucLabel);
     }
     if (stSession.bJson) {
         Json stJson = {{"device", DeviceJson(stDevice)},

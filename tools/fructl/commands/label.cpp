@@ -281,34 +281,6 @@ std::string BytesText(const LABEL_PLAN_S &stPlan)
            "\n" + strRows;
 }
 
-// Each label in turn; when one fails, the line tells what is written and what is not.
-std::vector<std::string> WriteAll(const DEVICE_S &stDevice, const LABEL_PLAN_S &stPlan,
-                                  std::string &strAftermath)
-{
-    std::vector<std::string> vecSentences;
-    std::vector<std::string> vecWritten;
-    for (const LABEL_STEP_S &stStep : stPlan.vecSteps) {
-        try {
-            const WRITTEN_S stWritten = WriteStep(stDevice, stStep, TerminalProgress());
-            vecSentences.push_back(stWritten.strSentence);
-            strAftermath = stWritten.strAftermath.empty() ? strAftermath : stWritten.strAftermath;
-            vecWritten.push_back("'" + stStep.stRequest.stLabel.strName + "'");
-        } catch (const Error &stError) {
-            if (stPlan.vecSteps.size() == 1U) {
-                throw;
-            }
-            std::vector<std::string> vecLeft;
-            for (size_t i = vecWritten.size() + 1U; i < stPlan.vecSteps.size(); i++) {
-                vecLeft.push_back("'" + stPlan.vecSteps[i].stRequest.stLabel.strName + "'");
-            }
-            Fail(stError.what() +
-                 (vecWritten.empty() ? "" : "; written before it: " + Join(vecWritten, ", ")) +
-                 (vecLeft.empty() ? "" : "; not written: " + Join(vecLeft, ", ")));
-        }
-    }
-    return vecSentences;
-}
-
 void RunSet(const SESSION_S &stSession, const LABEL_OPTIONS_S &stOptions)
 {
     std::vector<std::string> vecRest;
@@ -333,7 +305,8 @@ void RunSet(const SESSION_S &stSession, const LABEL_OPTIONS_S &stOptions)
              "; --dry-run shows every byte, --force writes");
     }
     std::string strAftermath;
-    const std::vector<std::string> vecSentences = WriteAll(stDevice, stPlan, strAftermath);
+    const std::vector<std::string> vecSentences =
+        WriteLabels(stLock, stDevice, stPlan, strAftermath, TerminalProgress());
     if (stSession.bJson) {
         PrintJson(PlanJson(stDevice, stPlan, false, vecSentences));
     } else {

@@ -114,7 +114,7 @@ void RunAdd(const SESSION_S &stSession, const ADD_S &stOptions)
              " anew and would lose: " + Join(stPlan.stRewrite.vecLosses, "; ") + "; --force writes");
     }
     if (!stOptions.bDryRun) {
-        WriteAccessRecords(stDevice, stPlan, TerminalProgress());
+        WriteAccessRecords(*optLock, stDevice, stPlan, TerminalProgress());
     }
     if (stSession.bJson) {
         PrintJson(PlanJson(stOptions, stDevice, stPlan));

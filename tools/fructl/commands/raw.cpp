@@ -89,7 +89,7 @@ void RunWrite(const SESSION_S &stSession, const RAW_WRITE_S &stOptions)
     vecRequest[2] = static_cast<u8>(uiOffset >> 8U);
     std::copy(vecData.begin(), vecData.end(), vecRequest.begin() + FRU_WRITE_REQ_HEADER_LEN);
     const RootLock stLock(stSession);
-    const RAW_ANSWER_S stAnswer = WriteRaw(stSession, vecRequest);
+    const RAW_ANSWER_S stAnswer = WriteRaw(stLock, vecRequest);
     ReportExchange(stSession, "Write FRU Data", vecRequest, stAnswer.vecResponse, stAnswer.strHint);
 }
 

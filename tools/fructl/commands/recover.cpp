@@ -31,7 +31,7 @@ void RunRecover(const SESSION_S &stSession, const TARGET_OPTIONS_S &stOptions)
 {
     const DEVICE_S stDevice = ResolveDevice(stSession, stOptions);
     const RootLock stLock(stSession);
-    if (Recover(stDevice) == Recovery::Fine) {
+    if (Recover(stLock, stDevice) == Recovery::Fine) {
         Report(stSession, stDevice, "fine", "was fine; nothing was written");
     } else {
         Report(stSession, stDevice, "restored",

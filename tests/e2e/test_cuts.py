@@ -1,0 +1,176 @@
+"""Commands killed before every call that changes a file: what is there after the next command is the old or the new, whole."""
+import os
+import shutil
+import sqlite3
+import subprocess
+import unittest
+from pathlib import Path
+
+from support import COMMAND, EMULATOR, Environment, FructlTest
+
+CALLS = ["write", "pwrite64", "ftruncate", "fallocate", "rename", "renameat", "renameat2", "unlink", "unlinkat", "mkdir", "mkdirat", "fsync", "fdatasync"]
+KILLED = (-9, 137)
+IMAGE_KEY = 0x10810200  # in the database, with the device's ID in its low byte
+SERIAL_FILES = ("mnt/sdmmc0p4/board/ProductSerialNumber", "var/network/ProductSerialNumber")
+STRACE = shutil.which("strace")
+
+
+@unittest.skipIf(EMULATOR, "an emulator's own calls would be counted")
+@unittest.skipIf(STRACE is None, "there is no strace")
+class Cuts(FructlTest):
+    def setUp(self):
+        super().setUp()
+        self.Provision()
+
+    def State(self):
+        """Every chip, every cached image and the serial-number files."""
+        dictState = {str(path.name): path.read_bytes() for path in sorted((self.pathRoot / "eeprom").glob("*.bin"))}
+        stDb = sqlite3.connect(self.pathRoot / "var/lib/fru/fru.db")
+        (strTable,) = stDb.execute("SELECT name FROM sqlite_master WHERE type = 'table'").fetchone()
+        for iKey, abValue in stDb.execute(f"SELECT * FROM {strTable}"):
+            if iKey & ~0xFF == IMAGE_KEY:
+                dictState[f"cache {iKey & 0xFF}"] = abValue
+        stDb.close()
+        for strFile in SERIAL_FILES:
+            pathFile = self.pathRoot / strFile
+            dictState[strFile] = pathFile.read_bytes() if pathFile.exists() else None
+        return dictState
+
+    def Cut(self, strCall, iWhen, *asArguments):
+        """Whether the command was killed at the call."""
+        stProcess = subprocess.run([STRACE, "-f", "-o", "/dev/null", "-e", f"trace={strCall}", "-e", f"inject={strCall}:signal=KILL:when={iWhen}",
+                                    *COMMAND, "--root", str(self.pathRoot), *asArguments],
+                                   capture_output=True, check=False, env=Environment(ASAN_OPTIONS="detect_leaks=0"))
+        return stProcess.returncode in KILLED
+
+    def Reset(self, pathFrom):
+        shutil.rmtree(self.pathRoot)
+        shutil.copytree(pathFrom, self.pathRoot)
+
+    def Points(self, pathFrom, *asArguments):
+        """Every point, one after the other, with the command killed there."""
+        for strCall in CALLS:
+            iWhen = 1
+            self.Reset(pathFrom)
+            while self.Cut(strCall, iWhen, *asArguments):
+                yield f"{strCall} {iWhen}"
+                iWhen += 1
+                self.Reset(pathFrom)
+
+    def Save(self, strName):
+        pathSaved = self.pathTemp / strName
+        shutil.copytree(self.pathRoot, pathSaved)
+        return pathSaved
+
+    def AssertWhole(self, *asArguments, iAtLeast=20):
+        pathBase = self.Save("base")
+        dictOld = self.State()
+        self.Good(*asArguments)
+        dictNew = self.State()
+        self.assertNotEqual(dictOld, dictNew)
+        iPoints = iNew = 0
+        for strPoint in self.Points(pathBase, *asArguments):
+            stResult = self.Fructl("list")  # any command mends, readers too
+            self.assertEqual(stResult.iCode, 0, f"{strPoint}: {stResult.strErr}")
+            dictNow = self.State()
+            self.assertIn(dictNow, (dictOld, dictNew), f"{asArguments} killed at {strPoint}: neither old nor new; {stResult.strErr}")
+            self.Good("list")  # and says so once
+            iPoints += 1
+            iNew += dictNow == dictNew
+        self.assertGreaterEqual(iPoints, iAtLeast)
+        self.assertTrue(0 < iNew < iPoints, f"{iNew} of {iPoints}")
+
+    def test_one_label(self):
+        self.AssertWhole("label", "set", "psu1", "Product Asset Tag", "RACK7-PSU1")
+
+    def test_several_labels_are_all_or_none(self):
+        self.AssertWhole("label", "set", "baseboard", "Product Serial Number=LHCUT0001", "Board Serial Number=MBCUT0002", "Product Asset Tag=A-CUT")
+
+    def test_clear(self):
+        self.AssertWhole("clear", "baseboard", "--yes")
+
+    def test_records(self):
+        self.AssertWhole("mr", "add", "system-name=cut-off", "system-url=https://cut.example", "--force")
+
+    def test_hardware_block(self):
+        self.AssertWhole("hw", "set", "bmc-card-hw", "--pcb", "9", "--cpld", "77")
+
+    def test_recover(self):
+        self.Damage(self.Eeprom("bus1-addr0xa0"), 0, b"\x09\x00")
+        self.AssertWhole("recover", "baseboard")
+
+    def test_assemble(self):
+        self.AssertWhole("assemble", "psu1", "board-product-name=CUT", "--force", iAtLeast=10)
+
+    def test_raw_write(self):
+        self.AssertWhole("raw", "write", "psu2", "--offset", "0x40", "--bytes", "ab" * 100)
+
+    def test_undo(self):
+        self.Good("label", "set", "baseboard", "Product Serial Number=LHCUT0001")
+        self.AssertWhole("undo", "baseboard")
+
+    def test_a_cut_while_mending_is_mended_too(self):
+        asCommand = ["label", "set", "baseboard", "Product Serial Number=LHCUT0001", "Board Serial Number=MBCUT0002"]
+        pathBase = self.Save("base")
+        dictOld = self.State()
+        self.Good(*asCommand)
+        dictNew = self.State()
+        iPoints = 0
+        for iFirst in (12, 20, 28):
+            self.Reset(pathBase)
+            self.assertTrue(self.Cut("pwrite64", iFirst, *asCommand))
+            pathHalf = self.Save(f"half{iFirst}")
+            for strPoint in self.Points(pathHalf, "list"):
+                stResult = self.Fructl("list")
+                self.assertEqual(stResult.iCode, 0, f"{iFirst}, {strPoint}: {stResult.strErr}")
+                self.assertIn(self.State(), (dictOld, dictNew), f"{iFirst}, then mending killed at {strPoint}")
+                iPoints += 1
+        self.assertGreaterEqual(iPoints, 20)
+
+    def test_the_old_images_are_kept_and_come_back(self):
+        dictFirst = self.State()
+        self.Good("label", "set", "psu1", "Product Asset Tag", "ONE")
+        self.Good("label", "set", "psu1", "Product Asset Tag", "TWO")
+        self.assertEqual([(st["number"], st["image"]) for st in self.Json("history", "psu1")["images"]], [(1, "good"), (2, "good")])
+        self.assertIn("would put back image 2 (good)", self.Good("undo", "psu1", "--dry-run").strOut)
+        self.Good("undo", "psu1", "--to", "1")
+        self.assertEqual(self.State(), dictFirst)
+        self.Good("undo", "psu1")
+        self.assertEqual(self.Json("show", "psu1")["product"]["assetTag"], "TWO")
+        self.assertEqual(self.Bad(1, "undo", "psu1", "--to", "9"), "psu1 (0x03:0) has no image 9 in its history; 'fructl history' lists what there is")
+
+    def test_no_more_than_twenty_images_are_kept(self):
+        for i in range(23):
+            self.Good("label", "set", "psu1", "Product Asset Tag", f"T{i:02}")
+        self.assertEqual([st["number"] for st in self.Json("history", "psu1")["images"]], list(range(4, 24)))
+
+    def test_a_chip_that_stays_away_is_told_until_it_is_back(self):
+        pathBase = self.Save("base")
+        asCommand = ["label", "set", "psu1", "Product Asset Tag", "RACK7"]
+        iWhen = 1
+        while True:
+            self.Reset(pathBase)
+            self.assertTrue(self.Cut("pwrite64", iWhen, *asCommand), "never with an entry in the journal")
+            if any((self.pathRoot / "var/lib/fru/journal").glob("*.json")):
+                break
+            iWhen += 1
+        pathChip = self.Eeprom("bus2-addr0xa4-switch1")
+        pathAway = self.pathTemp / "away.bin"
+        os.rename(pathChip, pathAway)
+        stResult = self.Fructl("list")
+        self.assertIn("can be neither finished (the EEPROM of psu1 (0x03:0) does not answer", stResult.strErr)
+        self.assertIn("give the entry up with 'fructl journal discard 1'", stResult.strErr)
+        self.assertIn("can be neither finished", self.Bad2("label", "set", "psu1", "Product Version", "A9"))
+        os.rename(pathAway, pathChip)
+        self.assertIn("is finished now", self.Fructl("list").strErr)
+        self.assertEqual(self.Good("journal", "list").strOut, "no write is unfinished\n")
+        self.assertEqual(self.Json("show", "psu1")["product"]["assetTag"], "RACK7")
+
+    def Bad2(self, *asArguments):
+        stResult = self.Fructl(*asArguments)
+        self.assertEqual(stResult.iCode, 1)
+        return stResult.strErr
+
+
+if __name__ == "__main__":
+    unittest.main()

@@ -1,0 +1,101 @@
+#include "toolkit/controller/journal.h"
+
+#include "toolkit/base/error.h"
+#include "toolkit/controller/record_file.h"
+
+namespace {
+
+constexpr const char *DIRECTORY = "/var/lib/fru/journal";
+constexpr const char *KIND = "bmcfru write journal 1";
+
+Json ToJson(const DEVICE_CHANGE_S &stDevice)
+{
+    return {{"device", stDevice.ucDeviceID},
+            {"title", stDevice.strTitle},
+            {"offset", stDevice.uiOffset},
+            {"oldEeprom", OptionalHex(stDevice.optOld)},
+            {"newEeprom", OptionalHex(stDevice.optNew)},
+            {"cache", stDevice.bCache},
+            {"oldCache", OptionalHex(stDevice.optOldCache)},
+            {"newCache", OptionalHex(stDevice.optNewCache)}};
+}
+
+DEVICE_CHANGE_S DeviceChange(const Json &stJson)
+{
+    DEVICE_CHANGE_S stDevice;
+    stDevice.ucDeviceID = stJson.at("device").get<u8>();
+    stDevice.strTitle = stJson.at("title").get<std::string>();
+    stDevice.uiOffset = stJson.at("offset").get<u32>();
+    stDevice.optOld = OptionalBytes(stJson.at("oldEeprom"));
+    stDevice.optNew = OptionalBytes(stJson.at("newEeprom"));
+    stDevice.bCache = stJson.at("cache").get<bool>();
+    stDevice.optOldCache = OptionalBytes(stJson.at("oldCache"));
+    stDevice.optNewCache = OptionalBytes(stJson.at("newCache"));
+    if (stDevice.optOld.has_value() != stDevice.optNew.has_value() ||
+        (stDevice.optOld.has_value() && stDevice.optOld->size() != stDevice.optNew->size())) {
+        Fail("a journal entry has old and new bytes of different lengths");
+    }
+    return stDevice;
+}
+
+Json ToJson(const JOURNAL_ENTRY_S &stEntry)
+{
+    Json stDevices = Json::array();
+    for (const DEVICE_CHANGE_S &stDevice : stEntry.vecDevices) {
+        stDevices.push_back(ToJson(stDevice));
+    }
+    Json stFiles = Json::array();
+    for (const FILE_CHANGE_S &stFile : stEntry.vecFiles) {
+        stFiles.push_back({{"path", stFile.strPath}, {"new", OptionalHex(stFile.vecNew)}});
+    }
+    return {{"time", stEntry.strTime},
+            {"command", stEntry.strCommand},
+            {"devices", stDevices},
+            {"files", stFiles}};
+}
+
+JOURNAL_ENTRY_S EntryOf(u32 uiNumber)
+{
+    const Json stJson = ReadRecordFile(DIRECTORY, uiNumber, KIND);
+    JOURNAL_ENTRY_S stEntry;
+    stEntry.uiNumber = uiNumber;
+    stEntry.strTime = stJson.at("time").get<std::string>();
+    stEntry.strCommand = stJson.at("command").get<std::string>();
+    for (const Json &stDevice : stJson.at("devices")) {
+        stEntry.vecDevices.push_back(DeviceChange(stDevice));
+    }
+    for (const Json &stFile : stJson.at("files")) {
+        stEntry.vecFiles.push_back(
+            {stFile.at("path").get<std::string>(), OptionalBytes(stFile.at("new")).value_or(Bytes())});
+    }
+    return stEntry;
+}
+
+} // namespace
+
+std::vector<JOURNAL_ENTRY_S> ReadJournal()
+{
+    std::vector<JOURNAL_ENTRY_S> vecEntries;
+    for (const u32 uiNumber : RecordNumbers(DIRECTORY)) {
+        vecEntries.push_back(EntryOf(uiNumber));
+    }
+    return vecEntries;
+}
+
+bool HasJournal()
+{
+    return !RecordNumbers(DIRECTORY).empty();
+}
+
+void WriteJournal(JOURNAL_ENTRY_S &stEntry)
+{
+    const std::vector<u32> vecNumbers = RecordNumbers(DIRECTORY);
+    stEntry.uiNumber = vecNumbers.empty() ? 1U : vecNumbers.back() + 1U;
+    stEntry.strTime = TimeNow();
+    WriteRecordFile(DIRECTORY, stEntry.uiNumber, KIND, ToJson(stEntry));
+}
+
+void RemoveJournal(u32 uiNumber)
+{
+    RemoveRecordFile(DIRECTORY, uiNumber);
+}

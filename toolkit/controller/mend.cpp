@@ -1,0 +1,262 @@
+#include "toolkit/controller/mend.h"
+
+#include <algorithm>
+
+#include "bmc_eeprom.h"
+#include "bmcfru_host.h"
+#include "files/files.h"
+#include "lib_fru.h"
+#include "toolkit/base/error.h"
+#include "toolkit/base/text.h"
+#include "toolkit/controller/diagnostics.h"
+
+namespace {
+
+// A write cycle that is cut leaves anything in its page; no chip has larger ones.
+constexpr u32 LARGEST_PAGE = 256U;
+constexpr size_t FILE_MAX = 64U * 1024U;
+
+FRU_DEVICE_INFO_S InfoOf(const DEVICE_CHANGE_S &stChange)
+{
+    FRU_DEVICE_INFO_S stInfo = {};
+    if (FRU_DB_GetFRUDeviceInfo(stChange.ucDeviceID, &stInfo) != FRU_OK) {
+        Fail(stChange.strTitle + " has no device record any more" + DiagnosticHint());
+    }
+    return stInfo;
+}
+
+// ---- EEPROM ----
+
+Bytes ReadRegion(const DEVICE_CHANGE_S &stChange)
+{
+    FRU_DEVICE_INFO_S stInfo = InfoOf(stChange);
+    Bytes vecBytes(stChange.optOld->size());
+    ClearDiagnostics();
+    const i32 iRead = ReadWriteEEPROM(stInfo.ucEEPROMType, &stInfo.ucBusNumber, vecBytes.data(),
+                                      stChange.uiOffset, static_cast<u32>(vecBytes.size()), BMC_EEPROM_READ);
+    if (iRead != static_cast<i32>(vecBytes.size())) {
+        Fail("the EEPROM of " + stChange.strTitle + " does not answer" + DiagnosticHint());
+    }
+    return vecBytes;
+}
+
+void WriteRegion(const DEVICE_CHANGE_S &stChange, Bytes vecBytes)
+{
+    FRU_DEVICE_INFO_S stInfo = InfoOf(stChange);
+    ClearDiagnostics();
+    const i32 iWritten =
+        ReadWriteEEPROM(stInfo.ucEEPROMType, &stInfo.ucBusNumber, vecBytes.data(), stChange.uiOffset,
+                        static_cast<u32>(vecBytes.size()), BMC_EEPROM_WRITE);
+    if (iWritten != static_cast<i32>(vecBytes.size())) {
+        Fail("the EEPROM of " + stChange.strTitle + " cannot be written" + DiagnosticHint());
+    }
+}
+
+// Whether somebody else has written since: then bytes that are neither old nor new stand further apart than
+// a page that was cut.
+bool IsForeign(const DEVICE_CHANGE_S &stChange, const Bytes &vecNow)
+{
+    std::optional<u32> optPage;
+    for (u32 i = 0; i < vecNow.size(); i++) {
+        if (vecNow[i] == (*stChange.optOld)[i] || vecNow[i] == (*stChange.optNew)[i]) {
+            continue;
+        }
+        const u32 uiPage = (stChange.uiOffset + i) / LARGEST_PAGE;
+        if (optPage.value_or(uiPage) != uiPage) {
+            return true;
+        }
+        optPage = uiPage;
+    }
+    return false;
+}
+
+// ---- cache ----
+
+std::optional<Bytes> ReadCached(const DEVICE_CHANGE_S &stChange)
+{
+    const FRU_DEVICE_INFO_S stInfo = InfoOf(stChange);
+    Bytes vecBytes(stInfo.usSize);
+    if (FRU_DB_GetFRUData(stChange.ucDeviceID, stInfo.usSize, vecBytes.data()) != FRU_OK) {
+        return std::nullopt;
+    }
+    return vecBytes;
+}
+
+void PutCached(const DEVICE_CHANGE_S &stChange, const std::optional<Bytes> &optBytes)
+{
+    ClearDiagnostics();
+    if (!optBytes.has_value()) {
+        (void)FRU_DB_DelFRUData(stChange.ucDeviceID); // fails when there is none
+        return;
+    }
+    const u32 uiRet =
+        FRU_DB_PutFRUData(stChange.ucDeviceID, static_cast<u16>(optBytes->size()), optBytes->data());
+    if (uiRet != FRU_OK) {
+        Fail("the cached image of " + stChange.strTitle + " cannot be written: " + StatusText(uiRet) +
+             DiagnosticHint());
+    }
+}
+
+// ---- files ----
+
+std::optional<Bytes> ReadWhole(const FILE_CHANGE_S &stFile)
+{
+    std::string strText;
+    if (files::ReadAll({BMCHOST_GetRoot(), stFile.strPath}, FILE_MAX, &strText) != 0) {
+        return std::nullopt;
+    }
+    return Bytes(strText.begin(), strText.end());
+}
+
+void PutWhole(const FILE_CHANGE_S &stFile)
+{
+    const files::PLACE_S stPlace(BMCHOST_GetRoot(), stFile.strPath);
+    const std::string strDirectory = stFile.strPath.substr(0, stFile.strPath.rfind('/'));
+    int iError = files::MakeDirectories({BMCHOST_GetRoot(), strDirectory});
+    if (iError == 0) {
+        iError = files::Replace(stPlace, std::string(stFile.vecNew.begin(), stFile.vecNew.end()));
+    }
+    if (iError != 0) {
+        Fail("the file " + stFile.strPath + " on the controller cannot be written: " + files::Reason(iError));
+    }
+}
+
+// ---- one entry ----
+
+std::string Plain(const JOURNAL_ENTRY_S &stEntry)
+{
+    std::vector<std::string> vecTitles;
+    for (const DEVICE_CHANGE_S &stChange : stEntry.vecDevices) {
+        vecTitles.push_back(stChange.strTitle);
+    }
+    return Join(vecTitles, ", ") + ": the write that was cut short (" + stEntry.strCommand + ", " +
+           stEntry.strTime + ")";
+}
+
+std::string HowToGoOn(const JOURNAL_ENTRY_S &stEntry)
+{
+    return Format("; see to it and try again, or look with 'fructl journal list' and give the entry up with "
+                  "'fructl journal discard %u'",
+                  stEntry.uiNumber);
+}
+
+// A device whose record is gone has no chip that could be half written.
+void DropVanished(JOURNAL_ENTRY_S &stEntry)
+{
+    const auto fnVanished = [](const DEVICE_CHANGE_S &stChange) {
+        FRU_DEVICE_INFO_S stInfo = {};
+        return FRU_DB_GetFRUDeviceInfo(stChange.ucDeviceID, &stInfo) == FRU_OK && stInfo.usSize == 0U;
+    };
+    stEntry.vecDevices.erase(std::remove_if(stEntry.vecDevices.begin(), stEntry.vecDevices.end(), fnVanished),
+                             stEntry.vecDevices.end());
+}
+
+// The files mirror a device that is in order: one that cannot be written does not keep the entry.
+std::string FilesLine(const JOURNAL_ENTRY_S &stEntry)
+{
+    try {
+        BringFilesForward(stEntry);
+        return "";
+    } catch (const Error &stError) {
+        return std::string(", but ") + stError.what();
+    }
+}
+
+MENDED_S Mend(JOURNAL_ENTRY_S stEntry)
+{
+    MENDED_S stMended = {Mended::Stuck, {}, Plain(stEntry)};
+    for (const DEVICE_CHANGE_S &stChange : stEntry.vecDevices) {
+        stMended.vecDeviceIDs.push_back(stChange.ucDeviceID);
+    }
+    DropVanished(stEntry);
+    std::string strWhy;
+    try {
+        for (const DEVICE_CHANGE_S &stChange : stEntry.vecDevices) {
+            if (stChange.optOld.has_value() && IsForeign(stChange, ReadRegion(stChange))) {
+                stMended.strLine += " is left alone, for somebody else has written to the EEPROM of " +
+                                    stChange.strTitle + " since" + HowToGoOn(stEntry);
+                return stMended;
+            }
+        }
+        PutSide(stEntry, Side::New);
+        stMended.enMended = Mended::Finished;
+        stMended.strLine += " is finished now" + FilesLine(stEntry);
+        RemoveJournal(stEntry.uiNumber);
+        return stMended;
+    } catch (const Error &stError) {
+        strWhy = stError.what();
+    }
+    try {
+        PutSide(stEntry, Side::Old);
+        RemoveJournal(stEntry.uiNumber);
+        stMended.enMended = Mended::Undone;
+        stMended.strLine += " could not be finished (" + strWhy + ") and is undone";
+    } catch (const Error &stError) {
+        stMended.strLine += " can be neither finished (" + strWhy + ") nor undone (" + stError.what() + ")" +
+                            HowToGoOn(stEntry);
+    }
+    return stMended;
+}
+
+const std::optional<Bytes> &Pick(Side enSide, const std::optional<Bytes> &optOld,
+                                 const std::optional<Bytes> &optNew)
+{
+    return enSide == Side::Old ? optOld : optNew;
+}
+
+} // namespace
+
+void RequireSide(const JOURNAL_ENTRY_S &stEntry, Side enSide)
+{
+    for (const DEVICE_CHANGE_S &stChange : stEntry.vecDevices) {
+        const std::optional<Bytes> &optWanted = Pick(enSide, stChange.optOld, stChange.optNew);
+        if (optWanted.has_value()) {
+            const Bytes vecNow = ReadRegion(stChange);
+            const auto itFirst = std::mismatch(vecNow.begin(), vecNow.end(), optWanted->begin());
+            if (itFirst.first != vecNow.end()) {
+                Fail(
+                    Format("the EEPROM of %s holds other bytes than were to be written, from byte 0x%04zx on "
+                           "(0x%02x, not 0x%02x)",
+                           stChange.strTitle.c_str(), static_cast<size_t>(itFirst.first - vecNow.begin()),
+                           *itFirst.first, *itFirst.second));
+            }
+        }
+        if (stChange.bCache &&
+            ReadCached(stChange) != Pick(enSide, stChange.optOldCache, stChange.optNewCache)) {
+            Fail("the cached image of " + stChange.strTitle + " holds other bytes than were to be written");
+        }
+    }
+}
+
+void PutSide(const JOURNAL_ENTRY_S &stEntry, Side enSide)
+{
+    for (const DEVICE_CHANGE_S &stChange : stEntry.vecDevices) {
+        const std::optional<Bytes> &optWanted = Pick(enSide, stChange.optOld, stChange.optNew);
+        if (optWanted.has_value() && ReadRegion(stChange) != *optWanted) {
+            WriteRegion(stChange, *optWanted);
+        }
+        const std::optional<Bytes> &optCache = Pick(enSide, stChange.optOldCache, stChange.optNewCache);
+        if (stChange.bCache && ReadCached(stChange) != optCache) {
+            PutCached(stChange, optCache);
+        }
+    }
+    RequireSide(stEntry, enSide);
+}
+
+void BringFilesForward(const JOURNAL_ENTRY_S &stEntry)
+{
+    for (const FILE_CHANGE_S &stFile : stEntry.vecFiles) {
+        if (ReadWhole(stFile) != stFile.vecNew) {
+            PutWhole(stFile);
+        }
+    }
+}
+
+std::vector<MENDED_S> MendAll()
+{
+    std::vector<MENDED_S> vecMended;
+    for (const JOURNAL_ENTRY_S &stEntry : ReadJournal()) {
+        vecMended.push_back(Mend(stEntry));
+    }
+    return vecMended;
+}

@@ -1,0 +1,115 @@
+#include "toolkit/edit/transaction.h"
+
+#include "toolkit/base/error.h"
+#include "toolkit/controller/history.h"
+#include "toolkit/controller/mend.h"
+#include "toolkit/controller/serial_file.h"
+#include "toolkit/controller/source.h"
+#include "toolkit/edit/uninterrupted.h"
+
+namespace {
+
+bool ChangesNothing(const std::optional<PART_S> &optPart)
+{
+    return !optPart.has_value() || optPart->optBefore == optPart->vecAfter;
+}
+
+DEVICE_CHANGE_S Entry(const CHANGE_S &stChange)
+{
+    const DEVICE_S &stDevice = stChange.stDevice;
+    DEVICE_CHANGE_S stEntry;
+    stEntry.ucDeviceID = stDevice.stEntry.ucDeviceID;
+    stEntry.strTitle = stDevice.Title();
+    if (stChange.optEeprom.has_value()) {
+        stEntry.uiOffset = stDevice.stInfo.usStartOffset;
+        stEntry.optOld = stChange.optEeprom->optBefore;
+        stEntry.optNew = stChange.optEeprom->vecAfter;
+    }
+    if (stChange.optCache.has_value()) {
+        stEntry.bCache = true;
+        stEntry.optOldCache = stChange.optCache->optBefore;
+        stEntry.optNewCache = stChange.optCache->vecAfter;
+    }
+    return stEntry;
+}
+
+void Keep(const CONTROLLER_S &stController, const DEVICE_S &stDevice)
+{
+    PAST_IMAGE_S stPast;
+    stPast.strCommand = stController.strCommandLine;
+    if (!stDevice.IsDatabaseOnly()) {
+        stPast.optEeprom = ReadSource(stDevice, Source::Eeprom).vecBytes;
+    }
+    const std::optional<IMAGE_S> optCached = FindSource(stDevice, Source::Cache);
+    if (optCached.has_value()) {
+        stPast.optCache = optCached->vecBytes;
+    }
+    KeepImage(stController, stDevice, stPast);
+}
+
+// Says what became of it.
+std::string Undo(const JOURNAL_ENTRY_S &stEntry)
+{
+    try {
+        PutSide(stEntry, Side::Old);
+        RemoveJournal(stEntry.uiNumber);
+        return "; what was there before is put back";
+    } catch (const Error &stError) {
+        return std::string("; what was there before could not be put back (") + stError.what() +
+               "): the next command tries again";
+    }
+}
+
+} // namespace
+
+CHANGE_S MergeChanges(const std::vector<CHANGE_S> &vecSteps)
+{
+    CHANGE_S stMerged = vecSteps.front();
+    for (const CHANGE_S &stStep : vecSteps) {
+        if (stMerged.optEeprom.has_value() && stStep.optEeprom.has_value()) {
+            stMerged.optEeprom->vecAfter = stStep.optEeprom->vecAfter;
+        }
+        if (stMerged.optCache.has_value() && stStep.optCache.has_value()) {
+            stMerged.optCache->vecAfter = stStep.optCache->vecAfter;
+        }
+    }
+    return stMerged;
+}
+
+std::vector<FILE_CHANGE_S> SerialFiles(const Bytes &vecSerialNumber)
+{
+    return {{SERIAL_FILE, vecSerialNumber}, {SERIAL_COPY, vecSerialNumber}};
+}
+
+void RunTransaction(const RootLock &stLock, const CHANGE_S &stChange, std::vector<FILE_CHANGE_S> vecFiles,
+                    const std::function<void()> &fnWork)
+{
+    stLock.RequireMended(stChange.stDevice.stEntry.ucDeviceID);
+    const bool bBlind = stChange.optEeprom.has_value() && !stChange.optEeprom->optBefore.has_value();
+    // A chip that cannot be read is not written either: the work itself tells why.
+    if (bBlind || (ChangesNothing(stChange.optEeprom) && ChangesNothing(stChange.optCache))) {
+        if (fnWork) {
+            fnWork();
+        }
+        return;
+    }
+    Keep(stLock.Controller(), stChange.stDevice);
+    JOURNAL_ENTRY_S stEntry;
+    stEntry.strCommand = stLock.Controller().strCommandLine;
+    stEntry.vecDevices.push_back(Entry(stChange));
+    stEntry.vecFiles = std::move(vecFiles);
+    const Uninterrupted stUninterrupted; // an interrupt is put off until all of it is there
+    WriteJournal(stEntry);
+    try {
+        if (fnWork) {
+            fnWork();
+        } else {
+            PutSide(stEntry, Side::New);
+            BringFilesForward(stEntry);
+        }
+        RequireSide(stEntry, Side::New);
+    } catch (const Error &stError) {
+        throw Error(stError.Class(), stError.what() + Undo(stEntry));
+    }
+    RemoveJournal(stEntry.uiNumber);
+}

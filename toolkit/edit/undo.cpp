@@ -1,0 +1,70 @@
+#include "toolkit/edit/undo.h"
+
+#include "lib_fru.h"
+
+#include "toolkit/base/error.h"
+#include "toolkit/base/text.h"
+#include "toolkit/controller/source.h"
+#include "toolkit/edit/transaction.h"
+
+namespace {
+
+bool ChangesAnything(const CHANGE_S &stChange)
+{
+    return (stChange.optEeprom.has_value() &&
+            stChange.optEeprom->optBefore != stChange.optEeprom->vecAfter) ||
+           (stChange.optCache.has_value() && stChange.optCache->optBefore != stChange.optCache->vecAfter);
+}
+
+// The baseboard's serial-number file mirrors its product area; without one it stays as it is.
+std::vector<FILE_CHANGE_S> MirrorOf(const CHANGE_S &stChange)
+{
+    const DEVICE_S &stDevice = stChange.stDevice;
+    const std::vector<u8> &vecAfter = stChange.Home().vecAfter;
+    Record stRecord;
+    if (stDevice.stEntry.ucComponentType != FRU_COMPONENT_BASEBOARD ||
+        DecodeImage({HomeOf(stDevice), vecAfter, vecAfter.size()}, stDevice.HasFixedSlots(), stRecord) !=
+            FRU_OK ||
+        stRecord.Data()->stProductInfo.pucProductSerialNum == nullptr) {
+        return {};
+    }
+    const std::string strSerial =
+        reinterpret_cast<const char *>(stRecord.Data()->stProductInfo.pucProductSerialNum);
+    return SerialFiles(Bytes(strSerial.begin(), strSerial.end()));
+}
+
+} // namespace
+
+PAST_IMAGE_S ChoosePast(const DEVICE_S &stDevice, const std::vector<PAST_IMAGE_S> &vecPast,
+                        std::optional<u32> optNumber)
+{
+    for (auto itPast = vecPast.rbegin(); itPast != vecPast.rend(); ++itPast) {
+        if (optNumber.has_value() ? itPast->uiNumber == *optNumber
+                                  : ChangesAnything(PlanUndo(stDevice, *itPast))) {
+            return *itPast;
+        }
+    }
+    Fail(stDevice.Title() +
+         (optNumber.has_value() ? Format(" has no image %u in its history", *optNumber)
+                                : " has no other image in its history") +
+         "; 'fructl history' lists what there is");
+}
+
+CHANGE_S PlanUndo(const DEVICE_S &stDevice, const PAST_IMAGE_S &stPast)
+{
+    const std::optional<Bytes> &optHome = stDevice.IsDatabaseOnly() ? stPast.optCache : stPast.optEeprom;
+    if (!optHome.has_value() || optHome->size() != stDevice.stInfo.usSize) {
+        Fail(Format("image %u of the history of %s does not have the FRU's %u bytes", stPast.uiNumber,
+                    stDevice.Title().c_str(), u32{stDevice.stInfo.usSize}));
+    }
+    CHANGE_S stChange = PlanBytes(stDevice, *optHome, true);
+    if (stPast.optCache.has_value() && stPast.optCache->size() == optHome->size()) {
+        stChange.optCache->vecAfter = *stPast.optCache;
+    }
+    return stChange;
+}
+
+void WriteUndo(const RootLock &stLock, const CHANGE_S &stChange)
+{
+    RunTransaction(stLock, stChange, MirrorOf(stChange), nullptr);
+}
