@@ -10,11 +10,16 @@ constexpr const char *KIND = "bmcfru write journal 1";
 
 Json ToJson(const DEVICE_CHANGE_S &stDevice)
 {
+    Json stBetween = Json::array();
+    for (const Bytes &vecBytes : stDevice.vecBetween) {
+        stBetween.push_back(OptionalHex(vecBytes));
+    }
     return {{"device", stDevice.ucDeviceID},
             {"title", stDevice.strTitle},
             {"offset", stDevice.uiOffset},
             {"oldEeprom", OptionalHex(stDevice.optOld)},
             {"newEeprom", OptionalHex(stDevice.optNew)},
+            {"between", stBetween},
             {"cache", stDevice.bCache},
             {"oldCache", OptionalHex(stDevice.optOldCache)},
             {"newCache", OptionalHex(stDevice.optNewCache)}};
@@ -28,6 +33,9 @@ DEVICE_CHANGE_S DeviceChange(const Json &stJson)
     stDevice.uiOffset = stJson.at("offset").get<u32>();
     stDevice.optOld = OptionalBytes(stJson.at("oldEeprom"));
     stDevice.optNew = OptionalBytes(stJson.at("newEeprom"));
+    for (const Json &stBytes : stJson.at("between")) {
+        stDevice.vecBetween.push_back(OptionalBytes(stBytes).value_or(Bytes()));
+    }
     stDevice.bCache = stJson.at("cache").get<bool>();
     stDevice.optOldCache = OptionalBytes(stJson.at("oldCache"));
     stDevice.optNewCache = OptionalBytes(stJson.at("newCache"));

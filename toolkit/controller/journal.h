@@ -18,10 +18,11 @@ struct DEVICE_CHANGE_S
 {
     u8 ucDeviceID = 0;
     std::string strTitle;
-    u32 uiOffset = 0;            // of the bytes below in the EEPROM
-    std::optional<Bytes> optOld; // in the EEPROM; nothing: it takes no part
-    std::optional<Bytes> optNew; // as many
-    bool bCache = false;         // the cached image takes part
+    u32 uiOffset = 0;              // of the bytes below in the EEPROM
+    std::optional<Bytes> optOld;   // in the EEPROM; nothing: it takes no part
+    std::optional<Bytes> optNew;   // as many
+    std::vector<Bytes> vecBetween; // what a write in several steps leaves after each of them but the last
+    bool bCache = false;           // the cached image takes part
     std::optional<Bytes> optOldCache;
     std::optional<Bytes> optNewCache;
 };

@@ -52,13 +52,22 @@ void WriteRegion(const DEVICE_CHANGE_S &stChange, Bytes vecBytes)
     }
 }
 
-// Whether somebody else has written since: then bytes that are neither old nor new stand further apart than
+// Whether the write may have left this byte.
+bool IsExpected(const DEVICE_CHANGE_S &stChange, u32 uiAt, u8 ucByte)
+{
+    return ucByte == (*stChange.optOld)[uiAt] || ucByte == (*stChange.optNew)[uiAt] ||
+           std::any_of(stChange.vecBetween.begin(), stChange.vecBetween.end(), [&](const Bytes &vecBytes) {
+               return uiAt < vecBytes.size() && vecBytes[uiAt] == ucByte;
+           });
+}
+
+// Whether somebody else has written since: then bytes that it cannot have left stand further apart than
 // a page that was cut.
 bool IsForeign(const DEVICE_CHANGE_S &stChange, const Bytes &vecNow)
 {
     std::optional<u32> optPage;
     for (u32 i = 0; i < vecNow.size(); i++) {
-        if (vecNow[i] == (*stChange.optOld)[i] || vecNow[i] == (*stChange.optNew)[i]) {
+        if (IsExpected(stChange, i, vecNow[i])) {
             continue;
         }
         const u32 uiPage = (stChange.uiOffset + i) / LARGEST_PAGE;

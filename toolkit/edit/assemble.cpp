@@ -166,5 +166,5 @@ static void Build(const DEVICE_S &stDevice, const std::vector<NAME_VALUE_S> &vec
 void Assemble(const RootLock &stLock, const DEVICE_S &stDevice, const std::vector<NAME_VALUE_S> &vecGiven)
 {
     const CHANGE_S stChange = PlanAssembly(stDevice, vecGiven);
-    RunTransaction(stLock, stChange, {}, [&] { Build(stDevice, vecGiven, stChange); });
+    RunTransaction(stLock, {stChange}, {}, [&] { Build(stDevice, vecGiven, stChange); });
 }

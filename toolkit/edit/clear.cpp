@@ -50,6 +50,6 @@ std::string ClearDevice(const RootLock &stLock, const DEVICE_S &stDevice, Progre
         vecFiles = SerialFiles(Bytes(CLEARED_SERIAL_LEN));
     }
     std::string strSentence;
-    RunTransaction(stLock, stChange, vecFiles, [&] { strSentence = Erase(stDevice, stChange, pstView); });
+    RunTransaction(stLock, {stChange}, vecFiles, [&] { strSentence = Erase(stDevice, stChange, pstView); });
     return strSentence;
 }

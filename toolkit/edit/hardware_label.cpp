@@ -48,6 +48,6 @@ std::string WriteHardwareLabel(const RootLock &stLock, const DEVICE_S &stDevice,
     const HW_BLOCK_S stBefore = ReadDeviceBlock(stDevice);
     const CHANGE_S stChange = PlanBytes(stDevice, HardwareBlockBytes(stBefore.stData, aucLabel), false);
     std::string strSentence;
-    RunTransaction(stLock, stChange, {}, [&] { strSentence = Write(stDevice, aucLabel, stChange); });
+    RunTransaction(stLock, {stChange}, {}, [&] { strSentence = Write(stDevice, aucLabel, stChange); });
     return strSentence;
 }

@@ -250,7 +250,7 @@ std::vector<std::string> WriteLabels(const RootLock &stLock, const DEVICE_S &stD
         vecSteps.push_back(stStep.stChange);
     }
     std::vector<std::string> vecSentences;
-    RunTransaction(stLock, MergeChanges(vecSteps), FilesOf(stDevice, stPlan),
+    RunTransaction(stLock, vecSteps, FilesOf(stDevice, stPlan),
                    [&] { vecSentences = WriteSteps(stDevice, stPlan, strAftermath, pstView); });
     return vecSentences;
 }

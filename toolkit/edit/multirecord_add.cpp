@@ -222,6 +222,8 @@ void WriteAccessRecords(const RootLock &stLock, const DEVICE_S &stDevice, const 
             vecSteps.push_back(*stWanted.optChange);
         }
     }
-    const CHANGE_S stChange = vecSteps.empty() ? PlanNothing(stDevice) : MergeChanges(vecSteps);
-    RunTransaction(stLock, stChange, {}, [&] { WriteEach(stDevice, stPlan, pstView); });
+    if (vecSteps.empty()) {
+        vecSteps.push_back(PlanNothing(stDevice));
+    }
+    RunTransaction(stLock, vecSteps, {}, [&] { WriteEach(stDevice, stPlan, pstView); });
 }

@@ -63,7 +63,7 @@ RAW_ANSWER_S WriteRaw(const RootLock &stLock, const std::vector<u8> &vecRequest)
     Patch(stChange.optEeprom, vecRequest);
     Patch(stChange.optCache, vecRequest);
     // The completion code is all that the command tells; who sends it wants the bytes as they are.
-    RunTransaction(stLock, stChange, {}, [&] {
+    RunTransaction(stLock, {stChange}, {}, [&] {
         stAnswer.strHint = ApplyChange(stChange, "writing " + optDevice->Title(), nullptr, fnWrite).Hint();
     });
     return stAnswer;

@@ -129,6 +129,6 @@ Recovery Recover(const RootLock &stLock, const DEVICE_S &stDevice)
     const IMAGE_S stBefore = ReadTarget({stDevice, ""});
     const CHANGE_S stChange = Plan(stDevice, stBefore.vecBytes);
     Recovery enRecovery = Recovery::Fine;
-    RunTransaction(stLock, stChange, {}, [&] { enRecovery = Restore(stDevice, stBefore, stChange); });
+    RunTransaction(stLock, {stChange}, {}, [&] { enRecovery = Restore(stDevice, stBefore, stChange); });
     return enRecovery;
 }

@@ -47,6 +47,21 @@ void Keep(const CONTROLLER_S &stController, const DEVICE_S &stDevice)
     KeepImage(stController, stDevice, stPast);
 }
 
+// From before the first step to after the last.
+CHANGE_S Merge(const std::vector<CHANGE_S> &vecSteps)
+{
+    CHANGE_S stMerged = vecSteps.front();
+    for (const CHANGE_S &stStep : vecSteps) {
+        if (stMerged.optEeprom.has_value() && stStep.optEeprom.has_value()) {
+            stMerged.optEeprom->vecAfter = stStep.optEeprom->vecAfter;
+        }
+        if (stMerged.optCache.has_value() && stStep.optCache.has_value()) {
+            stMerged.optCache->vecAfter = stStep.optCache->vecAfter;
+        }
+    }
+    return stMerged;
+}
+
 // Says what became of it.
 std::string Undo(const JOURNAL_ENTRY_S &stEntry)
 {
@@ -62,28 +77,15 @@ std::string Undo(const JOURNAL_ENTRY_S &stEntry)
 
 } // namespace
 
-CHANGE_S MergeChanges(const std::vector<CHANGE_S> &vecSteps)
-{
-    CHANGE_S stMerged = vecSteps.front();
-    for (const CHANGE_S &stStep : vecSteps) {
-        if (stMerged.optEeprom.has_value() && stStep.optEeprom.has_value()) {
-            stMerged.optEeprom->vecAfter = stStep.optEeprom->vecAfter;
-        }
-        if (stMerged.optCache.has_value() && stStep.optCache.has_value()) {
-            stMerged.optCache->vecAfter = stStep.optCache->vecAfter;
-        }
-    }
-    return stMerged;
-}
-
 std::vector<FILE_CHANGE_S> SerialFiles(const Bytes &vecSerialNumber)
 {
     return {{SERIAL_FILE, vecSerialNumber}, {SERIAL_COPY, vecSerialNumber}};
 }
 
-void RunTransaction(const RootLock &stLock, const CHANGE_S &stChange, std::vector<FILE_CHANGE_S> vecFiles,
-                    const std::function<void()> &fnWork)
+void RunTransaction(const RootLock &stLock, const std::vector<CHANGE_S> &vecSteps,
+                    std::vector<FILE_CHANGE_S> vecFiles, const std::function<void()> &fnWork)
 {
+    const CHANGE_S stChange = Merge(vecSteps);
     stLock.RequireMended(stChange.stDevice.stEntry.ucDeviceID);
     const bool bBlind = stChange.optEeprom.has_value() && !stChange.optEeprom->optBefore.has_value();
     // A chip that cannot be read is not written either: the work itself tells why.
@@ -97,6 +99,11 @@ void RunTransaction(const RootLock &stLock, const CHANGE_S &stChange, std::vecto
     JOURNAL_ENTRY_S stEntry;
     stEntry.strCommand = stLock.Controller().strCommandLine;
     stEntry.vecDevices.push_back(Entry(stChange));
+    for (size_t i = 0; i + 1U < vecSteps.size(); i++) {
+        if (vecSteps[i].optEeprom.has_value()) {
+            stEntry.vecDevices.back().vecBetween.push_back(vecSteps[i].optEeprom->vecAfter);
+        }
+    }
     stEntry.vecFiles = std::move(vecFiles);
     const Uninterrupted stUninterrupted; // an interrupt is put off until all of it is there
     WriteJournal(stEntry);

@@ -10,16 +10,14 @@
 #include "toolkit/controller/root_lock.h"
 #include "toolkit/edit/change.h"
 
-// Several changes of one device, each from what the one before it leaves, as one.
-CHANGE_S MergeChanges(const std::vector<CHANGE_S> &vecSteps);
-
 // The serial-number file and its copy, which mirror the main FRU's product serial number.
 std::vector<FILE_CHANGE_S> SerialFiles(const Bytes &vecSerialNumber);
 
-// Runs fnWork, which makes the change; none: the bytes are written as they are. When it fails, or EEPROM and cache hold something else afterwards,
-// the old bytes are put back and the failure says so; where even that fails, the next command tries again.
-// Files that a write renews as well are only ever brought forward: they mirror the device.
-void RunTransaction(const RootLock &stLock, const CHANGE_S &stChange, std::vector<FILE_CHANGE_S> vecFiles,
-                    const std::function<void()> &fnWork);
+// Runs fnWork, which makes the change of one device in these steps, each from what the one before it leaves; no
+// fnWork: the bytes are written as they are. When it fails, or EEPROM and cache hold something else afterwards,
+// the old bytes are put back and the failure says so; where even that fails, the next command tries again. Files
+// that a write renews as well are only ever brought forward: they mirror the device.
+void RunTransaction(const RootLock &stLock, const std::vector<CHANGE_S> &vecSteps,
+                    std::vector<FILE_CHANGE_S> vecFiles, const std::function<void()> &fnWork);
 
 #endif

@@ -66,5 +66,5 @@ CHANGE_S PlanUndo(const DEVICE_S &stDevice, const PAST_IMAGE_S &stPast)
 
 void WriteUndo(const RootLock &stLock, const CHANGE_S &stChange)
 {
-    RunTransaction(stLock, stChange, MirrorOf(stChange), nullptr);
+    RunTransaction(stLock, {stChange}, MirrorOf(stChange), nullptr);
 }
