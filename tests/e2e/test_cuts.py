@@ -166,6 +166,16 @@ class Cuts(FructlTest):
         self.assertEqual(self.Good("journal", "list").strOut, "no write is unfinished\n")
         self.assertEqual(self.Json("show", "psu1")["product"]["assetTag"], "RACK7")
 
+    def test_a_full_disk_is_told_before_anything_is_written(self):
+        dictBefore = self.State()
+        stProcess = subprocess.run(["sh", "-c", 'ulimit -f 100; exec "$@"', "sh", *COMMAND, "--root", str(self.pathRoot), "label", "set", "psu1", "Product Asset Tag",
+                                    "RACK7"], capture_output=True, text=True, check=False)
+        self.assertEqual(stProcess.returncode, 1)
+        self.assertIn("is too full for a write", stProcess.stderr)
+        self.assertIn("nothing was written", stProcess.stderr)
+        self.assertTrue(self.State() == dictBefore)
+        self.assertEqual(self.Json("history", "psu1")["images"], [])
+
     def Bad2(self, *asArguments):
         stResult = self.Fructl(*asArguments)
         self.assertEqual(stResult.iCode, 1)

@@ -24,12 +24,12 @@ class Writers(LabelTest):
             stLock.write("pid 4711, fructl label set baseboard\n")
             stLock.flush()
             fStart = time.monotonic()
-            stProcess = subprocess.Popen([*COMMAND, "--root", str(self.pathRoot), "label", "set", "psu1", "Product Version", "A3"], stdout=subprocess.DEVNULL,
+            stProcess = subprocess.Popen([*COMMAND, "--root", str(self.pathRoot), "--wait", "2", "label", "set", "psu1", "Product Version", "A3"], stdout=subprocess.DEVNULL,
                                          stderr=subprocess.DEVNULL)
-            self.assertEqual(self.Bad(1, "label", "set", "psu1", "Product Version", "A5"),
+            self.assertEqual(self.Bad(1, "--wait", "2", "label", "set", "psu1", "Product Version", "A5"),
                              f"another command is writing to {self.pathRoot}: pid 4711, fructl label set baseboard; try again when it is done")
             self.assertEqual(stProcess.wait(), 1)
-            self.assertGreaterEqual(time.monotonic() - fStart, 9.0)
+            self.assertGreaterEqual(time.monotonic() - fStart, 2.0)
         self.assertEqual(self.Json("show", "psu1")["product"]["version"], "A2")
 
     def test_writers_at_the_same_time_lose_nothing(self):

@@ -102,13 +102,13 @@ nothing was written; without --dry-run: 2 device writes
         abBad[AREA + 4] ^= 0xFF
         self.ProvisionBaseboard(bytes(abBad))
         abBefore = self.Chip()
-        self.assertIn(" is damaged: no record of it can be read, and adding one would drop them all", self.Bad(1, "mr", "add", "system-url=u"))
+        self.assertIn(" is damaged: no record of it can be read, and adding one would drop them all", self.Bad(1, "--wait", "1", "mr", "add", "system-url=u"))
         # Readable, but of a format version that the merge refuses.
         abHeader = b"\xc0\x81\x01\xff"
         self.ProvisionBaseboard(self.Image(abHeader + ZeroSum(abHeader) + b"\x01"))
         abBefore = self.Chip()
         self.assertIn("are not in order, so none can be added (the library says: FRU MultiRecord[Memory] invalid FormatVersion[0]: 0x81)",
-                      self.Bad(1, "mr", "add", "system-url=u"))
+                      self.Bad(1, "--wait", "1", "mr", "add", "system-url=u"))
         self.assertEqual(self.Chip(), abBefore)
 
     def test_a_cached_image_that_hides_another_is_not_written_over_it(self):
@@ -116,7 +116,7 @@ nothing was written; without --dry-run: 2 device writes
         self.Damage(self.Eeprom(BASEBOARD_EEPROM), AREA + 8, b"\x00")
         abBefore = self.Chip()
         self.assertIn("refused, for the library writes the whole image of baseboard (0x00:0) anew and would lose: the EEPROM's own image from byte 0x0128 on",
-                      self.Bad(1, "mr", "add", "system-url=u"))
+                      self.Bad(1, "--wait", "1", "mr", "add", "system-url=u"))
         self.assertEqual(self.Chip(), abBefore)
         self.Good("mr", "add", "system-url=u", "--force")
         self.Good("verify", "baseboard")
@@ -125,8 +125,8 @@ nothing was written; without --dry-run: 2 device writes
         (self.pathRoot / "var/lock").mkdir(parents=True, exist_ok=True)
         with open(self.pathRoot / "var/lock/fructl.lock", "w", encoding="ascii") as stLock:
             fcntl.flock(stLock, fcntl.LOCK_EX)
-            self.assertIn("another command is reading or writing", self.Bad(1, "mr", "add", "system-url=u"))
-            self.assertIn("another command is reading or writing", self.Bad(1, "mr", "add", "system-url=u", "--dry-run"))
+            self.assertIn("another command is reading or writing", self.Bad(1, "--wait", "1", "mr", "add", "system-url=u"))
+            self.assertIn("another command is reading or writing", self.Bad(1, "--wait", "1", "mr", "add", "system-url=u", "--dry-run"))
 
 
 if __name__ == "__main__":

@@ -145,10 +145,11 @@ class Lock(FructlTest):
             stLock.write("pid 4711, fructl label set\n")
             stLock.flush()
             fStart = time.monotonic()
-            strLine = self.Bad(1, "recover", "baseboard")
+            strLine = self.Bad(1, "--wait", "2", "recover", "baseboard")
             self.assertGreaterEqual(time.monotonic() - fStart, 2.0)
             self.assertEqual(strLine, f"another command is writing to {self.pathRoot}: pid 4711, fructl label set; try again when it is done")
-            self.Good("list")  # readers do not wait
+            # Readers wait too: they see no image half written.
+            self.assertEqual(self.Bad(1, "--wait", "0", "list"), strLine)
         self.Good("recover", "baseboard")
 
     def test_the_lock_file_names_its_holder(self):

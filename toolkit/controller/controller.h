@@ -17,7 +17,8 @@ struct CONTROLLER_S
     std::function<void(const std::string &strLine)> fnWarn; // of what is no failure; may be empty
     bool bForeignRoot = false;                              // also write to somebody else's directory
     unsigned uiWaitMs = 10000;                              // for other commands to be done
-    mutable std::shared_ptr<ReadLock> pstReadLock;          // since RequireController()
+    mutable std::shared_ptr<ReadLock>
+        pstReadLock;               // since RequireController(); who goes on for long resets it
     mutable bool bWriting = false; // a RootLock lives
 
     void Warn(const std::string &strLine) const;

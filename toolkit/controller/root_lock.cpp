@@ -92,8 +92,3 @@ ReadLock::ReadLock(const CONTROLLER_S &stController)
         FailBusy(stController, m_stFile);
     }
 }
-
-void ReadLock::Release()
-{
-    m_stFile.Release();
-}

@@ -45,9 +45,6 @@ class ReadLock
     // where the user may not lock, is read as it is.
     explicit ReadLock(const CONTROLLER_S &stController);
 
-    // For commands that go on for long: what they read from then on may be half written.
-    void Release();
-
   private:
     files::LockFile m_stFile;
 };

@@ -1,5 +1,9 @@
 #include "toolkit/edit/transaction.h"
 
+#include <cerrno>
+#include <fcntl.h>
+
+#include "files/files.h"
 #include "toolkit/base/error.h"
 #include "toolkit/controller/history.h"
 #include "toolkit/controller/mend.h"
@@ -8,6 +12,8 @@
 #include "toolkit/edit/uninterrupted.h"
 
 namespace {
+
+constexpr off_t SPACE_NEEDED = 512 * 1024;
 
 bool ChangesNothing(const std::optional<PART_S> &optPart)
 {
@@ -62,6 +68,20 @@ CHANGE_S Merge(const std::vector<CHANGE_S> &vecSteps)
     return stMerged;
 }
 
+// Whether the disk has room for what a write may take: log of the database, history, journal. A full disk is told
+// before the first byte is written, not in the middle.
+void RequireSpace(const CONTROLLER_S &stController)
+{
+    const std::string strDirectory = stController.strRoot + "/var/lib/fru";
+    const files::Fd stFd(open(strDirectory.c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, 0600));
+    const int iError =
+        stFd ? posix_fallocate(stFd.Get(), 0, SPACE_NEEDED) : 0; // not every file system can tell
+    if (iError == ENOSPC || iError == EDQUOT || iError == EFBIG) {
+        Fail("the disk of " + stController.strRoot + " is too full for a write: " + files::Reason(iError) +
+             "; nothing was written");
+    }
+}
+
 // Says what became of it.
 std::string Undo(const JOURNAL_ENTRY_S &stEntry)
 {
@@ -95,6 +115,7 @@ void RunTransaction(const RootLock &stLock, const std::vector<CHANGE_S> &vecStep
         }
         return;
     }
+    RequireSpace(stLock.Controller());
     Keep(stLock.Controller(), stChange.stDevice);
     JOURNAL_ENTRY_S stEntry;
     stEntry.strCommand = stLock.Controller().strCommandLine;

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // fructl: a server's FRU inventory on the command line.
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <unistd.h>
@@ -47,6 +48,12 @@ void AddGlobalOptions(CLI::App &stApp, SESSION_S &stSession)
     stApp.add_flag("-v,--verbose", stSession.bVerbose, "print the library's diagnostics to stderr");
     stApp.add_flag("--foreign-root", stSession.bForeignRoot, "write also to a directory of another user");
     stApp.add_flag("--json", stSession.bJson, "print JSON, for programs");
+    stApp
+        .add_option_function<unsigned>(
+            "--wait", [&stSession](const unsigned &uiSeconds) { stSession.uiWaitMs = uiSeconds * 1000U; },
+            "wait so long for other commands on the same controller (default 10)")
+        ->check(CLI::Range(0U, 86400U))
+        ->type_name("SECONDS");
     stApp.set_version_flag("--version", "fructl " FRUCTL_VERSION);
     stApp.require_subcommand(1);
     stApp.footer(EXAMPLES);
@@ -142,6 +149,8 @@ int main(int iArgc, char **ppcArgv)
 {
     // The bytes of a date must not depend on where the desk stands: controllers run in UTC.
     setenv("TZ", "UTC0", 1);
+    // A limit on file sizes is an error like a full disk, told and handled.
+    (void)signal(SIGXFSZ, SIG_IGN);
     SetColour(WantsColour(STDOUT_FILENO));
     try {
         return Run(iArgc, ppcArgv);
