@@ -32,6 +32,12 @@ void CONTROLLER_S::Warn(const std::string &strLine) const
     }
 }
 
+void CONTROLLER_S::GoOnForLong() const
+{
+    bGoesOnForLong = true;
+    pstReadLock.reset();
+}
+
 bool HasController(const CONTROLLER_S &stController)
 {
     (void)stController;
@@ -49,7 +55,7 @@ void RequireController(const CONTROLLER_S &stController)
         Fail("there is no controller in " + stController.strRoot +
              "; 'fructl provision FILE' makes one, --root or $FRUCTL_ROOT names another");
     }
-    if (stController.pstReadLock == nullptr && !stController.bWriting) {
+    if (stController.pstReadLock == nullptr && !stController.bWriting && !stController.bGoesOnForLong) {
         stController.pstReadLock = std::make_shared<ReadLock>(stController);
     }
 }

@@ -17,11 +17,13 @@ struct CONTROLLER_S
     std::function<void(const std::string &strLine)> fnWarn; // of what is no failure; may be empty
     bool bForeignRoot = false;                              // also write to somebody else's directory
     unsigned uiWaitMs = 10000;                              // for other commands to be done
-    mutable std::shared_ptr<ReadLock>
-        pstReadLock;               // since RequireController(); who goes on for long resets it
-    mutable bool bWriting = false; // a RootLock lives
+    mutable std::shared_ptr<ReadLock> pstReadLock;          // since RequireController()
+    mutable bool bWriting = false;                          // a RootLock lives
+    mutable bool bGoesOnForLong = false;
 
     void Warn(const std::string &strLine) const;
+    // Lets others write meanwhile: from now on reads of this controller are not locked.
+    void GoOnForLong() const;
 };
 
 // Points the platform to the root directory, and fills in which one it is.

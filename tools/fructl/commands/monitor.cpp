@@ -105,7 +105,7 @@ std::string PlainLine(std::string strLine)
 void RunMonitor(const SESSION_S &stSession, const MONITOR_S &stOptions)
 {
     RequireController(stSession);
-    stSession.pstReadLock.reset(); // it goes on for long, and others write meanwhile
+    stSession.GoOnForLong();
     const std::optional<u32> optCount =
         stOptions.strCount.empty() ? std::optional<u32>(0U) : ParseNumber(stOptions.strCount, 1000000U);
     if (!optCount.has_value() || (!stOptions.strCount.empty() && *optCount == 0U)) {

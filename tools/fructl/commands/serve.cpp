@@ -158,7 +158,7 @@ void Announce(const SESSION_S &stSession, const SERVE_S &stOptions, const SERVIC
 void RunServe(const SESSION_S &stSession, const SERVE_S &stOptions)
 {
     RequireController(stSession);
-    stSession.pstReadLock.reset(); // it goes on for long, and others write meanwhile
+    stSession.GoOnForLong();
     RequireOwnRoot(stSession);
     const SERVICE_S stService = ServiceOf(stSession, stOptions);
     (void)LoadDevices(stSession); // without a device table there is nothing to serve
