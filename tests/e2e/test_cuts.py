@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """Commands killed before every call that changes a file: what is there after the next command is the old or the new, whole."""
 import os
 import shutil

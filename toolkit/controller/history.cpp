@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "toolkit/controller/history.h"
 
 #include "toolkit/base/error.h"

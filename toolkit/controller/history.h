@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The images that a device held before each of its last writes.
 #ifndef TOOLKIT_CONTROLLER_HISTORY_H
 #define TOOLKIT_CONTROLLER_HISTORY_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What a write is about to do, on the disk before it begins. Whoever finds an entry whose writer is gone
 // finishes the write, or undoes it: afterwards the image is the new or the old one, whole, in EEPROM and
 // cache alike.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Finishing or undoing what a write has left half done.
 #ifndef TOOLKIT_CONTROLLER_MEND_H
 #define TOOLKIT_CONTROLLER_MEND_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Files of JSON that the toolkit keeps in a controller, numbered, each with a checksum over what it says.
 #ifndef TOOLKIT_CONTROLLER_RECORD_FILE_H
 #define TOOLKIT_CONTROLLER_RECORD_FILE_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A command's whole change of a controller, all or nothing: what was there is kept, what shall be there is
 // on the disk before the first byte is written, and afterwards EEPROM and cache are compared with it.
 #ifndef TOOLKIT_EDIT_TRANSACTION_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Putting an image of the history back.
 #ifndef TOOLKIT_EDIT_UNDO_H
 #define TOOLKIT_EDIT_UNDO_H

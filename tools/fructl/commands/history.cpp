@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // fructl history, undo: the images that a device held before its last writes, and the way back to one.
 #include "toolkit/controller/history.h"
 #include "commands/commands.h"

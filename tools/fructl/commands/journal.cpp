@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // fructl journal: writes that were cut short and could not be mended.
 #include "toolkit/controller/journal.h"
 #include "commands/commands.h"
