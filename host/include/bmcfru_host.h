@@ -21,13 +21,14 @@ extern "C" {
 
 /* ---- the root and what lies in it (controller's paths) ---- */
 
-#define BMCHOST_DB_FILE "/var/lib/fru/fru.db"                    /* the database, made when first opened */
-#define BMCHOST_EEPROM_DIR "/eeprom"                             /* one image file for each chip */
-#define BMCHOST_LOCK_DIR "/var/lock"                             /* lock files, of mode 0600 or 0660 */
-#define BMCHOST_EVENT_JOURNAL "/var/log/fru-events.jsonl"        /* RPC: events and notices, one a line */
-#define BMCHOST_OPERATE_JOURNAL "/var/log/operate.jsonl"         /* operation log, one entry a line */
-#define BMCHOST_CAPABILITY_FILE "/conf/capability.ini"           /* capabilities and the OEM flag */
-#define BMCHOST_FEATURE_LIST "/conf/features.json"               /* RPC 29/3: an array of texts */
+#define BMCHOST_DB_FILE "/var/lib/fru/fru.db"             /* the database, made when first opened */
+#define BMCHOST_EEPROM_DIR "/eeprom"                      /* one image file for each chip */
+#define BMCHOST_LOCK_DIR "/var/lock"                      /* lock files, of mode 0600 or 0660 */
+#define BMCHOST_JOURNAL_DIR "/var/lib/fru/journal"        /* one file for each write that is not finished */
+#define BMCHOST_EVENT_JOURNAL "/var/log/fru-events.jsonl" /* RPC: events and notices, one a line */
+#define BMCHOST_OPERATE_JOURNAL "/var/log/operate.jsonl"  /* operation log, one entry a line */
+#define BMCHOST_CAPABILITY_FILE "/conf/capability.ini"    /* capabilities and the OEM flag */
+#define BMCHOST_FEATURE_LIST "/conf/features.json"        /* RPC 29/3: an array of texts */
 #define BMCHOST_FEATURE_UPDATE "/var/lib/fru/feature-update.bin" /* RPC 29/4: the block received last */
 
 /*

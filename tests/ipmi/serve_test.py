@@ -4,6 +4,7 @@ import os
 import shutil
 import signal
 import socket
+import subprocess
 import time
 
 import bench
@@ -289,6 +290,32 @@ class Life(ServeCase):
         strPlan = os.path.join(self.stController.strBase, 'controller.json')
         self.stController.Fructl('provision', '--force', self.Plan(strPlan, bench.StandardDevices()[:1]))
         self.assertEqual(stService.Tool('sdr', 'list', 'fru').stdout.count('\n'), 1)
+
+    def CutLabelWrite(self, stDevice):
+        """A fructl that is killed with its write begun and not finished."""
+        strJournal = os.path.join(self.stController.strRoot, 'var/lib/fru/journal')
+        for iWhen in range(1, 100):
+            subprocess.run(['strace', '-f', '-o', '/dev/null', '-e', 'trace=pwrite64', '-e', 'inject=pwrite64:signal=KILL:when=%d' % iWhen,
+                            bench.STR_FRUCTL, '--root', self.stController.strRoot, 'label', 'set', stDevice.strName,
+                            'Board Serial Number', 'CUT-OFF-%d' % iWhen],
+                           check=False, capture_output=True, env={**os.environ, 'ASAN_OPTIONS': 'detect_leaks=0'})
+            if os.path.isdir(strJournal) and os.listdir(strJournal):
+                return strJournal
+        self.fail('no write was cut short')
+
+    @unittest.skipIf(shutil.which('strace') is None, 'there is no strace')
+    def test_a_write_that_was_cut_short_is_mended_before_clients_write(self):
+        stDevice = self.stController.lstDevices[1]
+        stService = bench.SERVICE(self, self.stController)
+        os.kill(stService.stProcess.pid, signal.SIGSTOP)  # nobody mends for now
+        strJournal = self.CutLabelWrite(stDevice)
+        self.assertEqual(stService.Raw(0x0A, 0x12, stDevice.iId, 0, 0, 1), (0xC0, b''))
+        os.kill(stService.stProcess.pid, signal.SIGCONT)
+        self.assertTrue(bench.Await(lambda: not os.listdir(strJournal)))
+        self.assertEqual(stService.Raw(0x0A, 0x12, stDevice.iId, 0, 0, 1), (0, b'\x01'))
+        iCode, strErrors = stService.Stop()
+        self.assertEqual(iCode, 0)
+        self.assertIn('is finished now', strErrors)
 
     def Plan(self, strPlan, lstDevices):
         import json

@@ -1,12 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "toolkit/controller/journal.h"
 
+#include "bmcfru_host.h"
 #include "toolkit/base/error.h"
 #include "toolkit/controller/record_file.h"
 
 namespace {
 
-constexpr const char *DIRECTORY = "/var/lib/fru/journal";
+constexpr const char *DIRECTORY = BMCHOST_JOURNAL_DIR;
 constexpr const char *KIND = "bmcfru write journal 1";
 
 Json ToJson(const DEVICE_CHANGE_S &stDevice)

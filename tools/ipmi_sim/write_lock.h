@@ -9,6 +9,7 @@ class WRITE_LOCK
 {
   public:
     // Waits half a second at most: a client that waits longer for its answer sends the request again.
+    // Not held either while a write that was cut short is not mended: it would be done over this one.
     WRITE_LOCK();
     bool Held() const
     {

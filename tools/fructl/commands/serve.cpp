@@ -5,6 +5,8 @@
 #include <cerrno>
 #include <csignal>
 #include <cstring>
+#include <functional>
+#include <memory>
 #include <sys/random.h>
 #include <sys/signalfd.h>
 
@@ -18,6 +20,8 @@
 #include "toolkit/base/text.h"
 #include "toolkit/controller/controller.h"
 #include "toolkit/controller/device.h"
+#include "toolkit/controller/journal.h"
+#include "toolkit/controller/root_lock.h"
 
 namespace {
 
@@ -155,6 +159,32 @@ void Announce(const SESSION_S &stSession, const SERVE_S &stOptions, const SERVIC
     (void)FlushOutput();
 }
 
+// Mends what a command that was killed has left, for clients are told "busy" until then. What cannot be mended
+// is told once.
+std::function<void()> Mender(const SESSION_S &stSession)
+{
+    const auto pstTold = std::make_shared<std::string>();
+    return [&stSession, pstTold] {
+        if (!HasJournal()) {
+            pstTold->clear();
+            return;
+        }
+        CONTROLLER_S stQuiet = stSession;
+        std::string strTold;
+        stQuiet.uiWaitMs = 0U;
+        stQuiet.fnWarn = [&strTold](const std::string &strLine) { strTold += strLine + "\n"; };
+        try {
+            const RootLock stLock(stQuiet);
+        } catch (const Error &) {
+            return; // whoever writes now mends it, or the next look does
+        }
+        if (strTold != *pstTold) {
+            stSession.Warn(strTold.substr(0U, strTold.size() - 1U));
+        }
+        *pstTold = strTold;
+    };
+}
+
 void RunServe(const SESSION_S &stSession, const SERVE_S &stOptions)
 {
     RequireController(stSession);
@@ -176,7 +206,7 @@ void RunServe(const SESSION_S &stSession, const SERVE_S &stOptions)
     }
     Simulator stSimulator(stService);
     Announce(stSession, stOptions, stService, stSimulator.Pid());
-    if (stSimulator.WaitForEnd(stSignalFd.Get())) {
+    if (stSimulator.WaitForEnd(stSignalFd.Get(), Mender(stSession))) {
         Fail("the service has ended: " + stSimulator.EndText());
     }
 }

@@ -38,6 +38,7 @@ constexpr const char *LOCK_FILE = BMCHOST_LOCK_DIR "/fructl-serve.lock";
 constexpr milliseconds START_PATIENCE(30000);
 constexpr milliseconds STOP_PATIENCE(3000);
 constexpr milliseconds PAUSE(20);
+constexpr milliseconds SECOND(1000);
 constexpr size_t TAIL_MAX = 300U;
 
 // Where the child finds what it gets, behind its three standard descriptors.
@@ -273,13 +274,18 @@ bool Simulator::HasEnded()
     return m_iPid < 0;
 }
 
-bool Simulator::WaitForEnd(int iSignalFd)
+bool Simulator::WaitForEnd(int iSignalFd, const std::function<void()> &fnEachSecond)
 {
     std::array<pollfd, 3> astPolls = {pollfd{iSignalFd, POLLIN, 0}, pollfd{m_stProcess.Get(), POLLIN, 0},
                                       pollfd{m_stOutput.Get(), POLLIN, 0}};
+    auto stLast = std::chrono::steady_clock::now();
     while (true) {
-        if (poll(astPolls.data(), astPolls.size(), -1) < 0 && errno != EINTR) {
+        if (poll(astPolls.data(), astPolls.size(), static_cast<int>(SECOND.count())) < 0 && errno != EINTR) {
             Fail(std::string("cannot wait for the simulator: ") + strerror(errno));
+        }
+        if (std::chrono::steady_clock::now() - stLast >= SECOND) {
+            stLast = std::chrono::steady_clock::now();
+            fnEachSecond();
         }
         TakeOutput();
         if (HasEnded()) {

@@ -3,6 +3,7 @@
 #ifndef FRUCTL_COMMANDS_SIMULATOR_H
 #define FRUCTL_COMMANDS_SIMULATOR_H
 
+#include <functional>
 #include <string>
 #include <sys/types.h>
 
@@ -38,7 +39,8 @@ class Simulator
         return m_iPid;
     }
     // Waits until it has ended by itself (true; how, is in EndText() then) or iSignalFd can be read (false).
-    bool WaitForEnd(int iSignalFd);
+    // fnEachSecond is called meanwhile.
+    bool WaitForEnd(int iSignalFd, const std::function<void()> &fnEachSecond);
     std::string EndText() const;
 
   private:
