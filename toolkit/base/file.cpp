@@ -2,6 +2,7 @@
 #include "toolkit/base/file.h"
 
 #include <cerrno>
+#include <fcntl.h>
 
 #include "toolkit/base/error.h"
 #include "toolkit/base/text.h"
@@ -11,8 +12,8 @@ namespace {
 void Require(int iError, const char *pcWhat, const files::PLACE_S &stPlace)
 {
     if (iError != 0) {
-        Fail(std::string("cannot ") + pcWhat + " " + EscapeText(stPlace.Text()) + ": " +
-             files::Reason(iError));
+        Fail(ClassOfErrno(iError), std::string("cannot ") + pcWhat + " " + EscapeText(stPlace.Text()) + ": " +
+                                       files::Reason(iError));
     }
 }
 
@@ -24,14 +25,42 @@ files::PLACE_S DirectoryOf(const files::PLACE_S &stPlace)
     return {stPlace.strBase, uiSlash == std::string::npos ? strNone : strPath.substr(0U, uiSlash)};
 }
 
+// Into what is there.
+void WriteStream(const files::PLACE_S &stPlace, std::string_view svBytes)
+{
+    const files::Fd stStream(open(stPlace.Text().c_str(), O_WRONLY | O_NOCTTY | O_CLOEXEC));
+    struct stat stStat = {};
+    int iError = stStream && fstat(stStream.Get(), &stStat) == 0 ? 0 : errno;
+    if (iError == 0) {
+        iError = S_ISFIFO(stStat.st_mode) || S_ISCHR(stStat.st_mode)
+                     ? files::WriteAll(stStream.Get(), svBytes)
+                     : EINVAL; // it was one a moment ago
+    }
+    Require(iError, "write into", stPlace);
+}
+
 } // namespace
+
+PathKind KindOf(const files::PLACE_S &stPlace)
+{
+    struct stat stStat = {};
+    const int iError = files::Status(stPlace, &stStat);
+    if (iError == ENOENT || iError == ENOTDIR) {
+        return PathKind::Absent;
+    }
+    Require(iError, "look at", stPlace);
+    return S_ISREG(stStat.st_mode)                               ? PathKind::File
+           : S_ISFIFO(stStat.st_mode) || S_ISCHR(stStat.st_mode) ? PathKind::Stream
+                                                                 : PathKind::Other;
+}
 
 std::vector<u8> ReadFileBytes(const files::PLACE_S &stPlace)
 {
     std::string strContent;
     const int iError = files::ReadAll(stPlace, IMAGE_FILE_MAX, &strContent);
     if (iError == EFBIG) {
-        Fail("cannot read " + EscapeText(stPlace.Text()) + ": larger than 1 MiB, which no FRU image is");
+        FailRefused("cannot read " + EscapeText(stPlace.Text()) +
+                    ": larger than 1 MiB, which no FRU image is");
     }
     Require(iError == EISDIR ? EINVAL : iError, "read", stPlace); // whatever it is, it is no file
     return {strContent.begin(), strContent.end()};
@@ -48,11 +77,15 @@ void MakeParentDirectory(const files::PLACE_S &stPlace)
 void WriteFileBytes(const files::PLACE_S &stPlace, const std::vector<u8> &vecBytes,
                     const std::function<void(const std::string &strNew)> &fnCheck)
 {
+    const std::string_view svBytes(reinterpret_cast<const char *>(vecBytes.data()), vecBytes.size());
     MakeParentDirectory(stPlace);
+    if (stPlace.strBase.empty() && KindOf(stPlace) == PathKind::Stream) {
+        WriteStream(stPlace, svBytes);
+        return;
+    }
     files::NewFile stNew;
     Require(stNew.Open(stPlace), "write", stPlace);
-    Require(stNew.Write({reinterpret_cast<const char *>(vecBytes.data()), vecBytes.size()}), "write",
-            stPlace);
+    Require(stNew.Write(svBytes), "write", stPlace);
     if (fnCheck) {
         const std::string strDirectory = DirectoryOf(stPlace).Text();
         fnCheck((strDirectory.empty() ? "/" : strDirectory + "/") + stNew.TempName());

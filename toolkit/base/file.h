@@ -16,10 +16,21 @@ constexpr size_t IMAGE_FILE_MAX = 1024U * 1024U;
 // A file's bytes as they are. Fails when it is missing, unreadable or longer than IMAGE_FILE_MAX.
 std::vector<u8> ReadFileBytes(const files::PLACE_S &stPlace);
 
-// Writes a file whole or not at all (a new file takes the old one's place and has its permission bits).
-// fnCheck is given the new file's path before that and may fail; then the old file stays.
+// Writes a file whole or not at all: a new one takes the old one's place, or that of what a link of ours leads
+// to, and has its permission bits. fnCheck is given the new file's path before that and may fail; then the old
+// file stays. A pipe or a character device that the user himself has named (a place without a base) is never
+// replaced: the bytes go into it, unchecked. Anything else that is no regular file is refused.
 void WriteFileBytes(const files::PLACE_S &stPlace, const std::vector<u8> &vecBytes,
                     const std::function<void(const std::string &strNew)> &fnCheck = {});
+
+enum class PathKind
+{
+    Absent,
+    File,
+    Stream, // a pipe or a character device
+    Other
+};
+PathKind KindOf(const files::PLACE_S &stPlace);
 
 // mkdir -p for the directory that the path's file lies in.
 void MakeParentDirectory(const files::PLACE_S &stPlace);

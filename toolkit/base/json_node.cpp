@@ -5,6 +5,7 @@
 
 #include "toolkit/base/error.h"
 #include "toolkit/base/file.h"
+#include "toolkit/base/json.h"
 #include "toolkit/base/text.h"
 
 using nlohmann::json;
@@ -27,15 +28,21 @@ json ParseJsonFile(const std::string &strFile)
 {
     const std::vector<u8> vecBytes = ReadFileBytes(strFile);
     std::vector<std::set<std::string>> vecSeen;
-    const auto fnCheck = [&](int, json::parse_event_t enEvent, json &stValue) {
+    const auto fnCheck = [&](int iDepth, json::parse_event_t enEvent, json &stValue) {
+        if (iDepth > JSON_DEPTH_MAX) {
+            FailRefused(
+                EscapeText(strFile) +
+                Format(": objects and arrays stand in each other more than %d deep; accepted: up to %d",
+                       JSON_DEPTH_MAX, JSON_DEPTH_MAX));
+        }
         if (enEvent == json::parse_event_t::object_start) {
             vecSeen.emplace_back();
         } else if (enEvent == json::parse_event_t::object_end) {
             vecSeen.pop_back();
         } else if (enEvent == json::parse_event_t::key &&
                    !vecSeen.back().insert(stValue.get<std::string>()).second) {
-            Fail(strFile + ": the member " + Shown(stValue) +
-                 " stands twice in one object; accepted: each member once");
+            FailRefused(strFile + ": the member " + Shown(stValue) +
+                        " stands twice in one object; accepted: each member once");
         }
         return true;
     };
@@ -44,7 +51,7 @@ json ParseJsonFile(const std::string &strFile)
     } catch (const json::parse_error &stError) {
         std::string strWhat = stError.what();
         strWhat.erase(0, std::min(strWhat.size(), strWhat.find("] ") + 2U)); // the library's own numbering
-        Fail(strFile + ": not JSON: " + EscapeText(strWhat));
+        FailRefused(strFile + ": not JSON: " + EscapeText(strWhat));
     }
 }
 
@@ -55,12 +62,12 @@ std::string JsonNode::PathOf(const std::string &strName) const
 
 void JsonNode::Refuse(const std::string &strWhy) const
 {
-    Fail(m_strFile + ": " + (m_strPath.empty() ? "" : m_strPath + ": ") + strWhy);
+    FailRefused(m_strFile + ": " + (m_strPath.empty() ? "" : m_strPath + ": ") + strWhy);
 }
 
 void JsonNode::RefuseMember(const std::string &strName, const std::string &strWhy) const
 {
-    Fail(m_strFile + ": " + PathOf(strName) + ": " + strWhy);
+    FailRefused(m_strFile + ": " + PathOf(strName) + ": " + strWhy);
 }
 
 void JsonNode::RequireObject(const std::vector<const char *> &vecNames) const

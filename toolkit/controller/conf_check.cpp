@@ -6,13 +6,13 @@
 #include <cstring>
 #include <filesystem>
 #include <memory>
-#include <nlohmann/json.hpp>
 
 #include "bmc_hwdesc.h"
 #include "bmc_ini.h"
 #include "bmcfru_host.h"
 #include "toolkit/base/error.h"
 #include "toolkit/base/file.h"
+#include "toolkit/base/json.h"
 #include "toolkit/base/text.h"
 #include "toolkit/controller/diagnostics.h"
 #include "toolkit/controller/oem_conf.h"
@@ -30,8 +30,8 @@ class TrialRoot
         const std::string strWhere = pcTemp == nullptr || *pcTemp == '\0' ? "/tmp" : pcTemp;
         m_strTrial = strWhere + "/fructl-trial-XXXXXX";
         if (mkdtemp(m_strTrial.data()) == nullptr) {
-            Fail("no directory can be made in " + EscapeText(strWhere) +
-                 " to try the controller's files in: " + strerror(errno));
+            Fail(ClassOfErrno(errno), "no directory can be made in " + EscapeText(strWhere) +
+                                          " to try the controller's files in: " + strerror(errno));
         }
         (void)BMCHOST_SetRoot(m_strTrial.c_str());
     }
@@ -95,8 +95,7 @@ std::string IniProblem(const CONF_FILE_S &stFile, const std::vector<NUMBER_S> &v
 
 std::string FeaturesProblem(const CONF_FILE_S &stFile)
 {
-    const nlohmann::json stFeatures =
-        nlohmann::json::parse(stFile.vecBytes.begin(), stFile.vecBytes.end(), nullptr, false);
+    const Json stFeatures = ParseJsonText<Json>(std::string(stFile.vecBytes.begin(), stFile.vecBytes.end()));
     bool bTexts = stFeatures.is_array();
     for (size_t i = 0; bTexts && i < stFeatures.size(); i++) {
         bTexts = stFeatures[i].is_string();

@@ -6,6 +6,7 @@
 #include "bmcfru_host.h"
 #include "toolkit/base/error.h"
 #include "toolkit/base/text.h"
+#include "toolkit/controller/cause.h"
 #include "toolkit/controller/root_lock.h"
 
 void OpenController(CONTROLLER_S &stController)
@@ -20,8 +21,9 @@ void OpenController(CONTROLLER_S &stController)
 void RequireOwnRoot(const CONTROLLER_S &stController)
 {
     if (!stController.bForeignRoot && BMCHOST_IsForeignRoot() != 0U) {
-        Fail(EscapeText(stController.strRoot) +
-             " belongs to another user, so nothing is written there; --foreign-root writes all the same");
+        Fail(ErrorClass::NotPermitted,
+             EscapeText(stController.strRoot) +
+                 " belongs to another user, so nothing is written there; --foreign-root writes all the same");
     }
 }
 
@@ -44,7 +46,7 @@ bool HasController(const CONTROLLER_S &stController)
     const char *pcText = "";
     const BMCHOST_DB_REASON_E enReason = BMCHOST_CheckDb(&pcText);
     if (enReason != BMCHOST_DB_NO_FAULT && enReason != BMCHOST_DB_ABSENT) {
-        Fail(EscapeText(pcText)); // there is one, and nobody may write over it
+        FailDatabase(enReason, EscapeText(pcText)); // there is one, and nobody may write over it
     }
     return enReason == BMCHOST_DB_NO_FAULT;
 }
@@ -52,8 +54,9 @@ bool HasController(const CONTROLLER_S &stController)
 void RequireController(const CONTROLLER_S &stController)
 {
     if (!HasController(stController)) {
-        Fail("there is no controller in " + stController.strRoot +
-             "; 'fructl provision FILE' makes one, --root or $FRUCTL_ROOT names another");
+        Fail(ErrorClass::NotFound,
+             "there is no controller in " + stController.strRoot +
+                 "; 'fructl provision FILE' makes one, --root or $FRUCTL_ROOT names another");
     }
     if (stController.pstReadLock == nullptr && !stController.bWriting && !stController.bGoesOnForLong) {
         stController.pstReadLock = std::make_shared<ReadLock>(stController);

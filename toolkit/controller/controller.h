@@ -7,8 +7,10 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 class ReadLock;
+struct DEVICE_S;
 
 struct CONTROLLER_S
 {
@@ -20,6 +22,7 @@ struct CONTROLLER_S
     mutable std::shared_ptr<ReadLock> pstReadLock;          // since RequireController()
     mutable bool bWriting = false;                          // a RootLock lives
     mutable bool bGoesOnForLong = false;
+    mutable std::vector<std::shared_ptr<const DEVICE_S>> vecNamed; // devices that the user named
 
     void Warn(const std::string &strLine) const;
     // Lets others write meanwhile: from now on reads of this controller are not locked.

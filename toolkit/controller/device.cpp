@@ -6,6 +6,7 @@
 #include "lib_fru.h"
 #include "toolkit/base/error.h"
 #include "toolkit/base/text.h"
+#include "toolkit/controller/cause.h"
 
 namespace {
 
@@ -48,8 +49,10 @@ std::vector<DEVICE_S> LoadDevices(const CONTROLLER_S &stController)
     FRU_DEVICE_TBL_S stTable = {};
     const u32 uiRet = LIB_FRU_GetFRUDeviceTbl(&stTable);
     if (uiRet != FRU_OK) {
-        Fail("the controller in " + stController.strRoot + " has no device table: " + StatusText(uiRet) +
-             "; 'fructl provision FILE' writes one");
+        FailLibrary(ErrorClass::NotFound,
+                    "the controller in " + stController.strRoot +
+                        " has no device table: " + StatusText(uiRet),
+                    "; 'fructl provision FILE' makes a controller with one");
     }
     std::vector<DEVICE_S> vecDevices;
     for (u32 i = 0; i < stTable.ucCount && i < FRU_DEVICE_TBL_MAX; i++) {

@@ -43,7 +43,7 @@ DEVICE_CHANGE_S DeviceChange(const Json &stJson)
     stDevice.optNewCache = OptionalBytes(stJson.at("newCache"));
     if (stDevice.optOld.has_value() != stDevice.optNew.has_value() ||
         (stDevice.optOld.has_value() && stDevice.optOld->size() != stDevice.optNew->size())) {
-        Fail("a journal entry has old and new bytes of different lengths");
+        Fail(ErrorClass::Damaged, "a journal entry has old and new bytes of different lengths");
     }
     return stDevice;
 }

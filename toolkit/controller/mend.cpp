@@ -9,6 +9,7 @@
 #include "lib_fru.h"
 #include "toolkit/base/error.h"
 #include "toolkit/base/text.h"
+#include "toolkit/controller/cause.h"
 #include "toolkit/controller/diagnostics.h"
 
 namespace {
@@ -21,7 +22,8 @@ FRU_DEVICE_INFO_S InfoOf(const DEVICE_CHANGE_S &stChange)
 {
     FRU_DEVICE_INFO_S stInfo = {};
     if (FRU_DB_GetFRUDeviceInfo(stChange.ucDeviceID, &stInfo) != FRU_OK) {
-        Fail(stChange.strTitle + " has no device record any more" + DiagnosticHint());
+        FailLibrary(ErrorClass::NotFound, stChange.strTitle + " has no device record any more",
+                    DiagnosticHint());
     }
     return stInfo;
 }
@@ -36,7 +38,8 @@ Bytes ReadRegion(const DEVICE_CHANGE_S &stChange)
     const i32 iRead = ReadWriteEEPROM(stInfo.ucEEPROMType, &stInfo.ucBusNumber, vecBytes.data(),
                                       stChange.uiOffset, static_cast<u32>(vecBytes.size()), BMC_EEPROM_READ);
     if (iRead != static_cast<i32>(vecBytes.size())) {
-        Fail("the EEPROM of " + stChange.strTitle + " does not answer" + DiagnosticHint());
+        Fail(ErrorClass::NoAnswer,
+             "the EEPROM of " + stChange.strTitle + " does not answer" + DiagnosticHint());
     }
     return vecBytes;
 }
@@ -49,7 +52,8 @@ void WriteRegion(const DEVICE_CHANGE_S &stChange, Bytes vecBytes)
         ReadWriteEEPROM(stInfo.ucEEPROMType, &stInfo.ucBusNumber, vecBytes.data(), stChange.uiOffset,
                         static_cast<u32>(vecBytes.size()), BMC_EEPROM_WRITE);
     if (iWritten != static_cast<i32>(vecBytes.size())) {
-        Fail("the EEPROM of " + stChange.strTitle + " cannot be written" + DiagnosticHint());
+        Fail(ErrorClass::NoAnswer,
+             "the EEPROM of " + stChange.strTitle + " cannot be written" + DiagnosticHint());
     }
 }
 
@@ -102,8 +106,9 @@ void PutCached(const DEVICE_CHANGE_S &stChange, const std::optional<Bytes> &optB
     const u32 uiRet =
         FRU_DB_PutFRUData(stChange.ucDeviceID, static_cast<u16>(optBytes->size()), optBytes->data());
     if (uiRet != FRU_OK) {
-        Fail("the cached image of " + stChange.strTitle + " cannot be written: " + StatusText(uiRet) +
-             DiagnosticHint());
+        FailLibrary(ErrorClass::Failed,
+                    "the cached image of " + stChange.strTitle + " cannot be written: " + StatusText(uiRet),
+                    DiagnosticHint());
     }
 }
 
@@ -127,7 +132,8 @@ void PutWhole(const FILE_CHANGE_S &stFile)
         iError = files::Replace(stPlace, std::string(stFile.vecNew.begin(), stFile.vecNew.end()));
     }
     if (iError != 0) {
-        Fail("the file " + stFile.strPath + " on the controller cannot be written: " + files::Reason(iError));
+        Fail(ClassOfErrno(iError),
+             "the file " + stFile.strPath + " on the controller cannot be written: " + files::Reason(iError));
     }
 }
 
@@ -225,6 +231,7 @@ void RequireSide(const JOURNAL_ENTRY_S &stEntry, Side enSide)
             const auto itFirst = std::mismatch(vecNow.begin(), vecNow.end(), optWanted->begin());
             if (itFirst.first != vecNow.end()) {
                 Fail(
+                    ErrorClass::NoAnswer,
                     Format("the EEPROM of %s holds other bytes than were to be written, from byte 0x%04zx on "
                            "(0x%02x, not 0x%02x)",
                            stChange.strTitle.c_str(), static_cast<size_t>(itFirst.first - vecNow.begin()),

@@ -8,6 +8,7 @@
 #include "toolkit/base/error.h"
 #include "toolkit/base/file.h"
 #include "toolkit/base/text.h"
+#include "toolkit/controller/cause.h"
 #include "toolkit/controller/diagnostics.h"
 #include "toolkit/controller/serial_file.h"
 
@@ -16,7 +17,8 @@ namespace {
 void Require(u32 uiRet, const std::string &strWhat)
 {
     if (uiRet != FRU_OK) {
-        Fail("cannot write " + strWhat + ": " + StatusText(uiRet) + DiagnosticHint());
+        FailLibrary(ErrorClass::Failed, "cannot write " + strWhat + ": " + StatusText(uiRet),
+                    DiagnosticHint());
     }
 }
 
@@ -24,7 +26,7 @@ void Require(u32 uiRet, const std::string &strWhat)
 files::PLACE_S PlacePath(const std::string &strControllerPath)
 {
     if (!RealPath(strControllerPath).has_value()) {
-        Fail("the path " + EscapeText(strControllerPath) + " does not lie inside the controller");
+        FailRefused("the path " + EscapeText(strControllerPath) + " does not lie inside the controller");
     }
     return {BMCHOST_GetRoot(), strControllerPath};
 }
@@ -104,8 +106,9 @@ std::vector<u8> ExistingIDs(const CONTROLLER_S &stController)
         for (u32 i = 0; i < stTable.ucCount && i < FRU_DEVICE_TBL_MAX; i++) {
             vecIDs.push_back(stTable.astEntry[i].ucDeviceID);
         }
-    } else if (BMCHOST_LastDbError(&pcText) != BMCHOST_DB_NO_RECORD) {
-        Fail(EscapeText(pcText)); // there may be a table
+    } else if (const BMCHOST_DB_REASON_E enReason = BMCHOST_LastDbError(&pcText);
+               enReason != BMCHOST_DB_NO_RECORD) {
+        FailDatabase(enReason, EscapeText(pcText)); // there may be a table
     }
     return vecIDs;
 }
@@ -115,7 +118,7 @@ std::string EepromPath(const DEVICE_PLAN_S &stDevice)
     char acPath[8192] = "";
     if (BMCHOST_GetEepromPath(stDevice.stInfo.ucEEPROMType, &stDevice.stInfo.ucBusNumber, sizeof(acPath),
                               acPath) != 0U) {
-        Fail(std::string("the EEPROM of ") + stDevice.stInfo.acFRUName + " has no file name");
+        FailRefused(std::string("the EEPROM of ") + stDevice.stInfo.acFRUName + " has no file name");
     }
     return acPath;
 }

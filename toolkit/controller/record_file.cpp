@@ -27,7 +27,8 @@ files::PLACE_S PlaceOf(const std::string &strDirectory, u32 uiNumber)
 
 [[noreturn]] void FailWith(const char *pcWhat, const files::PLACE_S &stPlace, int iError)
 {
-    Fail(std::string("cannot ") + pcWhat + " " + stPlace.Text() + ": " + files::Reason(iError));
+    Fail(ClassOfErrno(iError),
+         std::string("cannot ") + pcWhat + " " + stPlace.Text() + ": " + files::Reason(iError));
 }
 
 // Whether a file was changed by anybody but us: FNV-1a, 64 bits.
@@ -51,7 +52,7 @@ std::vector<u32> RecordNumbers(const std::string &strDirectory)
         if (errno == ENOENT) {
             return vecNumbers;
         }
-        Fail("cannot look into " + strPath + ": " + strerror(errno));
+        Fail(ClassOfErrno(errno), "cannot look into " + strPath + ": " + strerror(errno));
     }
     for (const dirent *pstEntry = readdir(upDir.get()); pstEntry != nullptr;
          pstEntry = readdir(upDir.get())) {
@@ -74,10 +75,10 @@ Json ReadRecordFile(const std::string &strDirectory, u32 uiNumber, const char *p
     if (iError != 0) {
         FailWith("read", stPlace, iError);
     }
-    const Json stFile = Json::parse(strText, nullptr, false);
+    const Json stFile = ParseJsonText<Json>(strText);
     if (!stFile.is_object() || stFile.value("kind", "") != pcKind || !stFile.contains("content") ||
         stFile.value("sum", "") != Sum(stFile["content"].dump())) {
-        Fail("the file " + stPlace.Text() + " is damaged");
+        Fail(ErrorClass::Damaged, "the file " + stPlace.Text() + " is damaged");
     }
     return stFile["content"];
 }
@@ -119,7 +120,7 @@ std::optional<std::vector<u8>> OptionalBytes(const Json &stHex)
     }
     const std::optional<std::vector<u8>> optBytes = ParseHexBytes(stHex.get<std::string>());
     if (!optBytes.has_value()) {
-        Fail("bytes in a record file are no hex digits");
+        Fail(ErrorClass::Damaged, "bytes in a record file are no hex digits");
     }
     return optBytes;
 }

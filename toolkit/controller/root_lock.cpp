@@ -23,8 +23,10 @@ files::PLACE_S PlaceOf(const CONTROLLER_S &stController, const char *pcPath)
 {
     const std::string strHolder = EscapeText(stFile.Holder());
     // Readers share the lock and leave no name in it.
-    Fail("another command is " + std::string(strHolder.empty() ? "reading or writing in " : "writing to ") +
-         stController.strRoot + (strHolder.empty() ? "" : ": " + strHolder) + "; try again when it is done");
+    Fail(ErrorClass::Busy, "another command is " +
+                               std::string(strHolder.empty() ? "reading or writing in " : "writing to ") +
+                               stController.strRoot + (strHolder.empty() ? "" : ": " + strHolder) +
+                               "; try again when it is done");
 }
 
 void Take(const CONTROLLER_S &stController, files::LockFile &stFile)
@@ -37,7 +39,7 @@ void Take(const CONTROLLER_S &stController, files::LockFile &stFile)
         FailBusy(stController, stFile);
     }
     if (iError != 0) {
-        Fail("cannot take the lock " + stPlace.Text() + ": " + files::Reason(iError));
+        Fail(ClassOfErrno(iError), "cannot take the lock " + stPlace.Text() + ": " + files::Reason(iError));
     }
     iError = stFile.SetHolder(Format("pid %d, ", getpid()) + stController.strCommandLine);
     if (iError != 0) {
@@ -72,7 +74,7 @@ void RootLock::RequireMended(u8 ucDeviceID) const
 {
     for (const auto &[ucStuckID, strLine] : m_vecStuck) {
         if (ucStuckID == ucDeviceID) {
-            Fail(strLine);
+            Fail(ErrorClass::HalfWritten, strLine);
         }
     }
 }

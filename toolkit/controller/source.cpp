@@ -5,6 +5,7 @@
 #include "toolkit/base/error.h"
 #include "toolkit/base/file.h"
 #include "toolkit/base/text.h"
+#include "toolkit/controller/cause.h"
 #include "toolkit/controller/controller.h"
 #include "toolkit/controller/diagnostics.h"
 #include "toolkit/image/fields.h"
@@ -19,11 +20,12 @@ IMAGE_S ReadChip(const DEVICE_S &stDevice)
     const i32 iRead = LIB_FRU_ReadFromEEPROM(&stDevice.stInfo, stDevice.stInfo.usStartOffset,
                                              stDevice.stInfo.usSize, stImage.vecBytes.data());
     if (iRead < 0) {
-        Fail("the EEPROM of " + stDevice.Title() + " does not answer" + DiagnosticHint());
+        Fail(ErrorClass::NoAnswer,
+             "the EEPROM of " + stDevice.Title() + " does not answer" + DiagnosticHint());
     }
     if (static_cast<size_t>(iRead) != stImage.vecBytes.size()) {
-        Fail(Format("the EEPROM of %s gave %d of %zu bytes", stDevice.Title().c_str(), iRead,
-                    stImage.vecBytes.size()));
+        Fail(ErrorClass::NoAnswer, Format("the EEPROM of %s gave %d of %zu bytes", stDevice.Title().c_str(),
+                                          iRead, stImage.vecBytes.size()));
     }
     return stImage;
 }
@@ -33,7 +35,7 @@ IMAGE_S ReadCache(const DEVICE_S &stDevice)
     IMAGE_S stImage = {Source::Cache, std::vector<u8>(stDevice.stInfo.usSize), stDevice.stInfo.usSize};
     if (stImage.vecBytes.empty() || FRU_DB_GetFRUData(stDevice.stEntry.ucDeviceID, stDevice.stInfo.usSize,
                                                       stImage.vecBytes.data()) != FRU_OK) {
-        Fail(stDevice.Title() + " has no cached image");
+        FailLibrary(ErrorClass::NotFound, stDevice.Title() + " has no cached image");
     }
     return stImage;
 }
@@ -43,10 +45,37 @@ IMAGE_S ReadStored(const DEVICE_S &stDevice)
     const std::string strPath = stDevice.ImagePath();
     const std::optional<std::string> optReal = RealPath(strPath);
     if (!optReal.has_value()) {
-        Fail("no stored image is named in the record of " + stDevice.Title());
+        Fail(ErrorClass::NotFound, "no stored image is named in the record of " + stDevice.Title());
     }
     const std::vector<u8> vecBytes = ReadFileBytes(*optReal);
     return {Source::Stored, vecBytes, vecBytes.size()};
+}
+
+// Where to look when one source cannot be shown.
+std::string OtherSource(Source enSource)
+{
+    return enSource == Source::Cache ? "; --source eeprom shows what the EEPROM holds"
+                                     : "; --source cache shows the cached image";
+}
+
+[[noreturn]] void FailDecoding(const TARGET_S &stTarget, const IMAGE_S &stImage, u32 uiRet,
+                               const std::string &strHint, const std::string &strMore)
+{
+    const std::string strStatus = "cannot decode " + stTarget.Title() + ": " + StatusText(uiRet);
+    const IMAGE_LAYOUT_S stLayout = LayoutOf(stImage, stTarget.HasFixedSlots());
+    if (stLayout.vecAreas == std::vector<Area>{Area::Hardware}) {
+        FailRefused(stTarget.Title() + " holds no FRU image but a hardware block; 'fructl hw show' shows it");
+    }
+    if (stLayout.bErased) {
+        Fail(ErrorClass::Damaged, strStatus + "; every byte is 0xff, as of an erased chip" + strMore);
+    }
+    for (const FINDING_S &stFinding : stLayout.vecFindings) {
+        if (!stFinding.bWarning) {
+            Fail(ErrorClass::Damaged,
+                 strStatus + "; " + FindingText(stFinding) + "; 'fructl verify' tells all" + strMore);
+        }
+    }
+    FailLibrary(ErrorClass::Damaged, strStatus, strHint + strMore);
 }
 
 } // namespace
@@ -61,7 +90,7 @@ IMAGE_S ReadSource(const DEVICE_S &stDevice, Source enSource)
     case Source::Stored:
         return ReadStored(stDevice);
     default:
-        Fail(stDevice.Title() + " is no file");
+        FailRefused(stDevice.Title() + " is no file");
     }
 }
 
@@ -90,9 +119,53 @@ IMAGE_S ReadTarget(const TARGET_S &stTarget)
     }
     const std::optional<IMAGE_S> optCached = FindSource(stDevice, Source::Cache);
     if (!optCached.has_value()) {
-        Fail(stDevice.Title() + " is served from the cache only, and there is no cached image of it");
+        FailLibrary(ErrorClass::NotFound,
+                    stDevice.Title() + " is served from the cache only, and there is no cached image of it");
     }
     return *optCached;
+}
+
+IMAGE_S ReadShown(const TARGET_S &stTarget, std::optional<Source> optSource)
+{
+    if (!stTarget.optDevice.has_value()) {
+        if (optSource.has_value()) {
+            FailUsage("--source chooses one of a device's images, and " + stTarget.Title() + " is a file");
+        }
+        return ReadImage(stTarget.strFile);
+    }
+    const DEVICE_S &stDevice = *stTarget.optDevice;
+    if (optSource.has_value() || stDevice.IsDatabaseOnly()) {
+        return optSource.has_value() ? ReadSource(stDevice, *optSource) : ReadTarget(stTarget);
+    }
+    try {
+        return ReadChip(stDevice);
+    } catch (const Error &stError) {
+        if (!FindSource(stDevice, Source::Cache).has_value()) {
+            throw;
+        }
+        Fail(stError.Class(), stError.what() + OtherSource(Source::Eeprom));
+    }
+}
+
+std::optional<std::string> WhySourcesDiffer(const TARGET_S &stTarget)
+{
+    if (!stTarget.optDevice.has_value() || stTarget.optDevice->IsDatabaseOnly() ||
+        !IsCacheTrusted(*stTarget.optDevice)) {
+        return std::nullopt;
+    }
+    const std::optional<IMAGE_S> optCached = FindSource(*stTarget.optDevice, Source::Cache);
+    const std::optional<IMAGE_S> optChip = FindSource(*stTarget.optDevice, Source::Eeprom);
+    if (!optCached.has_value() || !optChip.has_value()) {
+        return std::nullopt;
+    }
+    const std::optional<size_t> optAt = FirstDifference(*optChip, *optCached, stTarget.HasFixedSlots());
+    if (!optAt.has_value()) {
+        return std::nullopt;
+    }
+    return Format(
+        "the EEPROM of %s and its cached image differ from byte 0x%04zx on (0x%02x in the EEPROM, 0x%02x "
+        "cached); --source eeprom and --source cache show the one and the other",
+        stTarget.Title().c_str(), *optAt, optChip->vecBytes[*optAt], optCached->vecBytes[*optAt]);
 }
 
 bool IsCacheTrusted(const DEVICE_S &stDevice)
@@ -119,16 +192,20 @@ void DecodeTarget(const TARGET_S &stTarget, Record &stRecord)
     if (uiRet == FRU_OK) {
         return;
     }
-    const std::string strStatus = "cannot decode " + stTarget.Title() + ": " + StatusText(uiRet);
     const std::string strHint = DiagnosticHint();
-    const IMAGE_LAYOUT_S stLayout = LayoutOf(ReadTarget(stTarget), stTarget.HasFixedSlots());
-    if (stLayout.vecAreas == std::vector<Area>{Area::Hardware}) {
-        Fail(stTarget.Title() + " holds no FRU image but a hardware block; 'fructl hw show' shows it");
+    FailDecoding(stTarget, ReadTarget(stTarget), uiRet, strHint, "");
+}
+
+void DecodeShown(const TARGET_S &stTarget, const IMAGE_S &stImage, Record &stRecord)
+{
+    ClearDiagnostics();
+    const u32 uiRet = DecodeImage(stImage, stTarget.HasFixedSlots(), stRecord);
+    if (uiRet != FRU_OK) {
+        const std::string strHint = DiagnosticHint();
+        const bool bOther = stTarget.optDevice.has_value() && !stTarget.optDevice->IsDatabaseOnly() &&
+                            FindSource(*stTarget.optDevice,
+                                       stImage.enSource == Source::Cache ? Source::Eeprom : Source::Cache)
+                                .has_value();
+        FailDecoding(stTarget, stImage, uiRet, strHint, bOther ? OtherSource(stImage.enSource) : "");
     }
-    for (const FINDING_S &stFinding : stLayout.vecFindings) {
-        if (!stFinding.bWarning) {
-            Fail(strStatus + "; " + FindingText(stFinding) + "; 'fructl verify' tells all");
-        }
-    }
-    Fail(strStatus + strHint);
 }

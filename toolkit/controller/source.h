@@ -24,6 +24,17 @@ IMAGE_S ReadTarget(const TARGET_S &stTarget);
 // True when reads may be served from the cache.
 bool IsCacheTrusted(const DEVICE_S &stDevice);
 
+// What a reader shows of a target: a file's image, or a device's from the source that was chosen; none: from
+// its home. Fails with why it cannot be read, and where there is another.
+IMAGE_S ReadShown(const TARGET_S &stTarget, std::optional<Source> optSource);
+
+// Decodes it; fails with what is wrong where.
+void DecodeShown(const TARGET_S &stTarget, const IMAGE_S &stImage, Record &stRecord);
+
+// That the EEPROM of a device and the cached image, which is served to others, are not the same; nothing when
+// they are, and where there is only one of them.
+std::optional<std::string> WhySourcesDiffer(const TARGET_S &stTarget);
+
 // Decodes a target as the library's other callers see it: a device through the cache where that is trusted, a
 // file's image as it is. A status code of the library.
 u32 DecodeStatus(const TARGET_S &stTarget, Record &stRecord);

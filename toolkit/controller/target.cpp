@@ -6,10 +6,12 @@
 #include "toolkit/base/error.h"
 #include "toolkit/base/name_value.h"
 #include "toolkit/base/text.h"
+#include "toolkit/controller/cause.h"
 
 namespace {
 
-constexpr const char *ACCEPTED = "accepted: TYPE:INSTANCE such as 0x30:0, a device's name, or an image file";
+constexpr const char *ACCEPTED =
+    "accepted: TYPE:INSTANCE such as 0x30:0, a device's name, or an image file's path with a slash";
 
 bool IsFile(const std::string &strPath)
 {
@@ -41,14 +43,14 @@ std::optional<COMPONENT_S> ParseComponent(const std::string &strText)
     return COMPONENT_S{static_cast<u8>(*optType), static_cast<u8>(*optInstance)};
 }
 
-std::string NamesOf(const std::vector<DEVICE_S> &vecDevices)
+std::vector<std::string> NamesOf(const std::vector<DEVICE_S> &vecDevices)
 {
     std::vector<std::string> vecNames;
     vecNames.reserve(vecDevices.size());
     for (const DEVICE_S &stDevice : vecDevices) {
         vecNames.push_back(EscapeText(stDevice.strName));
     }
-    return vecNames.empty() ? "it has no devices" : "it has " + Join(vecNames, ", ");
+    return vecNames;
 }
 
 template <typename FN>
@@ -58,13 +60,20 @@ DEVICE_S FindDevice(const CONTROLLER_S &stController, const std::string &strWhat
     for (const DEVICE_S &stDevice : vecDevices) {
         if (fnMatches(stDevice)) {
             if (!stDevice.bHasInfo) {
-                Fail("the controller in " + stController.strRoot + " lists " + strWhat +
-                     " but has no record of it; 'fructl provision --force' writes one");
+                FailLibrary(ErrorClass::NotFound,
+                            "the controller in " + stController.strRoot + " lists " + strWhat +
+                                " but has no record of it",
+                            "; 'fructl list' shows the devices that have one");
             }
+            stController.vecNamed.push_back(std::make_shared<const DEVICE_S>(stDevice));
             return stDevice;
         }
     }
-    Fail("the controller in " + stController.strRoot + " has no " + strWhat + "; " + NamesOf(vecDevices));
+    const std::vector<std::string> vecNames = NamesOf(vecDevices);
+    Fail(ErrorClass::NotFound,
+         "the controller in " + stController.strRoot + " has no " + strWhat + "; " +
+             (vecNames.empty() ? "it has no devices" : "it has " + Join(vecNames, ", ")),
+         vecNames);
 }
 
 DEVICE_S FindByID(const CONTROLLER_S &stController, const std::string &strDeviceID)
@@ -80,11 +89,24 @@ DEVICE_S FindByID(const CONTROLLER_S &stController, const std::string &strDevice
 
 void CheckOptions(const TARGET_OPTIONS_S &stOptions)
 {
-    if (stOptions.strTarget.empty() == stOptions.strDeviceID.empty()) {
-        FailUsage(stOptions.strTarget.empty()
-                      ? std::string("no device is named; ") + ACCEPTED + ", or --id N"
-                      : std::string("a device is named twice, by --id and without; give one of them"));
+    const int iNames = (stOptions.strTarget.empty() ? 0 : 1) + (stOptions.strDeviceID.empty() ? 0 : 1) +
+                       (stOptions.strFile.empty() ? 0 : 1);
+    if (iNames == 0) {
+        FailUsage(std::string("no device is named; ") + ACCEPTED + ", or --id N");
     }
+    if (iNames > 1) {
+        FailUsage(stOptions.strFile.empty()
+                      ? "a device is named twice, by --id and without; give one of them"
+                      : "a device or file is named twice, by --file and without; give one of them");
+    }
+}
+
+TARGET_S NamedFile(const std::string &strFile)
+{
+    if (!IsFile(strFile)) {
+        Fail(ErrorClass::NotFound, "there is no image file " + EscapeText(strFile) + "; " + ACCEPTED);
+    }
+    return {std::nullopt, strFile};
 }
 
 } // namespace
@@ -102,19 +124,22 @@ bool TARGET_S::HasFixedSlots() const
 TARGET_S ResolveTarget(const CONTROLLER_S &stController, const TARGET_OPTIONS_S &stOptions)
 {
     CheckOptions(stOptions);
-    if (!stOptions.strDeviceID.empty()) {
-        return {FindByID(stController, stOptions.strDeviceID), ""};
-    }
     const std::string &strTarget = stOptions.strTarget;
-    // A slash or a file of this name decides for a file; a device is always to be had as TYPE:INSTANCE or by
-    // --id.
-    if (IsFile(strTarget)) {
-        return {std::nullopt, strTarget};
+    if (!stOptions.strFile.empty() || strTarget.find('/') != std::string::npos) {
+        return NamedFile(stOptions.strFile.empty() ? strTarget : stOptions.strFile);
     }
-    if (strTarget.find('/') != std::string::npos) {
-        Fail("there is no image file " + EscapeText(strTarget) + "; " + ACCEPTED);
+    try {
+        return {ResolveDevice(stController, stOptions), ""};
+    } catch (const Error &stError) {
+        if (stError.Class() != ErrorClass::NotFound || strTarget.empty() || !IsFile(strTarget)) {
+            throw;
+        }
+        const std::string strFile = EscapeText(strTarget);
+        Fail(ErrorClass::NotFound,
+             std::string(stError.what()) + "; for the file of that name say ./" + strFile + " or --file " +
+                 strFile,
+             stError.Accepted());
     }
-    return {ResolveDevice(stController, stOptions), ""};
 }
 
 DEVICE_S ResolveDevice(const CONTROLLER_S &stController, const TARGET_OPTIONS_S &stOptions)

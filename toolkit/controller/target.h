@@ -22,14 +22,22 @@ struct TARGET_S
 // How the user names it.
 struct TARGET_OPTIONS_S
 {
-    std::string strTarget;   // TYPE:INSTANCE, a name, or a file
-    std::string strDeviceID; // --id
+    std::string strTarget;    // TYPE:INSTANCE, a name, or a file's path with a slash
+    std::string strDeviceID;  // --id
+    std::string strFile = {}; // --file
+
+    bool IsNamed() const
+    {
+        return !strTarget.empty() || !strDeviceID.empty() || !strFile.empty();
+    }
 };
 
 // The device that MultiRecords are merged into, and that the OEM file is filled from: component type 0,
 // instance 0.
 constexpr const char *MAIN_FRU = "0x00:0";
 
+// A word without a slash is never a file: where there is no such device, but a file, the failure tells how the
+// file is named.
 TARGET_S ResolveTarget(const CONTROLLER_S &stController, const TARGET_OPTIONS_S &stOptions);
 DEVICE_S ResolveDevice(const CONTROLLER_S &stController, const TARGET_OPTIONS_S &stOptions);
 

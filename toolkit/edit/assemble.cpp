@@ -7,6 +7,7 @@
 #include "lib_fru.h"
 #include "toolkit/base/error.h"
 #include "toolkit/base/text.h"
+#include "toolkit/controller/cause.h"
 #include "toolkit/edit/transaction.h"
 #include "toolkit/image/fields.h"
 #include "toolkit/image/record.h"
@@ -83,13 +84,14 @@ void CheckDevice(const DEVICE_S &stDevice, bool bForce)
 {
     const u32 uiSize = stDevice.stInfo.usSize;
     if (uiSize > ASSEMBLE_MAX || uiSize < FRU_COMMON_HEADER_LEN) {
-        Fail(stDevice.Title() + Format(" has %u bytes; an image can be assembled for %u to %u", uiSize,
-                                       FRU_COMMON_HEADER_LEN, ASSEMBLE_MAX));
+        FailRefused(stDevice.Title() + Format(" has %u bytes; an image can be assembled for %u to %u", uiSize,
+                                              FRU_COMMON_HEADER_LEN, ASSEMBLE_MAX));
     }
     if (!bForce && !stDevice.IsDatabaseOnly()) {
-        Fail(stDevice.Title() +
-             " has an EEPROM; an image assembled into its cache would hide what is in there, and the next "
-             "label write would carry it there; accepted: a databaseOnly device, or --force");
+        FailRefused(
+            stDevice.Title() +
+            " has an EEPROM; an image assembled into its cache would hide what is in there, and the next "
+            "label write would carry it there; accepted: a databaseOnly device, or --force");
     }
 }
 
@@ -155,8 +157,10 @@ static void Build(const DEVICE_S &stDevice, const std::vector<NAME_VALUE_S> &vec
     const OUTCOME_S stOutcome = ApplyChange(stChange, "assembling " + stDevice.Title(), nullptr,
                                             [&] { return FRU_AssembleBin(&stDevice.stInfo, &stLabels); });
     if (stOutcome.uiStatus != FRU_OK) {
-        Fail("no image for " + stDevice.Title() + " could be assembled: " + StatusText(stOutcome.uiStatus) +
-             stOutcome.Hint() + "; the cache is as it was");
+        FailLibrary(ErrorClass::Failed,
+                    "no image for " + stDevice.Title() +
+                        " could be assembled: " + StatusText(stOutcome.uiStatus),
+                    stOutcome.Hint() + "; the cache is as it was");
     }
     if (!stOutcome.strHomeDiffers.empty()) {
         Fail("the library reports success, but " + stOutcome.strHomeDiffers + stOutcome.Hint());

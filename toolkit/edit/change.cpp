@@ -44,7 +44,8 @@ ENCODED_S EncodeFor(const DEVICE_S &stDevice, const std::string &strWhat, const 
     const std::string strCannot = stDevice.Title() + ": no image can be made with " + strWhat + ": ";
     const RECORD_VIEW_S stView = ViewRecord(*stRecord.Data());
     if (stView.IsMultiRecordAreaDamaged()) {
-        Fail(strCannot + "its MultiRecords are damaged and could not be kept; 'fructl verify' tells where");
+        Fail(ErrorClass::Damaged,
+             strCannot + "its MultiRecords are damaged and could not be kept; 'fructl verify' tells where");
     }
     const u32 uiSize = stDevice.stInfo.usSize;
     ClearDiagnostics();
@@ -52,9 +53,9 @@ ENCODED_S EncodeFor(const DEVICE_S &stDevice, const std::string &strWhat, const 
     if (!optEncoded.has_value()) {
         const std::string strWhy = WhyNotEncoded(stView);
         const std::optional<ENCODED_S> optWhole = EncodeRecord(stRecord, ROOM_MAX);
-        Fail(strCannot + (optWhole.has_value() ? Format("it would take %u bytes, and the FRU has %u",
-                                                        optWhole->uiLength, uiSize)
-                                               : strWhy));
+        FailRefused(strCannot + (optWhole.has_value() ? Format("it would take %u bytes, and the FRU has %u",
+                                                               optWhole->uiLength, uiSize)
+                                                      : strWhy));
     }
     return *optEncoded;
 }
@@ -65,13 +66,13 @@ void RequireReadBack(const DEVICE_S &stDevice, const std::string &strWhat, const
     ClearDiagnostics();
     const READ_BACK_S stBack = ReadBack(stImage, bFixedSlots, stRecord);
     if (stBack.uiStatus != FRU_OK) {
-        Fail(stDevice.Title() + ": with " + strWhat +
-             " the image would not be readable any more: " + StatusText(stBack.uiStatus) +
-             Cause(TakeDiagnostics()) + "; an area must end before the FRU does");
+        FailRefused(stDevice.Title() + ": with " + strWhat +
+                    " the image would not be readable any more: " + StatusText(stBack.uiStatus) +
+                    Cause(TakeDiagnostics()) + "; an area must end before the FRU does");
     }
     if (!stBack.IsSame()) {
-        Fail(stDevice.Title() + ": with " + strWhat +
-             " the image would read back differently: " + stBack.strWhy);
+        FailRefused(stDevice.Title() + ": with " + strWhat +
+                    " the image would read back differently: " + stBack.strWhy);
     }
 }
 

@@ -4,6 +4,7 @@
 #include "lib_fru.h"
 #include "toolkit/base/error.h"
 #include "toolkit/base/text.h"
+#include "toolkit/controller/cause.h"
 #include "toolkit/controller/operate_log.h"
 #include "toolkit/controller/serial_file.h"
 #include "toolkit/edit/change.h"
@@ -27,15 +28,18 @@ std::string Erase(const DEVICE_S &stDevice, const CHANGE_S &stChange, ProgressVi
         RecordOperation(stOutcome.uiStatus == FRU_OK, stPara.acOperateLog, stPara.ucOperateLogType);
     }
     if (stOutcome.uiStatus != FRU_OK) {
-        Fail(stDevice.Title() + " could not be erased: " + StatusText(stOutcome.uiStatus) + stOutcome.Hint());
+        FailLibrary(ErrorClass::NoAnswer,
+                    stDevice.Title() + " could not be erased: " + StatusText(stOutcome.uiStatus),
+                    stOutcome.Hint());
     }
     if (!stOutcome.strHomeDiffers.empty()) {
-        Fail("the library reports success, but " + stDevice.Title() +
-             " is not erased: " + stOutcome.strHomeDiffers + stOutcome.Hint());
+        Fail(ErrorClass::NoAnswer, "the library reports success, but " + stDevice.Title() +
+                                       " is not erased: " + stOutcome.strHomeDiffers + stOutcome.Hint());
     }
     if (!stOutcome.bCacheHolds) {
-        Fail("the EEPROM of " + stDevice.Title() + " is erased, but its cached image is not" +
-             stOutcome.Hint());
+        FailLibrary(ErrorClass::Failed,
+                    "the EEPROM of " + stDevice.Title() + " is erased, but its cached image is not",
+                    stOutcome.Hint());
     }
     return stPara.acOperateLog;
 }

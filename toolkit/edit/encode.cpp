@@ -24,17 +24,18 @@ std::vector<u8> MakeImageFile(const Record &stRecord, const std::string &strDocu
     ClearDiagnostics();
     const std::optional<ENCODED_S> optEncoded = EncodeRecord(stRecord, SIZE_MAX_FRU);
     if (!optEncoded.has_value()) {
-        Fail(EscapeText(strDocument) +
-             ": the record cannot be encoded: an area holds at most 2040 bytes and starts within the first "
-             "2040" +
-             DiagnosticHint());
+        FailRefused(
+            EscapeText(strDocument) +
+            ": the record cannot be encoded: an area holds at most 2040 bytes and starts within the first "
+            "2040" +
+            DiagnosticHint());
     }
     const std::vector<u8> vecWhole(optEncoded->vecBuffer.begin(),
                                    optEncoded->vecBuffer.begin() + optEncoded->uiLength);
     if (!ReadBack(FileImage(vecWhole), false, stRecord).IsSame()) {
-        Fail(EscapeText(strDocument) +
-             ": the encoded image does not read back as the JSON says; nothing was written" +
-             DiagnosticHint());
+        FailRefused(EscapeText(strDocument) +
+                    ": the encoded image does not read back as the JSON says; nothing was written" +
+                    DiagnosticHint());
     }
     if (strSize.empty()) {
         return vecWhole;
@@ -49,7 +50,7 @@ std::vector<u8> MakeImageFile(const Record &stRecord, const std::string &strDocu
     vecImage.resize(std::max<size_t>(*optSize, vecImage.size()), ERASED);
     if (vecImage.size() > *optSize ||
         !ReadBack({Source::File, vecImage, vecImage.size()}, false, stRecord).IsSame()) {
-        Fail(
+        FailRefused(
             Format("--size %u is too small: the record takes %zu bytes, and readers refuse an area that ends "
                    "with the image's last byte; accepted: %zu and more",
                    *optSize, vecWhole.size(), vecWhole.size() + 1U));

@@ -6,6 +6,7 @@
 #include "lib_fru.h"
 #include "toolkit/base/error.h"
 #include "toolkit/base/text.h"
+#include "toolkit/controller/cause.h"
 #include "toolkit/controller/hardware.h"
 #include "toolkit/controller/operate_log.h"
 #include "toolkit/edit/change.h"
@@ -30,12 +31,14 @@ std::string Write(const DEVICE_S &stDevice, const HardwareLabel &aucLabel, const
         RecordOperation(stOutcome.uiStatus == FRU_OK, stPara.acOperateLog, stPara.ucOperateLogType);
     }
     if (stOutcome.uiStatus != FRU_OK) {
-        Fail("the hardware block of " + stDevice.Title() +
-             " could not be written: " + StatusText(stOutcome.uiStatus) + stOutcome.Hint());
+        FailLibrary(ErrorClass::NoAnswer,
+                    "the hardware block of " + stDevice.Title() +
+                        " could not be written: " + StatusText(stOutcome.uiStatus),
+                    stOutcome.Hint());
     }
     if (!stOutcome.strHomeDiffers.empty()) {
-        Fail("the library reports success, but the EEPROM of " + stDevice.Title() +
-             " does not hold what was written");
+        Fail(ErrorClass::NoAnswer, "the library reports success, but the EEPROM of " + stDevice.Title() +
+                                       " does not hold what was written");
     }
     return stPara.acOperateLog;
 }

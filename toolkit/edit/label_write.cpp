@@ -8,6 +8,7 @@
 #include "toolkit/base/error.h"
 #include "toolkit/base/file.h"
 #include "toolkit/base/text.h"
+#include "toolkit/controller/cause.h"
 #include "toolkit/controller/controller.h"
 #include "toolkit/controller/diagnostics.h"
 #include "toolkit/controller/operate_log.h"
@@ -47,18 +48,18 @@ LABEL_STEP_S PlanStep(const DEVICE_S &stDevice, const LABEL_REQUEST_S &stRequest
     const LABEL_S &stLabel = stRequest.stLabel;
     const RECORD_VIEW_S stView = ViewRecord(*stRecord.Data());
     if (!LabelValue(stView, stLabel).has_value()) {
-        Fail(stDevice.Title() + " has no place for '" + stLabel.strName + "', which is " +
-             (stLabel.stField.enField == Field::Custom ? "" : "the ") + FieldName(stLabel.stField) +
-             " of the " + AreaName(stLabel.stField.enArea) + ": its image has " +
-             WhyNoValue(stView, stLabel) + "; nothing was written");
+        FailRefused(stDevice.Title() + " has no place for '" + stLabel.strName + "', which is " +
+                    (stLabel.stField.enField == Field::Custom ? "" : "the ") + FieldName(stLabel.stField) +
+                    " of the " + AreaName(stLabel.stField.enArea) + ": its image has " +
+                    WhyNoValue(stView, stLabel) + "; nothing was written");
     }
     FRU_SET_PARA_S stPara = Block(stDevice, stRequest);
     ClearDiagnostics();
     // The check upper-cases a MAC address in the block, as it will in the write.
     if (FRU_CheckElectronicLabel(&stPara) != FRU_OK ||
         FRU_ReplaceElectronicLabel(&stPara, stRecord.Data()) != FRU_OK) {
-        Fail(stDevice.Title() + ": the library refuses '" + stLabel.strName + "'" + Cause(TakeDiagnostics()) +
-             "; nothing was written");
+        FailRefused(stDevice.Title() + ": the library refuses '" + stLabel.strName + "'" +
+                    Cause(TakeDiagnostics()) + "; nothing was written");
     }
     const std::string strWhat = "the new '" + stLabel.strName + "'";
     LABEL_STEP_S stStep = {stRequest, std::nullopt, "", PlanRecord(stDevice, strWhat, stRecord, stFirst)};
@@ -138,7 +139,7 @@ LABEL_PLAN_S PlanLabels(const DEVICE_S &stDevice, const std::vector<LABEL_REQUES
     const FRU_SET_PARA_S stPara = Block(stDevice, vecRequests.front());
     ClearDiagnostics();
     if (FRU_GetElectronicLabel(&stPara, stRecord.Data()) != FRU_OK) {
-        Fail("cannot decode " + stDevice.Title() + Cause(TakeDiagnostics()));
+        Fail(ErrorClass::Damaged, "cannot decode " + stDevice.Title() + Cause(TakeDiagnostics()));
     }
     LABEL_PLAN_S stPlan;
     const RECORD_VIEW_S stView = ViewRecord(*stBefore.Data());
@@ -195,8 +196,9 @@ WRITTEN_S WriteStep(const DEVICE_S &stDevice, const LABEL_STEP_S &stStep, Progre
         } catch (const Error &stError) {
             strUnlogged = std::string("; ") + stError.what();
         }
-        Fail("'" + strName + "' of " + stDevice.Title() + " could not be written: " + strFailure + strCause +
-             strUnlogged);
+        FailLibrary(ErrorClass::NoAnswer,
+                    "'" + strName + "' of " + stDevice.Title() + " could not be written: " + strFailure,
+                    strCause + strUnlogged);
     }
     std::string strAftermath;
     try {
@@ -205,8 +207,10 @@ WRITTEN_S WriteStep(const DEVICE_S &stDevice, const LABEL_STEP_S &stStep, Progre
         strAftermath = stError.what(); // no reason to take the label back
     }
     if (!stOutcome.bCacheHolds) {
-        Fail("the EEPROM of " + stDevice.Title() + " holds the new '" + strName +
-             "', but its cached image could not be renewed" + strCause);
+        FailLibrary(ErrorClass::Failed,
+                    "the EEPROM of " + stDevice.Title() + " holds the new '" + strName +
+                        "', but its cached image could not be renewed",
+                    strCause);
     }
     const bool bSerialFiles = stDevice.stEntry.ucComponentType == 0U &&
                               stStep.stRequest.stLabel.uiID == FRU_LABEL_PRODUCT_SERIAL_NUMBER;

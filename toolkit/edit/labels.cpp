@@ -126,7 +126,7 @@ FRU_SET_PARA_S NameBlock(const DEVICE_S &stDevice, const LABEL_S &stLabel)
     return stPara;
 }
 
-std::string AcceptedNames(const DEVICE_S &stDevice)
+std::vector<std::string> AcceptedNames(const DEVICE_S &stDevice)
 {
     std::vector<std::string> vecNames;
     for (const LABEL_S &stLabel : Labels()) {
@@ -134,7 +134,12 @@ std::string AcceptedNames(const DEVICE_S &stDevice)
             vecNames.push_back(stLabel.strName);
         }
     }
-    return vecNames.empty() ? "none" : Join(vecNames, ", ");
+    return vecNames;
+}
+
+std::string AcceptedText(const std::vector<std::string> &vecNames)
+{
+    return "; accepted: " + (vecNames.empty() ? "none" : Join(vecNames, ", "));
 }
 
 bool IsDigits(const std::string &strText)
@@ -255,9 +260,10 @@ const LABEL_S &FindLabel(const std::string &strName)
         vecNames.push_back(stLabel.strName);
     }
     const std::vector<std::string> vecNear = NearNames(strName, vecNames);
-    Fail("there is no label '" + EscapeText(strName) + "'" +
-         (vecNear.empty() ? "" : "; did you mean " + Join(vecNear, " or ") + "?") +
-         "; 'fructl label list' tells all names");
+    FailRefused("there is no label '" + EscapeText(strName) + "'" +
+                    (vecNear.empty() ? "" : "; did you mean " + Join(vecNear, " or ") + "?") +
+                    "; 'fructl label list' tells all names",
+                vecNames);
 }
 
 bool IsAccepted(const DEVICE_S &stDevice, const LABEL_S &stLabel)
@@ -276,15 +282,19 @@ u32 MaxLength(const LABEL_S &stLabel, u8 ucComponentType)
 
 void RequireAcceptedName(const DEVICE_S &stDevice, const LABEL_S &stLabel)
 {
+    const std::vector<std::string> vecAccepted = AcceptedNames(stDevice);
     if (!IsAccepted(stDevice, stLabel)) {
-        Fail(stDevice.Title() + " does not take the label '" + stLabel.strName + "' (its field flag is " +
-             Format("%u", stDevice.stInfo.ucFieldFlag) + "); accepted: " + AcceptedNames(stDevice));
+        FailRefused(stDevice.Title() + " does not take the label '" + stLabel.strName +
+                        "' (its field flag is " + Format("%u", stDevice.stInfo.ucFieldFlag) + ")" +
+                        AcceptedText(vecAccepted),
+                    vecAccepted);
     }
     if (!stLabel.IsStored()) {
-        Fail("the label '" + stLabel.strName +
-             "' is kept in the hardware FRU block and not in the FRU image, where 'label' would store "
-             "nothing; 'fructl hw set' writes it; accepted: " +
-             AcceptedNames(stDevice));
+        FailRefused("the label '" + stLabel.strName +
+                        "' is kept in the hardware FRU block and not in the FRU image, where 'label' would "
+                        "store nothing; 'fructl hw set' writes it" +
+                        AcceptedText(vecAccepted),
+                    vecAccepted);
     }
 }
 
@@ -295,15 +305,16 @@ void RequireAcceptedValue(const DEVICE_S &stDevice, const LABEL_S &stLabel, cons
     const std::string strWhat = "'" + EscapeText(strValue) + "' is refused for '" + stLabel.strName + "': ";
     const std::string strAccepted = "; accepted: " + AcceptedValues(stLabel, ucType);
     if (strValue.size() >= BLOCK) {
-        Fail(strWhat + Format("it has %zu bytes, and a request holds %zu", strValue.size(), BLOCK - 1U) +
-             strAccepted);
+        FailRefused(strWhat +
+                    Format("it has %zu bytes, and a request holds %zu", strValue.size(), BLOCK - 1U) +
+                    strAccepted);
     }
     std::array<char, BLOCK> acValue = {};
     memcpy(acValue.data(), strValue.data(), strValue.size());
     ClearDiagnostics();
     if (isLabelValueValid(stLabel.strName.c_str(), acValue.data(), static_cast<i32>(strValue.size()),
                           ucType) != 1U) {
-        Fail(strWhat + WhyRefused(stLabel, strValue, ucType, TakeDiagnostics()) + strAccepted);
+        FailRefused(strWhat + WhyRefused(stLabel, strValue, ucType, TakeDiagnostics()) + strAccepted);
     }
 }
 

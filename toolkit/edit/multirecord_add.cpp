@@ -10,6 +10,7 @@
 #include "lib_fru.h"
 #include "toolkit/base/error.h"
 #include "toolkit/base/text.h"
+#include "toolkit/controller/cause.h"
 #include "toolkit/controller/diagnostics.h"
 #include "toolkit/controller/source.h"
 #include "toolkit/controller/target.h"
@@ -78,16 +79,17 @@ void CheckList(const DEVICE_S &stDevice, const FRU_DATA_S &stData)
     const bool bArea = HasArea(stData, Area::MultiRecord);
     const std::string strMore = "; 'fructl mr check' and 'fructl verify' tell more";
     if (bArea && stData.astMultiRecord[0].pucRecordData == nullptr) {
-        Fail("the MultiRecord area of " + stDevice.Title() +
-             " is damaged: no record of it can be read, and adding one would drop them all" + strMore);
+        Fail(ErrorClass::Damaged,
+             "the MultiRecord area of " + stDevice.Title() +
+                 " is damaged: no record of it can be read, and adding one would drop them all" + strMore);
     }
     u32 uiCount = 0;
     ClearDiagnostics();
     const u32 uiRet = FRU_checkAllMultiRecords(reinterpret_cast<const u8 *>(stData.astMultiRecord),
                                                FRU_MR_CHECK_MEMORY, &uiCount);
     if (bArea && uiRet != FRU_OK) {
-        Fail("the MultiRecords of " + stDevice.Title() + " are not in order, so none can be added" +
-             DiagnosticHint() + strMore);
+        Fail(ErrorClass::Damaged, "the MultiRecords of " + stDevice.Title() +
+                                      " are not in order, so none can be added" + DiagnosticHint() + strMore);
     }
 }
 
@@ -96,9 +98,9 @@ FRU_MULTIRECORD_S *Place(const DEVICE_S &stDevice, FRU_DATA_S *pstData, WANTED_R
 {
     FRU_MULTIRECORD_S *pstEntry = FindEntry(pstData, stWanted.ucSubType);
     if (pstEntry == nullptr) {
-        Fail(stDevice.Title() +
-             Format(" holds %u MultiRecords already, and none is a ", FRU_MULTIRECORD_MAX) +
-             stWanted.Row().pcTitle + "; there is no place for more");
+        FailRefused(stDevice.Title() +
+                    Format(" holds %u MultiRecords already, and none is a ", FRU_MULTIRECORD_MAX) +
+                    stWanted.Row().pcTitle + "; there is no place for more");
     }
     const u8 *pucOld = pstEntry->pucRecordData;
     if (pucOld != nullptr) {
@@ -197,17 +199,22 @@ static void WriteEach(const DEVICE_S &stDevice, const RECORD_PLAN_S &stPlan, Pro
         const OUTCOME_S stOutcome = ApplyChange(stNow, "writing " + stDevice.Title(), pstView,
                                                 [&] { return FRU_innerUpdateMultiRecord(&stParam); });
         if (stOutcome.uiStatus != FRU_OK) {
-            Fail(std::string(stWanted.Row().pcName) +
-                 " could not be written: " + MultiRecordStatus(stOutcome.uiStatus) + stOutcome.Cause() +
-                 (vecDone.empty() ? "" : "; written before it: " + Join(vecDone, ", ")));
+            FailLibrary(ErrorClass::NoAnswer,
+                        std::string(stWanted.Row().pcName) +
+                            " could not be written: " + MultiRecordStatus(stOutcome.uiStatus),
+                        stOutcome.Cause() +
+                            (vecDone.empty() ? "" : "; written before it: " + Join(vecDone, ", ")));
         }
         if (!stOutcome.strHomeDiffers.empty()) {
-            Fail("the library reports success, but " + stDevice.Title() + " does not hold the new records" +
-                 stOutcome.Cause() + "; 'fructl mr check' and 'fructl verify' tell what it holds");
+            Fail(ErrorClass::NoAnswer, "the library reports success, but " + stDevice.Title() +
+                                           " does not hold the new records" + stOutcome.Cause() +
+                                           "; 'fructl mr check' and 'fructl verify' tell what it holds");
         }
         if (!stOutcome.bCacheHolds) {
-            Fail(stDevice.Title() + " holds the new records, but its cached image could not be renewed" +
-                 stOutcome.Cause());
+            FailLibrary(ErrorClass::Failed,
+                        stDevice.Title() +
+                            " holds the new records, but its cached image could not be renewed",
+                        stOutcome.Cause());
         }
         vecDone.emplace_back(stWanted.Row().pcName);
     }

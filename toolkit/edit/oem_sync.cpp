@@ -56,7 +56,7 @@ std::vector<OEM_CHANGE_S> PlanOemSync(const DEVICE_S &stDevice)
     ClearDiagnostics();
     FRU_GetOEMConfBeforeDeal(&stConf);
     if (!DiagnosticHint().empty()) {
-        Fail("there is no OEM file to update" + DiagnosticHint());
+        Fail(ErrorClass::NotFound, "there is no OEM file to update" + DiagnosticHint());
     }
     std::vector<OEM_CHANGE_S> vecChanges;
     for (const OEM_TEXT_S &stText : OemTexts()) {

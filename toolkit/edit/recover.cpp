@@ -6,6 +6,7 @@
 #include "lib_fru.h"
 #include "toolkit/base/error.h"
 #include "toolkit/base/text.h"
+#include "toolkit/controller/cause.h"
 #include "toolkit/controller/controller.h"
 #include "toolkit/controller/source.h"
 #include "toolkit/edit/change.h"
@@ -26,7 +27,7 @@ class CacheBypass
         if (m_bKnown && (m_ucStatus & FRU_CACHE_UNTRUSTED) == 0U) {
             const u32 uiRet = FRU_DB_PutFRUDataCacheStatus(ucDeviceID, m_ucStatus | FRU_CACHE_UNTRUSTED);
             if (uiRet != FRU_OK) {
-                Fail("the cache status cannot be written: " + StatusText(uiRet));
+                FailLibrary(ErrorClass::Failed, "the cache status cannot be written: " + StatusText(uiRet));
             }
         }
     }
@@ -101,10 +102,11 @@ Recovery Restore(const DEVICE_S &stDevice, const IMAGE_S &stBefore, const CHANGE
         const IMAGE_LAYOUT_S stLayout = LayoutOf(stAfter, stDevice.HasFixedSlots());
         const std::string strFirst =
             stLayout.vecFindings.empty() ? strStatus : FindingText(stLayout.vecFindings.front());
-        Fail(stDevice.Title() +
-             " is damaged but was not restored: the stored image is used only when the common header is "
-             "invalid, and this one is valid; " +
-             strFirst);
+        Fail(ErrorClass::Damaged,
+             stDevice.Title() +
+                 " is damaged but was not restored: the stored image is used only when the common header is "
+                 "invalid, and this one is valid; " +
+                 strFirst);
     }
     if (uiRet == FRU_OK && bWasValid) {
         return Recovery::Fine;
@@ -113,13 +115,14 @@ Recovery Restore(const DEVICE_S &stDevice, const IMAGE_S &stBefore, const CHANGE
         return Recovery::Restored;
     }
     if (HasValidHeader(stAfter.vecBytes)) {
-        Fail(stDevice.Title() + " was restored from " + EscapeText(stDevice.ImagePath()) +
-             ", but that image is itself damaged: " + strStatus);
+        Fail(ErrorClass::Damaged, stDevice.Title() + " was restored from " +
+                                      EscapeText(stDevice.ImagePath()) +
+                                      ", but that image is itself damaged: " + strStatus);
     }
     if (stDevice.IsDatabaseOnly()) {
-        Fail(strCannot + "it is served from the cache only; " + strStatus);
+        Fail(ErrorClass::Damaged, strCannot + "it is served from the cache only; " + strStatus);
     }
-    Fail(strCannot + WhyNot(stDevice, vecSaid) + "; " + strStatus);
+    Fail(ErrorClass::Damaged, strCannot + WhyNot(stDevice, vecSaid) + "; " + strStatus);
 }
 
 } // namespace

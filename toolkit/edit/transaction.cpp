@@ -78,22 +78,23 @@ void RequireSpace(const CONTROLLER_S &stController)
     const int iError =
         stFd ? posix_fallocate(stFd.Get(), 0, SPACE_NEEDED) : 0; // not every file system can tell
     if (iError == ENOSPC || iError == EDQUOT || iError == EFBIG) {
-        Fail("the disk of " + stController.strRoot + " is too full for a write: " + files::Reason(iError) +
-             "; nothing was written");
+        Fail(ErrorClass::DiskFull, "the disk of " + stController.strRoot + " is too full for a write: " +
+                                       files::Reason(iError) + "; nothing was written");
     }
 }
 
-// Says what became of it.
-std::string Undo(const JOURNAL_ENTRY_S &stEntry)
+// Fails with what became of it.
+[[noreturn]] void FailUndone(const JOURNAL_ENTRY_S &stEntry, const Error &stWhy)
 {
     try {
         PutSide(stEntry, Side::Old);
         RemoveJournal(stEntry.uiNumber);
-        return "; what was there before is put back";
     } catch (const Error &stError) {
-        return std::string("; what was there before could not be put back (") + stError.what() +
-               "): the next command tries again";
+        Fail(ErrorClass::HalfWritten, std::string(stWhy.what()) +
+                                          "; what was there before could not be put back (" + stError.what() +
+                                          "): the next command tries again");
     }
+    Fail(stWhy.Class(), std::string(stWhy.what()) + "; what was there before is put back");
 }
 
 } // namespace
@@ -138,7 +139,7 @@ void RunTransaction(const RootLock &stLock, const std::vector<CHANGE_S> &vecStep
         }
         RequireSide(stEntry, Side::New);
     } catch (const Error &stError) {
-        throw Error(stError.Class(), stError.what() + Undo(stEntry));
+        FailUndone(stEntry, stError);
     }
     RemoveJournal(stEntry.uiNumber);
 }

@@ -45,17 +45,19 @@ PAST_IMAGE_S ChoosePast(const DEVICE_S &stDevice, const std::vector<PAST_IMAGE_S
             return *itPast;
         }
     }
-    Fail(stDevice.Title() +
-         (optNumber.has_value() ? Format(" has no image %u in its history", *optNumber)
-                                : " has no other image in its history") +
-         "; 'fructl history' lists what there is");
+    Fail(ErrorClass::NotFound,
+         stDevice.Title() +
+             (optNumber.has_value() ? Format(" has no image %u in its history", *optNumber)
+                                    : " has no other image in its history") +
+             "; 'fructl history' lists what there is");
 }
 
 CHANGE_S PlanUndo(const DEVICE_S &stDevice, const PAST_IMAGE_S &stPast)
 {
     const std::optional<Bytes> &optHome = stDevice.IsDatabaseOnly() ? stPast.optCache : stPast.optEeprom;
     if (!optHome.has_value() || optHome->size() != stDevice.stInfo.usSize) {
-        Fail(Format("image %u of the history of %s does not have the FRU's %u bytes", stPast.uiNumber,
+        Fail(ErrorClass::Damaged,
+             Format("image %u of the history of %s does not have the FRU's %u bytes", stPast.uiNumber,
                     stDevice.Title().c_str(), u32{stDevice.stInfo.usSize}));
     }
     CHANGE_S stChange = PlanBytes(stDevice, *optHome, true);

@@ -59,7 +59,7 @@ IMAGE_S ReadImage(const std::string &strFile)
 {
     const std::vector<u8> vecBytes = ReadImageFile(strFile);
     if (vecBytes.empty()) {
-        Fail("the image file " + EscapeText(strFile) + " is empty");
+        Fail(ErrorClass::Damaged, "the image file " + EscapeText(strFile) + " is empty");
     }
     return FileImage(vecBytes);
 }

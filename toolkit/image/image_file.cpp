@@ -45,13 +45,14 @@ void TakeOffset(const std::string &strWord, const std::string &strWhere, std::ve
     }
     const std::optional<u32> optOffset = ParseNumber(strDigits, IMAGE_FILE_MAX);
     if (!optOffset.has_value()) {
-        Fail(strWhere + "'" + EscapeText(strWord) +
-             "' is not an offset; accepted: hex digits and a colon, such as 0040:");
+        FailRefused(strWhere + "'" + EscapeText(strWord) +
+                    "' is not an offset; accepted: hex digits and a colon, such as 0040:");
     }
     if (*optOffset < vecBytes.size()) {
-        Fail(strWhere +
-             Format("offset 0x%x lies behind the bytes before it, which end at 0x%zx; offsets only grow",
-                    *optOffset, vecBytes.size()));
+        FailRefused(
+            strWhere +
+            Format("offset 0x%x lies behind the bytes before it, which end at 0x%zx; offsets only grow",
+                   *optOffset, vecBytes.size()));
     }
     vecBytes.resize(*optOffset, ERASED); // a gap is erased EEPROM
 }
@@ -76,8 +77,9 @@ std::vector<u8> ParseHexText(const std::string &strText, const std::string &strN
             }
             const std::optional<u32> optByte = ParseNumber("0x" + vecWords[i], 0xFFU);
             if (vecWords[i].size() != 2U || !optByte.has_value()) {
-                Fail(strWhere + "'" + EscapeText(vecWords[i]) +
-                     "' is not a byte; accepted: two hex digits, 'OFFSET:' at the line's start, '# comment'");
+                FailRefused(
+                    strWhere + "'" + EscapeText(vecWords[i]) +
+                    "' is not a byte; accepted: two hex digits, 'OFFSET:' at the line's start, '# comment'");
             }
             vecBytes.push_back(static_cast<u8>(*optByte));
         }

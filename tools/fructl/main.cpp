@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // fructl: a server's FRU inventory on the command line.
+#include <algorithm>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
@@ -7,7 +8,10 @@
 
 #include "commands/commands.h"
 #include "commands/session.h"
+#include "files/files.h"
 #include "terminal/console.h"
+#include "terminal/failure.h"
+#include "terminal/json_out.h"
 #include "toolkit/base/error.h"
 #include "toolkit/base/text.h"
 #include "toolkit/controller/controller.h"
@@ -22,8 +26,11 @@ constexpr const char *EXAMPLES = R"(Examples:
   fructl show examples/psu1.hex                the same for an image file
   fructl COMMAND --help                        what a command takes
 
-A DEVICE is TYPE:INSTANCE (such as 0x30:0), a device's name or, where no --id is given, an image file.
-Exit code: 0 done, 1 the operation failed, 2 wrong usage.
+A DEVICE is TYPE:INSTANCE (such as 0x30:0), a device's name or, where it is only read, an image file: a path with
+a slash, or --file FILE.
+With --json a failure is an object on standard output too, as the member "error".
+
+Exit codes:
 )";
 
 void Complain(const std::string &strLine)
@@ -56,14 +63,15 @@ void AddGlobalOptions(CLI::App &stApp, SESSION_S &stSession)
         ->type_name("SECONDS");
     stApp.set_version_flag("--version", "fructl " FRUCTL_VERSION);
     stApp.require_subcommand(1);
-    stApp.footer(EXAMPLES);
+    stApp.footer(EXAMPLES + ExitCodesText());
     stApp.get_formatter()->column_width(34);
     stApp.failure_message([](const CLI::App *, const CLI::Error &) { return std::string(); });
 }
 
 // What was wrong with the command line, and where to read what is right.
-std::string UsageText(const CLI::App &stApp, const CLI::ParseError &stError)
+Error UsageError(const CLI::App &stApp, const CLI::ParseError &stError)
 {
+    std::vector<std::string> vecNames;
     std::string strName = "fructl";
     const CLI::App *pstApp = &stApp;
     while (!pstApp->get_subcommands().empty()) {
@@ -73,7 +81,6 @@ std::string UsageText(const CLI::App &stApp, const CLI::ParseError &stError)
     std::string strWhat = stError.what();
     if (dynamic_cast<const CLI::RequiredError *>(&stError) != nullptr &&
         pstApp->get_require_subcommand_min() > 0U) {
-        std::vector<std::string> vecNames;
         for (const CLI::App *pstCommand : pstApp->get_subcommands([](const CLI::App *) { return true; })) {
             vecNames.push_back(pstCommand->get_name());
         }
@@ -82,7 +89,7 @@ std::string UsageText(const CLI::App &stApp, const CLI::ParseError &stError)
                                   : "there is no command '" + EscapeText(vecRest.front()) + "'";
         strWhat += "; accepted: " + Join(vecNames, ", ");
     }
-    return strWhat + "; '" + strName + " --help' tells more";
+    return {ErrorClass::Usage, strWhat + "; '" + strName + " --help' tells more", vecNames};
 }
 
 // What the library printed belongs to its diagnostics.
@@ -109,9 +116,29 @@ void Open(SESSION_S &stSession)
     OpenController(stSession);
 }
 
+// Also where the options could not be parsed.
+bool WantsJson(const std::vector<std::string> &vecArguments)
+{
+    const auto itEnd = std::find(vecArguments.begin(), vecArguments.end(), "--");
+    return std::find(vecArguments.begin(), itEnd, "--json") != itEnd;
+}
+
+// The line on stderr, with --json the object too; the exit code.
+int TellFailure(const SESSION_S &stSession, const Error &stError)
+{
+    const ExitCode enCode = stSession.optFailure.value_or(ExitCodeOf(stError.Class()));
+    ShowLibraryOutput(stSession);
+    if (stSession.bJson) {
+        EndJson(FailureJson(stSession, stError, enCode));
+    }
+    Complain(stError.what());
+    return static_cast<int>(enCode);
+}
+
 int Run(int iArgc, char **ppcArgv)
 {
     SESSION_S stSession;
+    stSession.bJson = WantsJson({ppcArgv, ppcArgv + iArgc});
     for (int i = 0; i < iArgc; i++) {
         stSession.strCommandLine += (i == 0) ? "fructl" : " " + EscapeText(ppcArgv[i]);
     }
@@ -125,8 +152,9 @@ int Run(int iArgc, char **ppcArgv)
         SeparateLibraryOutput();
         stSession.fnRun();
         ShowLibraryOutput(stSession);
-        if (!FlushOutput()) {
-            Fail("standard output could not be written");
+        EndJson();
+        if (const int iError = FlushOutput(); iError != 0) {
+            Fail(ClassOfErrno(iError), "standard output could not be written: " + files::Reason(iError));
         }
         return static_cast<int>(stSession.enExitCode);
     } catch (const CLI::ParseError &stError) {
@@ -134,12 +162,11 @@ int Run(int iArgc, char **ppcArgv)
             stApp.exit(stError); // help or version
             return static_cast<int>(ExitCode::Done);
         }
-        Complain(UsageText(stApp, stError));
-        return static_cast<int>(ExitCode::Usage);
+        return TellFailure(stSession, UsageError(stApp, stError));
     } catch (const Error &stError) {
-        ShowLibraryOutput(stSession);
-        Complain(stError.what());
-        return static_cast<int>(stError.Class() == ErrorClass::Usage ? ExitCode::Usage : ExitCode::Failed);
+        return TellFailure(stSession, stError);
+    } catch (const std::exception &stError) {
+        return TellFailure(stSession, {ErrorClass::Failed, std::string("failed: ") + stError.what()});
     }
 }
 
@@ -152,10 +179,5 @@ int main(int iArgc, char **ppcArgv)
     // A limit on file sizes is an error like a full disk, told and handled.
     (void)signal(SIGXFSZ, SIG_IGN);
     SetColour(WantsColour(STDOUT_FILENO));
-    try {
-        return Run(iArgc, ppcArgv);
-    } catch (const std::exception &stError) {
-        Complain(std::string("failed: ") + stError.what());
-        return static_cast<int>(ExitCode::Failed);
-    }
+    return Run(iArgc, ppcArgv);
 }

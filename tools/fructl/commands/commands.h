@@ -7,6 +7,8 @@
 #include <CLI/CLI.hpp>
 
 #include "commands/session.h"
+#include "toolkit/base/json.h"
+#include "toolkit/controller/source.h"
 #include "toolkit/controller/target.h"
 
 // Adds every command of the table.
@@ -16,8 +18,32 @@ void AddCommands(CLI::App &stApp, SESSION_S &stSession);
 // with "fructl ".
 CLI::App *AddCommand(CLI::App &stParent, const char *pcName, const char *pcWhat, const char *pcExamples);
 
-// DEVICE and --id for commands that work on one device, or with bFiles also on an image file.
+// DEVICE and --id for commands that work on one device, or with bFiles also on an image file, with --file.
 void AddTargetOptions(CLI::App *pstCommand, TARGET_OPTIONS_S &stOptions, bool bFiles);
+
+// Which of a device's images a command shows; none: that of its EEPROM, where it has one.
+struct SOURCE_OPTION_S
+{
+    std::string strSource;
+
+    std::optional<Source> Chosen() const;
+};
+void AddSourceOption(CLI::App *pstCommand, SOURCE_OPTION_S &stOption);
+
+// The image that was chosen, and what a command adds to what it shows of it.
+struct SHOWN_S
+{
+    TARGET_S stTarget;
+    IMAGE_S stImage;
+    std::optional<std::string> optDiffer; // the device's other image is another one
+
+    Json SourceJson() const; // {"source"}, with "sourcesDiffer" where a device has two images
+    // ", cached image" where it is no EEPROM's, for headings.
+    std::string HeadingText() const;
+    // Fails as damage when the two images differ; asked when everything is printed.
+    void RequireSame() const;
+};
+SHOWN_S ReadShown(TARGET_S stTarget, const SOURCE_OPTION_S &stOption);
 
 // Each adds one command; they stand in their cmd_*.cpp.
 void AddProvisionCommand(CLI::App &stParent, SESSION_S &stSession);

@@ -64,9 +64,9 @@ std::vector<FIELD_S> FieldsOf(const RECORD_VIEW_S &stView)
     return vecFields;
 }
 
-SIDE_S Load(const SESSION_S &stSession, const std::string &strTarget)
+SIDE_S Load(const SESSION_S &stSession, const TARGET_OPTIONS_S &stOptions)
 {
-    SIDE_S stSide = {ResolveTarget(stSession, {strTarget, ""}), {}};
+    SIDE_S stSide = {ResolveTarget(stSession, stOptions), {}};
     stSide.stImage = ReadTarget(stSide.stTarget);
     return stSide;
 }
@@ -78,8 +78,8 @@ std::vector<FIELD_S> DecodeSide(const SIDE_S &stSide)
     ClearDiagnostics();
     const u32 uiRet = DecodeImage(stSide.stImage, false, stRecord);
     if (uiRet != FRU_OK) {
-        Fail("cannot decode " + stSide.stTarget.Title() + ": " + StatusText(uiRet) + DiagnosticHint() +
-             "; 'fructl verify' tells all");
+        Fail(ErrorClass::Damaged, "cannot decode " + stSide.stTarget.Title() + ": " + StatusText(uiRet) +
+                                      DiagnosticHint() + "; 'fructl verify' tells all");
     }
     return FieldsOf(ViewRecord(*stRecord.Data()));
 }
@@ -170,36 +170,49 @@ Json DifferencesJson(const SIDE_S &stLeft, const SIDE_S &stRight,
             {"differences", stList}};
 }
 
-void RunDiff(SESSION_S &stSession, const std::string &strLeft, const std::string &strRight)
+struct DIFF_S
 {
-    try {
-        const SIDE_S stLeft = Load(stSession, strLeft);
-        const SIDE_S stRight = Load(stSession, strRight);
-        const std::vector<DIFFERENCE_S> vecDifferences = Compare(DecodeSide(stLeft), DecodeSide(stRight));
-        if (stSession.bJson) {
-            PrintJson(DifferencesJson(stLeft, stRight, vecDifferences));
-        } else {
-            Print(DifferencesText(stLeft, stRight, vecDifferences));
-        }
-        stSession.enExitCode = vecDifferences.empty() ? ExitCode::Done : ExitCode::Different;
-    } catch (const Error &stError) {
-        FailUsage(stError.what()); // 1 tells of differences, so trouble is 2, as with diff(1)
+    std::vector<std::string> vecTargets;
+    std::vector<std::string> vecFiles;
+};
+
+void RunDiff(SESSION_S &stSession, const DIFF_S &stOptions)
+{
+    stSession.optFailure = ExitCode::Usage; // 1 tells of differences, so trouble is 2, as with diff(1)
+    std::vector<TARGET_OPTIONS_S> vecSides;
+    for (const std::string &strTarget : stOptions.vecTargets) {
+        vecSides.push_back({strTarget, "", ""});
     }
+    for (const std::string &strFile : stOptions.vecFiles) {
+        vecSides.push_back({"", "", strFile});
+    }
+    if (vecSides.size() != 2U) {
+        FailUsage(Format("%zu images are named; accepted: two, as A and B or by --file", vecSides.size()));
+    }
+    const SIDE_S stLeft = Load(stSession, vecSides[0]);
+    const SIDE_S stRight = Load(stSession, vecSides[1]);
+    const std::vector<DIFFERENCE_S> vecDifferences = Compare(DecodeSide(stLeft), DecodeSide(stRight));
+    if (stSession.bJson) {
+        PrintJson(DifferencesJson(stLeft, stRight, vecDifferences));
+    } else {
+        Print(DifferencesText(stLeft, stRight, vecDifferences));
+    }
+    stSession.enExitCode = vecDifferences.empty() ? ExitCode::Done : ExitCode::Different;
 }
 
 } // namespace
 
 void AddDiffCommand(CLI::App &stParent, SESSION_S &stSession)
 {
-    const auto pstrLeft = std::make_shared<std::string>();
-    const auto pstrRight = std::make_shared<std::string>();
+    const auto pstOptions = std::make_shared<DIFF_S>();
     CLI::App *pstCommand = AddCommand(
         stParent, "diff", "Compare two images field by field; exit 0 same, 1 different, 2 trouble",
-        "fructl diff psu1 psu2\nfructl diff baseboard dump.bin\nfructl diff old.bin new.hex --json");
-    const char *pcWhat = "TYPE:INSTANCE, a device's name, or an image file";
-    pstCommand->add_option("A", *pstrLeft, pcWhat)->required();
-    pstCommand->add_option("B", *pstrRight, pcWhat)->required();
-    pstCommand->callback([&stSession, pstrLeft, pstrRight] {
-        stSession.fnRun = [&stSession, pstrLeft, pstrRight] { RunDiff(stSession, *pstrLeft, *pstrRight); };
+        "fructl diff psu1 psu2\nfructl diff baseboard ./dump.bin\nfructl diff ./old.bin ./new.hex --json");
+    pstCommand->add_option("A B", pstOptions->vecTargets,
+                           "TYPE:INSTANCE, a device's name, or an image file's path with a slash");
+    pstCommand->add_option("--file", pstOptions->vecFiles, "an image file, whatever its name; behind A and B")
+        ->type_name("FILE");
+    pstCommand->callback([&stSession, pstOptions] {
+        stSession.fnRun = [&stSession, pstOptions] { RunDiff(stSession, *pstOptions); };
     });
 }

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 // fructl encode: an image file from the JSON document of a record.
 #include <filesystem>
-#include <sys/stat.h>
 
 #include "commands/commands.h"
 #include "terminal/console.h"
 #include "terminal/json_out.h"
 #include "toolkit/base/error.h"
+#include "toolkit/base/file.h"
 #include "toolkit/base/json_node.h"
 #include "toolkit/base/text.h"
 #include "toolkit/edit/encode.h"
@@ -26,14 +26,18 @@ struct ENCODE_S
 
 void RunEncode(const SESSION_S &stSession, const ENCODE_S &stOptions)
 {
-    struct stat stStat = {};
-    if (!stOptions.bForce && stat(stOptions.strOutput.c_str(), &stStat) == 0) {
-        Fail(EscapeText(stOptions.strOutput) + " is there already; --force replaces it");
+    const bool bOutput = IsStandardOutput(stOptions.strOutput);
+    if (!bOutput && !stOptions.bForce && KindOf(stOptions.strOutput) == PathKind::File) {
+        FailRefused(EscapeText(stOptions.strOutput) + " is there already; --force replaces it");
     }
     const nlohmann::json stParsed = ParseJsonFile(stOptions.strDocument);
     Record stRecord;
     BuildRecord(JsonNode(stParsed, stOptions.strDocument, ""), stRecord);
     const std::vector<u8> vecImage = MakeImageFile(stRecord, stOptions.strDocument, stOptions.strSize);
+    if (bOutput) {
+        Print(std::string(vecImage.begin(), vecImage.end())); // and nothing else
+        return;
+    }
     WriteImageFile(stOptions.strOutput, vecImage);
     const RECORD_VIEW_S stView = ViewRecord(*stRecord.Data());
     std::vector<std::string> vecParts = {"header"};
@@ -63,7 +67,8 @@ void AddEncodeCommand(CLI::App &stParent, SESSION_S &stSession)
     pstCommand->add_option("FILE", pstOptions->strDocument, "the record as JSON, as 'show --json' prints it")
         ->required();
     pstCommand
-        ->add_option("-o,--output", pstOptions->strOutput, "the image file to make (*.hex: readable hex)")
+        ->add_option("-o,--output", pstOptions->strOutput,
+                     "the image file to make (*.hex: readable hex; -: standard output)")
         ->type_name("FILE")
         ->required();
     pstCommand->add_option("--size", pstOptions->strSize, "bytes of the image, filled up with 0xff")

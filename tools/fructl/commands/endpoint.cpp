@@ -81,13 +81,14 @@ void CheckPortIsFree(const std::string &strAddress, u16 usPort)
     } while (iError == EADDRINUSE && Clock::now() < stUntil);
     const std::string strWhere = Format("UDP port %u of %s", usPort, strAddress.c_str());
     if (iError == EADDRINUSE) {
-        Fail(strWhere + " is in use by another program; --port names another");
+        Fail(ErrorClass::Busy, strWhere + " is in use by another program; --port names another");
     }
     if (iError == EACCES) {
-        Fail(strWhere + " needs root's rights; --port takes any from 1024 up without them");
+        Fail(ErrorClass::NotPermitted,
+             strWhere + " needs root's rights; --port takes any from 1024 up without them");
     }
-    Fail("cannot listen on " + strWhere + ": " + strerror(iError) +
-         "; --address takes an address of this machine");
+    Fail(ClassOfErrno(iError), "cannot listen on " + strWhere + ": " + strerror(iError) +
+                                   "; --address takes an address of this machine");
 }
 
 // A wildcard address cannot be asked; its own machine can.

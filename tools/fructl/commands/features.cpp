@@ -39,8 +39,8 @@ void Update(const SESSION_S &stSession, const std::string &strFile)
     const std::vector<u8> vecBlock = ReadImageFile(strFile);
     FRU_FEATURE_UPDATE_S stBlock = {};
     if (vecBlock.size() != sizeof(stBlock.aucData)) {
-        Fail(Format("%s has %zu bytes; accepted: a feature block of exactly %zu", EscapeText(strFile).c_str(),
-                    vecBlock.size(), sizeof(stBlock.aucData)));
+        FailRefused(Format("%s has %zu bytes; accepted: a feature block of exactly %zu",
+                           EscapeText(strFile).c_str(), vecBlock.size(), sizeof(stBlock.aucData)));
     }
     (void)memcpy(stBlock.aucData, vecBlock.data(), sizeof(stBlock.aucData));
     const RootLock stLock(stSession);

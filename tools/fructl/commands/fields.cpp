@@ -55,10 +55,11 @@ std::optional<std::string> Joined(const char *pcText, u32 uiLength)
     return pcText == nullptr ? std::nullopt : std::optional<std::string>(std::string(pcText, uiLength));
 }
 
-void PrintFields(const TARGET_S &stTarget, const std::vector<SLOT_S> &vecSlots,
+void PrintFields(const SHOWN_S &stShown, const std::vector<SLOT_S> &vecSlots,
                  const std::vector<JOINED_S> &vecJoined)
 {
-    std::string strOut = Paint(Colour::Bold, stTarget.Title()) + ", custom fields\n";
+    std::string strOut =
+        Paint(Colour::Bold, stShown.stTarget.Title()) + stShown.HeadingText() + ", custom fields\n";
     for (const SLOT_S &stSlot : vecSlots) {
         strOut += Format("  %-14s ", stSlot.pcName) +
                   (stSlot.strText.empty() ? Paint(Colour::Dim, "-") : EscapeText(stSlot.strText)) + "\n";
@@ -75,11 +76,18 @@ void PrintFields(const TARGET_S &stTarget, const std::vector<SLOT_S> &vecSlots,
     Print(strOut);
 }
 
-void RunFields(const SESSION_S &stSession, const TARGET_OPTIONS_S &stOptions)
+struct FIELDS_S
 {
-    const TARGET_S stTarget = ResolveTarget(stSession, stOptions);
+    TARGET_OPTIONS_S stTarget;
+    SOURCE_OPTION_S stSource;
+};
+
+void RunFields(const SESSION_S &stSession, const FIELDS_S &stOptions)
+{
+    const SHOWN_S stShown = ReadShown(ResolveTarget(stSession, stOptions.stTarget), stOptions.stSource);
+    const TARGET_S &stTarget = stShown.stTarget;
     Record stRecord;
-    DecodeTarget(stTarget, stRecord);
+    DecodeShown(stTarget, stShown.stImage, stRecord);
     CustomFields stFields;
     ClearDiagnostics();
     const u32 uiRet = FRU_ANALYZER_InterpretCustomField(stRecord.Data(), stFields.Data());
@@ -99,10 +107,14 @@ void RunFields(const SESSION_S &stSession, const TARGET_OPTIONS_S &stOptions)
         {"product", "product, all", Joined(stData.pcProductCustomFields, stData.uiProductCustomFieldsLen)},
     };
     if (!stSession.bJson) {
-        PrintFields(stTarget, vecSlots, vecJoined);
+        PrintFields(stShown, vecSlots, vecJoined);
+        stShown.RequireSame();
         return;
     }
     Json stJson = TargetJson(stTarget);
+    if (stTarget.optDevice.has_value()) {
+        stJson.update(stShown.SourceJson());
+    }
     for (const SLOT_S &stSlot : vecSlots) {
         stJson["slots"][stSlot.pcKey] = Latin1ToUtf8(stSlot.strText);
     }
@@ -111,18 +123,20 @@ void RunFields(const SESSION_S &stSession, const TARGET_OPTIONS_S &stOptions)
             stArea.optText.has_value() ? Json(Latin1ToUtf8(*stArea.optText)) : Json();
     }
     PrintJson(stJson);
+    stShown.RequireSame();
 }
 
 } // namespace
 
 void AddFieldsCommand(CLI::App &stParent, SESSION_S &stSession)
 {
-    const auto pstOptions = std::make_shared<TARGET_OPTIONS_S>();
+    const auto pstOptions = std::make_shared<FIELDS_S>();
     CLI::App *pstCommand =
         AddCommand(stParent, "fields",
                    "Custom fields as exported: the ones with slots, and each area's as one escaped text",
-                   "fructl fields baseboard\nfructl fields dump.bin --json");
-    AddTargetOptions(pstCommand, *pstOptions, true);
+                   "fructl fields baseboard\nfructl fields ./dump.bin --json");
+    AddTargetOptions(pstCommand, pstOptions->stTarget, true);
+    AddSourceOption(pstCommand, pstOptions->stSource);
     pstCommand->callback([&stSession, pstOptions] {
         stSession.fnRun = [&stSession, pstOptions] { RunFields(stSession, *pstOptions); };
     });

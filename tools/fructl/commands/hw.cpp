@@ -95,7 +95,8 @@ void RunShow(const SESSION_S &stSession, const TARGET_OPTIONS_S &stOptions)
         Print(Paint(Colour::Bold, stTarget.Title()) + ", hardware block\n" + BlockText(stBlock));
     }
     if (!stBlock.IsGood()) {
-        Fail("the hardware block of " + stTarget.Title() + " is damaged: a CRC-8 is wrong");
+        Fail(ErrorClass::Damaged,
+             "the hardware block of " + stTarget.Title() + " is damaged: a CRC-8 is wrong");
     }
 }
 

@@ -57,7 +57,8 @@ void RunDiscard(const SESSION_S &stSession, const std::string &strNumber)
             return;
         }
     }
-    Fail(Format("the journal has no entry %u; 'fructl journal list' lists what there is", uiNumber));
+    Fail(ErrorClass::NotFound,
+         Format("the journal has no entry %u; 'fructl journal list' lists what there is", uiNumber));
 }
 
 } // namespace

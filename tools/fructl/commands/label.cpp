@@ -26,6 +26,7 @@ struct LABEL_OPTIONS_S
     const CLI::Option *apstWords[3] = {};
     std::vector<std::string> vecMore;
     std::string strDeviceID;
+    SOURCE_OPTION_S stSource;
     bool bDryRun = false;
     bool bForce = false;
 };
@@ -41,7 +42,7 @@ DEVICE_S TakeDevice(const SESSION_S &stSession, const LABEL_OPTIONS_S &stOptions
         }
     }
     vecRest.insert(vecRest.end(), stOptions.vecMore.begin(), stOptions.vecMore.end());
-    TARGET_OPTIONS_S stTarget = {"", stOptions.strDeviceID};
+    TARGET_OPTIONS_S stTarget = {"", stOptions.strDeviceID, ""};
     if (stOptions.strDeviceID.empty() && !vecRest.empty()) {
         stTarget.strTarget = vecRest.front();
         vecRest.erase(vecRest.begin());
@@ -83,7 +84,8 @@ std::string SharedNamesText(const std::vector<LABEL_S> &vecLabels)
 }
 
 void PrintLabels(const SESSION_S &stSession, const std::optional<DEVICE_S> &optDevice,
-                 const std::vector<LABEL_S> &vecLabels, const std::optional<RECORD_VIEW_S> &optView)
+                 const std::vector<LABEL_S> &vecLabels, const std::optional<RECORD_VIEW_S> &optView,
+                 const SHOWN_S *pstShown)
 {
     std::vector<const char *> vecHeadings = {"LABEL", "AREA", "LENGTH", "NONE", "ACCEPTS"};
     if (optView.has_value()) {
@@ -111,12 +113,17 @@ void PrintLabels(const SESSION_S &stSession, const std::optional<DEVICE_S> &optD
                     {Colour::None, Colour::Dim, Colour::None, Colour::None, Colour::None, enColour});
     }
     if (!stSession.bJson) {
-        Print(stTable.Text() + SharedNamesText(vecLabels));
+        const std::string strHeading = pstShown == nullptr ? "" : pstShown->HeadingText();
+        Print((strHeading.empty() ? "" : optDevice->Title() + strHeading + "\n") + stTable.Text() +
+              SharedNamesText(vecLabels));
         return;
     }
     Json stJson = Json::object();
     if (optDevice.has_value()) {
         stJson = {{"device", DeviceJson(*optDevice)}, {"fieldFlag", optDevice->stInfo.ucFieldFlag}};
+    }
+    if (pstShown != nullptr) {
+        stJson.update(pstShown->SourceJson());
     }
     stJson["labels"] = stList;
     PrintJson(stJson);
@@ -125,7 +132,7 @@ void PrintLabels(const SESSION_S &stSession, const std::optional<DEVICE_S> &optD
 void RunList(const SESSION_S &stSession, const LABEL_OPTIONS_S &stOptions)
 {
     if (stOptions.apstWords[0]->count() == 0U && stOptions.strDeviceID.empty()) {
-        PrintLabels(stSession, std::nullopt, Labels(), std::nullopt);
+        PrintLabels(stSession, std::nullopt, Labels(), std::nullopt, nullptr);
         return;
     }
     std::vector<std::string> vecRest;
@@ -145,13 +152,16 @@ void RunList(const SESSION_S &stSession, const LABEL_OPTIONS_S &stOptions)
         return;
     }
     Record stRecord;
+    SHOWN_S stShown;
     try {
-        DecodeTarget({stDevice, ""}, stRecord);
+        stShown = ReadShown({stDevice, ""}, stOptions.stSource);
+        DecodeShown(stShown.stTarget, stShown.stImage, stRecord);
     } catch (const Error &) {
-        PrintLabels(stSession, stDevice, vecAccepted, std::nullopt);
+        PrintLabels(stSession, stDevice, vecAccepted, std::nullopt, nullptr);
         throw; // the names are known all the same, the values are not
     }
-    PrintLabels(stSession, stDevice, vecAccepted, ViewRecord(*stRecord.Data()));
+    PrintLabels(stSession, stDevice, vecAccepted, ViewRecord(*stRecord.Data()), &stShown);
+    stShown.RequireSame();
 }
 
 void RunGet(const SESSION_S &stSession, const LABEL_OPTIONS_S &stOptions)
@@ -165,25 +175,28 @@ void RunGet(const SESSION_S &stSession, const LABEL_OPTIONS_S &stOptions)
     }
     const LABEL_S &stLabel = FindLabel(vecRest.front());
     if (!stLabel.IsStored()) {
-        Fail("the label '" + stLabel.strName +
-             "' is kept in the hardware FRU block, not in the FRU image; 'fructl hw show' reads it");
+        FailRefused("the label '" + stLabel.strName +
+                    "' is kept in the hardware FRU block, not in the FRU image; 'fructl hw show' reads it");
     }
+    const SHOWN_S stShown = ReadShown({stDevice, ""}, stOptions.stSource);
     Record stRecord;
-    DecodeTarget({stDevice, ""}, stRecord);
+    DecodeShown(stShown.stTarget, stShown.stImage, stRecord);
     const RECORD_VIEW_S stView = ViewRecord(*stRecord.Data());
     const std::optional<std::string> optValue = LabelValue(stView, stLabel);
     if (!optValue.has_value()) {
-        Fail(stDevice.Title() + " has no '" + stLabel.strName + "': its image has " +
-             WhyNoValue(stView, stLabel));
+        FailRefused(stDevice.Title() + " has no '" + stLabel.strName + "': its image has " +
+                    WhyNoValue(stView, stLabel));
     }
     if (stSession.bJson) {
         Json stJson = {{"device", DeviceJson(stDevice)}};
+        stJson.update(stShown.SourceJson());
         stJson.update(LabelJson(stLabel, MaxLength(stLabel, stDevice.stEntry.ucComponentType)));
         stJson["value"] = Latin1ToUtf8(*optValue);
         PrintJson(stJson);
     } else {
         Print(EscapeText(*optValue) + "\n");
     }
+    stShown.RequireSame();
 }
 
 // "NAME VALUE", or any number of "NAME=VALUE".
@@ -300,9 +313,9 @@ void RunSet(const SESSION_S &stSession, const LABEL_OPTIONS_S &stOptions)
     const RootLock stLock(stSession);
     const LABEL_PLAN_S stPlan = PlanLabels(stDevice, vecRequests);
     if (!stPlan.vecLosses.empty() && !stOptions.bForce) {
-        Fail("refused, for the library writes the whole image of " + stDevice.Title() +
-             " anew and would lose: " + Join(stPlan.vecLosses, "; ") +
-             "; --dry-run shows every byte, --force writes");
+        FailRefused("refused, for the library writes the whole image of " + stDevice.Title() +
+                    " anew and would lose: " + Join(stPlan.vecLosses, "; ") +
+                    "; --dry-run shows every byte, --force writes");
     }
     std::string strAftermath;
     const std::vector<std::string> vecSentences =
@@ -373,7 +386,7 @@ void AddLabelCommand(CLI::App &stParent, SESSION_S &stSession)
          {"VALUE", "its value, when NAME has none"}},
         *pstSet);
     pstSetCommand->add_option("MORE", pstSet->vecMore, "NAME=VALUE");
-    pstSetCommand->add_flag("--dry-run", pstSet->bDryRun,
+    pstSetCommand->add_flag("-n,--dry-run", pstSet->bDryRun,
                             "show old and new and the bytes that would change, and write nothing");
     pstSetCommand->add_flag("--force", pstSet->bForce,
                             "write even when something beside the labels would be lost");

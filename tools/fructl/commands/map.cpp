@@ -167,7 +167,7 @@ void AddMapCommand(CLI::App &stParent, SESSION_S &stSession)
     const auto pstOptions = std::make_shared<TARGET_OPTIONS_S>();
     CLI::App *pstCommand =
         AddCommand(stParent, "map", "Show which byte of an image belongs to which area and field",
-                   "fructl map baseboard\nfructl map dump.bin\nfructl map examples/psu1.hex --json");
+                   "fructl map baseboard\nfructl map ./dump.bin\nfructl map examples/psu1.hex --json");
     AddTargetOptions(pstCommand, *pstOptions, true);
     pstCommand->callback([&stSession, pstOptions] {
         stSession.fnRun = [&stSession, pstOptions] { RunMap(stSession, *pstOptions); };

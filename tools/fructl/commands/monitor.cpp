@@ -46,7 +46,7 @@ std::string LabelName(u32 uiLabelID)
 // One event for people. A line that is not an event is shown as it is.
 std::string Describe(const std::string &strLine)
 {
-    const Json stEvent = Json::parse(strLine, nullptr, false);
+    const Json stEvent = ParseJsonText<Json>(strLine);
     if (!stEvent.is_object()) {
         return EscapeText(strLine);
     }
@@ -76,7 +76,8 @@ files::Fd OpenJournal(const files::PLACE_S &stPlace)
             return stFile;
         }
         if (iError != ENOENT) {
-            Fail("cannot read " + EscapeText(stPlace.Text()) + ": " + files::Reason(iError));
+            Fail(ClassOfErrno(iError),
+                 "cannot read " + EscapeText(stPlace.Text()) + ": " + files::Reason(iError));
         }
         usleep(100000U);
     }

@@ -29,19 +29,26 @@ constexpr size_t RECORD_MAX = FRU_MULTIRECORD_HEADER_LEN + 255U;
 // The main FRU when nothing else is named.
 TARGET_S TargetOrMain(const SESSION_S &stSession, const TARGET_OPTIONS_S &stOptions)
 {
-    const bool bNamed = !stOptions.strTarget.empty() || !stOptions.strDeviceID.empty();
-    return ResolveTarget(stSession, bNamed ? stOptions : TARGET_OPTIONS_S{MAIN_FRU, ""});
+    return ResolveTarget(stSession, stOptions.IsNamed() ? stOptions : TARGET_OPTIONS_S{MAIN_FRU, "", ""});
 }
 
-void RunList(const SESSION_S &stSession, const TARGET_OPTIONS_S &stOptions)
+struct LIST_S
 {
-    const TARGET_S stTarget = TargetOrMain(stSession, stOptions);
+    TARGET_OPTIONS_S stTarget;
+    SOURCE_OPTION_S stSource;
+};
+
+void RunList(const SESSION_S &stSession, const LIST_S &stOptions)
+{
+    const SHOWN_S stShown = ReadShown(TargetOrMain(stSession, stOptions.stTarget), stOptions.stSource);
+    const TARGET_S &stTarget = stShown.stTarget;
     Record stRecord;
-    DecodeTarget(stTarget, stRecord);
+    DecodeShown(stTarget, stShown.stImage, stRecord);
     const RECORD_VIEW_S stView = ViewRecord(*stRecord.Data());
     if (stView.IsMultiRecordAreaDamaged()) {
-        Fail("the MultiRecord area of " + stTarget.Title() +
-             " is damaged: no record of it can be read; 'fructl mr check' and 'fructl verify' tell more");
+        Fail(ErrorClass::Damaged,
+             "the MultiRecord area of " + stTarget.Title() +
+                 " is damaged: no record of it can be read; 'fructl mr check' and 'fructl verify' tell more");
     }
     Table stTable({">#", "RECORD", ">TYPE", ">BYTES", "SAYS"});
     for (size_t i = 0; i < stView.vecMultiRecords.size(); i++) {
@@ -51,11 +58,15 @@ void RunList(const SESSION_S &stSession, const TARGET_OPTIONS_S &stOptions)
     }
     if (stSession.bJson) {
         Json stJson = TargetJson(stTarget);
+        if (stTarget.optDevice.has_value()) {
+            stJson.update(stShown.SourceJson());
+        }
         stJson["multiRecords"] = RecordJson(stView)["multiRecords"];
         PrintJson(stJson);
     } else {
         Print(stView.vecMultiRecords.empty() ? stTarget.Title() + " has no MultiRecords\n" : stTable.Text());
     }
+    stShown.RequireSame();
 }
 
 // One verdict of FRU_checkAllMultiRecords().
@@ -171,8 +182,8 @@ void RunCheck(const SESSION_S &stSession, const TARGET_OPTIONS_S &stOptions)
         PrintJson(stJson);
     }
     if (!bGood) {
-        Fail("the MultiRecords of " + stTarget.Title() +
-             " are not in order; 'fructl verify' tells every byte at fault");
+        Fail(ErrorClass::Damaged, "the MultiRecords of " + stTarget.Title() +
+                                      " are not in order; 'fructl verify' tells every byte at fault");
     }
 }
 
@@ -230,14 +241,27 @@ void AddGuidCommand(CLI::App &stMr, SESSION_S &stSession)
         [&stSession, pstGuid] { stSession.fnRun = [&stSession, pstGuid] { RunGuid(stSession, *pstGuid); }; });
 }
 
-using RunTarget = void (*)(const SESSION_S &stSession, const TARGET_OPTIONS_S &stOptions);
+void AddMrListCommand(CLI::App &stMr, SESSION_S &stSession)
+{
+    const auto pstList = std::make_shared<LIST_S>();
+    CLI::App *pstCommand =
+        AddCommand(stMr, "list", "The MultiRecords of a device (the baseboard) or a file",
+                   "fructl mr list\nfructl mr list bmc-card --json\nfructl mr list ./dump.bin");
+    AddTargetOptions(pstCommand, pstList->stTarget, true);
+    AddSourceOption(pstCommand, pstList->stSource);
+    pstCommand->callback(
+        [&stSession, pstList] { stSession.fnRun = [&stSession, pstList] { RunList(stSession, *pstList); }; });
+}
 
-void AddTargetCommand(CLI::App *pstCommand, SESSION_S &stSession, RunTarget pfnRun)
+void AddCheckCommand(CLI::App &stMr, SESSION_S &stSession)
 {
     const auto pstOptions = std::make_shared<TARGET_OPTIONS_S>();
+    CLI::App *pstCommand = AddCommand(
+        stMr, "check", "Check a list of MultiRecords twice: as decoded, and byte by byte in the EEPROM",
+        "fructl mr check\nfructl mr check ./dump.bin");
     AddTargetOptions(pstCommand, *pstOptions, true);
-    pstCommand->callback([&stSession, pstOptions, pfnRun] {
-        stSession.fnRun = [&stSession, pstOptions, pfnRun] { pfnRun(stSession, *pstOptions); };
+    pstCommand->callback([&stSession, pstOptions] {
+        stSession.fnRun = [&stSession, pstOptions] { RunCheck(stSession, *pstOptions); };
     });
 }
 
@@ -249,14 +273,8 @@ void AddMrCommand(CLI::App &stParent, SESSION_S &stSession)
         AddCommand(stParent, "mr", "MultiRecords: list, add, check, and the byte order of GUIDs",
                    "fructl mr list\nfructl mr add system-name=rack7-u12\nfructl mr check baseboard");
     pstMr->require_subcommand(1);
-    AddTargetCommand(AddCommand(*pstMr, "list", "The MultiRecords of a device (the baseboard) or a file",
-                                "fructl mr list\nfructl mr list bmc-card --json\nfructl mr list dump.bin"),
-                     stSession, RunList);
+    AddMrListCommand(*pstMr, stSession);
     AddMrAddCommand(*pstMr, stSession);
-    AddTargetCommand(
-        AddCommand(*pstMr, "check",
-                   "Check a list of MultiRecords twice: as decoded, and byte by byte in the EEPROM",
-                   "fructl mr check\nfructl mr check dump.bin"),
-        stSession, RunCheck);
+    AddCheckCommand(*pstMr, stSession);
     AddGuidCommand(*pstMr, stSession);
 }

@@ -110,8 +110,8 @@ void RunAdd(const SESSION_S &stSession, const ADD_S &stOptions)
     }
     RECORD_PLAN_S stPlan = PlanAccessRecords(stDevice, vecWanted);
     if (!stOptions.bDryRun && !stOptions.bForce && !stPlan.stRewrite.vecLosses.empty()) {
-        Fail("refused, for the library writes the whole image of " + stDevice.Title() +
-             " anew and would lose: " + Join(stPlan.stRewrite.vecLosses, "; ") + "; --force writes");
+        FailRefused("refused, for the library writes the whole image of " + stDevice.Title() +
+                    " anew and would lose: " + Join(stPlan.stRewrite.vecLosses, "; ") + "; --force writes");
     }
     if (!stOptions.bDryRun) {
         WriteAccessRecords(*optLock, stDevice, stPlan, TerminalProgress());

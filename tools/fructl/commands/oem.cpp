@@ -11,6 +11,7 @@
 #include "toolkit/base/file.h"
 #include "toolkit/base/json.h"
 #include "toolkit/base/text.h"
+#include "toolkit/controller/cause.h"
 #include "toolkit/controller/controller.h"
 #include "toolkit/controller/diagnostics.h"
 #include "toolkit/controller/oem_conf.h"
@@ -153,7 +154,8 @@ void RunCopyright(const SESSION_S &stSession, const std::string &strLanguage)
         char acText[FRU_COPYRIGHT_LEN] = "";
         const u32 uiRet = LIB_FRU_GetCopyRight(i, acText);
         if (uiRet != FRU_OK) {
-            Fail("the copyright cannot be told: " + StatusText(uiRet) + DiagnosticHint());
+            FailLibrary(ErrorClass::Failed, "the copyright cannot be told: " + StatusText(uiRet),
+                        DiagnosticHint());
         }
         const std::string strText = FileText(acText);
         stJson[apcLanguages[i]] = strText;
@@ -177,7 +179,8 @@ void RunCheck(const SESSION_S &stSession, const std::string &strFlag)
     char acResult[FRU_CHECK_RESULT_LEN + 1U] = "";
     const u32 uiRet = LIB_FRU_CheckOEMFromPackage(*optFlag, acResult);
     if (uiRet != FRU_OK) {
-        Fail("the package cannot be checked: " + StatusText(uiRet) + DiagnosticHint());
+        FailLibrary(ErrorClass::Failed, "the package cannot be checked: " + StatusText(uiRet),
+                    DiagnosticHint());
     }
     FRU_OEM_CONF_S stConf = {};
     FRU_GetOEMConfBeforeDeal(&stConf);

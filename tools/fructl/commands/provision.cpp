@@ -66,8 +66,8 @@ void RunProvision(const SESSION_S &stSession, const OPTIONS_S &stOptions)
     }
     const std::vector<u8> vecOldIDs = ExistingIDs(stSession);
     if (!vecOldIDs.empty() && !stOptions.bForce) {
-        Fail("there is a controller with " + Count(vecOldIDs.size(), "device") + " in " + stSession.strRoot +
-             " already; --force replaces it, --root names another place");
+        FailRefused("there is a controller with " + Count(vecOldIDs.size(), "device") + " in " +
+                    stSession.strRoot + " already; --force replaces it, --root names another place");
     }
     if (!stOptions.bDryRun) {
         Provision(stPlan, vecOldIDs);

@@ -49,8 +49,9 @@ void RunPsn(const SESSION_S &stSession)
         }
     }
     if (!bFile) {
-        Fail("there is no serial number in " + std::string(SERIAL_FILE) + ": " + stPrimary.strWhy +
-             "; setting or clearing the product serial number of 0x00:0 writes it");
+        Fail(ErrorClass::NotFound, "there is no serial number in " + std::string(SERIAL_FILE) + ": " +
+                                       stPrimary.strWhy +
+                                       "; setting or clearing the product serial number of 0x00:0 writes it");
     }
 }
 

@@ -55,9 +55,10 @@ std::string ReadPassword(const std::string &strFile)
     const std::string strText(vecBytes.begin(), vecBytes.end());
     std::string strPassword = strText.substr(0U, strText.find_first_of("\r\n"));
     if (!IsWord(strPassword, PASSWORD_MAX)) {
-        Fail(Format("the first line of %s is no password; accepted: 1 to %zu printable ASCII characters "
-                    "without blanks",
-                    EscapeText(strFile).c_str(), PASSWORD_MAX));
+        FailRefused(
+            Format("the first line of %s is no password; accepted: 1 to %zu printable ASCII characters "
+                   "without blanks",
+                   EscapeText(strFile).c_str(), PASSWORD_MAX));
     }
     return strPassword;
 }
@@ -150,6 +151,7 @@ void Announce(const SESSION_S &stSession, const SERVE_S &stOptions, const SERVIC
             stFacts["password"] = stService.strPassword; // made for this service, and told here only
         }
         PrintJson(stFacts);
+        EndJson();
     } else {
         Print(Format("serving %s of %s at %s, UDP port %u, until Ctrl-C\n  ",
                      Count(uiDevices, "FRU device").c_str(), EscapeText(stSession.strRoot).c_str(),

@@ -5,15 +5,8 @@
 
 #include <functional>
 
+#include "terminal/failure.h"
 #include "toolkit/controller/controller.h"
-
-enum class ExitCode
-{
-    Done = 0,
-    Failed = 1,
-    Different = 1, // of 'diff', which tells trouble by 2
-    Usage = 2
-};
 
 struct SESSION_S : CONTROLLER_S
 {
@@ -21,6 +14,7 @@ struct SESSION_S : CONTROLLER_S
     bool bJson = false;
     std::function<void()> fnRun;          // set by the command that was named
     ExitCode enExitCode = ExitCode::Done; // of a command that did not fail
+    std::optional<ExitCode> optFailure;   // of one that does, whatever the failure's own code
 };
 
 #endif

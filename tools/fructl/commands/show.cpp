@@ -24,10 +24,10 @@ constexpr size_t RECORD_COLUMNS = 96U; // 32 bytes in hex
 using Notes = std::map<FIELD_ID_S, NOTE_S>;
 
 // How texts are stored, where that is not plain, by field.
-Notes StorageNotes(const TARGET_S &stTarget)
+Notes StorageNotes(const SHOWN_S &stShown)
 {
     Notes mapNotes;
-    const IMAGE_LAYOUT_S stLayout = LayoutOf(ReadTarget(stTarget), stTarget.HasFixedSlots());
+    const IMAGE_LAYOUT_S stLayout = LayoutOf(stShown.stImage, stShown.stTarget.HasFixedSlots());
     for (const SPAN_S &stSpan : stLayout.vecSpans) {
         if (stSpan.stNote.IsTold() && stSpan.stNote.enNote != Note::Empty) {
             mapNotes[stSpan.stField] = stSpan.stNote;
@@ -88,48 +88,65 @@ std::string MultiRecordsText(const RECORD_VIEW_S &stView)
     return strOut;
 }
 
-std::string TitleText(const TARGET_S &stTarget)
+std::string TitleText(const SHOWN_S &stShown)
 {
+    const TARGET_S &stTarget = stShown.stTarget;
     const std::string strTitle = Paint(Colour::Bold, stTarget.Title());
     if (!stTarget.optDevice.has_value()) {
         return strTitle + "\n";
     }
     const FRU_DEVICE_INFO_S &stInfo = stTarget.optDevice->stInfo;
+    if (stShown.stImage.enSource == Source::Cache) {
+        return strTitle + Format("  FRU device ID %u, cached image of %u bytes\n",
+                                 stTarget.optDevice->stEntry.ucDeviceID, stInfo.usSize);
+    }
     return strTitle +
            Format("  FRU device ID %u, %u bytes at 0x%04x of the EEPROM on bus %u, address 0x%02x\n",
                   stTarget.optDevice->stEntry.ucDeviceID, stInfo.usSize, stInfo.usStartOffset,
                   stInfo.ucBusNumber, stInfo.ucAddress);
 }
 
-void RunShow(const SESSION_S &stSession, const TARGET_OPTIONS_S &stOptions)
+struct SHOW_S
 {
-    const TARGET_S stTarget = ResolveTarget(stSession, stOptions);
+    TARGET_OPTIONS_S stTarget;
+    SOURCE_OPTION_S stSource;
+};
+
+void RunShow(const SESSION_S &stSession, const SHOW_S &stOptions)
+{
+    const SHOWN_S stShown = ReadShown(ResolveTarget(stSession, stOptions.stTarget), stOptions.stSource);
     Record stRecord;
-    DecodeTarget(stTarget, stRecord);
+    DecodeShown(stShown.stTarget, stShown.stImage, stRecord);
     const RECORD_VIEW_S stView = ViewRecord(*stRecord.Data());
     if (stSession.bJson) {
-        Json stJson = TargetJson(stTarget);
+        Json stJson = TargetJson(stShown.stTarget);
+        if (stShown.stTarget.optDevice.has_value()) {
+            stJson.update(stShown.SourceJson());
+        }
         stJson.update(RecordJson(stView));
         PrintJson(stJson);
+        stShown.RequireSame();
         return;
     }
-    const Notes mapNotes = StorageNotes(stTarget);
-    std::string strOut = TitleText(stTarget);
+    const Notes mapNotes = StorageNotes(stShown);
+    std::string strOut = TitleText(stShown);
     for (const AREA_VIEW_S &stArea : stView.vecAreas) {
         strOut += "\n" + AreaText(stArea, mapNotes);
     }
     Print(strOut + (stView.bMultiRecordArea ? "\n" : "") + MultiRecordsText(stView));
+    stShown.RequireSame();
 }
 
 } // namespace
 
 void AddShowCommand(CLI::App &stParent, SESSION_S &stSession)
 {
-    const auto pstOptions = std::make_shared<TARGET_OPTIONS_S>();
+    const auto pstOptions = std::make_shared<SHOW_S>();
     CLI::App *pstCommand = AddCommand(
         stParent, "show", "Show a device or an image file, decoded",
-        "fructl show baseboard\nfructl show 0x30:0\nfructl show --id 1 --json\nfructl show dump.bin");
-    AddTargetOptions(pstCommand, *pstOptions, true);
+        "fructl show baseboard\nfructl show 0x30:0\nfructl show --id 1 --json\nfructl show psu1 --source cache\nfructl show ./dump.bin");
+    AddTargetOptions(pstCommand, pstOptions->stTarget, true);
+    AddSourceOption(pstCommand, pstOptions->stSource);
     pstCommand->callback([&stSession, pstOptions] {
         stSession.fnRun = [&stSession, pstOptions] { RunShow(stSession, *pstOptions); };
     });

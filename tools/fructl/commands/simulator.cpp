@@ -59,7 +59,8 @@ std::string FindProgram()
         }
         strRest.erase(0U, uiEnd + 1U);
     }
-    Fail(std::string(PROGRAM) + " is not installed; Debian has it in the package openipmi");
+    Fail(ErrorClass::NotFound,
+         std::string(PROGRAM) + " is not installed; Debian has it in the package openipmi");
 }
 
 // Beside the library in the build directory, in a folder beside it when installed.
@@ -78,10 +79,12 @@ std::string FindModule()
             return strFile;
         }
     }
-    Fail(Format(
-        "%s is neither in %s nor in its bmcfru folder; it is built where OpenIPMI's headers are (package "
-        "libopenipmi-dev)",
-        MODULE, EscapeText(strDirectory).c_str()));
+    Fail(
+        ErrorClass::NotFound,
+        Format(
+            "%s is neither in %s nor in its bmcfru folder; it is built where OpenIPMI's headers are (package "
+            "libopenipmi-dev)",
+            MODULE, EscapeText(strDirectory).c_str()));
 }
 
 // The simulator's configuration knows no escapes: a text stands in the quotes that it does not hold itself.
@@ -90,8 +93,8 @@ std::string Quote(const std::string &strText)
     const bool bDouble = strText.find('"') == std::string::npos;
     if ((!bDouble && strText.find('\'') != std::string::npos) ||
         strText.find_first_of("\r\n") != std::string::npos) {
-        Fail("the path " + EscapeText(strText) +
-             " cannot be told to the simulator: it holds both kinds of quotes or a line end");
+        FailRefused("the path " + EscapeText(strText) +
+                    " cannot be told to the simulator: it holds both kinds of quotes or a line end");
     }
     return bDouble ? "\"" + strText + "\"" : "'" + strText + "'";
 }
@@ -115,7 +118,8 @@ files::Fd MakeHidden(const char *pcName, const std::string &strText)
     files::Fd stFile(memfd_create(pcName, MFD_CLOEXEC));
     const int iError = stFile ? files::WriteAll(stFile.Get(), strText) : errno;
     if (iError != 0) {
-        Fail(std::string("cannot keep the simulator's configuration: ") + files::Reason(iError));
+        Fail(ClassOfErrno(iError),
+             std::string("cannot keep the simulator's configuration: ") + files::Reason(iError));
     }
     return stFile;
 }
@@ -176,7 +180,8 @@ Simulator::Simulator(const SERVICE_S &stService) : m_stService(stService)
     MakeParentDirectory(stLock);
     const int iError = m_stLock.Take(stLock, 0U);
     if (iError != 0) {
-        Fail(iError == ETIMEDOUT
+        Fail(ClassOfErrno(iError),
+             iError == ETIMEDOUT
                  ? "another 'fructl serve' serves " + EscapeText(stService.strRoot) + " already"
                  : "cannot lock " + EscapeText(stLock.Text()) + ": " + files::Reason(iError));
     }
@@ -223,7 +228,7 @@ void Simulator::Start(const std::string &strProgram)
 {
     int aiPipe[2] = {-1, -1};
     if (pipe2(aiPipe, O_CLOEXEC) != 0) {
-        Fail(std::string("cannot make a pipe: ") + strerror(errno));
+        Fail(ClassOfErrno(errno), std::string("cannot make a pipe: ") + strerror(errno));
     }
     m_stOutput = files::Fd(aiPipe[0]);
     const files::Fd stWrite(aiPipe[1]);
@@ -236,12 +241,12 @@ void Simulator::Start(const std::string &strProgram)
         Become(stChild);
     }
     if (m_iPid < 0) {
-        Fail(std::string("cannot start a process: ") + strerror(errno));
+        Fail(ClassOfErrno(errno), std::string("cannot start a process: ") + strerror(errno));
     }
     // The child is not waited for before this, so the number is its own.
     m_stProcess = files::Fd(static_cast<int>(syscall(SYS_pidfd_open, m_iPid, 0)));
     if (!m_stProcess) {
-        Fail(std::string("cannot watch the simulator: ") + strerror(errno));
+        Fail(ClassOfErrno(errno), std::string("cannot watch the simulator: ") + strerror(errno));
     }
 }
 
@@ -250,7 +255,7 @@ void Simulator::AwaitAnswer()
     const ENDPOINT_S stEndpoint = AskableEndpoint(m_stService.strAddress, m_stService.usPort);
     const files::Fd stSocket(socket(stEndpoint.stAddress.ss_family, SOCK_DGRAM | SOCK_CLOEXEC, 0));
     if (!stSocket) {
-        Fail(std::string("cannot open a socket: ") + strerror(errno));
+        Fail(ClassOfErrno(errno), std::string("cannot open a socket: ") + strerror(errno));
     }
     const auto stUntil = Clock::now() + START_PATIENCE;
     bool bAnswers = false;
@@ -281,7 +286,7 @@ bool Simulator::WaitForEnd(int iSignalFd, const std::function<void()> &fnEachSec
     auto stLast = std::chrono::steady_clock::now();
     while (true) {
         if (poll(astPolls.data(), astPolls.size(), static_cast<int>(SECOND.count())) < 0 && errno != EINTR) {
-            Fail(std::string("cannot wait for the simulator: ") + strerror(errno));
+            Fail(ClassOfErrno(errno), std::string("cannot wait for the simulator: ") + strerror(errno));
         }
         if (std::chrono::steady_clock::now() - stLast >= SECOND) {
             stLast = std::chrono::steady_clock::now();

@@ -143,17 +143,26 @@ void PrintChecks(const SESSION_S &stSession, const std::vector<CHECK_S> &vecChec
     }
 }
 
-void RunVerify(const SESSION_S &stSession, const std::vector<std::string> &vecTargets,
-               const std::string &strDeviceID)
+struct VERIFY_S
+{
+    std::vector<std::string> vecTargets;
+    std::vector<std::string> vecFiles;
+    std::string strDeviceID;
+};
+
+void RunVerify(SESSION_S &stSession, const VERIFY_S &stOptions)
 {
     std::vector<CHECK_S> vecChecks;
-    for (const std::string &strTarget : vecTargets) {
-        CheckTarget(ResolveTarget(stSession, {strTarget, ""}), vecChecks);
+    for (const std::string &strTarget : stOptions.vecTargets) {
+        CheckTarget(ResolveTarget(stSession, {strTarget, "", ""}), vecChecks);
     }
-    if (!strDeviceID.empty()) {
-        CheckTarget(ResolveTarget(stSession, {"", strDeviceID}), vecChecks);
+    for (const std::string &strFile : stOptions.vecFiles) {
+        CheckTarget(ResolveTarget(stSession, {"", "", strFile}), vecChecks);
     }
-    if (vecTargets.empty() && strDeviceID.empty()) {
+    if (!stOptions.strDeviceID.empty()) {
+        CheckTarget(ResolveTarget(stSession, {"", stOptions.strDeviceID, ""}), vecChecks);
+    }
+    if (vecChecks.empty()) {
         for (const DEVICE_S &stDevice : LoadDevices(stSession)) {
             CheckTarget({stDevice, ""}, vecChecks);
         }
@@ -164,7 +173,9 @@ void RunVerify(const SESSION_S &stSession, const std::vector<std::string> &vecTa
         uiWrong += stCheck.IsGood() ? 0U : 1U;
     }
     if (uiWrong != 0U) {
-        Fail(Format("verify: %zu of %s %s not in order", uiWrong, Count(vecChecks.size(), "image").c_str(),
+        stSession.optFailure = ExitCode::Failed; // the check's answer, whatever was found
+        Fail(ErrorClass::Damaged,
+             Format("verify: %zu of %s %s not in order", uiWrong, Count(vecChecks.size(), "image").c_str(),
                     uiWrong == 1U ? "is" : "are"));
     }
 }
@@ -173,18 +184,18 @@ void RunVerify(const SESSION_S &stSession, const std::vector<std::string> &vecTa
 
 void AddVerifyCommand(CLI::App &stParent, SESSION_S &stSession)
 {
-    const auto pvecTargets = std::make_shared<std::vector<std::string>>();
-    const auto pstrDeviceID = std::make_shared<std::string>();
+    const auto pstOptions = std::make_shared<VERIFY_S>();
     CLI::App *pstCommand = AddCommand(
         stParent, "verify", "Check images byte by byte; exit 1 when anything is wrong",
-        "fructl verify\nfructl verify baseboard 0x30:0\nfructl verify dump.bin examples/*.hex --json");
-    pstCommand->add_option("DEVICE|FILE", *pvecTargets,
+        "fructl verify\nfructl verify baseboard 0x30:0\nfructl verify ./dump.bin examples/*.hex --json");
+    pstCommand->add_option("DEVICE|FILE", pstOptions->vecTargets,
                            "devices or image files; none: all devices, their EEPROMs and the cached images "
                            "that differ from them");
-    pstCommand->add_option("--id", *pstrDeviceID, "a device by its FRU device ID, 0 to 255")->type_name("N");
-    pstCommand->callback([&stSession, pvecTargets, pstrDeviceID] {
-        stSession.fnRun = [&stSession, pvecTargets, pstrDeviceID] {
-            RunVerify(stSession, *pvecTargets, *pstrDeviceID);
-        };
+    pstCommand->add_option("--file", pstOptions->vecFiles, "image files, whatever their names")
+        ->type_name("FILE");
+    pstCommand->add_option("--id", pstOptions->strDeviceID, "a device by its FRU device ID, 0 to 255")
+        ->type_name("N");
+    pstCommand->callback([&stSession, pstOptions] {
+        stSession.fnRun = [&stSession, pstOptions] { RunVerify(stSession, *pstOptions); };
     });
 }

@@ -2,9 +2,11 @@
 #include "terminal/console.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <sys/mman.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 static bool g_bColour = false;
@@ -116,7 +118,22 @@ std::string TakeLibraryOutput()
     return strText;
 }
 
-bool FlushOutput()
+bool IsStandardOutput(const std::string &strPath)
 {
-    return fflush(Output()) == 0 && ferror(Output()) == 0;
+    struct stat stPath = {};
+    struct stat stOutput = {};
+    // The path leads to what stands in for standard output while the library works.
+    return strPath == "-" || (stat(strPath.c_str(), &stPath) == 0 && fstat(STDOUT_FILENO, &stOutput) == 0 &&
+                              stPath.st_dev == stOutput.st_dev && stPath.st_ino == stOutput.st_ino);
+}
+
+int FlushOutput()
+{
+    static int iError = 0; // stays: what is lost is lost
+    if (fflush(Output()) != 0) {
+        iError = errno;
+    } else if (iError == 0 && ferror(Output()) != 0) {
+        iError = EIO; // a write between two flushes failed
+    }
+    return iError;
 }

@@ -56,7 +56,10 @@ void Print(const std::string &strText);
 void SeparateLibraryOutput();
 std::string TakeLibraryOutput();
 
-// False when something could not be written to standard output.
-bool FlushOutput();
+// Whether -o means standard output: "-", or a path that leads to it, such as /dev/stdout.
+bool IsStandardOutput(const std::string &strPath);
+
+// 0, or why something could not be written to standard output, as errno tells it.
+int FlushOutput();
 
 #endif

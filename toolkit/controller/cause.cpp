@@ -1,0 +1,46 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "toolkit/controller/cause.h"
+
+#include <optional>
+
+#include "bmcfru_host.h"
+#include "toolkit/base/text.h"
+
+namespace {
+
+// Nothing for what happens while all is well, such as a record that is not there.
+std::optional<ErrorClass> ClassOf(BMCHOST_DB_REASON_E enReason)
+{
+    switch (enReason) {
+    case BMCHOST_DB_LOCKED:
+        return ErrorClass::Busy;
+    case BMCHOST_DB_DAMAGED:
+        return ErrorClass::Damaged;
+    case BMCHOST_DB_NO_RIGHTS:
+        return ErrorClass::NotPermitted;
+    case BMCHOST_DB_FULL:
+        return ErrorClass::DiskFull;
+    case BMCHOST_DB_VERSION:
+    case BMCHOST_DB_FAILED:
+        return ErrorClass::Failed;
+    default:
+        return std::nullopt;
+    }
+}
+
+} // namespace
+
+void FailLibrary(ErrorClass enElse, const std::string &strLine, const std::string &strHint)
+{
+    const char *pcText = "";
+    const std::optional<ErrorClass> optClass = ClassOf(BMCHOST_LastDbError(&pcText));
+    if (optClass.has_value()) {
+        Fail(*optClass, strLine + strHint + "; " + EscapeText(pcText));
+    }
+    Fail(enElse, strLine + strHint);
+}
+
+void FailDatabase(BMCHOST_DB_REASON_E enReason, const std::string &strLine)
+{
+    Fail(ClassOf(enReason).value_or(ErrorClass::Failed), strLine);
+}

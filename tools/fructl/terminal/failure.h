@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: Apache-2.0
+// How a command ends: its exit code, and a failure as programs read it.
+#ifndef FRUCTL_TERMINAL_FAILURE_H
+#define FRUCTL_TERMINAL_FAILURE_H
+
+#include <string>
+
+#include "toolkit/base/error.h"
+#include "toolkit/base/json.h"
+#include "toolkit/controller/controller.h"
+
+// Stable: scripts decide on them.
+enum class ExitCode
+{
+    Done = 0,
+    Failed = 1,
+    Different = 1, // of 'diff', which tells trouble by 2
+    Usage = 2,
+    Refused = 3,
+    NotFound = 4,
+    NoAnswer = 5,
+    Damaged = 6,
+    Busy = 7,
+    NotPermitted = 8,
+    DiskFull = 9,
+    HalfWritten = 10
+};
+
+ExitCode ExitCodeOf(ErrorClass enClass);
+
+// For the help: every code, its word and what it means, one a line.
+std::string ExitCodesText();
+
+// {"code", "exitCode", "message"}, with "device" where just one was named and "accepted" where that is known.
+Json FailureJson(const CONTROLLER_S &stController, const Error &stError, ExitCode enCode);
+
+#endif
