@@ -41,10 +41,11 @@ class Assemble(Described):
 
     def test_a_device_with_an_eeprom_only_by_force(self):
         self.assertIn("psu1 (0x03:0) has an EEPROM; an image assembled into its cache would hide what is in there",
-                      self.Bad(1, "assemble", "psu1", "product-name=xy"))
+                      self.Bad(3, "assemble", "psu1", "product-name=xy"))
         abBefore = self.Eeprom("bus2-addr0xa4-switch1.bin").read_bytes()
         self.Good("assemble", "psu1", "product-name=xy", "--force")
-        self.assertEqual(self.Json("show", "psu1")["product"]["productName"], "xy")
+        stShown = self.Fructl("--json", "show", "psu1", "--source", "cache")  # which the EEPROM differs from
+        self.assertEqual((stShown.iCode, stShown.Json()["product"]["productName"]), (6, "xy"))
         self.assertEqual(self.Eeprom("bus2-addr0xa4-switch1.bin").read_bytes(), abBefore)
 
     def test_what_is_refused(self):
@@ -55,8 +56,8 @@ class Assemble(Described):
             (2, ["fan-board", "asset-tag=" + "x" * 64], "the value of asset-tag has 64 characters; accepted: 1 to 63"),
             (2, ["fan-board", "asset-tag="], "the value of asset-tag has 0 characters; accepted: 1 to 63"),
             (2, ["fan-board", "mfg-date=17.5.2024"], "mfg-date=17.5.2024 is refused; accepted: YYYY-MM-DD"),
-            (1, ["baseboard", "asset-tag=xy"], "baseboard (0x00:0) has 2048 bytes; an image can be assembled for 8 to 256"),
-            (1, ["fan", "asset-tag=xy"], "no device named 'fan'"),
+            (3, ["baseboard", "asset-tag=xy"], "baseboard (0x00:0) has 2048 bytes; an image can be assembled for 8 to 256"),
+            (4, ["fan", "asset-tag=xy"], "no device named 'fan'"),
             (1, ["fan-board", *[f"{strName}={'x' * 60}" for strName in self.TEXTS if strName != "mfg-date"]],
              "no image for fan-board (0x09:0) could be assembled: 0x81000001"),
         ]:
@@ -77,6 +78,7 @@ baseboard (0x00:0), custom fields
   product, all   Compute\\n2+0\\n2x25G\\n800W\\n
 """)
         self.assertEqual(self.Json("fields", "psu1"), {"device": {"id": 1, "name": "psu1", "componentType": 3, "instance": 0},
+                                                       "source": "EEPROM", "sourcesDiffer": False,
                                                        "slots": {"chassisField2": "", "chassisField3": "", "boardField1": ""},
                                                        "joined": {"chassis": None, "board": None, "product": None}})
         self.assertEqual(self.Json("fields", EXAMPLES / "baseboard.hex")["joined"]["product"], "Compute\\n2+0\\n2x25G\\n800W\\n")
@@ -92,7 +94,7 @@ baseboard (0x00:0), custom fields
         self.assertIn("  board, all     it\\'s\\\\a\\x1b[31m\\n\n", self.Good("fields", pathImage).strOut)
 
     def test_what_cannot_be_decoded(self):
-        self.assertIn("cannot decode", self.Bad(1, "fields", self.Write("bad.bin", bytes(64))))
+        self.assertIn("cannot decode", self.Bad(6, "fields", self.Write("bad.bin", bytes(64))))
 
 
 if __name__ == "__main__":

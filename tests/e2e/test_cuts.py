@@ -138,7 +138,7 @@ class Cuts(FructlTest):
         self.assertTrue(self.State() == dictFirst)
         self.Good("undo", "psu1")
         self.assertEqual(self.Json("show", "psu1")["product"]["assetTag"], "TWO")
-        self.assertEqual(self.Bad(1, "undo", "psu1", "--to", "9"), "psu1 (0x03:0) has no image 9 in its history; 'fructl history' lists what there is")
+        self.assertEqual(self.Bad(4, "undo", "psu1", "--to", "9"), "psu1 (0x03:0) has no image 9 in its history; 'fructl history' lists what there is")
 
     def test_no_more_than_twenty_images_are_kept(self):
         for i in range(23):
@@ -171,7 +171,7 @@ class Cuts(FructlTest):
         dictBefore = self.State()
         stProcess = subprocess.run(["sh", "-c", 'ulimit -f 100; exec "$@"', "sh", *COMMAND, "--root", str(self.pathRoot), "label", "set", "psu1", "Product Asset Tag",
                                     "RACK7"], capture_output=True, text=True, check=False)
-        self.assertEqual(stProcess.returncode, 1)
+        self.assertEqual(stProcess.returncode, 9)
         self.assertIn("is too full for a write", stProcess.stderr)
         self.assertIn("nothing was written", stProcess.stderr)
         self.assertTrue(self.State() == dictBefore)
@@ -179,7 +179,7 @@ class Cuts(FructlTest):
 
     def Bad2(self, *asArguments):
         stResult = self.Fructl(*asArguments)
-        self.assertEqual(stResult.iCode, 1)
+        self.assertEqual(stResult.iCode, 5)
         return stResult.strErr
 
 

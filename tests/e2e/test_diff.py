@@ -61,7 +61,7 @@ product info area
         self.assertIn("cannot decode", self.Bad(2, "diff", self.Write("bad.bin", b"\x02" + bytes(8)), "psu1"))
         self.Eeprom("bus2-addr0xa4-switch1.bin").unlink()
         self.assertIn("the EEPROM of psu1 (0x03:0) does not answer", self.Bad(2, "diff", "psu1", "psu2"))
-        self.assertIn("B is required", self.Bad(2, "diff", "psu1"))
+        self.assertIn("there must be two images, and 1 image is named; accepted: A and B, each may be --file FILE", self.Bad(2, "diff", "psu1"))
 
 
 if __name__ == "__main__":

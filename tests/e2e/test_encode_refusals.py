@@ -67,20 +67,20 @@ class Refusals(EncodeTest):
                 member[listPath[-1]] = value
             with self.subTest(strPath, value=str(value)[:20]):
                 pathDocument = self.Document(dictRecord)
-                strLine = self.Bad(1, "encode", pathDocument, "-o", self.pathTemp / "x.bin")
+                strLine = self.Bad(3, "encode", pathDocument, "-o", self.pathTemp / "x.bin")
                 self.assertTrue(strLine.startswith(f"{pathDocument}: {strPath + ': ' if strPath else ''}{strWhy}"), strLine)
         self.assertEqual(os.listdir(self.pathTemp), ["record.json"])
 
     def test_what_is_no_document_is_refused(self):
         for abText, strWhy in [(b"", "not JSON"), (b"{", "not JSON"), (b"{\"board\": {}, \"board\": {}}", "the member \"board\" stands twice"),
                                (b"{\"board\": {\"manufacturer\": \"\xff\"}}", "not JSON")]:
-            self.assertIn(strWhy, self.Bad(1, "encode", self.Write("bad.json", abText), "-o", self.pathTemp / "x.bin"))
-        self.assertIn("No such file", self.Bad(1, "encode", self.pathTemp / "none.json", "-o", self.pathTemp / "x.bin"))
+            self.assertIn(strWhy, self.Bad(3, "encode", self.Write("bad.json", abText), "-o", self.pathTemp / "x.bin"))
+        self.assertIn("No such file", self.Bad(4, "encode", self.pathTemp / "none.json", "-o", self.pathTemp / "x.bin"))
         self.assertIn("--output is required", self.Bad(2, "encode", self.Document({})))
 
     def test_an_area_that_its_length_byte_cannot_count_is_refused(self):
         dictRecord = {"board": {"customFields": ["x" * 63] * 32}}
-        self.assertIn("the record cannot be encoded: an area holds at most 2040 bytes", self.Bad(1, "encode", self.Document(dictRecord), "-o", self.pathTemp / "x.bin"))
+        self.assertIn("the record cannot be encoded: an area holds at most 2040 bytes", self.Bad(3, "encode", self.Document(dictRecord), "-o", self.pathTemp / "x.bin"))
         dictRecord["board"]["customFields"].pop()
         self.Good("verify", self.Encode(dictRecord))
 
@@ -93,9 +93,9 @@ class Refusals(EncodeTest):
         self.assertEqual((Board(languageCode="0x19")["language"], Board()["languageCode"]), ("English", 0))
         for strDate in ("2024-3-18", "2024-02-30", "2028-01-01", "1995-12-31", "2024-03-18 09:30:59", "today", "2024-03-18 x"):
             self.assertIn("accepted: YYYY-MM-DD or YYYY-MM-DD HH:MM:00, 1996-01-01 to 2027-11-24",
-                          self.Bad(1, "encode", self.Document({"board": {"mfgDate": strDate}}), "-o", self.pathTemp / "x.bin"))
+                          self.Bad(3, "encode", self.Document({"board": {"mfgDate": strDate}}), "-o", self.pathTemp / "x.bin"))
         for strName in ("code 0", "German", "code 256", 3):
-            self.assertIn("board.language: unknown", self.Bad(1, "encode", self.Document({"board": {"language": strName}}), "-o", self.pathTemp / "x.bin"))
+            self.assertIn("board.language: unknown", self.Bad(3, "encode", self.Document({"board": {"language": strName}}), "-o", self.pathTemp / "x.bin"))
 
 
 if __name__ == "__main__":

@@ -64,7 +64,7 @@ Diagnostic information
                 abBlock[iOffset] ^= 0x41
                 self.Damage(self.Eeprom(CHIP), 0, bytes(abBlock))
                 stResult = self.Fructl("hw", "show", "bmc-card-hw", "--json")
-                self.assertEqual((stResult.iCode, stResult.strErr), (1, f"fructl: the hardware block of {TITLE} is damaged: a CRC-8 is wrong\n"))
+                self.assertEqual((stResult.iCode, stResult.strErr), (6, f"fructl: the hardware block of {TITLE} is damaged: a CRC-8 is wrong\n"))
                 stJson = stResult.Json()
                 self.assertEqual((stJson[strHalf]["crc8Good"], stJson[strOther]["crc8Good"]), (False, True))
                 iAt = 0 if strHalf == "board" else 16
@@ -72,16 +72,16 @@ Diagnostic information
                 self.assertIn("WRONG, should be 0x", self.Fructl("hw", "show", "bmc-card-hw").strOut)
 
     def test_what_holds_no_block(self):
-        self.assertEqual(self.Bad(1, "hw", "show", "psu1"), "psu1 (0x03:0) holds 256 bytes; a hardware block has exactly 32")
+        self.assertEqual(self.Bad(3, "hw", "show", "psu1"), "psu1 (0x03:0) holds 256 bytes; a hardware block has exactly 32")
         for abBytes in (bytes(31), bytes(33)):
-            self.assertIn(f"is no hardware block: it has {len(abBytes)} bytes, not 32", self.Bad(1, "hw", "show", self.Write("x.bin", abBytes)))
+            self.assertIn(f"is no hardware block: it has {len(abBytes)} bytes, not 32", self.Bad(3, "hw", "show", self.Write("x.bin", abBytes)))
         self.Eeprom(CHIP).unlink()
-        self.assertRegex(self.Bad(1, "hw", "show", "bmc-card-hw"), "cannot be read: 0x29000004 .*No such file")
+        self.assertRegex(self.Bad(5, "hw", "show", "bmc-card-hw"), "cannot be read: 0x29000004 .*No such file")
 
     def test_the_other_commands_know_a_block_when_they_see_one(self):
         self.assertEqual(self.Good("verify", "bmc-card-hw", BLOCK).strOut, f"good   {TITLE}: hardware block\ngood   {BLOCK}: hardware block\n")
         self.assertIn(" 5  bmc-card-hw  0x31     0    4  0xae    32  sound  none\n", self.Good("list").strOut)
-        self.assertEqual(self.Bad(1, "show", "bmc-card-hw"), f"{TITLE} holds no FRU image but a hardware block; 'fructl hw show' shows it")
+        self.assertEqual(self.Bad(3, "show", "bmc-card-hw"), f"{TITLE} holds no FRU image but a hardware block; 'fructl hw show' shows it")
         strMap = self.Good("map", "bmc-card-hw").strOut
         self.assertIn("\nhardware block\n  0000  5b ", strMap)
         self.assertIn("PCB version: 02\n", strMap)
@@ -133,7 +133,7 @@ after   41 42 43 44 45 46 47   board type, PCB, EEPROM and CPLD version
     def test_an_eeprom_that_takes_nothing(self):
         abBefore = self.Block()
         self.Eeprom(CHIP).chmod(0o444)
-        self.assertRegex(self.Bad(1, "hw", "set", "bmc-card-hw", "--pcb", "3"), "could not be written: 0x81000001 .*write-protected")
+        self.assertRegex(self.Bad(5, "hw", "set", "bmc-card-hw", "--pcb", "3"), "could not be written: 0x81000001 .*write-protected")
         self.assertEqual((self.Block(), self.OperateLog()), (abBefore, [(67, "Failed to set bmc-card-hw FRU.", 12)]))
 
     def test_what_is_refused(self):
@@ -146,7 +146,7 @@ after   41 42 43 44 45 46 47   board type, PCB, EEPROM and CPLD version
             (2, ["bmc-card-hw", "--board-type", "123"], "--board-type 123 is refused; accepted: four bytes"),
             (2, ["bmc-card-hw", "--pcb", "256"], "--pcb 256 is refused; accepted: 0 to 255, decimal or 0x"),
             (2, ["bmc-card-hw", "--cpld", "x"], "--cpld x is refused"),
-            (1, ["psu1", "--pcb", "1"], "psu1 (0x03:0) holds 256 bytes; a hardware block has exactly 32"),
+            (3, ["psu1", "--pcb", "1"], "psu1 (0x03:0) holds 256 bytes; a hardware block has exactly 32"),
         ]:
             with self.subTest(asArguments):
                 self.assertIn(strExpected, self.Bad(iCode, "hw", "set", *asArguments))
@@ -173,6 +173,7 @@ management card   board area of type 0x30, direct    BC1240800720
         stResult = self.Fructl("sn", "--json")
         self.assertEqual((stResult.iCode, stResult.strErr), (1, "fructl: 3 of 7 serial numbers could not be read\n"))
         stJson = stResult.Json()
+        self.assertEqual(stJson.pop("error")["message"], "3 of 7 serial numbers could not be read")
         self.assertEqual({strKey: stValue["status"] for strKey, stValue in stJson.items()},
                          {"chassis": 0, "product": 0, "mainBoard": 0, "bmcCard": 0, "productDirect": 0x29000001, "mainBoardDirect": 0x29000001,
                           "bmcCardDirect": 0x29000001})
@@ -207,14 +208,16 @@ class SerialNumberFile(HardwareTest):
 
     def test_no_file(self):
         stResult = self.Fructl("psn")
-        self.assertEqual((stResult.iCode, stResult.strOut), (1, """\
+        self.assertEqual((stResult.iCode, stResult.strOut), (4, """\
 PRODUCT SERIAL NUMBER IN                 VALUE
 /mnt/sdmmc0p4/board/ProductSerialNumber  (0x81000017 (there is no serial-number file))
 /var/network/ProductSerialNumber         (missing)
 product area of 0x00:0                   LH22024170042
 """))
         self.AssertOneLine(stResult.strErr)
-        self.assertEqual(self.Fructl("psn", "--json").Json(), {"file": None, "copy": None, "image": "LH22024170042", "status": 0x81000017, "copyIsSame": False,
+        dictJson = self.Fructl("psn", "--json").Json()
+        self.assertEqual(dictJson.pop("error")["code"], "not-found")
+        self.assertEqual(dictJson, {"file": None, "copy": None, "image": "LH22024170042", "status": 0x81000017, "copyIsSame": False,
                                                                "imageIsSame": False})
 
     def test_all_three_agree_after_a_write(self):
@@ -237,7 +240,7 @@ product area of 0x00:0                   LH22024170042
         self.assertEqual(strOut.count("(cleared: 80 zero bytes)\n"), 2)
         self.assertIn("product area of 0x00:0                   (0x29000001 ", strOut)
         self.Put(self.FILE, b"")
-        self.assertIn("0x81000024 (the serial-number file is empty)", self.Bad(1, "psn"))
+        self.assertIn("0x81000024 (the serial-number file is empty)", self.Bad(4, "psn"))
 
     def test_every_length_is_told_right(self):
         for abText in (b"A", b"x" * 255, b"A\x00", b"\x00A"):

@@ -45,7 +45,7 @@ class List(LabelTest):
                 self.assertEqual([stLabel["id"] for stLabel in self.Json("label", "list", "dev")["labels"]], listIDs)
             if iFlag == 0:
                 self.assertEqual(self.Good("label", "list", "dev").strOut, "dev (0x20:0) takes no labels: its field flag is 0\n")
-                self.assertEqual(self.Bad(1, "label", "set", "dev", "Board Serial Number", "AB"),
+                self.assertEqual(self.Bad(3, "label", "set", "dev", "Board Serial Number", "AB"),
                                  "dev (0x20:0) does not take the label 'Board Serial Number' (its field flag is 0); accepted: none")
             self.pathRoot.rename(self.pathTemp / f"root-{iFlag}")
 
@@ -61,8 +61,8 @@ class List(LabelTest):
         self.pathRoot.rename(self.pathTemp / "old")
         self.ProvisionImage(b"\x02" * 64)
         stResult = self.Fructl("label", "list", "dev")
-        self.assertEqual((stResult.iCode, stResult.strOut.count("\n")), (1, 31))
-        self.assertIn("cannot decode dev (0x20:0): 0x29000001", stResult.strErr)
+        self.assertEqual((stResult.iCode, stResult.strOut.count("\n")), (6, 31))
+        self.assertIn("cannot decode dev (0x20:0): 0x29000002 (the common header is invalid); byte 0x0000 ", stResult.strErr)
 
 
 class Get(LabelTest):
@@ -85,7 +85,7 @@ class Get(LabelTest):
             (["baseboard", "\x1b[m"], "there is no label '\\x1b[m'"),
         ]:
             with self.subTest(asArguments):
-                self.assertTrue(self.Bad(1, "label", "get", *asArguments).startswith(strLine))
+                self.assertTrue(self.Bad(3, "label", "get", *asArguments).startswith(strLine))
 
     def test_usage(self):
         self.Provision()

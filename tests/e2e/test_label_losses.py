@@ -11,7 +11,7 @@ class Losses(LabelTest):
 
     def AssertRefusedUnlessForced(self, strLoss):
         abBefore = self.Eeprom(DEV_EEPROM).read_bytes()
-        strLine = self.Bad(1, "label", "set", "dev", "Board Serial Number", "NEW-1")
+        strLine = self.Bad(3, "label", "set", "dev", "Board Serial Number", "NEW-1")
         self.assertIn(f"refused, for the library writes the whole image of dev (0x20:0) anew and would lose: {strLoss}", strLine)
         self.assertEqual(self.Eeprom(DEV_EEPROM).read_bytes(), abBefore)
         self.assertIn(f"  lost: {strLoss}", self.Good("label", "set", "dev", "Board Serial Number", "NEW-1", "--dry-run").strOut)
@@ -29,7 +29,7 @@ class Losses(LabelTest):
 
     def test_binary_data_that_is_too_long_as_text(self):
         self.ProvisionImage(Image({3: bytes(4) + b"\x20" + bytes(32) + Texts("", "", "", "")}))
-        self.assertEqual(self.Bad(1, "label", "set", "dev", "Board Serial Number", "AB", "--force"),
+        self.assertEqual(self.Bad(3, "label", "set", "dev", "Board Serial Number", "AB", "--force"),
                          "dev (0x20:0): no image can be made with the new 'Board Serial Number': the manufacturer of its board info area would be stored as "
                          "64 characters, and a length byte counts only to 63")
 
@@ -41,7 +41,7 @@ class Losses(LabelTest):
         self.Provision()
         abOther = HexImage(EXAMPLES / "psu2.hex").ljust(256, b"\xff")
         self.Eeprom(PSU_EEPROM).write_bytes(abOther)
-        strLine = self.Bad(1, "label", "set", "psu1", "Product Asset Tag", "RACK7")
+        strLine = self.Bad(3, "label", "set", "psu1", "Product Asset Tag", "RACK7")
         self.assertIn("would lose: the EEPROM's own image from byte 0x0034 on, where the cached one, from which the new one is made, differs", strLine)
         self.assertEqual(self.Eeprom(PSU_EEPROM).read_bytes(), abOther)
 

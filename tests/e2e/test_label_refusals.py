@@ -44,21 +44,21 @@ class Refusals(LabelTest):
         for strName, strValue, strWhy in VALUE_REFUSALS:
             with self.subTest(strName, value=strValue):
                 strShown = strValue.replace("\t", "\\x09").replace("\u00fc", "\\xc3\\xbc")
-                self.assertTrue(self.Bad(1, "label", "set", "psu1" if "Product A" in strName else "baseboard", strName, strValue)
+                self.assertTrue(self.Bad(3, "label", "set", "psu1" if "Product A" in strName else "baseboard", strName, strValue)
                                 .startswith(f"'{strShown}' is refused for '{strName}': {strWhy}"))
         self.AssertUntouched(dictTree)
 
     def test_a_name_is_refused_with_those_that_the_device_takes(self):
         self.Provision()
         for asArguments, iCode, strLine in [
-            (["psu1", "Chassis Type", "Blade"], 1, "psu1 (0x03:0) does not take the label 'Chassis Type' (its field flag is 6); accepted: Language Code, Mfg.Date, "),
-            (["baseboard", "Hardware FRU Label", "abc"], 1, "baseboard (0x00:0) does not take the label 'Hardware FRU Label' (its field flag is 7); accepted: Chassis Type"),
-            (["psu1", "Hardware FRU Label", "abc"], 1, "the label 'Hardware FRU Label' is kept in the hardware FRU block and not in the FRU image, where 'label' would store nothing"),
-            (["psu1", "Product Serial Numbr=AB"], 1, "there is no label 'Product Serial Numbr'; did you mean 'Product Serial Number'"),
+            (["psu1", "Chassis Type", "Blade"], 3, "psu1 (0x03:0) does not take the label 'Chassis Type' (its field flag is 6); accepted: Language Code, Mfg.Date, "),
+            (["baseboard", "Hardware FRU Label", "abc"], 3, "baseboard (0x00:0) does not take the label 'Hardware FRU Label' (its field flag is 7); accepted: Chassis Type"),
+            (["psu1", "Hardware FRU Label", "abc"], 3, "the label 'Hardware FRU Label' is kept in the hardware FRU block and not in the FRU image, where 'label' would store nothing"),
+            (["psu1", "Product Serial Numbr=AB"], 3, "there is no label 'Product Serial Numbr'; did you mean 'Product Serial Number'"),
             (["psu1", "Product Version=A1", "Board Serial Number=AB", "Product Version=A1"], 2, "'Product Version' is given twice; accepted: each label once"),
-            (["psu1", "Product Node Type", "AB"], 1, "psu1 (0x03:0) has no place for 'Product Node Type', which is custom field 1 of the product info area: "
+            (["psu1", "Product Node Type", "AB"], 3, "psu1 (0x03:0) has no place for 'Product Node Type', which is custom field 1 of the product info area: "
                                                      "its image has no custom fields there; nothing was written"),
-            (["nothing", "Product Version", "AB"], 1, f"the controller in {self.pathRoot} has no device named 'nothing'"),
+            (["nothing", "Product Version", "AB"], 4, f"the controller in {self.pathRoot} has no device named 'nothing'"),
         ]:
             with self.subTest(asArguments):
                 self.assertTrue(self.Bad(iCode, "label", "set", *asArguments).startswith(strLine))
@@ -67,35 +67,35 @@ class Refusals(LabelTest):
     def test_one_bad_pair_keeps_all_from_being_written(self):
         self.Provision()
         dictTree = self.Tree()
-        self.assertIn("'x' is refused for 'Product Version'", self.Bad(1, "label", "set", "psu1", "Product Asset Tag=RACK7", "Product Version=x", "--dry-run"))
+        self.assertIn("'x' is refused for 'Product Version'", self.Bad(3, "label", "set", "psu1", "Product Asset Tag=RACK7", "Product Version=x", "--dry-run"))
         self.AssertUntouched(dictTree)
         abBefore = self.Eeprom(PSU_EEPROM).read_bytes()
-        self.Bad(1, "label", "set", "psu1", "Product Asset Tag=RACK7", "Product Version=x")
-        self.Bad(1, "label", "set", "psu1", "Product Asset Tag=RACK7", "Product Node PSU=AB")
+        self.Bad(3, "label", "set", "psu1", "Product Asset Tag=RACK7", "Product Version=x")
+        self.Bad(3, "label", "set", "psu1", "Product Asset Tag=RACK7", "Product Node PSU=AB")
         self.assertEqual((self.Eeprom(PSU_EEPROM).read_bytes(), self.OperationLog()), (abBefore, []))
 
     def test_a_chassis_label_needs_a_chassis_area(self):
         self.ProvisionImage(Image({3: bytes(4) + Texts("", "", "", "", "")}), fieldFlag=7)
         self.assertIn("dev (0x20:0) has no place for 'Chassis Serial Number', which is the serial number of the chassis info area: its image has no chassis info area",
-                      self.Bad(1, "label", "set", "dev", "Chassis Serial Number", "AB"))
+                      self.Bad(3, "label", "set", "dev", "Chassis Serial Number", "AB"))
 
     def test_an_image_that_would_not_fit_or_not_be_readable_is_refused(self):
         abImage = Image({3: bytes(4) + Texts("maker", "name", "serial", "part", "file"), 4: b"\x00" + Texts("", "", "", "", "", "", "")})
         self.ProvisionImage(abImage, size=len(abImage) + 8)
-        self.assertEqual(self.Bad(1, "label", "set", "dev", "Board Serial Number", "x" * 40),
+        self.assertEqual(self.Bad(3, "label", "set", "dev", "Board Serial Number", "x" * 40),
                          "dev (0x20:0): no image can be made with the new 'Board Serial Number': it would take 96 bytes, and the FRU has 72")
         # An area that would end with the FRU's last byte is written by the library, but no more read.
-        self.assertEqual(self.Bad(1, "label", "set", "dev", "Product Version", "12345"),
+        self.assertEqual(self.Bad(3, "label", "set", "dev", "Product Version", "12345"),
                          "dev (0x20:0): with the new 'Product Version' the image would not be readable any more: 0x29000001 (the image could not be read or an area "
                          "not decoded) (the library says: Error ProductInfoAreaSize(0x3*8 + 0x6*8) >= FRU_Size(0x48)); an area must end before the FRU does")
         self.assertEqual((self.Eeprom(DEV_EEPROM).read_bytes()[:len(abImage)], self.OperationLog()), (abImage, []))
 
     def test_a_damaged_image_is_not_written_over(self):
         self.ProvisionImage(Image({3: bytes(4) + Texts("", "", "", "", ""), 5: b"\x03\x82\x02\x00\x00ab"}), fieldFlag=7)
-        self.assertIn("its MultiRecords are damaged and could not be kept", self.Bad(1, "label", "set", "dev", "Board Serial Number", "AB"))
+        self.assertIn("its MultiRecords are damaged and could not be kept", self.Bad(6, "label", "set", "dev", "Board Serial Number", "AB"))
         self.pathRoot.rename(self.pathTemp / "first")
         self.ProvisionImage(b"\x02" + bytes(63))
-        self.assertIn("cannot decode dev (0x20:0): 0x29000001", self.Bad(1, "label", "set", "dev", "Board Serial Number", "AB"))
+        self.assertIn("cannot decode dev (0x20:0): 0x29000001", self.Bad(6, "label", "set", "dev", "Board Serial Number", "AB"))
 
 
 if __name__ == "__main__":

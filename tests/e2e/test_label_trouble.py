@@ -12,7 +12,7 @@ class Trouble(LabelTest):
         pathEeprom = self.Eeprom(PSU_EEPROM)
         abBefore = pathEeprom.read_bytes()
         pathEeprom.chmod(0o444)
-        strLine = self.Bad(1, "label", "set", "psu1", "Product Asset Tag=RACK7", "Product Version=A2")
+        strLine = self.Bad(5, "label", "set", "psu1", "Product Asset Tag=RACK7", "Product Version=A2")
         self.assertRegex(strLine, r"^'Product Asset Tag' of psu1 \(0x03:0\) could not be written: the EEPROM holds other bytes than were to be written, from byte 0x[0-9a-f]{4} on "
                                   r"\(0x.., not 0x..\) \(the library says: .*\); what was there before is put back$")
         self.assertEqual(pathEeprom.read_bytes(), abBefore)
@@ -23,7 +23,7 @@ class Trouble(LabelTest):
     def test_an_eeprom_that_is_gone(self):
         self.Provision()
         self.Eeprom(PSU_EEPROM).unlink()
-        self.assertIn("the EEPROM of psu1 (0x03:0) does not answer", self.Bad(1, "label", "set", "psu1", "Product Asset Tag", "RACK7"))
+        self.assertIn("the EEPROM of psu1 (0x03:0) does not answer", self.Bad(5, "label", "set", "psu1", "Product Asset Tag", "RACK7"))
         self.assertEqual(self.OperationLog(), [])
 
     def test_a_serial_number_file_that_cannot_be_written(self):
@@ -59,7 +59,7 @@ class Trouble(LabelTest):
         self.Good("label", "set", "dev", "Board Serial Number", "NEW-1")
         self.assertEqual(self.Good("label", "get", "dev", "Board Serial Number").strOut, "NEW-1\n")
         self.Eeprom(DEV_EEPROM).unlink()
-        self.assertRegex(self.Bad(1, "label", "set", "dev", "Board Serial Number", "NEW-2"),
+        self.assertRegex(self.Bad(5, "label", "set", "dev", "Board Serial Number", "NEW-2"),
                          r"^'Board Serial Number' of dev \(0x20:0\) could not be written: the cache holds other bytes than were to be written, from byte 0x.* "
                          r"\(the library says: EEPROM bus5-addr0xa6: No such file")
         self.assertEqual(self.Good("label", "get", "dev", "Board Serial Number").strOut, "NEW-1\n")

@@ -26,9 +26,9 @@ class Writers(LabelTest):
             fStart = time.monotonic()
             stProcess = subprocess.Popen([*COMMAND, "--root", str(self.pathRoot), "--wait", "2", "label", "set", "psu1", "Product Version", "A3"], stdout=subprocess.DEVNULL,
                                          stderr=subprocess.DEVNULL)
-            self.assertEqual(self.Bad(1, "--wait", "2", "label", "set", "psu1", "Product Version", "A5"),
+            self.assertEqual(self.Bad(7, "--wait", "2", "label", "set", "psu1", "Product Version", "A5"),
                              f"another command is writing to {self.pathRoot}: pid 4711, fructl label set baseboard; try again when it is done")
-            self.assertEqual(stProcess.wait(), 1)
+            self.assertEqual(stProcess.wait(), 7)
             self.assertGreaterEqual(time.monotonic() - fStart, 2.0)
         self.assertEqual(self.Json("show", "psu1")["product"]["version"], "A2")
 

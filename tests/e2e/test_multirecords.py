@@ -30,7 +30,7 @@ class List(MultiRecordTest):
 
     def test_a_damaged_area_is_told(self):
         self.assertIn(" is damaged: no record of it can be read; 'fructl mr check'",
-                      self.Bad(1, "mr", "list", self.Write("bad.bin", self.Image(b"\x03\x02\x01\x00\x00A"))))
+                      self.Bad(6, "mr", "list", self.Write("bad.bin", self.Image(b"\x03\x02\x01\x00\x00A"))))
 
 
 class Check(MultiRecordTest):
@@ -45,7 +45,7 @@ class Check(MultiRecordTest):
     def test_an_eeprom_damaged_under_a_good_cache(self):
         self.Damage(self.Eeprom(BASEBOARD_EEPROM), AREA + 8, b"\x00")
         stResult = self.Fructl("mr", "check")
-        self.assertEqual((stResult.iCode, stResult.strOut), (1, f"""\
+        self.assertEqual((stResult.iCode, stResult.strOut), (6, f"""\
 good   {MAIN}, decoded record: 2 records
 WRONG  {MAIN}, bytes of the EEPROM: the library refuses it (the library says: FRU MultiRecord[EEPROM] record_data sum check err[0]: 0x53 to 0xbc)
 """))

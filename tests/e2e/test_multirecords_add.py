@@ -56,7 +56,7 @@ nothing was written; without --dry-run: 2 device writes
 
     def test_an_eeprom_that_takes_nothing_is_no_success(self):
         self.Eeprom(BASEBOARD_EEPROM).chmod(0o444)
-        strError = self.Bad(1, "mr", "add", "system-name=b")
+        strError = self.Bad(5, "mr", "add", "system-name=b")
         self.assertTrue(strError.startswith(f"the library reports success, but {MAIN} does not hold the new records (the library says: "), strError)
         self.assertIn("write-protected", strError)
         self.assertEqual(self.Listed()[0][1], "hain-r07-u12")
@@ -87,12 +87,12 @@ nothing was written; without --dry-run: 2 device writes
         self.Good("mr", "add", *asRecords, "--dry-run")
         self.ProvisionBaseboard(HexImage(EXAMPLES / "baseboard.hex"), size=1024)
         abBefore = self.Chip()
-        self.assertRegex(self.Bad(1, "mr", "add", *asRecords), r"no image can be made with the new .*: it would take \d+ bytes, and the FRU has 1024")
+        self.assertRegex(self.Bad(3, "mr", "add", *asRecords), r"no image can be made with the new .*: it would take \d+ bytes, and the FRU has 1024")
         self.assertEqual(self.Chip(), abBefore)
 
     def test_a_full_table_has_no_place_for_more(self):
         self.ProvisionBaseboard(self.Image(Records([(0xC0, b"\x01")] * 63 + [(3, b"\x02n")])))
-        self.assertEqual(self.Bad(1, "mr", "add", "system-url=u"),
+        self.assertEqual(self.Bad(3, "mr", "add", "system-url=u"),
                          f"{MAIN} holds 64 MultiRecords already, and none is a System URL; there is no place for more")
         self.Good("mr", "add", "system-name=other")
         self.assertEqual(self.Listed()[63], ("Management Access, System Name", "other"))
@@ -102,13 +102,13 @@ nothing was written; without --dry-run: 2 device writes
         abBad[AREA + 4] ^= 0xFF
         self.ProvisionBaseboard(bytes(abBad))
         abBefore = self.Chip()
-        self.assertIn(" is damaged: no record of it can be read, and adding one would drop them all", self.Bad(1, "--wait", "1", "mr", "add", "system-url=u"))
+        self.assertIn(" is damaged: no record of it can be read, and adding one would drop them all", self.Bad(6, "--wait", "1", "mr", "add", "system-url=u"))
         # Readable, but of a format version that the merge refuses.
         abHeader = b"\xc0\x81\x01\xff"
         self.ProvisionBaseboard(self.Image(abHeader + ZeroSum(abHeader) + b"\x01"))
         abBefore = self.Chip()
         self.assertIn("are not in order, so none can be added (the library says: FRU MultiRecord[Memory] invalid FormatVersion[0]: 0x81)",
-                      self.Bad(1, "--wait", "1", "mr", "add", "system-url=u"))
+                      self.Bad(6, "--wait", "1", "mr", "add", "system-url=u"))
         self.assertEqual(self.Chip(), abBefore)
 
     def test_a_cached_image_that_hides_another_is_not_written_over_it(self):
@@ -116,7 +116,7 @@ nothing was written; without --dry-run: 2 device writes
         self.Damage(self.Eeprom(BASEBOARD_EEPROM), AREA + 8, b"\x00")
         abBefore = self.Chip()
         self.assertIn("refused, for the library writes the whole image of baseboard (0x00:0) anew and would lose: the EEPROM's own image from byte 0x0128 on",
-                      self.Bad(1, "--wait", "1", "mr", "add", "system-url=u"))
+                      self.Bad(3, "--wait", "1", "mr", "add", "system-url=u"))
         self.assertEqual(self.Chip(), abBefore)
         self.Good("mr", "add", "system-url=u", "--force")
         self.Good("verify", "baseboard")
@@ -125,8 +125,8 @@ nothing was written; without --dry-run: 2 device writes
         (self.pathRoot / "var/lock").mkdir(parents=True, exist_ok=True)
         with open(self.pathRoot / "var/lock/fructl.lock", "w", encoding="ascii") as stLock:
             fcntl.flock(stLock, fcntl.LOCK_EX)
-            self.assertIn("another command is reading or writing", self.Bad(1, "--wait", "1", "mr", "add", "system-url=u"))
-            self.assertIn("another command is reading or writing", self.Bad(1, "--wait", "1", "mr", "add", "system-url=u", "--dry-run"))
+            self.assertIn("another command is reading or writing", self.Bad(7, "--wait", "1", "mr", "add", "system-url=u"))
+            self.assertIn("another command is reading or writing", self.Bad(7, "--wait", "1", "mr", "add", "system-url=u", "--dry-run"))
 
 
 if __name__ == "__main__":

@@ -82,7 +82,7 @@ Done: 1 key replaced
 
     def test_without_a_readable_fru(self):
         self.Good("clear", "baseboard", "--yes")
-        self.assertIn("cannot decode baseboard (0x00:0)", self.Bad(1, "oem", "sync"))
+        self.assertIn("cannot decode baseboard (0x00:0)", self.Bad(6, "oem", "sync"))
 
     def test_a_value_that_the_file_cannot_hold_is_no_success(self):
         self.Oem("productassettag = old")
@@ -91,7 +91,7 @@ Done: 1 key replaced
 
     def test_without_a_file(self):
         (self.pathRoot / OEM_FILE).unlink()
-        self.assertIn("there is no OEM file to update (the library says: Unable to get oem conf file", self.Bad(1, "oem", "sync"))
+        self.assertIn("there is no OEM file to update (the library says: Unable to get oem conf file", self.Bad(4, "oem", "sync"))
         self.assertFalse((self.pathRoot / OEM_FILE).exists())
 
 

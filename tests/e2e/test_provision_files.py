@@ -29,7 +29,7 @@ class Files(Described):
                     (pathDescription / "changed").write_bytes(abContents)
                     dictDescription["conf"][strMember] = "changed"
                 pathFile = self.Describe(Change)
-                strError = self.Bad(1, "provision", pathFile)
+                strError = self.Bad(3, "provision", pathFile)
                 self.assertTrue(strError.startswith(f"{pathFile}: conf.{strMember}: "), strError)
                 self.assertIn(strExpected, strError)
                 self.assertFalse(self.pathRoot.exists())

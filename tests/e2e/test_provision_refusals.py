@@ -117,7 +117,7 @@ class Refusals(FructlTest):
         for listPath, value, strPath, strWhy in MUTATIONS:
             with self.subTest(path=strPath, value=value):
                 pathFile = self.Describe(Mutated(listPath, value))
-                strLine = self.Bad(1, "provision", pathFile)
+                strLine = self.Bad(3, "provision", pathFile)
                 self.assertTrue(strLine.startswith(f"{pathFile}: {strPath}: "), strLine)
                 self.assertIn(strWhy, strLine)
         self.assertFalse(self.pathRoot.exists(), "something was written")
@@ -128,9 +128,9 @@ class Refusals(FructlTest):
                                 ('{"devices": [], "devices": []}', 'the member "devices" stands twice in one object; accepted: each member once')]:
             with self.subTest(strText):
                 pathFile = self.Write("wrong.json", strText.encode())
-                strLine = self.Bad(1, "provision", pathFile)
+                strLine = self.Bad(3, "provision", pathFile)
                 self.assertTrue(strLine.startswith(f"{pathFile}: {strWhy}"), strLine)
-        self.assertIn("No such file or directory", self.Bad(1, "provision", self.pathTemp / "none.json"))
+        self.assertIn("No such file or directory", self.Bad(4, "provision", self.pathTemp / "none.json"))
 
 
 if __name__ == "__main__":

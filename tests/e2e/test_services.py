@@ -57,7 +57,7 @@ class Clear(ServicesTest):
 
     def test_a_device_that_does_not_answer_is_left_alone_and_logged(self):
         self.Eeprom("bus2-addr0xa4-switch1.bin").unlink()
-        self.assertRegex(self.Bad(1, "clear", "psu1", "--yes"), r"psu1 \(0x03:0\) could not be erased: 0x29000004.*EEPROM bus2-addr0xa4-switch1: No such file")
+        self.assertRegex(self.Bad(5, "clear", "psu1", "--yes"), r"psu1 \(0x03:0\) could not be erased: 0x29000004.*EEPROM bus2-addr0xa4-switch1: No such file")
         self.assertEqual([(s["result"], s["text"]) for s in self.Lines(OPERATE_LOG)], [(67, "Failed to clear psu1 FRU.")])
         self.assertEqual(self.Lines(EVENTS), [])
 
@@ -109,7 +109,7 @@ class SmallServices(ServicesTest):
         abBlock = bytes(i % 251 for i in range(1334))
         self.Good("features", "--update", self.Write("block.bin", abBlock))
         self.assertEqual((self.pathRoot / "var/lib/fru/feature-update.bin").read_bytes(), abBlock)
-        self.assertIn("exactly 1334", self.Bad(1, "features", "--update", self.Write("short.bin", abBlock[:-1])))
+        self.assertIn("exactly 1334", self.Bad(3, "features", "--update", self.Write("short.bin", abBlock[:-1])))
 
     def test_monitor_shows_past_and_new_events(self):
         self.Good("clear", "psu1", "--yes")

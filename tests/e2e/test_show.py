@@ -71,7 +71,7 @@ class Examples(FructlTest):
                 self.assertEqual(stFile.pop("file"), str(EXAMPLES / f"{strName}.hex"))
                 self.assertEqual(stFile, dictExpected)
                 stDevice = self.Json("show", strName)
-                self.assertEqual(stDevice.pop("device")["name"], strName)
+                self.assertEqual((stDevice.pop("device")["name"], stDevice.pop("source"), stDevice.pop("sourcesDiffer")), (strName, "EEPROM", False))
                 self.assertEqual(stDevice, dictExpected)
 
     def test_every_text_in_an_examples_comments_is_what_its_bytes_say(self):
@@ -177,18 +177,18 @@ class Show(FructlTest):
 
     def test_an_image_that_cannot_be_decoded_says_where_it_is_wrong(self):
         self.Provision()
-        self.assertEqual(self.Bad(1, "show", self.Write("wrong.bin", Image(b"\xc0" * 5, b"", b"\x02" + bytes(7)))),
+        self.assertEqual(self.Bad(6, "show", self.Write("wrong.bin", Image(b"\xc0" * 5, b"", b"\x02" + bytes(7)))),
                          f"cannot decode {self.pathTemp}/wrong.bin: 0x29000002 (the common header is invalid); "
                          "byte 0x0000  common header: format version: 0x02; only version 1 is known; 'fructl verify' tells all")
-        for strName, abBytes, strWhy in [("empty.bin", b"", "the image file {} is empty"), ("short.bin", b"\x01\x00", "cannot decode {}: 0x29000002"),
-                                         ("huge.bin", bytes(1024 * 1024 + 1), "cannot read {}: larger than 1 MiB, which no FRU image is")]:
+        for iCode, strName, abBytes, strWhy in [(6, "empty.bin", b"", "the image file {} is empty"), (6, "short.bin", b"\x01\x00", "cannot decode {}: 0x29000002"),
+                                                (3, "huge.bin", bytes(1024 * 1024 + 1), "cannot read {}: larger than 1 MiB, which no FRU image is")]:
             pathFile = self.Write(strName, abBytes)
-            self.assertIn(strWhy.format(pathFile), self.Bad(1, "show", pathFile))
+            self.assertIn(strWhy.format(pathFile), self.Bad(iCode, "show", pathFile))
 
-    def test_a_file_stands_in_front_of_a_device_of_the_same_name(self):
+    def test_a_device_stands_in_front_of_a_file_of_the_same_name(self):
         self.Provision()
         (self.pathTemp / "psu1").write_bytes(Image(b"\xc3own" + b"\xc0" * 4))
-        for strTarget, strExpected in [("psu1", "own"), ("./psu1", "own"), ("3:0", "Lindenhain Power")]:
+        for strTarget, strExpected in [("psu1", "Lindenhain Power"), ("./psu1", "own"), ("3:0", "Lindenhain Power")]:
             stResult = Run("--root", self.pathRoot, "--json", "show", strTarget, strCwd=self.pathTemp)
             self.assertEqual(stResult.Json()["board"]["manufacturer"], strExpected)
 
@@ -246,9 +246,9 @@ class ReadableHex(FructlTest):
                                 ("01 \x1b[m", "1: '\\x1b[m' is not a byte")]:
             with self.subTest(strText):
                 pathFile = self.Hex(strText)
-                self.assertIn(f"{pathFile}:{strWhy}", self.Bad(1, "show", pathFile))
+                self.assertIn(f"{pathFile}:{strWhy}", self.Bad(3, "show", pathFile))
         pathFile = self.Hex("# only this\n")
-        self.assertEqual(self.Bad(1, "show", pathFile), f"the image file {pathFile} is empty")
+        self.assertEqual(self.Bad(6, "show", pathFile), f"the image file {pathFile} is empty")
 
 
 if __name__ == "__main__":

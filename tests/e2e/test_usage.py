@@ -46,7 +46,7 @@ class Usage(FructlTest):
             (["list", "--bogus"], "--bogus; 'fructl list --help' tells more"),
             (["list", "one"], "one; 'fructl list --help' tells more"),
             (["provision"], "FILE is required; 'fructl provision --help' tells more"),
-            (["show"], "no device is named; accepted: TYPE:INSTANCE such as 0x30:0, a device's name, or an image file, or --id N"),
+            (["show"], "no device is named; accepted: TYPE:INSTANCE such as 0x30:0, a device's name, or an image file's path with a slash, or --id N"),
             (["show", "a", "b"], "b; 'fructl show --help' tells more"),
             (["show", "a", "--id", "1"], "a device is named twice, by --id and without; give one of them"),
             (["show", "--id", "256"], "--id 256 is not a FRU device ID; accepted: 0 to 255, decimal or 0x"),
@@ -69,9 +69,9 @@ class Usage(FructlTest):
             (["recover", "\x1b[31mred"], "no device named '\\x1b[31mred'"),
         ]:
             with self.subTest(asArguments):
-                self.assertEqual(self.Bad(1, *asArguments), f"the controller in {self.pathRoot} has {strWhat}{strAll}")
-        self.assertEqual(self.Bad(1, "show", "no/such.bin"),
-                         "there is no image file no/such.bin; accepted: TYPE:INSTANCE such as 0x30:0, a device's name, or an image file")
+                self.assertEqual(self.Bad(4, *asArguments), f"the controller in {self.pathRoot} has {strWhat}{strAll}")
+        self.assertEqual(self.Bad(4, "show", "no/such.bin"),
+                         "there is no image file no/such.bin; accepted: TYPE:INSTANCE such as 0x30:0, a device's name, or an image file's path with a slash")
 
     def test_a_device_is_found_by_component_name_and_id(self):
         self.Provision()
@@ -80,7 +80,7 @@ class Usage(FructlTest):
 
     def test_without_a_controller_the_way_to_one_is_told_and_nothing_is_made(self):
         for asArguments in [["list"], ["verify"], ["show", "baseboard"], ["recover", "0:0"], ["raw", "info", "--id", "0"]]:
-            self.assertEqual(self.Bad(1, *asArguments),
+            self.assertEqual(self.Bad(4, *asArguments),
                              f"there is no controller in {self.pathRoot}; 'fructl provision FILE' makes one, --root or $FRUCTL_ROOT names another")
         self.assertFalse(self.pathRoot.exists())
 
@@ -107,7 +107,7 @@ class Usage(FructlTest):
     def test_output_that_cannot_be_written_is_a_failure(self):
         with open("/dev/full", "wb") as stFull:
             stResult = subprocess.run([*COMMAND, "show", str(EXAMPLES / "riser.hex")], stdout=stFull, stderr=subprocess.PIPE, text=True)
-        self.assertEqual((stResult.returncode, stResult.stderr), (1, "fructl: standard output could not be written\n"))
+        self.assertEqual((stResult.returncode, stResult.stderr), (9, "fructl: standard output could not be written: No space left on device\n"))
 
 
 class Colour(FructlTest):
@@ -145,11 +145,11 @@ class Lock(FructlTest):
             stLock.write("pid 4711, fructl label set\n")
             stLock.flush()
             fStart = time.monotonic()
-            strLine = self.Bad(1, "--wait", "2", "recover", "baseboard")
+            strLine = self.Bad(7, "--wait", "2", "recover", "baseboard")
             self.assertGreaterEqual(time.monotonic() - fStart, 2.0)
             self.assertEqual(strLine, f"another command is writing to {self.pathRoot}: pid 4711, fructl label set; try again when it is done")
             # Readers wait too: they see no image half written.
-            self.assertEqual(self.Bad(1, "--wait", "0", "list"), strLine)
+            self.assertEqual(self.Bad(7, "--wait", "0", "list"), strLine)
         self.Good("recover", "baseboard")
 
     def test_the_lock_file_names_its_holder(self):

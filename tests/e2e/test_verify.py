@@ -199,33 +199,33 @@ class Recover(FructlTest):
         abDamaged = self.pathEeprom.read_bytes()
         self.pathStored.unlink()
         strStatus = "; 0x29000001 (the image could not be read or an area not decoded)"
-        self.assertEqual(self.Bad(1, "recover", "baseboard"),
+        self.assertEqual(self.Bad(6, "recover", "baseboard"),
                          "baseboard (0x00:0) could not be restored: its stored image /usr/upgrade/fru/BaseBoard.bin is missing "
                          f"(looked for as {self.pathStored}){strStatus}")
         self.pathStored.write_bytes(b"")
-        self.assertEqual(self.Bad(1, "recover", "baseboard"),
+        self.assertEqual(self.Bad(6, "recover", "baseboard"),
                          f"baseboard (0x00:0) could not be restored: its stored image /usr/upgrade/fru/BaseBoard.bin is empty{strStatus}")
         self.assertEqual(self.pathEeprom.read_bytes(), abDamaged)
         self.pathStored.write_bytes(b"\x00" * 2048)
-        self.assertIn("its stored image /usr/upgrade/fru/BaseBoard.bin did not help (the library says: ", self.Bad(1, "recover", "baseboard"))
+        self.assertIn("its stored image /usr/upgrade/fru/BaseBoard.bin did not help (the library says: ", self.Bad(6, "recover", "baseboard"))
         self.Damage(self.Eeprom("bus2-addr0xa4-switch1.bin"), 0, b"\x00")
-        self.assertEqual(self.Bad(1, "recover", "psu1"), f"psu1 (0x03:0) could not be restored: no stored image is named in its record{strStatus}")
+        self.assertEqual(self.Bad(6, "recover", "psu1"), f"psu1 (0x03:0) could not be restored: no stored image is named in its record{strStatus}")
 
     def test_a_write_protected_eeprom(self):
         self.Damage(self.pathEeprom, 0, b"\xde\xad")
         self.pathEeprom.chmod(0o444)
-        self.assertIn("write-protected", self.Bad(1, "recover", "baseboard"))
+        self.assertIn("write-protected", self.Bad(6, "recover", "baseboard"))
 
     def test_a_damaged_area_under_a_valid_header_is_not_restored(self):
         self.Damage(self.pathEeprom, 0x60, b"X")
         abDamaged = self.pathEeprom.read_bytes()
-        strLine = self.Bad(1, "recover", "baseboard")
+        strLine = self.Bad(6, "recover", "baseboard")
         self.assertIn("baseboard (0x00:0) is damaged but was not restored: the stored image is used only when the common header is invalid, "
                       "and this one is valid; byte 0x00af  board info area: checksum: ", strLine)
         self.assertEqual(self.pathEeprom.read_bytes(), abDamaged)
 
     def test_only_devices_are_recovered(self):
-        self.assertIn("no device named", self.Bad(1, "recover", str(EXAMPLES / "psu1.hex")))
+        self.assertIn("no device named", self.Bad(4, "recover", str(EXAMPLES / "psu1.hex")))
 
 
 class Raw(FructlTest):

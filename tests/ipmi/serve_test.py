@@ -38,7 +38,7 @@ class Refusals(ServeCase):
         with socket.socket(socket.AF_INET, socket.SOCK_DGRAM) as stSocket:
             stSocket.bind(('127.0.0.1', 0))
             iPort = stSocket.getsockname()[1]
-            self.Refused(1, 'UDP port %d of 127.0.0.1 is in use by another program; --port names another' % iPort,
+            self.Refused(7, 'UDP port %d of 127.0.0.1 is in use by another program; --port names another' % iPort,
                          '--port', str(iPort))
 
     def test_address(self):
@@ -57,17 +57,17 @@ class Refusals(ServeCase):
         for strUser in ('', 'x' * 16, 'two words', 'tab\t'):
             self.Refused(2, 'accepted: 1 to 15 printable ASCII characters', '--user', strUser)
         for strText in ('', '\nsecret', 'x' * 20, 'two words'):
-            self.Refused(1, 'accepted: 1 to 19 printable ASCII characters', '--password-file', self.PasswordFile(strText))
-        self.Refused(1, 'No such file', '--password-file', '/nowhere/at all')
+            self.Refused(3, 'accepted: 1 to 19 printable ASCII characters', '--password-file', self.PasswordFile(strText))
+        self.Refused(4, 'No such file', '--password-file', '/nowhere/at all')
 
     def test_no_controller(self):
         shutil.rmtree(self.stController.strRoot)
-        self.Refused(1, 'there is no controller in')
+        self.Refused(4, 'there is no controller in')
 
     def test_second_service_on_one_controller(self):
         bench.SERVICE(self, self.stController)
         stDone = bench.Run([bench.STR_FRUCTL, '--root', self.stController.strRoot, 'serve', '--port', str(bench.FreePort())])
-        self.assertEqual(stDone.returncode, 1)
+        self.assertEqual(stDone.returncode, 7)
         self.assertIn("another 'fructl serve' serves", stDone.stderr)
 
     def test_no_simulator(self):
@@ -158,7 +158,7 @@ class Life(ServeCase):
         for strDirectory, _, lstNames in os.walk(self.stController.strRoot):
             for strName in ['.', *lstNames]:
                 os.chown(os.path.join(strDirectory, strName), iUser, iUser)
-        self.Refused(1, '--foreign-root writes all the same')
+        self.Refused(8, '--foreign-root writes all the same')
         os.environ['SUDO_UID'] = str(iUser)
         self.addCleanup(os.environ.pop, 'SUDO_UID')
         stService = bench.SERVICE(self, self.stController)
@@ -193,9 +193,9 @@ class Life(ServeCase):
             if os.path.exists(strPath):
                 os.unlink(strPath)
             os.symlink(strVictim, strPath)
-        self.Refused(1, 'a symbolic link there is not followed')
+        self.Refused(8, 'a symbolic link there is not followed')
         stDone = bench.Run([bench.STR_FRUCTL, '--root', self.stController.strRoot, 'label', 'set', 'psu1', 'Product Version=B2'])
-        self.assertEqual(stDone.returncode, 1)
+        self.assertEqual(stDone.returncode, 8)
         self.assertIn('a symbolic link there is not followed', stDone.stderr)
         with open(strVictim, encoding='utf-8') as stFile:
             self.assertEqual(stFile.read(), 'kept')

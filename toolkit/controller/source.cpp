@@ -51,11 +51,20 @@ IMAGE_S ReadStored(const DEVICE_S &stDevice)
     return {Source::Stored, vecBytes, vecBytes.size()};
 }
 
-// Where to look when one source cannot be shown.
-std::string OtherSource(Source enSource)
+// Where to look when this source of a device cannot be shown; empty where the other one is no better.
+std::string OtherSource(const TARGET_S &stTarget, Source enSource)
 {
-    return enSource == Source::Cache ? "; --source eeprom shows what the EEPROM holds"
-                                     : "; --source cache shows the cached image";
+    if (!stTarget.optDevice.has_value() || stTarget.optDevice->IsDatabaseOnly()) {
+        return "";
+    }
+    const bool bCache = enSource != Source::Cache;
+    const std::optional<IMAGE_S> optOther =
+        FindSource(*stTarget.optDevice, bCache ? Source::Cache : Source::Eeprom);
+    if (!optOther.has_value() || !LayoutOf(*optOther, stTarget.HasFixedSlots()).IsSound()) {
+        return "";
+    }
+    return bCache ? "; --source cache shows the cached image"
+                  : "; --source eeprom shows what the EEPROM holds";
 }
 
 [[noreturn]] void FailDecoding(const TARGET_S &stTarget, const IMAGE_S &stImage, u32 uiRet,
@@ -140,10 +149,7 @@ IMAGE_S ReadShown(const TARGET_S &stTarget, std::optional<Source> optSource)
     try {
         return ReadChip(stDevice);
     } catch (const Error &stError) {
-        if (!FindSource(stDevice, Source::Cache).has_value()) {
-            throw;
-        }
-        Fail(stError.Class(), stError.what() + OtherSource(Source::Eeprom));
+        Fail(stError.Class(), stError.what() + OtherSource(stTarget, Source::Eeprom));
     }
 }
 
@@ -202,10 +208,6 @@ void DecodeShown(const TARGET_S &stTarget, const IMAGE_S &stImage, Record &stRec
     const u32 uiRet = DecodeImage(stImage, stTarget.HasFixedSlots(), stRecord);
     if (uiRet != FRU_OK) {
         const std::string strHint = DiagnosticHint();
-        const bool bOther = stTarget.optDevice.has_value() && !stTarget.optDevice->IsDatabaseOnly() &&
-                            FindSource(*stTarget.optDevice,
-                                       stImage.enSource == Source::Cache ? Source::Eeprom : Source::Cache)
-                                .has_value();
-        FailDecoding(stTarget, stImage, uiRet, strHint, bOther ? OtherSource(stImage.enSource) : "");
+        FailDecoding(stTarget, stImage, uiRet, strHint, OtherSource(stTarget, stImage.enSource));
     }
 }

@@ -314,7 +314,9 @@ void RequireAcceptedValue(const DEVICE_S &stDevice, const LABEL_S &stLabel, cons
     ClearDiagnostics();
     if (isLabelValueValid(stLabel.strName.c_str(), acValue.data(), static_cast<i32>(strValue.size()),
                           ucType) != 1U) {
-        FailRefused(strWhat + WhyRefused(stLabel, strValue, ucType, TakeDiagnostics()) + strAccepted);
+        FailRefused(strWhat + WhyRefused(stLabel, strValue, ucType, TakeDiagnostics()) + strAccepted,
+                    stLabel.enAccepts == Accepts::ChassisType ? ChassisTypeNames()
+                                                              : std::vector<std::string>());
     }
 }
 

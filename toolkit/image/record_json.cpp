@@ -286,9 +286,9 @@ Json RecordJson(const RECORD_VIEW_S &stView)
 
 void BuildRecord(const JsonNode &stDocument, Record &stRecord)
 {
-    // "device" and "file" tell where a shown record came from and are no part of it.
+    // "device", "file", "source" and "sourcesDiffer" tell where a shown record came from and are no part of it.
     stDocument.RequireObject({"device", "file", "internalUse", "chassis", "board", "product", "multiRecords",
-                              "multiRecordsDamaged"});
+                              "multiRecordsDamaged", "source", "sourcesDiffer"});
     for (const AREA_ROW_S &stRow : AreaRows()) {
         FillArea(stDocument, stRow, stRecord);
     }

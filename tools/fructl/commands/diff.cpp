@@ -187,7 +187,9 @@ void RunDiff(SESSION_S &stSession, const DIFF_S &stOptions)
         vecSides.push_back({"", "", strFile});
     }
     if (vecSides.size() != 2U) {
-        FailUsage(Format("%zu images are named; accepted: two, as A and B or by --file", vecSides.size()));
+        FailUsage("there must be two images, and " + Count(vecSides.size(), "image") +
+                  (vecSides.size() == 1U ? " is" : " are") +
+                  " named; accepted: A and B, each may be --file FILE");
     }
     const SIDE_S stLeft = Load(stSession, vecSides[0]);
     const SIDE_S stRight = Load(stSession, vecSides[1]);

@@ -363,19 +363,21 @@ void AddLabelCommand(CLI::App &stParent, SESSION_S &stSession)
                    "fructl label set baseboard \"Product Serial Number\" LH22024170042");
     pstLabel->require_subcommand(1);
     const auto pstList = std::make_shared<LABEL_OPTIONS_S>();
-    AddVerb(*pstLabel, "list",
-            "The labels that a device takes, their limits and values; without one, all labels",
-            "fructl label list\nfructl label list baseboard\nfructl label list --id 1 --json", {stDevice},
-            *pstList)
-        ->callback([&stSession, pstList] {
-            stSession.fnRun = [&stSession, pstList] { RunList(stSession, *pstList); };
-        });
+    CLI::App *pstListCommand = AddVerb(
+        *pstLabel, "list", "The labels that a device takes, their limits and values; without one, all labels",
+        "fructl label list\nfructl label list baseboard\nfructl label list --id 1 --json", {stDevice},
+        *pstList);
+    AddSourceOption(pstListCommand, pstList->stSource);
+    pstListCommand->callback(
+        [&stSession, pstList] { stSession.fnRun = [&stSession, pstList] { RunList(stSession, *pstList); }; });
     const auto pstGet = std::make_shared<LABEL_OPTIONS_S>();
-    AddVerb(*pstLabel, "get", "One label's value",
-            "fructl label get baseboard \"Board Serial Number\"\nfructl label get --id 1 Mfg.Date",
-            {stDevice, {"NAME", "the label's name, as 'fructl label list' tells it"}}, *pstGet)
-        ->callback(
-            [&stSession, pstGet] { stSession.fnRun = [&stSession, pstGet] { RunGet(stSession, *pstGet); }; });
+    CLI::App *pstGetCommand =
+        AddVerb(*pstLabel, "get", "One label's value",
+                "fructl label get baseboard \"Board Serial Number\"\nfructl label get --id 1 Mfg.Date",
+                {stDevice, {"NAME", "the label's name, as 'fructl label list' tells it"}}, *pstGet);
+    AddSourceOption(pstGetCommand, pstGet->stSource);
+    pstGetCommand->callback(
+        [&stSession, pstGet] { stSession.fnRun = [&stSession, pstGet] { RunGet(stSession, *pstGet); }; });
     const auto pstSet = std::make_shared<LABEL_OPTIONS_S>();
     CLI::App *pstSetCommand = AddVerb(
         *pstLabel, "set", "Write labels; all are checked before the first is written",
