@@ -71,13 +71,14 @@ class Output(EncodeTest):
 class Streams(EncodeTest):
     """-o never replaces what is no regular file."""
 
-    def Bytes(self, strOutput, *asMore):
-        return subprocess.run([*COMMAND, *asMore, "encode", str(self.Document({})), "-o", strOutput, "--force"], capture_output=True, check=True).stdout
+    def Bytes(self, strOutput):
+        return subprocess.run([*COMMAND, "encode", str(self.Document({})), "-o", strOutput, "--force"], capture_output=True, check=True).stdout
 
     def test_standard_output_gets_the_image_and_nothing_else(self):
         for strOutput in ("-", "/dev/stdout", "/dev/fd/1", "/proc/self/fd/1"):
             self.assertEqual(self.Bytes(strOutput), EMPTY_IMAGE)
-            self.assertEqual(self.Bytes(strOutput, "--json"), EMPTY_IMAGE)
+            self.assertEqual(Run("--json", "encode", self.Document({}), "-o", strOutput).Json()["error"]["message"],
+                             f"-o {strOutput} and --json both want standard output; accepted: one of them")
         self.assertTrue(os.path.islink("/dev/stdout"))
         pathImage = self.pathTemp / "redirected.bin"
         with open(pathImage, "wb") as stFile:

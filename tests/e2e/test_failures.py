@@ -3,8 +3,7 @@
 import fcntl
 import json
 import os
-import re
-import shutil
+import sqlite3
 import subprocess
 import unittest
 
@@ -15,6 +14,7 @@ CODES = {"failed": 1, "usage": 2, "refused": 3, "not-found": 4, "no-answer": 5, 
 PSU1 = {"id": 1, "name": "psu1", "componentType": 3, "instance": 0}
 PSU1_EEPROM = "bus2-addr0xa4-switch1.bin"
 DEEP = 100000
+TABLE_KEY = 0x108105ff  # the device table in the database
 
 
 class Codes(FructlTest):
@@ -78,6 +78,31 @@ class Codes(FructlTest):
         os.chown(self.pathRoot, 65534, 65534)
         dictError = self.Failure("label", "set", "psu1", "Product Version", "C3")
         self.assertEqual((dictError["code"], dictError["device"]), ("not-permitted", PSU1))
+
+    @unittest.skipIf(os.geteuid() != 0, "only root can act as two users")
+    def test_what_the_user_may_not_read(self):
+        for strFile in ("eeprom/" + PSU1_EEPROM, "var/lib/fru/fru.db"):
+            pathFile = self.pathRoot / strFile
+            self.pathTemp.chmod(0o755)
+            pathFile.chmod(0o600)
+            stResult = subprocess.run([*COMMAND, "--root", self.pathRoot, "--json", "show", "psu1"], capture_output=True, text=True, check=False,
+                                      user=65534, group=65534, extra_groups=[], env=Environment())
+            pathFile.chmod(0o644)
+            dictError = json.loads(stResult.stdout)["error"]
+            self.assertEqual((stResult.returncode, dictError["code"]), (8, "not-permitted"), stResult.stderr)
+            self.assertIn("Permission denied", dictError["message"])
+
+    def test_an_empty_device_table_is_told(self):
+        stDb = sqlite3.connect(self.pathRoot / "var/lib/fru/fru.db")
+        (strTable,) = stDb.execute("SELECT name FROM sqlite_master WHERE type = 'table'").fetchone()
+        strKey, strValue = [tupleRow[1] for tupleRow in stDb.execute(f"PRAGMA table_info({strTable})")][:2]
+        stDb.execute(f"UPDATE {strTable} SET {strValue} = zeroblob(length({strValue})) WHERE {strKey} = {TABLE_KEY}")
+        stDb.commit()
+        stDb.close()
+        self.assertEqual(self.Good("list").strOut, f"the controller in {self.pathRoot} has no devices\n")
+        self.assertEqual(self.Json("list"), {"devices": []})
+        dictError = self.Failure("verify")
+        self.assertEqual((dictError["code"], dictError["message"]), ("not-found", f"the controller in {self.pathRoot} has no devices; nothing was checked"))
 
     def test_a_full_disk(self):
         with open("/dev/full", "wb") as stFull:

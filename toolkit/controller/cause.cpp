@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "toolkit/controller/cause.h"
 
+#include <cerrno>
+#include <climits>
 #include <optional>
+#include <unistd.h>
 
 #include "bmcfru_host.h"
 #include "toolkit/base/text.h"
@@ -38,6 +41,18 @@ void FailLibrary(ErrorClass enElse, const std::string &strLine, const std::strin
         Fail(*optClass, strLine + strHint + "; " + EscapeText(pcText));
     }
     Fail(enElse, strLine + strHint);
+}
+
+ErrorClass WhyNoAnswer(const FRU_DEVICE_INFO_S &stInfo)
+{
+    FRU_DEVICE_INFO_S stWhere = stInfo; // a packed member's address
+    char acPath[PATH_MAX] = "";
+    if (BMCHOST_GetEepromPath(stWhere.ucEEPROMType, &stWhere.ucBusNumber, sizeof(acPath), acPath) != 0U) {
+        return ErrorClass::NoAnswer;
+    }
+    return access(acPath, R_OK) != 0 && ClassOfErrno(errno) == ErrorClass::NotPermitted
+               ? ErrorClass::NotPermitted
+               : ErrorClass::NoAnswer;
 }
 
 void FailDatabase(BMCHOST_DB_REASON_E enReason, const std::string &strLine)

@@ -20,7 +20,7 @@ IMAGE_S ReadChip(const DEVICE_S &stDevice)
     const i32 iRead = LIB_FRU_ReadFromEEPROM(&stDevice.stInfo, stDevice.stInfo.usStartOffset,
                                              stDevice.stInfo.usSize, stImage.vecBytes.data());
     if (iRead < 0) {
-        Fail(ErrorClass::NoAnswer,
+        Fail(WhyNoAnswer(stDevice.stInfo),
              "the EEPROM of " + stDevice.Title() + " does not answer" + DiagnosticHint());
     }
     if (static_cast<size_t>(iRead) != stImage.vecBytes.size()) {

@@ -69,8 +69,8 @@ CHANGE_S Merge(const std::vector<CHANGE_S> &vecSteps)
     return stMerged;
 }
 
-// Whether the disk has room for what a write may take: log of the database, history, journal. A full disk is told
-// before the first byte is written, not in the middle.
+// Whether the disk has room for what a write may take: log of the database, history, journal. A full disk is
+// told before the first byte is written, not in the middle.
 void RequireSpace(const CONTROLLER_S &stController)
 {
     const std::string strDirectory = stController.strRoot + "/var/lib/fru";

@@ -286,7 +286,7 @@ Json RecordJson(const RECORD_VIEW_S &stView)
 
 void BuildRecord(const JsonNode &stDocument, Record &stRecord)
 {
-    // "device", "file", "source" and "sourcesDiffer" tell where a shown record came from and are no part of it.
+    // "device", "file" and the last two tell where a shown record came from and are no part of it.
     stDocument.RequireObject({"device", "file", "internalUse", "chassis", "board", "product", "multiRecords",
                               "multiRecordsDamaged", "source", "sourcesDiffer"});
     for (const AREA_ROW_S &stRow : AreaRows()) {

@@ -26,8 +26,8 @@ constexpr const char *EXAMPLES = R"(Examples:
   fructl show examples/psu1.hex                the same for an image file
   fructl COMMAND --help                        what a command takes
 
-A DEVICE is TYPE:INSTANCE (such as 0x30:0), a device's name or, where it is only read, an image file: a path with
-a slash, or --file FILE.
+A DEVICE is TYPE:INSTANCE (such as 0x30:0), a device's name or, where it is only read, an image file: a path
+with a slash, or --file FILE.
 With --json a failure is an object on standard output too, as the member "error".
 
 Exit codes:

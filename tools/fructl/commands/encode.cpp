@@ -27,6 +27,10 @@ struct ENCODE_S
 void RunEncode(const SESSION_S &stSession, const ENCODE_S &stOptions)
 {
     const bool bOutput = IsStandardOutput(stOptions.strOutput);
+    if (bOutput && stSession.bJson) {
+        FailUsage("-o " + EscapeText(stOptions.strOutput) +
+                  " and --json both want standard output; accepted: one of them");
+    }
     if (!bOutput && !stOptions.bForce && KindOf(stOptions.strOutput) == PathKind::File) {
         FailRefused(EscapeText(stOptions.strOutput) + " is there already; --force replaces it");
     }

@@ -54,7 +54,8 @@ void RunList(const SESSION_S &stSession)
     if (stSession.bJson) {
         PrintJson({{"devices", stList}});
     } else {
-        Print(stTable.Text());
+        Print(vecDevices.empty() ? "the controller in " + EscapeText(stSession.strRoot) + " has no devices\n"
+                                 : stTable.Text());
     }
 }
 

@@ -142,9 +142,9 @@ void RunShow(const SESSION_S &stSession, const SHOW_S &stOptions)
 void AddShowCommand(CLI::App &stParent, SESSION_S &stSession)
 {
     const auto pstOptions = std::make_shared<SHOW_S>();
-    CLI::App *pstCommand = AddCommand(
-        stParent, "show", "Show a device or an image file, decoded",
-        "fructl show baseboard\nfructl show 0x30:0\nfructl show --id 1 --json\nfructl show psu1 --source cache\nfructl show ./dump.bin");
+    CLI::App *pstCommand = AddCommand(stParent, "show", "Show a device or an image file, decoded",
+                                      "fructl show baseboard\nfructl show 0x30:0\nfructl show --id 1 --json\n"
+                                      "fructl show psu1 --source cache\nfructl show ./dump.bin");
     AddTargetOptions(pstCommand, pstOptions->stTarget, true);
     AddSourceOption(pstCommand, pstOptions->stSource);
     pstCommand->callback([&stSession, pstOptions] {

@@ -163,7 +163,12 @@ void RunVerify(SESSION_S &stSession, const VERIFY_S &stOptions)
         CheckTarget(ResolveTarget(stSession, {"", stOptions.strDeviceID, ""}), vecChecks);
     }
     if (vecChecks.empty()) {
-        for (const DEVICE_S &stDevice : LoadDevices(stSession)) {
+        const std::vector<DEVICE_S> vecDevices = LoadDevices(stSession);
+        if (vecDevices.empty()) {
+            Fail(ErrorClass::NotFound,
+                 "the controller in " + stSession.strRoot + " has no devices; nothing was checked");
+        }
+        for (const DEVICE_S &stDevice : vecDevices) {
             CheckTarget({stDevice, ""}, vecChecks);
         }
     }
