@@ -1,68 +1,14 @@
 # SPDX-License-Identifier: Apache-2.0
 """Commands killed before every call that changes a file: what is there after the next command is the old or the new, whole."""
 import os
-import shutil
-import sqlite3
 import subprocess
 import unittest
-from pathlib import Path
 
-from support import COMMAND, EMULATOR, Environment, FructlTest
-
-CALLS = ["write", "pwrite64", "ftruncate", "fallocate", "rename", "renameat", "renameat2", "unlink", "unlinkat", "mkdir", "mkdirat", "fsync", "fdatasync"]
-KILLED = (-9, 137)
-IMAGE_KEY = 0x10810200  # in the database, with the device's ID in its low byte
-SERIAL_FILES = ("mnt/sdmmc0p4/board/ProductSerialNumber", "var/network/ProductSerialNumber")
-STRACE = shutil.which("strace")
+from cut_support import CutTest
+from support import COMMAND
 
 
-@unittest.skipIf(EMULATOR, "an emulator's own calls would be counted")
-@unittest.skipIf(STRACE is None, "there is no strace")
-class Cuts(FructlTest):
-    def setUp(self):
-        super().setUp()
-        self.Provision()
-
-    def State(self):
-        """Every chip, every cached image and the serial-number files."""
-        dictState = {str(path.name): path.read_bytes() for path in sorted((self.pathRoot / "eeprom").glob("*.bin"))}
-        stDb = sqlite3.connect(self.pathRoot / "var/lib/fru/fru.db")
-        (strTable,) = stDb.execute("SELECT name FROM sqlite_master WHERE type = 'table'").fetchone()
-        for iKey, abValue in stDb.execute(f"SELECT * FROM {strTable}"):
-            if iKey & ~0xFF == IMAGE_KEY:
-                dictState[f"cache {iKey & 0xFF}"] = abValue
-        stDb.close()
-        for strFile in SERIAL_FILES:
-            pathFile = self.pathRoot / strFile
-            dictState[strFile] = pathFile.read_bytes() if pathFile.exists() else None
-        return dictState
-
-    def Cut(self, strCall, iWhen, *asArguments):
-        """Whether the command was killed at the call."""
-        stProcess = subprocess.run([STRACE, "-f", "-o", "/dev/null", "-e", f"trace={strCall}", "-e", f"inject={strCall}:signal=KILL:when={iWhen}",
-                                    *COMMAND, "--root", str(self.pathRoot), *asArguments],
-                                   capture_output=True, check=False, env=Environment(ASAN_OPTIONS="detect_leaks=0"))
-        return stProcess.returncode in KILLED
-
-    def Reset(self, pathFrom):
-        shutil.rmtree(self.pathRoot)
-        shutil.copytree(pathFrom, self.pathRoot)
-
-    def Points(self, pathFrom, *asArguments):
-        """Every point, one after the other, with the command killed there."""
-        for strCall in CALLS:
-            iWhen = 1
-            self.Reset(pathFrom)
-            while self.Cut(strCall, iWhen, *asArguments):
-                yield f"{strCall} {iWhen}"
-                iWhen += 1
-                self.Reset(pathFrom)
-
-    def Save(self, strName):
-        pathSaved = self.pathTemp / strName
-        shutil.copytree(self.pathRoot, pathSaved)
-        return pathSaved
-
+class Cuts(CutTest):
     def AssertWhole(self, *asArguments, iAtLeast=20):
         pathBase = self.Save("base")
         dictOld = self.State()

@@ -56,7 +56,9 @@ Json ToJson(const JOURNAL_ENTRY_S &stEntry)
     }
     Json stFiles = Json::array();
     for (const FILE_CHANGE_S &stFile : stEntry.vecFiles) {
-        stFiles.push_back({{"path", stFile.strPath}, {"new", OptionalHex(stFile.vecNew)}});
+        stFiles.push_back({{"path", stFile.strPath},
+                           {"old", OptionalHex(stFile.optOld)},
+                           {"new", OptionalHex(stFile.vecNew)}});
     }
     return {{"time", stEntry.strTime},
             {"command", stEntry.strCommand},
@@ -75,8 +77,9 @@ JOURNAL_ENTRY_S EntryOf(u32 uiNumber)
         stEntry.vecDevices.push_back(DeviceChange(stDevice));
     }
     for (const Json &stFile : stJson.at("files")) {
-        stEntry.vecFiles.push_back(
-            {stFile.at("path").get<std::string>(), OptionalBytes(stFile.at("new")).value_or(Bytes())});
+        stEntry.vecFiles.push_back({stFile.at("path").get<std::string>(),
+                                    OptionalBytes(stFile.at("new")).value_or(Bytes()),
+                                    OptionalBytes(stFile.at("old"))});
     }
     return stEntry;
 }

@@ -33,6 +33,7 @@ struct FILE_CHANGE_S
 {
     std::string strPath; // on the controller
     Bytes vecNew;
+    std::optional<Bytes> optOld = {}; // nothing: it is not there; RunTransaction() fills it in
 };
 
 struct JOURNAL_ENTRY_S

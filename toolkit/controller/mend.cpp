@@ -2,6 +2,7 @@
 #include "toolkit/controller/mend.h"
 
 #include <algorithm>
+#include <cerrno>
 
 #include "bmc_eeprom.h"
 #include "bmcfru_host.h"
@@ -114,27 +115,15 @@ void PutCached(const DEVICE_CHANGE_S &stChange, const std::optional<Bytes> &optB
 
 // ---- files ----
 
-std::optional<Bytes> ReadWhole(const FILE_CHANGE_S &stFile)
+int PutWhole(const std::string &strPath, const std::optional<Bytes> &optBytes)
 {
-    std::string strText;
-    if (files::ReadAll({BMCHOST_GetRoot(), stFile.strPath}, FILE_MAX, &strText) != 0) {
-        return std::nullopt;
+    const files::PLACE_S stPlace(BMCHOST_GetRoot(), strPath);
+    if (!optBytes.has_value()) {
+        const int iError = files::Remove(stPlace);
+        return iError == ENOENT ? 0 : iError;
     }
-    return Bytes(strText.begin(), strText.end());
-}
-
-void PutWhole(const FILE_CHANGE_S &stFile)
-{
-    const files::PLACE_S stPlace(BMCHOST_GetRoot(), stFile.strPath);
-    const std::string strDirectory = stFile.strPath.substr(0, stFile.strPath.rfind('/'));
-    int iError = files::MakeDirectories({BMCHOST_GetRoot(), strDirectory});
-    if (iError == 0) {
-        iError = files::Replace(stPlace, std::string(stFile.vecNew.begin(), stFile.vecNew.end()));
-    }
-    if (iError != 0) {
-        Fail(ClassOfErrno(iError),
-             "the file " + stFile.strPath + " on the controller cannot be written: " + files::Reason(iError));
-    }
+    const int iError = files::MakeDirectories({BMCHOST_GetRoot(), strPath.substr(0, strPath.rfind('/'))});
+    return iError != 0 ? iError : files::Replace(stPlace, std::string(optBytes->begin(), optBytes->end()));
 }
 
 // ---- one entry ----
@@ -168,10 +157,10 @@ void DropVanished(JOURNAL_ENTRY_S &stEntry)
 }
 
 // The files mirror a device that is in order: one that cannot be written does not keep the entry.
-std::string FilesLine(const JOURNAL_ENTRY_S &stEntry)
+std::string FilesLine(const JOURNAL_ENTRY_S &stEntry, Side enSide)
 {
     try {
-        BringFilesForward(stEntry);
+        PutFiles(stEntry, enSide);
         return "";
     } catch (const Error &stError) {
         return std::string(", but ") + stError.what();
@@ -196,7 +185,7 @@ MENDED_S Mend(JOURNAL_ENTRY_S stEntry)
         }
         PutSide(stEntry, Side::New);
         stMended.enMended = Mended::Finished;
-        stMended.strLine += " is finished now" + FilesLine(stEntry);
+        stMended.strLine += " is finished now" + FilesLine(stEntry, Side::New);
         RemoveJournal(stEntry.uiNumber);
         return stMended;
     } catch (const Error &stError) {
@@ -204,9 +193,10 @@ MENDED_S Mend(JOURNAL_ENTRY_S stEntry)
     }
     try {
         PutSide(stEntry, Side::Old);
-        RemoveJournal(stEntry.uiNumber);
         stMended.enMended = Mended::Undone;
-        stMended.strLine += " could not be finished (" + strWhy + ") and is undone";
+        stMended.strLine +=
+            " could not be finished (" + strWhy + ") and is undone" + FilesLine(stEntry, Side::Old);
+        RemoveJournal(stEntry.uiNumber);
     } catch (const Error &stError) {
         stMended.strLine += " can be neither finished (" + strWhy + ") nor undone (" + stError.what() + ")" +
                             HowToGoOn(stEntry);
@@ -260,11 +250,24 @@ void PutSide(const JOURNAL_ENTRY_S &stEntry, Side enSide)
     RequireSide(stEntry, enSide);
 }
 
-void BringFilesForward(const JOURNAL_ENTRY_S &stEntry)
+std::optional<Bytes> ReadControllerFile(const std::string &strPath)
+{
+    std::string strText;
+    if (files::ReadAll({BMCHOST_GetRoot(), strPath}, FILE_MAX, &strText) != 0) {
+        return std::nullopt;
+    }
+    return Bytes(strText.begin(), strText.end());
+}
+
+void PutFiles(const JOURNAL_ENTRY_S &stEntry, Side enSide)
 {
     for (const FILE_CHANGE_S &stFile : stEntry.vecFiles) {
-        if (ReadWhole(stFile) != stFile.vecNew) {
-            PutWhole(stFile);
+        const std::optional<Bytes> optWanted = enSide == Side::New ? stFile.vecNew : stFile.optOld;
+        const int iError =
+            ReadControllerFile(stFile.strPath) == optWanted ? 0 : PutWhole(stFile.strPath, optWanted);
+        if (iError != 0) {
+            Fail(ClassOfErrno(iError), "the file " + stFile.strPath +
+                                           " on the controller cannot be written: " + files::Reason(iError));
         }
     }
 }

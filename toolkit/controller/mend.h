@@ -20,9 +20,12 @@ enum class Side
 // it does. Fails with the first thing that does not; what could be put right is.
 void PutSide(const JOURNAL_ENTRY_S &stEntry, Side enSide);
 
-// Makes the files that the entry names hold what the write was to leave in them. Fails with the first that
-// cannot be written.
-void BringFilesForward(const JOURNAL_ENTRY_S &stEntry);
+// What a file of the controller holds; nothing when it is not there or cannot be read.
+std::optional<Bytes> ReadControllerFile(const std::string &strPath);
+
+// Makes the files that the entry names hold what they held before the write or what it was to leave in them.
+// Fails with the first that cannot be written.
+void PutFiles(const JOURNAL_ENTRY_S &stEntry, Side enSide);
 
 // Looks only; fails with the first thing that holds other bytes than those of that side.
 void RequireSide(const JOURNAL_ENTRY_S &stEntry, Side enSide);

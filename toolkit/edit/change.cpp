@@ -195,8 +195,10 @@ CHANGE_S PlanBytes(const DEVICE_S &stDevice, const std::vector<u8> &vecAfter, bo
 
 CHANGE_S PlanNothing(const DEVICE_S &stDevice)
 {
-    const std::optional<IMAGE_S> optNow = FindSource(stDevice, HomeOf(stDevice));
-    return PlanBytes(stDevice, optNow.has_value() ? optNow->vecBytes : std::vector<u8>(), false);
+    const std::vector<u8> vecBytes = ReadSource(stDevice, HomeOf(stDevice)).vecBytes;
+    CHANGE_S stChange = {stDevice, std::nullopt, std::nullopt, 0U};
+    (stDevice.IsDatabaseOnly() ? stChange.optCache : stChange.optEeprom) = PART_S{vecBytes, vecBytes};
+    return stChange;
 }
 
 OUTCOME_S ApplyChange(const CHANGE_S &stChange, const std::string &strDoing, ProgressView *pstView,

@@ -51,7 +51,7 @@ CHANGE_S PlanCachedRecord(const DEVICE_S &stDevice, const std::string &strWhat, 
 // EEPROM.
 CHANGE_S PlanBytes(const DEVICE_S &stDevice, const std::vector<u8> &vecAfter, bool bCacheFollows);
 
-// No change: for a call that writes nothing, or that refuses.
+// No change: for a call that writes nothing, or that refuses. Fails when the home cannot be read.
 CHANGE_S PlanNothing(const DEVICE_S &stDevice);
 
 struct OUTCOME_S

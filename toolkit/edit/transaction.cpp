@@ -88,6 +88,7 @@ void RequireSpace(const CONTROLLER_S &stController)
 {
     try {
         PutSide(stEntry, Side::Old);
+        PutFiles(stEntry, Side::Old);
         RemoveJournal(stEntry.uiNumber);
     } catch (const Error &stError) {
         Fail(ErrorClass::HalfWritten, std::string(stWhy.what()) +
@@ -110,8 +111,13 @@ void RunTransaction(const RootLock &stLock, const std::vector<CHANGE_S> &vecStep
     const CHANGE_S stChange = Merge(vecSteps);
     stLock.RequireMended(stChange.stDevice.stEntry.ucDeviceID);
     const bool bBlind = stChange.optEeprom.has_value() && !stChange.optEeprom->optBefore.has_value();
-    // A chip that cannot be read is not written either: the work itself tells why.
-    if (bBlind || (ChangesNothing(stChange.optEeprom) && ChangesNothing(stChange.optCache))) {
+    if (bBlind) {
+        // What cannot be read cannot be put back, and is not written over.
+        (void)ReadSource(stChange.stDevice, Source::Eeprom); // mostly fails again, and says why
+        Fail(ErrorClass::NoAnswer, "the EEPROM of " + stChange.stDevice.Title() +
+                                       " did not answer a moment ago; nothing was written");
+    }
+    if (ChangesNothing(stChange.optEeprom) && ChangesNothing(stChange.optCache)) {
         if (fnWork) {
             fnWork();
         }
@@ -128,6 +134,9 @@ void RunTransaction(const RootLock &stLock, const std::vector<CHANGE_S> &vecStep
         }
     }
     stEntry.vecFiles = std::move(vecFiles);
+    for (FILE_CHANGE_S &stFile : stEntry.vecFiles) {
+        stFile.optOld = ReadControllerFile(stFile.strPath);
+    }
     const Uninterrupted stUninterrupted; // an interrupt is put off until all of it is there
     WriteJournal(stEntry);
     try {
@@ -135,7 +144,7 @@ void RunTransaction(const RootLock &stLock, const std::vector<CHANGE_S> &vecStep
             fnWork();
         } else {
             PutSide(stEntry, Side::New);
-            BringFilesForward(stEntry);
+            PutFiles(stEntry, Side::New);
         }
         RequireSide(stEntry, Side::New);
     } catch (const Error &stError) {

@@ -16,8 +16,8 @@ std::vector<FILE_CHANGE_S> SerialFiles(const Bytes &vecSerialNumber);
 
 // Runs fnWork, which makes the change of one device in these steps, each from what the one before it leaves; no
 // fnWork: the bytes are written as they are. When it fails, or EEPROM and cache hold something else afterwards,
-// the old bytes are put back and the failure says so; where even that fails, the next command tries again. Files
-// that a write renews as well are only ever brought forward: they mirror the device.
+// the old bytes are put back and the failure says so; where even that fails, the next command tries again. So are the
+// files that the write renews as well, which mirror the device.
 void RunTransaction(const RootLock &stLock, const std::vector<CHANGE_S> &vecSteps,
                     std::vector<FILE_CHANGE_S> vecFiles, const std::function<void()> &fnWork);
 
