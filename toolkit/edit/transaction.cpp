@@ -111,13 +111,14 @@ void RunTransaction(const RootLock &stLock, const std::vector<CHANGE_S> &vecStep
     const CHANGE_S stChange = Merge(vecSteps);
     stLock.RequireMended(stChange.stDevice.stEntry.ucDeviceID);
     const bool bBlind = stChange.optEeprom.has_value() && !stChange.optEeprom->optBefore.has_value();
-    if (bBlind) {
+    if (bBlind && (!fnWork || FindSource(stChange.stDevice, Source::Eeprom).has_value())) {
         // What cannot be read cannot be put back, and is not written over.
         (void)ReadSource(stChange.stDevice, Source::Eeprom); // mostly fails again, and says why
         Fail(ErrorClass::NoAnswer, "the EEPROM of " + stChange.stDevice.Title() +
                                        " did not answer a moment ago; nothing was written");
     }
-    if (ChangesNothing(stChange.optEeprom) && ChangesNothing(stChange.optCache)) {
+    // A chip that stays away is the work's own to tell of, and to record in the operation log.
+    if (bBlind || (ChangesNothing(stChange.optEeprom) && ChangesNothing(stChange.optCache))) {
         if (fnWork) {
             fnWork();
         }
