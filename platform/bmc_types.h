@@ -1,5 +1,11 @@
 /* SPDX-License-Identifier: Apache-2.0 */
-/* Platform: the integer names that all contract headers use. */
+/*
+ * Platform: the integer names that all contract headers use.
+ *
+ * The functions of bmc_*.h are a controller's own to provide, in a library that programs link behind
+ * -lbmcfru; on a desk libbmcfruhost is that library. Who provides them finds these headers by CMake's
+ * bmcfru::platform, or in the folder platform/ beside lib_fru.h.
+ */
 #ifndef BMC_TYPES_H
 #define BMC_TYPES_H
 

@@ -2,7 +2,7 @@
 /*
  * libbmcfruhost: the platform on plain Linux. One directory, the root, is one controller; every path that a
  * controller knows lies below it. This header is what a program on the desk may say to it beyond the
- * platform's own calls (platform/bmc_*.h).
+ * platform's own calls (platform/bmc_*.h). Link with -lbmcfruhost (pkg-config bmcfruhost, CMake bmcfru::host).
  *
  * Every call may be made from any thread, and in a child process after fork().
  */

@@ -1,0 +1,32 @@
+# SPDX-License-Identifier: Apache-2.0
+# Removes what the last 'cmake --install' of this build folder has installed, by the lists that it left there, and the
+# project's own folders when nothing else is in them.
+file(GLOB asManifests ${FOLDER}/install_manifest*.txt)
+if(NOT asManifests)
+  message(FATAL_ERROR "nothing is installed from ${FOLDER}: it holds no install_manifest.txt")
+endif()
+set(asFolders)
+foreach(strManifest IN LISTS asManifests)
+  file(STRINGS ${strManifest} asFiles)
+  foreach(strFile IN LISTS asFiles)
+    set(strFile "$ENV{DESTDIR}${strFile}")
+    message(STATUS "Removing: ${strFile}")
+    file(REMOVE ${strFile})
+    # The file's own folder, and those around it, as long as the path names the project.
+    cmake_path(GET strFile PARENT_PATH strFolder)
+    while(strFolder MATCHES "/bmcfru")
+      list(APPEND asFolders ${strFolder})
+      cmake_path(GET strFolder PARENT_PATH strFolder)
+    endwhile()
+  endforeach()
+  file(REMOVE ${strManifest})
+endforeach()
+list(REMOVE_DUPLICATES asFolders)
+list(SORT asFolders ORDER DESCENDING) # what lies deeper goes first
+foreach(strFolder IN LISTS asFolders)
+  file(GLOB asLeft ${strFolder}/* ${strFolder}/.*)
+  list(FILTER asLeft EXCLUDE REGEX "/\\.\\.?$")
+  if(NOT asLeft)
+    file(REMOVE_RECURSE ${strFolder})
+  endif()
+endforeach()
