@@ -1,5 +1,6 @@
 # SPDX-License-Identifier: Apache-2.0
 """Commands that are cut short: what they change, and how they are killed or made to fail at a call."""
+import os
 import shutil
 import sqlite3
 import subprocess
@@ -12,6 +13,7 @@ KILLED = (-9, 137)
 IMAGE_KEY = 0x10810200  # in the database, with the device's ID in its low byte
 SERIAL_FILES = ("mnt/sdmmc0p4/board/ProductSerialNumber", "var/network/ProductSerialNumber")
 STRACE = shutil.which("strace")
+STEP = int(os.environ.get("FRUCTL_CUT_STEP", "1"))  # kills at every so many calls
 
 
 def State(pathRoot):
@@ -65,7 +67,7 @@ class CutTest(FructlTest):
             self.Reset(pathFrom)
             while self.Cut(strCall, iWhen, *asArguments):
                 yield f"{strCall} {iWhen}"
-                iWhen += 1
+                iWhen += STEP
                 self.Reset(pathFrom)
 
     def Save(self, strName):

@@ -21,6 +21,8 @@ def Spread(iCount):
     """The first, the last and some between, or all."""
     if POINTS == 0 or iCount <= POINTS:
         return range(1, iCount + 1)
+    if POINTS == 1:
+        return [1 + iCount // 2]
     return sorted({1 + i * (iCount - 1) // (POINTS - 1) for i in range(POINTS)})
 
 
