@@ -3,17 +3,19 @@
 import fcntl
 import json
 import os
+import shutil
 import sqlite3
 import subprocess
 import unittest
 
-from support import BASEBOARD_EEPROM, COMMAND, EXAMPLES, Environment, FructlTest, Run, SOURCE
+from support import BASEBOARD_EEPROM, COMMAND, EMULATOR, Environment, FructlTest, Run, SOURCE
 
 CODES = {"failed": 1, "usage": 2, "refused": 3, "not-found": 4, "no-answer": 5, "damaged": 6, "busy": 7, "not-permitted": 8, "disk-full": 9,
          "half-written": 10}
 PSU1 = {"id": 1, "name": "psu1", "componentType": 3, "instance": 0}
 PSU1_EEPROM = "bus2-addr0xa4-switch1.bin"
 DEEP = 100000
+STRACE = shutil.which("strace")
 TABLE_KEY = 0x108105ff  # the device table in the database
 
 
@@ -120,6 +122,26 @@ class Codes(FructlTest):
                 self.assertIn(listAccepted, dictError["accepted"])
         self.assertEqual(self.Fructl("bogus").strOut, "")
 
+    @unittest.skipIf(EMULATOR or STRACE is None, "there is no strace, or an emulator's own calls would be counted")
+    def test_a_write_that_was_cut_short_and_cannot_be_mended(self):
+        self.Good("label", "set", "psu1", "Product Version", "A2")
+        shutil.copytree(self.pathRoot, self.pathTemp / "before")
+        iWhen = 0
+        while not any((self.pathRoot / "var/lib/fru/journal").glob("*.json")):
+            iWhen += 1
+            shutil.rmtree(self.pathRoot)
+            shutil.copytree(self.pathTemp / "before", self.pathRoot)
+            stProcess = subprocess.run([STRACE, "-f", "-o", "/dev/null", "-e", "trace=pwrite64", "-e", f"inject=pwrite64:signal=KILL:when={iWhen}",
+                                        *COMMAND, "--root", str(self.pathRoot), "label", "set", "baseboard", "Product Asset Tag", "RACK7"],
+                                       capture_output=True, check=False, env=Environment(ASAN_OPTIONS="detect_leaks=0"))
+            self.assertNotEqual(stProcess.returncode, 0, "never with an entry in the journal")
+        for iAt in (0x0020, 0x0700):  # somebody else writes, further apart than a page
+            self.Damage(self.Eeprom(BASEBOARD_EEPROM), iAt, b"\x5a\x5a")
+        stResult = self.Fructl("--json", "label", "set", "baseboard", "Product Version", "B9", "--force")
+        dictError = stResult.Json()["error"]
+        self.assertEqual((stResult.iCode, dictError["code"], dictError["device"]["name"]), (10, "half-written", "baseboard"))
+        self.assertIn("is left alone, for somebody else has written", dictError["message"])
+
     def test_what_was_printed_before_and_the_failure_are_one_object(self):
         self.Damage(self.Eeprom(BASEBOARD_EEPROM), 0, b"\x09")
         stResult = self.Fructl("--json", "verify")
@@ -145,6 +167,11 @@ class DeepJson(FructlTest):
             for asCommand in (["encode", pathFile, "-o", self.pathTemp / "x.bin"], ["provision", pathFile]):
                 self.assertEqual(self.Bad(3, *asCommand), f"{pathFile}: objects and arrays stand in each other more than 64 deep; accepted: up to 64")
         self.assertFalse(self.pathRoot.exists())
+
+    def test_names_that_are_accepted_are_a_list(self):
+        pathFile = self.Write("unknown.json", b'{"boards": {}}')
+        self.assertIn("board", Run("--json", "encode", pathFile, "-o", self.pathTemp / "x.bin").Json()["error"]["accepted"])
+        self.assertIn("system-name", Run("--json", "mr", "add", "system=x").Json()["error"]["accepted"])
 
     def test_depth_that_is_accepted_reaches_the_members_check(self):
         pathFile = self.Write("fine.json", b"[" * 60 + b"]" * 60)

@@ -82,6 +82,13 @@ class Sources(FructlTest):
         self.assertTrue(strLine.endswith("; --source cache shows the cached image"), strLine)
         self.assertIn("PS8024100311", self.Good("show", "psu1", "--source", "cache").strOut)
 
+    def test_the_bytes_of_either_are_shown(self):
+        self.Exchange("PS8099999999")
+        for asSource, strSource, abBytes in [([], "EEPROM", self.Eeprom(PSU1_EEPROM).read_bytes()), (["--source", "cache"], "cache", self.abOld)]:
+            dictJson = self.Json("map", "psu1", *asSource)
+            self.assertEqual((dictJson["source"], "".join(stSpan["bytes"] for stSpan in dictJson["spans"]).replace(" ", "")[:160]), (strSource, abBytes.hex()[:160]))
+            self.assertIn(f"psu1 (0x03:0)  {strSource}, 256 bytes\n", self.Good("map", "psu1", *asSource).strOut)
+
     def test_a_file_has_one_image(self):
         self.assertIn("is a file", self.Bad(2, "show", EXAMPLES / "psu1.hex", "--source", "cache"))
         self.assertIn("eeprom", self.Bad(2, "show", "psu1", "--source", "stored"))

@@ -51,9 +51,9 @@ class Error : public std::runtime_error
     Fail(ErrorClass::Failed, strLine);
 }
 
-[[noreturn]] inline void FailUsage(const std::string &strLine)
+[[noreturn]] inline void FailUsage(const std::string &strLine, std::vector<std::string> vecAccepted = {})
 {
-    Fail(ErrorClass::Usage, strLine);
+    Fail(ErrorClass::Usage, strLine, std::move(vecAccepted));
 }
 
 [[noreturn]] inline void FailRefused(const std::string &strLine, std::vector<std::string> vecAccepted = {})

@@ -60,14 +60,16 @@ std::string JsonNode::PathOf(const std::string &strName) const
     return m_strPath.empty() ? strName : m_strPath + "." + strName;
 }
 
-void JsonNode::Refuse(const std::string &strWhy) const
+void JsonNode::Refuse(const std::string &strWhy, std::vector<std::string> vecAccepted) const
 {
-    FailRefused(m_strFile + ": " + (m_strPath.empty() ? "" : m_strPath + ": ") + strWhy);
+    FailRefused(m_strFile + ": " + (m_strPath.empty() ? "" : m_strPath + ": ") + strWhy,
+                std::move(vecAccepted));
 }
 
-void JsonNode::RefuseMember(const std::string &strName, const std::string &strWhy) const
+void JsonNode::RefuseMember(const std::string &strName, const std::string &strWhy,
+                            std::vector<std::string> vecAccepted) const
 {
-    FailRefused(m_strFile + ": " + PathOf(strName) + ": " + strWhy);
+    FailRefused(m_strFile + ": " + PathOf(strName) + ": " + strWhy, std::move(vecAccepted));
 }
 
 void JsonNode::RequireObject(const std::vector<const char *> &vecNames) const
@@ -75,11 +77,11 @@ void JsonNode::RequireObject(const std::vector<const char *> &vecNames) const
     const std::vector<std::string> vecAccepted(vecNames.begin(), vecNames.end());
     const std::string strAccepted = "; accepted: " + Join(vecAccepted, ", ");
     if (!m_stValue.is_object()) {
-        Refuse(Shown(m_stValue) + " is not an object" + strAccepted);
+        Refuse(Shown(m_stValue) + " is not an object" + strAccepted, vecAccepted);
     }
     for (const auto &itMember : m_stValue.items()) {
         if (std::find(vecAccepted.begin(), vecAccepted.end(), itMember.key()) == vecAccepted.end()) {
-            RefuseMember(EscapeText(itMember.key()), "unknown member" + strAccepted);
+            RefuseMember(EscapeText(itMember.key()), "unknown member" + strAccepted, vecAccepted);
         }
     }
 }

@@ -23,9 +23,10 @@ class JsonNode
         : m_stValue(stValue), m_strFile(std::move(strFile)), m_strPath(std::move(strPath))
     {}
 
-    [[noreturn]] void Refuse(const std::string &strWhy) const;
+    [[noreturn]] void Refuse(const std::string &strWhy, std::vector<std::string> vecAccepted = {}) const;
     // The same for a member of this object.
-    [[noreturn]] void RefuseMember(const std::string &strName, const std::string &strWhy) const;
+    [[noreturn]] void RefuseMember(const std::string &strName, const std::string &strWhy,
+                                   std::vector<std::string> vecAccepted = {}) const;
 
     // Refuses anything but an object, and members that are not in the list.
     void RequireObject(const std::vector<const char *> &vecNames) const;

@@ -19,11 +19,21 @@ std::string Plain(const std::string &strName)
     return strOut;
 }
 
+std::vector<std::string> ListOf(const std::vector<SETTABLE_S> &vecTable)
+{
+    std::vector<std::string> vecNames;
+    for (const SETTABLE_S &stSettable : vecTable) {
+        vecNames.emplace_back(stSettable.pcName);
+    }
+    return vecNames;
+}
+
 NAME_VALUE_S ParseOne(const std::string &strText, const std::vector<SETTABLE_S> &vecTable)
 {
     const size_t uiEquals = strText.find('=');
     if (uiEquals == std::string::npos) {
-        FailUsage("'" + EscapeText(strText) + "' is no NAME=VALUE; accepted names: " + NamesOf(vecTable));
+        FailUsage("'" + EscapeText(strText) + "' is no NAME=VALUE; accepted names: " + NamesOf(vecTable),
+                  ListOf(vecTable));
     }
     const std::string strName = strText.substr(0, uiEquals);
     // What is typed is UTF-8.
@@ -38,7 +48,8 @@ NAME_VALUE_S ParseOne(const std::string &strText, const std::vector<SETTABLE_S> 
         }
         return {i, *optValue};
     }
-    FailUsage("there is no '" + EscapeText(strName) + "' to set; accepted: " + NamesOf(vecTable));
+    FailUsage("there is no '" + EscapeText(strName) + "' to set; accepted: " + NamesOf(vecTable),
+              ListOf(vecTable));
 }
 
 } // namespace
@@ -60,9 +71,5 @@ std::vector<NAME_VALUE_S> ParseNameValues(const std::vector<std::string> &vecTex
 
 std::string NamesOf(const std::vector<SETTABLE_S> &vecTable)
 {
-    std::vector<std::string> vecNames;
-    for (const SETTABLE_S &stSettable : vecTable) {
-        vecNames.emplace_back(stSettable.pcName);
-    }
-    return Join(vecNames, ", ");
+    return Join(ListOf(vecTable), ", ");
 }

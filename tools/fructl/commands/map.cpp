@@ -132,10 +132,17 @@ Json MapJson(const TARGET_S &stTarget, const IMAGE_S &stImage, const IMAGE_LAYOU
     return stJson;
 }
 
-void RunMap(const SESSION_S &stSession, const TARGET_OPTIONS_S &stOptions)
+struct MAP_S
 {
-    const TARGET_S stTarget = ResolveTarget(stSession, stOptions);
-    const IMAGE_S stImage = ReadTarget(stTarget);
+    TARGET_OPTIONS_S stTarget;
+    SOURCE_OPTION_S stSource;
+};
+
+// Bytes are shown whatever they are; that the other image of a device is another one is for 'verify' to tell.
+void RunMap(const SESSION_S &stSession, const MAP_S &stOptions)
+{
+    const TARGET_S stTarget = ResolveTarget(stSession, stOptions.stTarget);
+    const IMAGE_S stImage = ReadShown(stTarget, stOptions.stSource.Chosen());
     const IMAGE_LAYOUT_S stLayout = LayoutOf(stImage, stTarget.HasFixedSlots());
     if (stSession.bJson) {
         PrintJson(MapJson(stTarget, stImage, stLayout));
@@ -164,11 +171,12 @@ void RunMap(const SESSION_S &stSession, const TARGET_OPTIONS_S &stOptions)
 
 void AddMapCommand(CLI::App &stParent, SESSION_S &stSession)
 {
-    const auto pstOptions = std::make_shared<TARGET_OPTIONS_S>();
+    const auto pstOptions = std::make_shared<MAP_S>();
     CLI::App *pstCommand =
         AddCommand(stParent, "map", "Show which byte of an image belongs to which area and field",
                    "fructl map baseboard\nfructl map ./dump.bin\nfructl map examples/psu1.hex --json");
-    AddTargetOptions(pstCommand, *pstOptions, true);
+    AddTargetOptions(pstCommand, pstOptions->stTarget, true);
+    AddSourceOption(pstCommand, pstOptions->stSource);
     pstCommand->callback([&stSession, pstOptions] {
         stSession.fnRun = [&stSession, pstOptions] { RunMap(stSession, *pstOptions); };
     });
