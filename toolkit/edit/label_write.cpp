@@ -15,6 +15,7 @@
 #include "toolkit/controller/serial_file.h"
 #include "toolkit/controller/source.h"
 #include "toolkit/controller/target.h"
+#include "toolkit/edit/blank.h"
 #include "toolkit/edit/rewrite.h"
 #include "toolkit/edit/transaction.h"
 #include "toolkit/edit/uninterrupted.h"
@@ -67,22 +68,6 @@ LABEL_STEP_S PlanStep(const DEVICE_S &stDevice, const LABEL_REQUEST_S &stRequest
     return stStep;
 }
 
-std::vector<BYTE_RUN_S> Changes(const std::vector<u8> &vecOld, const std::vector<u8> &vecNew)
-{
-    std::vector<BYTE_RUN_S> vecRuns;
-    for (size_t i = 0; i < vecOld.size(); i++) {
-        if (vecOld[i] == vecNew[i]) {
-            continue;
-        }
-        if (vecRuns.empty() || vecRuns.back().uiOffset + vecRuns.back().vecOld.size() != i) {
-            vecRuns.push_back({static_cast<u32>(i), {}, {}});
-        }
-        vecRuns.back().vecOld.push_back(vecOld[i]);
-        vecRuns.back().vecNew.push_back(vecNew[i]);
-    }
-    return vecRuns;
-}
-
 bool IsLabelField(const std::vector<LABEL_REQUEST_S> &vecRequests, const FIELD_ID_S &stField)
 {
     return std::any_of(vecRequests.begin(), vecRequests.end(), [&](const LABEL_REQUEST_S &stRequest) {
@@ -113,6 +98,16 @@ std::string WhySerialFilesDiffer(const LABEL_STEP_S &stStep, const std::string &
     return "";
 }
 
+void DecodeBlank(const CHANGE_S &stBlank, Record &stRecord)
+{
+    const std::vector<u8> &vecAfter = stBlank.Home().vecAfter;
+    const DEVICE_S &stDevice = stBlank.stDevice;
+    if (DecodeImage({HomeOf(stDevice), vecAfter, vecAfter.size()}, stDevice.HasFixedSlots(), stRecord) !=
+        FRU_OK) {
+        Fail("no empty image can be made for " + stDevice.Title() + Cause(TakeDiagnostics()));
+    }
+}
+
 } // namespace
 
 void CheckRequests(const DEVICE_S &stDevice, const std::vector<LABEL_REQUEST_S> &vecRequests)
@@ -131,19 +126,25 @@ void CheckRequests(const DEVICE_S &stDevice, const std::vector<LABEL_REQUEST_S> 
 
 LABEL_PLAN_S PlanLabels(const DEVICE_S &stDevice, const std::vector<LABEL_REQUEST_S> &vecRequests)
 {
-    const TARGET_S stTarget = {stDevice, ""};
-    Record stBefore;
-    DecodeTarget(stTarget, stBefore); // from here on the image is known to be readable: no recovery sets in
-    const IMAGE_S stImage = ReadTarget(stTarget);
-    Record stRecord;
-    const FRU_SET_PARA_S stPara = Block(stDevice, vecRequests.front());
-    ClearDiagnostics();
-    if (FRU_GetElectronicLabel(&stPara, stRecord.Data()) != FRU_OK) {
-        Fail(ErrorClass::Damaged, "cannot decode " + stDevice.Title() + Cause(TakeDiagnostics()));
-    }
     LABEL_PLAN_S stPlan;
+    stPlan.optBlank = PlanBlank(stDevice);
+    Record stBefore;
+    Record stRecord;
+    if (stPlan.optBlank.has_value()) {
+        stPlan.vecNotes.push_back(BlankNote(*stPlan.optBlank));
+        DecodeBlank(*stPlan.optBlank, stBefore);
+        DecodeBlank(*stPlan.optBlank, stRecord);
+    } else {
+        DecodeTarget({stDevice, ""}, stBefore); // so the image is known to be readable: no recovery sets in
+        const FRU_SET_PARA_S stPara = Block(stDevice, vecRequests.front());
+        ClearDiagnostics();
+        if (FRU_GetElectronicLabel(&stPara, stRecord.Data()) != FRU_OK) {
+            Fail(ErrorClass::Damaged, "cannot decode " + stDevice.Title() + Cause(TakeDiagnostics()));
+        }
+    }
+    const IMAGE_S stImage = ReadTarget({stDevice, ""});
     const RECORD_VIEW_S stView = ViewRecord(*stBefore.Data());
-    CHANGE_S stNow = PlanNothing(stDevice);
+    CHANGE_S stNow = stPlan.optBlank.has_value() ? *stPlan.optBlank : PlanNothing(stDevice);
     for (const LABEL_REQUEST_S &stRequest : vecRequests) {
         stPlan.vecSteps.push_back(PlanStep(stDevice, stRequest, stRecord, stNow));
         stNow = stPlan.vecSteps.back().stChange;
@@ -159,7 +160,10 @@ LABEL_PLAN_S PlanLabels(const DEVICE_S &stDevice, const std::vector<LABEL_REQUES
         }
     }
     const std::vector<u8> &vecAfter = stNow.Home().vecAfter;
-    stPlan.vecChanges = Changes(stImage.vecBytes, vecAfter);
+    stPlan.vecChanges = CompareBytes(stImage.vecBytes, vecAfter);
+    if (stPlan.optBlank.has_value()) {
+        return stPlan; // there is nothing that could change beside the labels
+    }
     const REWRITE_S stRewrite = CompareImages(stDevice, stImage, vecAfter, [&](const FIELD_ID_S &stField) {
         return IsLabelField(vecRequests, stField);
     });
@@ -250,11 +254,18 @@ std::vector<std::string> WriteLabels(const RootLock &stLock, const DEVICE_S &stD
                                      ProgressView *pstView)
 {
     std::vector<CHANGE_S> vecSteps;
+    if (stPlan.optBlank.has_value()) {
+        vecSteps.push_back(*stPlan.optBlank);
+    }
     for (const LABEL_STEP_S &stStep : stPlan.vecSteps) {
         vecSteps.push_back(stStep.stChange);
     }
     std::vector<std::string> vecSentences;
-    RunTransaction(stLock, vecSteps, FilesOf(stDevice, stPlan),
-                   [&] { vecSentences = WriteSteps(stDevice, stPlan, strAftermath, pstView); });
+    RunTransaction(stLock, vecSteps, FilesOf(stDevice, stPlan), [&] {
+        if (stPlan.optBlank.has_value()) {
+            PutStep(*stPlan.optBlank);
+        }
+        vecSentences = WriteSteps(stDevice, stPlan, strAftermath, pstView);
+    });
     return vecSentences;
 }

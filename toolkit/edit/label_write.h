@@ -14,6 +14,7 @@
 #include "toolkit/edit/change.h"
 #include "toolkit/edit/labels.h"
 #include "toolkit/edit/progress.h"
+#include "toolkit/image/differences.h"
 
 struct LABEL_REQUEST_S
 {
@@ -30,15 +31,9 @@ struct LABEL_STEP_S
     CHANGE_S stChange;
 };
 
-struct BYTE_RUN_S
-{
-    u32 uiOffset; // in the FRU
-    std::vector<u8> vecOld;
-    std::vector<u8> vecNew;
-};
-
 struct LABEL_PLAN_S
 {
+    std::optional<CHANGE_S> optBlank; // the empty image that an erased device is given before the first step
     std::vector<LABEL_STEP_S> vecSteps;
     std::vector<BYTE_RUN_S> vecChanges; // from the device's bytes now to those after the last step
     std::vector<std::string> vecNotes;  // what changes beside the labels, harmless

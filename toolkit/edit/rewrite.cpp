@@ -5,7 +5,7 @@
 #include <map>
 
 #include "toolkit/base/text.h"
-#include "toolkit/controller/source.h"
+#include "toolkit/controller/verdict.h"
 #include "toolkit/image/encoding.h"
 #include "toolkit/image/layout.h"
 
@@ -99,15 +99,12 @@ REWRITE_S CompareImages(const DEVICE_S &stDevice, const IMAGE_S &stOld, const st
 {
     REWRITE_S stRewrite;
     CompareContents(ContentsOf(stDevice, stOld.vecBytes), ContentsOf(stDevice, vecNew), fnMeant, stRewrite);
-    const std::optional<IMAGE_S> optCached = FindSource(stDevice, Source::Cache);
-    if (!stDevice.IsDatabaseOnly() && IsCacheTrusted(stDevice) && optCached.has_value()) {
-        const std::optional<size_t> optAt = FirstDifference(stOld, *optCached, stDevice.HasFixedSlots());
-        if (optAt.has_value()) {
-            stRewrite.vecLosses.insert(stRewrite.vecLosses.begin(),
-                                       Format("the EEPROM's own image from byte 0x%04zx on, where the cached "
-                                              "one, from which the new one is made, differs",
-                                              *optAt));
-        }
+    const std::optional<size_t> optAt = CacheDifference(stDevice, stOld);
+    if (optAt.has_value()) {
+        stRewrite.vecLosses.insert(stRewrite.vecLosses.begin(),
+                                   Format("the EEPROM's own image from byte 0x%04zx on, where the cached "
+                                          "one, from which the new one is made, differs",
+                                          *optAt));
     }
     return stRewrite;
 }

@@ -105,6 +105,29 @@ std::vector<FILE_CHANGE_S> SerialFiles(const Bytes &vecSerialNumber)
     return {{SERIAL_FILE, vecSerialNumber}, {SERIAL_COPY, vecSerialNumber}};
 }
 
+std::vector<FILE_CHANGE_S> MirrorOf(const CHANGE_S &stChange)
+{
+    const DEVICE_S &stDevice = stChange.stDevice;
+    const std::vector<u8> &vecAfter = stChange.Home().vecAfter;
+    Record stRecord;
+    if (stDevice.stEntry.ucComponentType != FRU_COMPONENT_BASEBOARD ||
+        DecodeImage({HomeOf(stDevice), vecAfter, vecAfter.size()}, stDevice.HasFixedSlots(), stRecord) !=
+            FRU_OK ||
+        stRecord.Data()->stProductInfo.pucProductSerialNum == nullptr) {
+        return {};
+    }
+    const std::string strSerial =
+        reinterpret_cast<const char *>(stRecord.Data()->stProductInfo.pucProductSerialNum);
+    return SerialFiles(Bytes(strSerial.begin(), strSerial.end()));
+}
+
+void PutStep(const CHANGE_S &stChange)
+{
+    JOURNAL_ENTRY_S stEntry;
+    stEntry.vecDevices.push_back(Entry(stChange));
+    PutSide(stEntry, Side::New);
+}
+
 void RunTransaction(const RootLock &stLock, const std::vector<CHANGE_S> &vecSteps,
                     std::vector<FILE_CHANGE_S> vecFiles, const std::function<void()> &fnWork)
 {

@@ -14,6 +14,13 @@
 // The serial-number file and its copy, which mirror the main FRU's product serial number.
 std::vector<FILE_CHANGE_S> SerialFiles(const Bytes &vecSerialNumber);
 
+// Those files as they have to be after the change: none when it is of another device, or when its image has no
+// product serial number.
+std::vector<FILE_CHANGE_S> MirrorOf(const CHANGE_S &stChange);
+
+// Within a transaction: makes one step by writing its bytes as they are.
+void PutStep(const CHANGE_S &stChange);
+
 // Runs fnWork, which makes the change of one device in these steps, each from what the one before it leaves; no
 // fnWork: the bytes are written as they are. When it fails, or EEPROM and cache hold something else afterwards,
 // the old bytes are put back and the failure says so; where even that fails, the next command tries again. So are the

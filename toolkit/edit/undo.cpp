@@ -17,23 +17,6 @@ bool ChangesAnything(const CHANGE_S &stChange)
            (stChange.optCache.has_value() && stChange.optCache->optBefore != stChange.optCache->vecAfter);
 }
 
-// The baseboard's serial-number file mirrors its product area; without one it stays as it is.
-std::vector<FILE_CHANGE_S> MirrorOf(const CHANGE_S &stChange)
-{
-    const DEVICE_S &stDevice = stChange.stDevice;
-    const std::vector<u8> &vecAfter = stChange.Home().vecAfter;
-    Record stRecord;
-    if (stDevice.stEntry.ucComponentType != FRU_COMPONENT_BASEBOARD ||
-        DecodeImage({HomeOf(stDevice), vecAfter, vecAfter.size()}, stDevice.HasFixedSlots(), stRecord) !=
-            FRU_OK ||
-        stRecord.Data()->stProductInfo.pucProductSerialNum == nullptr) {
-        return {};
-    }
-    const std::string strSerial =
-        reinterpret_cast<const char *>(stRecord.Data()->stProductInfo.pucProductSerialNum);
-    return SerialFiles(Bytes(strSerial.begin(), strSerial.end()));
-}
-
 } // namespace
 
 PAST_IMAGE_S ChoosePast(const DEVICE_S &stDevice, const std::vector<PAST_IMAGE_S> &vecPast,

@@ -79,7 +79,7 @@ void AddClearCommand(CLI::App &stParent, SESSION_S &stSession)
                    "fructl clear psu1\nfructl clear 0x30:0 --yes");
     AddTargetOptions(pstCommand, pstOptions->stTarget, false);
     pstCommand->add_flag("-y,--yes", pstOptions->bYes, "do not ask");
-    pstCommand->add_flag("--dry-run", pstOptions->bDryRun, "say what would be erased, and write nothing");
+    pstCommand->add_flag("-n,--dry-run", pstOptions->bDryRun, "say what would be erased, and write nothing");
     pstCommand->callback([&stSession, pstOptions] {
         stSession.fnRun = [&stSession, pstOptions] { RunClear(stSession, *pstOptions); };
     });

@@ -18,6 +18,8 @@ constexpr void (*COMMANDS[])(CLI::App &stParent, SESSION_S &stSession) = {
     AddPsnCommand,        //
     AddLabelCommand,      // written
     AddEncodeCommand,     //
+    AddReadCommand,       //
+    AddWriteCommand,      //
     AddClearCommand,      //
     AddRecoverCommand,    //
     AddHistoryCommand,    //

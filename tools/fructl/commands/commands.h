@@ -57,6 +57,8 @@ void AddEncodeCommand(CLI::App &stParent, SESSION_S &stSession);
 void AddDiffCommand(CLI::App &stParent, SESSION_S &stSession);
 void AddRawCommand(CLI::App &stParent, SESSION_S &stSession);
 void AddServeCommand(CLI::App &stParent, SESSION_S &stSession);
+void AddReadCommand(CLI::App &stParent, SESSION_S &stSession);
+void AddWriteCommand(CLI::App &stParent, SESSION_S &stSession);
 void AddClearCommand(CLI::App &stParent, SESSION_S &stSession);
 void AddTestResultCommand(CLI::App &stParent, SESSION_S &stSession);
 void AddFeaturesCommand(CLI::App &stParent, SESSION_S &stSession);

@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // fructl diff: two images field by field.
-#include <map>
-
 #include "commands/commands.h"
+#include "terminal/changes.h"
 #include "terminal/console.h"
 #include "terminal/json_out.h"
 #include "toolkit/base/error.h"
@@ -12,7 +11,7 @@
 #include "toolkit/controller/diagnostics.h"
 #include "toolkit/controller/source.h"
 #include "toolkit/controller/target.h"
-#include "toolkit/image/fields.h"
+#include "toolkit/image/differences.h"
 #include "toolkit/image/image.h"
 #include "toolkit/image/record.h"
 
@@ -24,46 +23,6 @@ struct SIDE_S
     IMAGE_S stImage;
 };
 
-struct FIELD_S
-{
-    FIELD_ID_S stField;
-    std::string strText; // raw
-};
-
-struct DIFFERENCE_S
-{
-    FIELD_ID_S stField;
-    std::optional<std::string> optLeft; // nothing: the image has no such field
-    std::optional<std::string> optRight;
-};
-
-// Every field of a record, in order.
-std::vector<FIELD_S> FieldsOf(const RECORD_VIEW_S &stView)
-{
-    std::vector<FIELD_S> vecFields;
-    for (const AREA_VIEW_S &stArea : stView.vecAreas) {
-        for (const FIELD_VIEW_S &stField : stArea.vecFields) {
-            // Two numbers may have one text (English).
-            const bool bNumber = stField.enField == Field::Language && stField.optNumber.has_value();
-            vecFields.push_back({{stArea.enArea, stField.enField},
-                                 stField.strText + (bNumber ? Format(" (%u)", *stField.optNumber) : "")});
-        }
-        for (u32 i = 0; i < stArea.vecCustomFields.size(); i++) {
-            vecFields.push_back({{stArea.enArea, Field::Custom, i}, stArea.vecCustomFields[i]});
-        }
-    }
-    if (stView.IsMultiRecordAreaDamaged()) {
-        vecFields.push_back({{Area::MultiRecord, Field::Records}, "damaged"});
-    }
-    for (u32 i = 0; i < stView.vecMultiRecords.size(); i++) {
-        const MULTIRECORD_VIEW_S &stRecord = stView.vecMultiRecords[i];
-        vecFields.push_back({{Area::MultiRecord, Field::OneRecord, i},
-                             Format("type 0x%02x, version %u: ", stRecord.ucType, stRecord.ucFormatVersion) +
-                                 HexBytes(stRecord.vecData)});
-    }
-    return vecFields;
-}
-
 SIDE_S Load(const SESSION_S &stSession, const TARGET_OPTIONS_S &stOptions)
 {
     SIDE_S stSide = {ResolveTarget(stSession, stOptions), {}};
@@ -72,7 +31,7 @@ SIDE_S Load(const SESSION_S &stSession, const TARGET_OPTIONS_S &stOptions)
 }
 
 // A baseboard's image is taken as it is here, so that it compares with a file of it.
-std::vector<FIELD_S> DecodeSide(const SIDE_S &stSide)
+RECORD_VIEW_S DecodeSide(const SIDE_S &stSide)
 {
     Record stRecord;
     ClearDiagnostics();
@@ -81,35 +40,7 @@ std::vector<FIELD_S> DecodeSide(const SIDE_S &stSide)
         Fail(ErrorClass::Damaged, "cannot decode " + stSide.stTarget.Title() + ": " + StatusText(uiRet) +
                                       DiagnosticHint() + "; 'fructl verify' tells all");
     }
-    return FieldsOf(ViewRecord(*stRecord.Data()));
-}
-
-std::vector<DIFFERENCE_S> Compare(const std::vector<FIELD_S> &vecLeft, const std::vector<FIELD_S> &vecRight)
-{
-    // By area, then in each image's own order; a field that only the right one has comes behind the left's.
-    std::map<Area, std::vector<DIFFERENCE_S>> mapAreas;
-    const auto fnFind = [](const std::vector<FIELD_S> &vecFields, const FIELD_S &stField) {
-        const auto itField = std::find_if(vecFields.begin(), vecFields.end(), [&](const FIELD_S &stOther) {
-            return stOther.stField == stField.stField;
-        });
-        return itField == vecFields.end() ? std::nullopt : std::optional<std::string>(itField->strText);
-    };
-    for (const FIELD_S &stField : vecLeft) {
-        const std::optional<std::string> optRight = fnFind(vecRight, stField);
-        if (optRight != stField.strText) {
-            mapAreas[stField.stField.enArea].push_back({stField.stField, stField.strText, optRight});
-        }
-    }
-    for (const FIELD_S &stField : vecRight) {
-        if (!fnFind(vecLeft, stField).has_value()) {
-            mapAreas[stField.stField.enArea].push_back({stField.stField, std::nullopt, stField.strText});
-        }
-    }
-    std::vector<DIFFERENCE_S> vecDifferences;
-    for (const auto &itArea : mapAreas) {
-        vecDifferences.insert(vecDifferences.end(), itArea.second.begin(), itArea.second.end());
-    }
-    return vecDifferences;
+    return ViewRecord(*stRecord.Data());
 }
 
 bool SameBytes(const SIDE_S &stLeft, const SIDE_S &stRight)
@@ -120,13 +51,6 @@ bool SameBytes(const SIDE_S &stLeft, const SIDE_S &stRight)
                       stRight.stImage.vecBytes.begin());
 }
 
-std::string Side(const char *pcMark, Colour enColour, const std::optional<std::string> &optText)
-{
-    return optText.has_value()
-               ? "    " + Paint(enColour, pcMark + EscapeText(optText->empty() ? "-" : *optText)) + "\n"
-               : "";
-}
-
 std::string DifferencesText(const SIDE_S &stLeft, const SIDE_S &stRight,
                             const std::vector<DIFFERENCE_S> &vecDifferences)
 {
@@ -135,39 +59,18 @@ std::string DifferencesText(const SIDE_S &stLeft, const SIDE_S &stRight,
                    ? "same: every field, and every byte that both images have\n"
                    : "same: every field; some bytes differ (unused ones, or a text stored in another way)\n";
     }
-    std::string strOut = Paint(Colour::Red, "- " + stLeft.stTarget.Title()) + "\n" +
-                         Paint(Colour::Green, "+ " + stRight.stTarget.Title()) + "\n";
-    const DIFFERENCE_S *pstBefore = nullptr;
-    for (const DIFFERENCE_S &stDifference : vecDifferences) {
-        if (pstBefore == nullptr || pstBefore->stField.enArea != stDifference.stField.enArea) {
-            strOut += "\n" + Paint(Colour::Bold, AreaName(stDifference.stField.enArea)) + "\n";
-        }
-        strOut += "  " + FieldName(stDifference.stField) + "\n";
-        strOut += Side("- ", Colour::Red, stDifference.optLeft);
-        strOut += Side("+ ", Colour::Green, stDifference.optRight);
-        pstBefore = &stDifference;
-    }
-    return strOut;
+    return Paint(Colour::Red, "- " + stLeft.stTarget.Title()) + "\n" +
+           Paint(Colour::Green, "+ " + stRight.stTarget.Title()) + "\n" + FieldChangesText(vecDifferences);
 }
 
 Json DifferencesJson(const SIDE_S &stLeft, const SIDE_S &stRight,
                      const std::vector<DIFFERENCE_S> &vecDifferences)
 {
-    const auto fnText = [](const std::optional<std::string> &optText) {
-        return optText.has_value() ? Json(Latin1ToUtf8(*optText)) : Json(nullptr);
-    };
-    Json stList = Json::array();
-    for (const DIFFERENCE_S &stDifference : vecDifferences) {
-        stList.push_back({{"area", AreaKey(stDifference.stField.enArea)},
-                          {"field", FieldName(stDifference.stField)},
-                          {"a", fnText(stDifference.optLeft)},
-                          {"b", fnText(stDifference.optRight)}});
-    }
     return {{"a", TargetJson(stLeft.stTarget)},
             {"b", TargetJson(stRight.stTarget)},
             {"same", vecDifferences.empty()},
             {"sameBytes", SameBytes(stLeft, stRight)},
-            {"differences", stList}};
+            {"differences", FieldChangesJson(vecDifferences, "a", "b")}};
 }
 
 struct DIFF_S
@@ -193,7 +96,7 @@ void RunDiff(SESSION_S &stSession, const DIFF_S &stOptions)
     }
     const SIDE_S stLeft = Load(stSession, vecSides[0]);
     const SIDE_S stRight = Load(stSession, vecSides[1]);
-    const std::vector<DIFFERENCE_S> vecDifferences = Compare(DecodeSide(stLeft), DecodeSide(stRight));
+    const std::vector<DIFFERENCE_S> vecDifferences = CompareRecords(DecodeSide(stLeft), DecodeSide(stRight));
     if (stSession.bJson) {
         PrintJson(DifferencesJson(stLeft, stRight, vecDifferences));
     } else {

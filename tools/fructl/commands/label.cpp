@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // fructl label: the named fields of a device, listed, read and written.
 #include "commands/commands.h"
+#include "terminal/changes.h"
 #include "terminal/console.h"
 #include "terminal/json_out.h"
 #include "terminal/progress.h"
@@ -237,15 +238,10 @@ Json PlanJson(const DEVICE_S &stDevice, const LABEL_PLAN_S &stPlan, bool bDryRun
         }
         stLabels.push_back(stJson);
     }
-    Json stBytes = Json::array();
-    for (const BYTE_RUN_S &stRun : stPlan.vecChanges) {
-        stBytes.push_back(
-            {{"offset", stRun.uiOffset}, {"old", HexBytes(stRun.vecOld)}, {"new", HexBytes(stRun.vecNew)}});
-    }
     return {{"device", DeviceJson(stDevice)},
             {"dryRun", bDryRun},
             {"labels", stLabels},
-            {"bytes", stBytes},
+            {"bytes", ByteChangesJson(stPlan.vecChanges)},
             {"notes", stPlan.vecNotes},
             {"losses", stPlan.vecLosses}};
 }
@@ -274,26 +270,6 @@ std::string StepsText(const LABEL_PLAN_S &stPlan)
     return strOut;
 }
 
-// The runs of changed bytes, at most 16 a line: "0x00dd  4c 48 -> 4d 49".
-std::string BytesText(const LABEL_PLAN_S &stPlan)
-{
-    constexpr size_t LINE = 16U;
-    size_t uiCount = 0;
-    std::string strRows;
-    for (const BYTE_RUN_S &stRun : stPlan.vecChanges) {
-        uiCount += stRun.vecOld.size();
-        for (size_t i = 0; i < stRun.vecOld.size(); i += LINE) {
-            const size_t uiPart = std::min(LINE, stRun.vecOld.size() - i);
-            strRows += Format("    0x%04zx  ", stRun.uiOffset + i) +
-                       HexBytes(stRun.vecOld.data() + i, uiPart) + " -> " +
-                       HexBytes(stRun.vecNew.data() + i, uiPart) + "\n";
-        }
-    }
-    return "  " +
-           (uiCount == 0U ? std::string("no byte would change") : Count(uiCount, "byte") + " would change") +
-           "\n" + strRows;
-}
-
 void RunSet(const SESSION_S &stSession, const LABEL_OPTIONS_S &stOptions)
 {
     std::vector<std::string> vecRest;
@@ -306,7 +282,7 @@ void RunSet(const SESSION_S &stSession, const LABEL_OPTIONS_S &stOptions)
             PrintJson(PlanJson(stDevice, stPlan, true, {}));
         } else {
             Print(stDevice.Title() + ": nothing was written; this would be\n" + StepsText(stPlan) +
-                  BytesText(stPlan));
+                  ByteChangesText(stPlan.vecChanges));
         }
         return;
     }

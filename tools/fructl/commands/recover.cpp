@@ -3,6 +3,8 @@
 #include <sys/stat.h>
 
 #include "commands/commands.h"
+#include "commands/image_plan.h"
+#include "terminal/changes.h"
 #include "terminal/console.h"
 #include "terminal/json_out.h"
 #include "toolkit/base/text.h"
@@ -14,40 +16,78 @@
 
 namespace {
 
-void Report(const SESSION_S &stSession, const DEVICE_S &stDevice, const char *pcOutcome,
-            const std::string &strText)
+struct RECOVER_S
 {
-    if (stSession.bJson) {
-        PrintJson({{"device", DeviceJson(stDevice)},
-                   {"outcome", pcOutcome},
-                   {"storedImage", stDevice.ImagePath()},
-                   {"text", strText}});
-    } else {
-        Print(Paint(Colour::Green, stDevice.Title()) + " " + strText + "\n");
+    TARGET_OPTIONS_S stTarget;
+    std::string strFrom;
+    bool bDryRun = false;
+};
+
+// The one line, behind the device's title.
+std::string Line(const RECOVERY_S &stRecovery, bool bDryRun)
+{
+    if (stRecovery.strDamage.empty()) {
+        return "was fine; nothing was written";
     }
+    return bDryRun ? "is damaged: " + stRecovery.strDamage +
+                         "; nothing was written; it would be restored from " + stRecovery.strSource
+                   : "was damaged and is restored from " + stRecovery.strSource;
 }
 
-void RunRecover(const SESSION_S &stSession, const TARGET_OPTIONS_S &stOptions)
+void Report(const SESSION_S &stSession, const DEVICE_S &stDevice, const RECOVERY_S &stRecovery, bool bDryRun)
 {
-    const DEVICE_S stDevice = ResolveDevice(stSession, stOptions);
-    const RootLock stLock(stSession);
-    if (Recover(stLock, stDevice) == Recovery::Fine) {
-        Report(stSession, stDevice, "fine", "was fine; nothing was written");
-    } else {
-        Report(stSession, stDevice, "restored",
-               "was damaged and is restored from " + EscapeText(stDevice.ImagePath()));
+    const std::string strLine = Line(stRecovery, bDryRun);
+    if (!stSession.bJson) {
+        Print(Paint(Colour::Green, stDevice.Title()) + " " + strLine + "\n");
+        if (bDryRun && stRecovery.optPlan.has_value()) {
+            Print(ImagePlanText(*stRecovery.optPlan) + ByteChangesText(stRecovery.optPlan->vecBytes));
+        }
+        return;
     }
+    Json stJson = {{"device", DeviceJson(stDevice)},
+                   {"outcome", stRecovery.strDamage.empty() ? "fine"
+                               : bDryRun                    ? "damaged"
+                                                            : "restored"},
+                   {"storedImage", stDevice.ImagePath()},
+                   {"text", strLine}};
+    if (stRecovery.optPlan.has_value()) {
+        stJson.update({{"dryRun", bDryRun}, {"damage", stRecovery.strDamage}, {"from", stRecovery.strFrom}});
+        stJson.update(ImagePlanJson(*stRecovery.optPlan));
+    }
+    PrintJson(stJson);
+}
+
+void RunRecover(const SESSION_S &stSession, const RECOVER_S &stOptions)
+{
+    const DEVICE_S stDevice = ResolveDevice(stSession, stOptions.stTarget);
+    std::optional<RootLock> optLock;
+    if (!stOptions.bDryRun) {
+        optLock.emplace(stSession);
+    }
+    const RECOVERY_S stRecovery = PlanRecovery(stSession, stDevice, stOptions.strFrom);
+    if (optLock.has_value() && stRecovery.optPlan.has_value()) {
+        WriteRecovery(*optLock, stDevice, stRecovery);
+    }
+    Report(stSession, stDevice, stRecovery, stOptions.bDryRun);
 }
 
 } // namespace
 
 void AddRecoverCommand(CLI::App &stParent, SESSION_S &stSession)
 {
-    const auto pstOptions = std::make_shared<TARGET_OPTIONS_S>();
-    CLI::App *pstCommand =
-        AddCommand(stParent, "recover", "Restore a device with a damaged header from its stored image",
-                   "fructl recover baseboard\nfructl recover --id 0 --json");
-    AddTargetOptions(pstCommand, *pstOptions, false);
+    const auto pstOptions = std::make_shared<RECOVER_S>();
+    CLI::App *pstCommand = AddCommand(
+        stParent, "recover", "Restore a device that is damaged or erased, or whose cached image differs",
+        "fructl recover baseboard\nfructl recover psu1 --dry-run\nfructl recover psu1 --from history\n"
+        "fructl recover --id 1 --from ./psu1.bin --json");
+    AddTargetOptions(pstCommand, pstOptions->stTarget, false);
+    pstCommand
+        ->add_option("--from", pstOptions->strFrom,
+                     "stored, history, cache or an image file; without it the first of the three that is in "
+                     "order")
+        ->type_name("SOURCE");
+    pstCommand->add_flag("-n,--dry-run", pstOptions->bDryRun,
+                         "tell what would be taken and what would change, and write nothing");
     pstCommand->callback([&stSession, pstOptions] {
         stSession.fnRun = [&stSession, pstOptions] { RunRecover(stSession, *pstOptions); };
     });

@@ -8,15 +8,13 @@
 #include "toolkit/base/text.h"
 #include "toolkit/controller/device.h"
 #include "toolkit/controller/device_json.h"
-#include "toolkit/controller/diagnostics.h"
 #include "toolkit/controller/source.h"
 #include "toolkit/controller/target.h"
+#include "toolkit/controller/verdict.h"
 #include "toolkit/image/fields.h"
-#include "toolkit/image/hardware_block.h"
 #include "toolkit/image/image.h"
 #include "toolkit/image/layout.h"
 #include "toolkit/image/layout_json.h"
-#include "toolkit/image/record.h"
 
 namespace {
 
@@ -37,23 +35,13 @@ struct CHECK_S
 
 CHECK_S CheckImage(const TARGET_S &stTarget, const IMAGE_S &stImage)
 {
-    CHECK_S stCheck = {stTarget.Title(), TargetJson(stTarget), LayoutOf(stImage, stTarget.HasFixedSlots()),
-                       "", true};
+    const VERDICT_S stVerdict = VerdictOn(stImage, stTarget.HasFixedSlots());
+    CHECK_S stCheck = {stTarget.Title(), TargetJson(stTarget), stVerdict.stLayout, stVerdict.strRefusal,
+                       true};
     if (stImage.enSource == Source::Cache) {
         stCheck.strTitle += ", cached image";
     }
     stCheck.stJson["source"] = SourceName(stImage.enSource);
-    // The library has the last word: what it refuses is not in order, whatever the walk above thinks.
-    // It has no word on a hardware block, whose CRC-8 bytes it has computed for the walk.
-    if (IsHardwareBlock(stImage.vecBytes, stImage.uiStored)) {
-        return stCheck;
-    }
-    Record stRecord;
-    ClearDiagnostics();
-    const u32 uiRet = DecodeImage(stImage, stTarget.HasFixedSlots(), stRecord);
-    if (uiRet != FRU_OK && stCheck.stLayout.IsSound()) {
-        stCheck.strFailure = "the library refuses it: " + StatusText(uiRet) + DiagnosticHint();
-    }
     return stCheck;
 }
 
@@ -75,21 +63,17 @@ void CheckTarget(const TARGET_S &stTarget, std::vector<CHECK_S> &vecChecks)
         vecChecks.push_back(Unreadable(
             stTarget, stTarget.optDevice.has_value() ? Source::Eeprom : Source::File, stError.what()));
     }
-    if (!stTarget.optDevice.has_value() || stTarget.optDevice->IsDatabaseOnly() ||
-        !IsCacheTrusted(*stTarget.optDevice)) {
+    if (!stTarget.optDevice.has_value() || !optImage.has_value()) {
         return;
     }
-    const std::optional<IMAGE_S> optCached = FindSource(*stTarget.optDevice, Source::Cache);
-    if (!optCached.has_value() || !optImage.has_value()) {
-        return;
-    }
-    const std::optional<size_t> optAt = FirstDifference(*optImage, *optCached, stTarget.HasFixedSlots());
+    const std::optional<size_t> optAt = CacheDifference(*stTarget.optDevice, *optImage);
     if (optAt.has_value()) {
-        CHECK_S stCheck = CheckImage(stTarget, *optCached);
+        const IMAGE_S stCached = ReadSource(*stTarget.optDevice, Source::Cache);
+        CHECK_S stCheck = CheckImage(stTarget, stCached);
         stCheck.strFailure =
             Format("%s the EEPROM from byte 0x%04zx on (0x%02x in the EEPROM, 0x%02x cached)",
                    stCheck.stLayout.IsSound() ? "sound in itself, but differs from" : "differs from", *optAt,
-                   optImage->vecBytes[*optAt], optCached->vecBytes[*optAt]);
+                   optImage->vecBytes[*optAt], stCached.vecBytes[*optAt]);
         vecChecks.push_back(stCheck);
     }
 }

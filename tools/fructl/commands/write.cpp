@@ -1,0 +1,131 @@
+// SPDX-License-Identifier: Apache-2.0
+// fructl write: an image file onto a device.
+#include <iostream>
+#include <iterator>
+#include <unistd.h>
+
+#include "commands/commands.h"
+#include "commands/image_plan.h"
+#include "terminal/changes.h"
+#include "terminal/console.h"
+#include "terminal/json_out.h"
+#include "toolkit/base/error.h"
+#include "toolkit/base/file.h"
+#include "toolkit/base/text.h"
+#include "toolkit/controller/device.h"
+#include "toolkit/controller/device_json.h"
+#include "toolkit/controller/root_lock.h"
+#include "toolkit/controller/target.h"
+#include "toolkit/edit/image_write.h"
+#include "toolkit/image/image_file.h"
+
+namespace {
+
+constexpr const char *STANDARD_INPUT = "-";
+
+struct WRITE_S
+{
+    TARGET_OPTIONS_S stTarget;
+    std::string strFile;
+    bool bForce = false;
+    bool bDryRun = false;
+};
+
+std::vector<u8> TakeImage(const std::string &strFile)
+{
+    if (strFile != STANDARD_INPUT) {
+        return ReadImageFile(strFile);
+    }
+    if (isatty(STDIN_FILENO) == 1) {
+        FailUsage("an image is bytes that no terminal gives; accepted: a file, or a pipe in front of -");
+    }
+    std::vector<u8> vecBytes;
+    char acBuffer[4096];
+    while (std::cin.read(acBuffer, sizeof(acBuffer)) || std::cin.gcount() > 0) {
+        vecBytes.insert(vecBytes.end(), acBuffer, acBuffer + std::cin.gcount());
+        if (vecBytes.size() > IMAGE_FILE_MAX) {
+            break; // it fits nowhere, however long it is
+        }
+    }
+    return vecBytes;
+}
+
+void Report(const SESSION_S &stSession, const WRITE_S &stOptions, const IMAGE_PLAN_S &stPlan,
+            const std::string &strSentence)
+{
+    const DEVICE_S &stDevice = stPlan.stChange.stDevice;
+    if (stSession.bJson) {
+        Json stJson = {{"device", DeviceJson(stDevice)}, {"dryRun", stOptions.bDryRun}};
+        stJson.update(ImagePlanJson(stPlan));
+        if (!strSentence.empty()) {
+            stJson["operationLog"] = strSentence;
+        }
+        PrintJson(stJson);
+    } else if (stPlan.IsUnchanged()) {
+        Print(stDevice.Title() + " is unchanged: it holds this image already; nothing was written\n");
+    } else if (stOptions.bDryRun) {
+        Print(stDevice.Title() + ": nothing was written; this would be\n" + ImagePlanText(stPlan) +
+              ByteChangesText(stPlan.vecBytes));
+    } else {
+        Print(Paint(Colour::Green, strSentence) + "\n" + ImagePlanText(stPlan));
+    }
+}
+
+void RunWrite(const SESSION_S &stSession, const WRITE_S &stOptions)
+{
+    const std::vector<u8> vecImage = TakeImage(stOptions.strFile);
+    const DEVICE_S stDevice = ResolveDevice(stSession, stOptions.stTarget);
+    std::optional<RootLock> optLock;
+    if (!stOptions.bDryRun) {
+        optLock.emplace(stSession);
+    }
+    const IMAGE_PLAN_S stPlan = PlanImage(stDevice, vecImage);
+    if (!stPlan.stVerdict.IsGood()) {
+        const std::string strWhy = "the image is not in order: " + stPlan.stVerdict.Why();
+        if (!stOptions.bForce) {
+            Fail("refused, for " + strWhy + "; --force writes it to " + stDevice.Title() + " all the same");
+        }
+        stSession.Warn(strWhy);
+    }
+    std::string strSentence;
+    if (optLock.has_value() && !stPlan.IsUnchanged()) {
+        strSentence = WriteImage(*optLock, stPlan, "written");
+    }
+    Report(stSession, stOptions, stPlan, strSentence);
+}
+
+} // namespace
+
+void AddWriteCommand(CLI::App &stParent, SESSION_S &stSession)
+{
+    const auto pstOptions = std::make_shared<WRITE_S>();
+    CLI::App *pstCommand =
+        AddCommand(stParent, "write", "Write a whole image onto a device; what lies behind it becomes 0xff",
+                   "fructl write psu1 psu1.bin --dry-run\nfructl write baseboard baseboard.hex\n"
+                   "fructl read psu1 -o - | fructl write psu2 -");
+    // Two words: the device and the file, or with --id the file alone.
+    const auto pvecWords = std::make_shared<std::vector<std::string>>();
+    pstCommand
+        ->add_option("DEVICE FILE", *pvecWords,
+                     "TYPE:INSTANCE or a device's name, none with --id; and the image file (*.hex: "
+                     "readable hex; -: standard input)")
+        ->expected(1, 2)
+        ->required();
+    pstCommand
+        ->add_option("--id", pstOptions->stTarget.strDeviceID,
+                     "the device by its FRU device ID instead, 0 to 255")
+        ->type_name("N");
+    pstCommand->add_flag("--force", pstOptions->bForce, "write an image that is not in order, too");
+    pstCommand->add_flag("-n,--dry-run", pstOptions->bDryRun,
+                         "show the fields and bytes that would change, and write nothing");
+    pstCommand->callback([&stSession, pstOptions, pvecWords] {
+        const bool bByID = !pstOptions->stTarget.strDeviceID.empty();
+        if (pvecWords->size() != (bByID ? 1U : 2U)) {
+            throw CLI::ValidationError(bByID ? "with --id only the image file is named"
+                                             : "a device and an image file are to be named");
+        }
+        pstOptions->stTarget.strTarget = bByID ? "" : pvecWords->front();
+        pstOptions->strFile = pvecWords->back();
+        stSession.fnRun = [&stSession, pstOptions] { RunWrite(stSession, *pstOptions); };
+    });
+}
