@@ -177,7 +177,8 @@ class LockFile
     LockFile(const LockFile &) = delete;
     LockFile &operator=(const LockFile &) = delete;
 
-    // Waits at most so long, then ETIMEDOUT. The file's directory must exist.
+    // Waits at most so long, then ETIMEDOUT; all who wait, sharers too, have it in the order in which they came.
+    // The file's directory must exist.
     int Take(const PLACE_S &stPlace, unsigned uiPatienceMs);
     // Together with others that share it. Makes no file: ENOENT, EACCES tell that there is none to wait for.
     int Share(const PLACE_S &stPlace, unsigned uiPatienceMs);

@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-// Lock files: flock(2) on files that nobody else can open.
+// Lock files: flock(2) on files that nobody else can open. Whoever has to wait draws a number: a byte of the file,
+// which it locks by fcntl(2), where the file need not have it. Nobody takes the lock while a lower byte is locked,
+// so that all have it in the order in which they came; a number falls with its process.
 #include <algorithm>
 #include <cerrno>
 #include <chrono>
@@ -66,6 +68,7 @@ namespace {
 
 constexpr std::chrono::microseconds g_stFirstPause(50);
 constexpr std::chrono::microseconds g_stLongestPause(5000);
+constexpr std::chrono::microseconds g_stLongestTurn(1000); // of the one whose turn it is
 constexpr mode_t g_uiOwnMode = 0600;
 constexpr mode_t g_uiGroupMode = 0660;
 
@@ -90,25 +93,83 @@ LockFile::~LockFile()
     LOCK_LIST_S::Instance().Drop(this);
 }
 
+namespace {
+
+struct flock Range(short iType, off_t iStart, off_t iLength)
+{
+    struct flock stRange = {};
+    stRange.l_type = iType;
+    stRange.l_whence = SEEK_SET;
+    stRange.l_start = iStart;
+    stRange.l_len = iLength;
+    return stRange;
+}
+
+// The first number that somebody else has, of iLength (0: of all) from iStart on; -1: none.
+off_t FindNumber(int iFd, off_t iStart, off_t iLength)
+{
+    struct flock stRange = Range(F_WRLCK, iStart, iLength);
+    return fcntl(iFd, F_OFD_GETLK, &stRange) == 0 && stRange.l_type != F_UNLCK ? stRange.l_start : -1;
+}
+
+// A number behind all that are drawn; 0, which nobody waits for, where the file system has no such locks.
+off_t DrawNumber(int iFd, bool bShared)
+{
+    for (;;) {
+        off_t iNumber = 1;
+        for (off_t iTaken = FindNumber(iFd, 1, 0); iTaken > 0; iTaken = FindNumber(iFd, iNumber, 0)) {
+            iNumber = iTaken + 1;
+        }
+        struct flock stRange = Range(bShared ? F_RDLCK : F_WRLCK, iNumber, 1);
+        if (fcntl(iFd, F_OFD_SETLK, &stRange) == 0) {
+            return iNumber;
+        }
+        if (errno != EAGAIN && errno != EACCES && errno != EINTR) {
+            return 0;
+        }
+    }
+}
+
+void ReturnNumber(int iFd)
+{
+    struct flock stRange = Range(F_UNLCK, 0, 0);
+    (void)fcntl(iFd, F_OFD_SETLK, &stRange);
+}
+
+} // namespace
+
 int LockFile::Wait(int iOperation, unsigned uiPatienceMs)
 {
     const auto stUntil = std::chrono::steady_clock::now() + std::chrono::milliseconds(uiPatienceMs);
     auto stPause = g_stFirstPause;
-    while (flock(m_stFile.Get(), iOperation | LOCK_NB) != 0) {
-        if (errno == EINTR) {
-            continue;
+    const int iFd = m_stFile.Get();
+    off_t iNumber = 0;
+    int iError = 0;
+    for (;;) {
+        // Before it has a number it gives way to all who have.
+        const bool bTurn = iNumber == 1 || FindNumber(iFd, 1, iNumber == 0 ? 0 : iNumber - 1) < 0;
+        if (bTurn && flock(iFd, iOperation | LOCK_NB) == 0) {
+            break;
         }
-        if (errno != EWOULDBLOCK) {
-            return errno;
+        if (bTurn && errno != EWOULDBLOCK && errno != EINTR) {
+            iError = errno;
+            break;
         }
         if (std::chrono::steady_clock::now() >= stUntil) {
-            return ETIMEDOUT;
+            iError = ETIMEDOUT;
+            break;
+        }
+        if (iNumber == 0) {
+            iNumber = DrawNumber(iFd, iOperation == LOCK_SH);
         }
         std::this_thread::sleep_for(stPause);
-        stPause = std::min(stPause * 2, g_stLongestPause);
+        stPause = std::min(stPause * 2, bTurn ? g_stLongestTurn : g_stLongestPause);
     }
-    m_bHeld = true;
-    return 0;
+    if (iNumber != 0) {
+        ReturnNumber(iFd);
+    }
+    m_bHeld = iError == 0;
+    return iError;
 }
 
 int LockFile::Take(const PLACE_S &stPlace, unsigned uiPatienceMs)

@@ -2,6 +2,7 @@
 #include "files/files.h"
 
 #include <algorithm>
+#include <cctype>
 #include <cerrno>
 #include <chrono>
 #include <csignal>
@@ -9,6 +10,7 @@
 #include <sys/file.h>
 #include <sys/wait.h>
 #include <unistd.h>
+#include <vector>
 
 #include "scratch.h"
 
@@ -79,6 +81,70 @@ TEST_F(Locks, NobodyElseCanHoldThem)
     ASSERT_EQ(stLock.Take(At("lock"), 0U), 0);
     stLock.Release();
     EXPECT_EQ(InChild([&] { return LockFile().Share(At("lock"), 0U); }, true), EACCES);
+}
+
+// Each child takes its turn and sends its number.
+pid_t StartWaiting(const std::string &strLock, char cName, int iTurns, bool bShared)
+{
+    const pid_t iChild = fork();
+    if (iChild == 0) {
+        LockFile stLock;
+        const int iError = bShared ? stLock.Share(strLock, 60000U) : stLock.Take(strLock, 60000U);
+        _exit(iError == 0 && write(iTurns, &cName, 1) == 1 ? 0 : 1);
+    }
+    return iChild;
+}
+
+// How many numbers are drawn.
+off_t Waiting(const std::string &strLock)
+{
+    const int iFd = open(strLock.c_str(), O_RDWR | O_CLOEXEC);
+    off_t iCount = 0;
+    struct flock stRange = {};
+    for (off_t iStart = 1;; iStart = stRange.l_start + 1) {
+        stRange = {};
+        stRange.l_type = F_WRLCK;
+        stRange.l_whence = SEEK_SET;
+        stRange.l_start = iStart;
+        if (fcntl(iFd, F_OFD_GETLK, &stRange) != 0 || stRange.l_type == F_UNLCK) {
+            break;
+        }
+        iCount++;
+    }
+    close(iFd);
+    return iCount;
+}
+
+TEST_F(Locks, WhoeverWaitsHasItInTheOrderInWhichTheyCame)
+{
+    int aiTurns[2];
+    ASSERT_EQ(pipe(aiTurns), 0);
+    LockFile stFirst;
+    ASSERT_EQ(stFirst.Take(At("lock"), 0U), 0);
+    std::vector<pid_t> vecChildren;
+    const std::string strOrder = "abCdeFg"; // capitals share
+    for (const char cName : strOrder) {
+        vecChildren.push_back(StartWaiting(At("lock"), cName, aiTurns[1], isupper(cName) != 0));
+        while (Waiting(At("lock")) != static_cast<off_t>(vecChildren.size())) {
+            usleep(1000);
+        }
+    }
+    // Somebody who has waited and is killed keeps nobody waiting.
+    (void)kill(vecChildren[1], SIGKILL);
+    EXPECT_EQ(LockFile().Take(At("lock"), 0U), ETIMEDOUT);
+    stFirst.Release();
+    std::string strTurns;
+    char cTurn = 0;
+    while (strTurns.size() + 1U < strOrder.size() && read(aiTurns[0], &cTurn, 1) == 1) {
+        strTurns += cTurn;
+    }
+    EXPECT_EQ(strTurns, "aCdeFg");
+    for (const pid_t iChild : vecChildren) {
+        (void)waitpid(iChild, nullptr, 0);
+    }
+    EXPECT_EQ(LockFile().Take(At("lock"), 0U), 0);
+    close(aiTurns[0]);
+    close(aiTurns[1]);
 }
 
 TEST_F(Locks, AChildOfForkDoesNotHoldOnToThemWhenItsParentIsKilled)

@@ -7,6 +7,7 @@
 #include "toolkit/base/error.h"
 #include "toolkit/base/text.h"
 #include "toolkit/controller/cause.h"
+#include "toolkit/controller/changeover.h"
 #include "toolkit/controller/root_lock.h"
 
 void OpenController(CONTROLLER_S &stController)
@@ -53,6 +54,9 @@ bool HasController(const CONTROLLER_S &stController)
 
 void RequireController(const CONTROLLER_S &stController)
 {
+    if (!stController.bWriting && HasChangeover()) {
+        stController.pstReadLock = std::make_shared<ReadLock>(stController); // there may be none yet
+    }
     if (!HasController(stController)) {
         Fail(ErrorClass::NotFound,
              "there is no controller in " + stController.strRoot +

@@ -9,9 +9,14 @@ namespace {
 
 constexpr const char *KIND = "bmcfru past image 1";
 
+std::string DirectoryOf(u8 ucDeviceID)
+{
+    return Format("/var/lib/fru/history/%u", ucDeviceID);
+}
+
 std::string DirectoryOf(const DEVICE_S &stDevice)
 {
-    return Format("/var/lib/fru/history/%u", stDevice.stEntry.ucDeviceID);
+    return DirectoryOf(stDevice.stEntry.ucDeviceID);
 }
 
 PAST_IMAGE_S ImageOf(const std::string &strDirectory, u32 uiNumber)
@@ -54,5 +59,13 @@ void KeepImage(const CONTROLLER_S &stController, const DEVICE_S &stDevice, PAST_
     WriteRecordFile(strDirectory, stImage.uiNumber, KIND, stContent);
     for (size_t i = 0; i + HISTORY_MAX < vecNumbers.size() + 1U; i++) {
         RemoveRecordFile(strDirectory, vecNumbers[i]);
+    }
+}
+
+void ForgetHistory(u8 ucDeviceID)
+{
+    const std::string strDirectory = DirectoryOf(ucDeviceID);
+    for (const u32 uiNumber : RecordNumbers(strDirectory)) {
+        RemoveRecordFile(strDirectory, uiNumber);
     }
 }

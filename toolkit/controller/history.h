@@ -28,4 +28,7 @@ std::vector<PAST_IMAGE_S> ReadHistory(const CONTROLLER_S &stController, const DE
 // the one kept last is not kept again. Fails when it cannot be kept.
 void KeepImage(const CONTROLLER_S &stController, const DEVICE_S &stDevice, PAST_IMAGE_S stImage);
 
+// Of a device that is no more.
+void ForgetHistory(u8 ucDeviceID);
+
 #endif

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "toolkit/controller/journal.h"
 
+#include <algorithm>
+
 #include "bmcfru_host.h"
 #include "toolkit/base/error.h"
 #include "toolkit/controller/record_file.h"
@@ -84,12 +86,19 @@ JOURNAL_ENTRY_S EntryOf(u32 uiNumber)
     return stEntry;
 }
 
+std::vector<u32> EntryNumbers()
+{
+    std::vector<u32> vecNumbers = RecordNumbers(DIRECTORY);
+    vecNumbers.erase(std::remove(vecNumbers.begin(), vecNumbers.end(), CHANGEOVER_NUMBER), vecNumbers.end());
+    return vecNumbers;
+}
+
 } // namespace
 
 std::vector<JOURNAL_ENTRY_S> ReadJournal()
 {
     std::vector<JOURNAL_ENTRY_S> vecEntries;
-    for (const u32 uiNumber : RecordNumbers(DIRECTORY)) {
+    for (const u32 uiNumber : EntryNumbers()) {
         vecEntries.push_back(EntryOf(uiNumber));
     }
     return vecEntries;
@@ -102,7 +111,7 @@ bool HasJournal()
 
 void WriteJournal(JOURNAL_ENTRY_S &stEntry)
 {
-    const std::vector<u32> vecNumbers = RecordNumbers(DIRECTORY);
+    const std::vector<u32> vecNumbers = EntryNumbers();
     stEntry.uiNumber = vecNumbers.empty() ? 1U : vecNumbers.back() + 1U;
     stEntry.strTime = TimeNow();
     WriteRecordFile(DIRECTORY, stEntry.uiNumber, KIND, ToJson(stEntry));
@@ -111,4 +120,11 @@ void WriteJournal(JOURNAL_ENTRY_S &stEntry)
 void RemoveJournal(u32 uiNumber)
 {
     RemoveRecordFile(DIRECTORY, uiNumber);
+}
+
+void ForgetJournal()
+{
+    for (const u32 uiNumber : EntryNumbers()) {
+        RemoveJournal(uiNumber);
+    }
 }

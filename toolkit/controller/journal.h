@@ -36,6 +36,9 @@ struct FILE_CHANGE_S
     std::optional<Bytes> optOld = {}; // nothing: it is not there; RunTransaction() fills it in
 };
 
+// Entries have numbers from 1 on; this one is of a change to another controller.
+constexpr u32 CHANGEOVER_NUMBER = 0U;
+
 struct JOURNAL_ENTRY_S
 {
     u32 uiNumber = 0;       // of its file; given by WriteJournal()
@@ -49,7 +52,7 @@ struct JOURNAL_ENTRY_S
 // guess.
 std::vector<JOURNAL_ENTRY_S> ReadJournal();
 
-// True when there is any, readable or not. Costs one look into a directory.
+// True when there is any, or a change to another controller, readable or not. Costs one look into a directory.
 bool HasJournal();
 
 // Puts an entry on the disk and numbers it; its time is now. Fails when it cannot: then nothing may be
@@ -58,5 +61,8 @@ void WriteJournal(JOURNAL_ENTRY_S &stEntry);
 
 // The write is finished, undone or given up.
 void RemoveJournal(u32 uiNumber);
+
+// Gives up all entries, whatever they say: their controller is no more.
+void ForgetJournal();
 
 #endif

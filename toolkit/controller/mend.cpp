@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <numeric>
 
 #include "bmc_eeprom.h"
 #include "bmcfru_host.h"
@@ -11,6 +12,7 @@
 #include "toolkit/base/error.h"
 #include "toolkit/base/text.h"
 #include "toolkit/controller/cause.h"
+#include "toolkit/controller/changeover.h"
 #include "toolkit/controller/diagnostics.h"
 
 namespace {
@@ -204,6 +206,13 @@ MENDED_S Mend(JOURNAL_ENTRY_S stEntry)
     return stMended;
 }
 
+std::vector<u8> AllDeviceIDs()
+{
+    std::vector<u8> vecIDs(0x100U);
+    std::iota(vecIDs.begin(), vecIDs.end(), u8{0});
+    return vecIDs;
+}
+
 const std::optional<Bytes> &Pick(Side enSide, const std::optional<Bytes> &optOld,
                                  const std::optional<Bytes> &optNew)
 {
@@ -275,6 +284,13 @@ void PutFiles(const JOURNAL_ENTRY_S &stEntry, Side enSide)
 std::vector<MENDED_S> MendAll()
 {
     std::vector<MENDED_S> vecMended;
+    if (HasChangeover()) {
+        try {
+            vecMended.push_back({Mended::Finished, {}, FinishChangeover()});
+        } catch (const Error &stError) {
+            return {{Mended::Stuck, AllDeviceIDs(), stError.what()}};
+        }
+    }
     for (const JOURNAL_ENTRY_S &stEntry : ReadJournal()) {
         vecMended.push_back(Mend(stEntry));
     }

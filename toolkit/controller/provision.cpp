@@ -1,95 +1,117 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "toolkit/controller/provision.h"
 
+#include <cstring>
+#include <map>
 #include <optional>
+#include <set>
 
 #include "bmcfru_host.h"
 #include "lib_fru.h"
 #include "toolkit/base/error.h"
-#include "toolkit/base/file.h"
 #include "toolkit/base/text.h"
 #include "toolkit/controller/cause.h"
-#include "toolkit/controller/diagnostics.h"
+#include "toolkit/controller/changeover.h"
 #include "toolkit/controller/serial_file.h"
 
 namespace {
 
-void Require(u32 uiRet, const std::string &strWhat)
-{
-    if (uiRet != FRU_OK) {
-        FailLibrary(ErrorClass::Failed, "cannot write " + strWhat + ": " + StatusText(uiRet),
-                    DiagnosticHint());
-    }
-}
-
-// Where a path of the plan lies: below the root, which others may have prepared.
-files::PLACE_S PlacePath(const std::string &strControllerPath)
+// A path of the plan lies below the root, which others may have prepared.
+std::string CheckedPath(const std::string &strControllerPath)
 {
     if (!RealPath(strControllerPath).has_value()) {
         FailRefused("the path " + EscapeText(strControllerPath) + " does not lie inside the controller");
     }
-    return {BMCHOST_GetRoot(), strControllerPath};
+    return strControllerPath;
 }
 
-void WriteFiles(const CONTROLLER_PLAN_S &stPlan)
+std::vector<FILE_CHANGE_S> FilesOf(const CONTROLLER_PLAN_S &stPlan)
 {
+    std::map<std::string, Bytes> mapFiles; // devices may share a chip or a stored image
     for (const DEVICE_PLAN_S &stDevice : stPlan.vecDevices) {
         if (stDevice.bHasEeprom) {
-            const std::string strRoot = BMCHOST_GetRoot();
-            WriteFileBytes({strRoot, EepromPath(stDevice).substr(strRoot.size())},
-                           EepromContents(stPlan, stDevice));
+            mapFiles[EepromPath(stDevice).substr(strlen(BMCHOST_GetRoot()))] =
+                EepromContents(stPlan, stDevice);
         }
         if (!stDevice.vecRecovery.empty()) {
-            WriteFileBytes(PlacePath(stDevice.stInfo.acImageFilePath), stDevice.vecRecovery);
+            mapFiles[CheckedPath(stDevice.stInfo.acImageFilePath)] = stDevice.vecRecovery;
         }
     }
     for (const CONF_FILE_S &stFile : stPlan.vecConfFiles) {
-        WriteFileBytes(PlacePath(stFile.strPath), stFile.vecBytes);
+        mapFiles[CheckedPath(stFile.strPath)] = stFile.vecBytes;
     }
-    // A controller has its network share from the start; the product serial number is copied to it.
-    MakeParentDirectory(PlacePath(SERIAL_COPY));
+    std::vector<FILE_CHANGE_S> vecFiles;
+    for (const auto &[strPath, vecBytes] : mapFiles) {
+        vecFiles.push_back({strPath, vecBytes});
+    }
+    return vecFiles;
 }
 
-// A device that is no more: there is no call that deletes its record, so it is emptied; a FRU of no bytes
-// cannot be read.
-void Forget(u8 ucDeviceID)
+// Where an EEPROM lies in the controller; empty: it is no file there.
+std::string EepromBelow(const FRU_DEVICE_INFO_S &stInfo)
 {
-    FRU_DEVICE_INFO_S stInfo = {};
-    stInfo.ucDeviceID = ucDeviceID;
-    Require(FRU_DB_PutFRUDeviceInfo(ucDeviceID, &stInfo), Format("the record of FRU device %u", ucDeviceID));
-    (void)FRU_DB_DelFRUData(ucDeviceID); // fails when there was none
-    Require(FRU_DB_PutFRUDataCacheStatus(ucDeviceID, FRU_CACHE_UNTRUSTED),
-            Format("the cache status of FRU device %u", ucDeviceID));
+    const std::string strDirectory = std::string(BMCHOST_GetRoot()) + BMCHOST_EEPROM_DIR + "/";
+    char acPath[8192] = "";
+    if (BMCHOST_GetEepromPath(stInfo.ucEEPROMType, &stInfo.ucBusNumber, sizeof(acPath), acPath) != 0U ||
+        strncmp(acPath, strDirectory.c_str(), strDirectory.size()) != 0) {
+        return "";
+    }
+    return acPath + strlen(BMCHOST_GetRoot());
 }
 
-void WriteRecords(const CONTROLLER_PLAN_S &stPlan, const std::vector<u8> &vecOldIDs)
+// What belongs to the controller that is there, of the kinds of file that a controller has.
+std::vector<std::string> FilesOfOld(const std::vector<u8> &vecOldIDs)
 {
-    FRU_DEVICE_TBL_S stTable = {};
-    // No table first: what is half written must not look whole.
-    Require(FRU_DB_PutFRUDeviceTbl(&stTable), "the device table");
+    std::vector<std::string> vecPaths = {SERIAL_FILE, SERIAL_COPY, BMCHOST_FEATURE_UPDATE};
+    for (const char *pcPath : ConfPaths()) {
+        vecPaths.emplace_back(pcPath);
+    }
     for (const u8 ucDeviceID : vecOldIDs) {
-        Forget(ucDeviceID);
-    }
-    EntityList stEntities;
-    for (const DEVICE_PLAN_S &stDevice : stPlan.vecDevices) {
-        const u8 ucDeviceID = stDevice.stEntry.ucDeviceID;
-        const FRU_SDR_S stSdr = LocatorRecord(stDevice, stEntities);
-        const std::string strOf = std::string(" of ") + stDevice.stInfo.acFRUName;
-        Require(FRU_DB_PutFRUDeviceInfo(ucDeviceID, &stDevice.stInfo), "the record" + strOf);
-        Require(FRU_DB_PutFRUSDR(ucDeviceID, &stSdr), "the SDR" + strOf);
-        if (stDevice.bCached) {
-            Require(FRU_DB_PutFRUData(ucDeviceID, stDevice.stInfo.usSize, stDevice.vecImage.data()),
-                    "the cached image" + strOf);
-        } else {
-            (void)FRU_DB_DelFRUData(ucDeviceID);
+        FRU_DEVICE_INFO_S stInfo = {};
+        if (FRU_DB_GetFRUDeviceInfo(ucDeviceID, &stInfo) != FRU_OK) {
+            continue;
         }
-        Require(FRU_DB_PutFRUDataCacheStatus(ucDeviceID,
-                                             stDevice.bCached ? FRU_CACHE_TRUSTED : FRU_CACHE_UNTRUSTED),
-                "the cache status" + strOf);
-        stTable.astEntry[stTable.ucCount++] = stDevice.stEntry;
+        const std::string strEeprom = EepromBelow(stInfo);
+        if (!strEeprom.empty()) {
+            vecPaths.push_back(strEeprom);
+            vecPaths.push_back(strEeprom.substr(0, strEeprom.rfind('.')) + ".fault"); // the chip's own
+        }
+        const std::string strStored(stInfo.acImageFilePath,
+                                    strnlen(stInfo.acImageFilePath, sizeof(stInfo.acImageFilePath)));
+        if (!strStored.empty() && RealPath(strStored).has_value()) {
+            vecPaths.push_back(strStored);
+        }
     }
-    Require(FRU_DB_PutOperateFlag(0U), "the operate flag");
-    Require(FRU_DB_PutFRUDeviceTbl(&stTable), "the device table");
+    return vecPaths;
+}
+
+// A chip that stays keeps its fault, as it keeps its write-protect pin.
+std::vector<std::string> RemovedFiles(const std::vector<u8> &vecOldIDs,
+                                      const std::vector<FILE_CHANGE_S> &vecFiles)
+{
+    std::set<std::string> setKept;
+    for (const FILE_CHANGE_S &stFile : vecFiles) {
+        setKept.insert(stFile.strPath);
+        setKept.insert(stFile.strPath.substr(0, stFile.strPath.rfind('.')) + ".fault");
+    }
+    std::vector<std::string> vecRemoved;
+    for (const std::string &strPath : FilesOfOld(vecOldIDs)) {
+        if (setKept.insert(strPath).second) {
+            vecRemoved.push_back(strPath);
+        }
+    }
+    return vecRemoved;
+}
+
+std::vector<DEVICE_RECORDS_S> RecordsOf(const CONTROLLER_PLAN_S &stPlan)
+{
+    EntityList stEntities;
+    std::vector<DEVICE_RECORDS_S> vecRecords;
+    for (const DEVICE_PLAN_S &stDevice : stPlan.vecDevices) {
+        vecRecords.push_back({stDevice.stEntry, stDevice.stInfo, LocatorRecord(stDevice, stEntities),
+                              stDevice.bCached ? std::optional<Bytes>(stDevice.vecImage) : std::nullopt});
+    }
+    return vecRecords;
 }
 
 } // namespace
@@ -123,8 +145,13 @@ std::string EepromPath(const DEVICE_PLAN_S &stDevice)
     return acPath;
 }
 
-void Provision(const CONTROLLER_PLAN_S &stPlan, const std::vector<u8> &vecOldIDs)
+void Provision(const RootLock &stLock, const CONTROLLER_PLAN_S &stPlan, const std::vector<u8> &vecOldIDs)
 {
-    WriteFiles(stPlan);
-    WriteRecords(stPlan, vecOldIDs);
+    CHANGEOVER_S stChangeover;
+    stChangeover.strCommand = stLock.Controller().strCommandLine;
+    stChangeover.vecFiles = FilesOf(stPlan);
+    stChangeover.vecRemoved = RemovedFiles(vecOldIDs, stChangeover.vecFiles);
+    stChangeover.vecForgotten = vecOldIDs;
+    stChangeover.vecDevices = RecordsOf(stPlan);
+    ChangeOver(stChangeover);
 }

@@ -275,6 +275,15 @@ void TakeConf(const JsonNode &stNode, const std::string &strFile, CONTROLLER_PLA
 
 } // namespace
 
+std::vector<const char *> ConfPaths()
+{
+    std::vector<const char *> vecPaths;
+    for (const CONF_MEMBER_S &stMember : CONF_MEMBERS) {
+        vecPaths.push_back(stMember.pcPath);
+    }
+    return vecPaths;
+}
+
 CONTROLLER_PLAN_S ReadPlan(const std::string &strFile)
 {
     const nlohmann::json stJson = ParseJsonFile(strFile);

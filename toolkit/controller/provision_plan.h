@@ -31,6 +31,9 @@ struct CONF_FILE_S
     std::vector<u8> vecBytes;
 };
 
+// Where on the controller such files may lie.
+std::vector<const char *> ConfPaths();
+
 struct CONTROLLER_PLAN_S
 {
     std::vector<DEVICE_PLAN_S> vecDevices;

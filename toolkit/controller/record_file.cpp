@@ -17,7 +17,7 @@ namespace {
 
 constexpr const char *SUFFIX = ".json";
 constexpr size_t NUMBER_DIGITS = 6;
-constexpr size_t FILE_MAX = 4U * 1024U * 1024U;
+constexpr size_t FILE_MAX = 64U * 1024U * 1024U; // a hundred EEPROMs at their largest, and their images
 constexpr mode_t DIRECTORY_MODE = 0755;
 
 files::PLACE_S PlaceOf(const std::string &strDirectory, u32 uiNumber)

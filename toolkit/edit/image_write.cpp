@@ -56,8 +56,9 @@ IMAGE_PLAN_S PlanImage(const DEVICE_S &stDevice, const std::vector<u8> &vecImage
 {
     const u32 uiSize = stDevice.stInfo.usSize;
     if (vecImage.empty() || vecImage.size() > uiSize) {
-        Fail(Format("the image has %zu bytes, and %s takes 1 to %u (a shorter one is filled with 0xff)",
-                    vecImage.size(), stDevice.Title().c_str(), uiSize));
+        FailRefused(
+            Format("the image has %zu bytes, and %s takes 1 to %u (a shorter one is filled with 0xff)",
+                   vecImage.size(), stDevice.Title().c_str(), uiSize));
     }
     std::vector<u8> vecAfter = vecImage;
     vecAfter.resize(uiSize, ERASED);

@@ -104,7 +104,8 @@ void DecodeBlank(const CHANGE_S &stBlank, Record &stRecord)
     const DEVICE_S &stDevice = stBlank.stDevice;
     if (DecodeImage({HomeOf(stDevice), vecAfter, vecAfter.size()}, stDevice.HasFixedSlots(), stRecord) !=
         FRU_OK) {
-        Fail("no empty image can be made for " + stDevice.Title() + Cause(TakeDiagnostics()));
+        Fail(ErrorClass::Damaged,
+             "no empty image can be made for " + stDevice.Title() + Cause(TakeDiagnostics()));
     }
 }
 

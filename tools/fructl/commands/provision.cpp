@@ -11,6 +11,7 @@
 #include "toolkit/controller/controller.h"
 #include "toolkit/controller/provision_plan.h"
 #include "toolkit/controller/root_lock.h"
+#include "toolkit/edit/uninterrupted.h"
 
 namespace {
 
@@ -70,7 +71,8 @@ void RunProvision(const SESSION_S &stSession, const OPTIONS_S &stOptions)
                     stSession.strRoot + " already; --force replaces it, --root names another place");
     }
     if (!stOptions.bDryRun) {
-        Provision(stPlan, vecOldIDs);
+        const Uninterrupted stUninterrupted; // from here on it is finished
+        Provision(*optLock, stPlan, vecOldIDs);
     }
     ReportPlan(stSession, stOptions, stPlan);
 }
