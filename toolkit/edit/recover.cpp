@@ -6,6 +6,7 @@
 #include "lib_fru.h"
 #include "toolkit/base/error.h"
 #include "toolkit/base/text.h"
+#include "toolkit/controller/cause.h"
 #include "toolkit/controller/controller.h"
 #include "toolkit/controller/history.h"
 #include "toolkit/controller/source.h"
@@ -25,7 +26,7 @@ class CacheBypass
         if (m_bKnown && (m_ucStatus & FRU_CACHE_UNTRUSTED) == 0U) {
             const u32 uiRet = FRU_DB_PutFRUDataCacheStatus(ucDeviceID, m_ucStatus | FRU_CACHE_UNTRUSTED);
             if (uiRet != FRU_OK) {
-                Fail("the cache status cannot be written: " + StatusText(uiRet));
+                FailLibrary(ErrorClass::Failed, "the cache status cannot be written: " + StatusText(uiRet));
             }
         }
     }
@@ -206,11 +207,12 @@ void RestoreByLibrary(const DEVICE_S &stDevice, const CHANGE_S &stChange)
     };
     const OUTCOME_S stOutcome = ApplyChange(stChange, "restoring " + stDevice.Title(), nullptr, fnRecover);
     if (stOutcome.uiStatus != FRU_OK) {
-        Fail(
-            stDevice.Title() + " could not be restored: its stored image " +
-            EscapeText(stDevice.ImagePath()) + " did not help" +
-            (stOutcome.vecSaid.empty() ? "" : " (the library says: " + Join(stOutcome.vecSaid, " | ") + ")") +
-            "; " + StatusText(stOutcome.uiStatus));
+        Fail(ErrorClass::NoAnswer,
+             stDevice.Title() + " could not be restored: its stored image " +
+                 EscapeText(stDevice.ImagePath()) + " did not help" +
+                 (stOutcome.vecSaid.empty() ? ""
+                                            : " (the library says: " + Join(stOutcome.vecSaid, " | ") + ")") +
+                 "; " + StatusText(stOutcome.uiStatus));
     }
 }
 
@@ -235,8 +237,9 @@ RECOVERY_S PlanRecovery(const CONTROLLER_S &stController, const DEVICE_S &stDevi
         }
         vecWhyNot.push_back(stCandidate.strWhyNot);
     }
-    Fail(stDevice.Title() + " is damaged (" + stRecovery.strDamage + ") and cannot be restored: " +
-         Join(vecWhyNot, "; ") + "; accepted: --from FILE with an image that is in order");
+    Fail(ErrorClass::Damaged, stDevice.Title() + " is damaged (" + stRecovery.strDamage +
+                                  ") and cannot be restored: " + Join(vecWhyNot, "; ") +
+                                  "; accepted: --from FILE with an image that is in order");
 }
 
 void WriteRecovery(const RootLock &stLock, const DEVICE_S &stDevice, const RECOVERY_S &stRecovery)

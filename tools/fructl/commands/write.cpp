@@ -83,7 +83,8 @@ void RunWrite(const SESSION_S &stSession, const WRITE_S &stOptions)
     if (!stPlan.stVerdict.IsGood()) {
         const std::string strWhy = "the image is not in order: " + stPlan.stVerdict.Why();
         if (!stOptions.bForce) {
-            Fail("refused, for " + strWhy + "; --force writes it to " + stDevice.Title() + " all the same");
+            Fail(ErrorClass::Damaged,
+                 "refused, for " + strWhy + "; --force writes it to " + stDevice.Title() + " all the same");
         }
         stSession.Warn(strWhy);
     }
