@@ -127,7 +127,8 @@ class Provision(FructlTest):
 
     def test_the_database_is_one_file_that_others_can_look_into(self):
         self.Provision()
-        self.assertEqual([pathFile.name for pathFile in (self.pathRoot / "var/lib/fru").iterdir()], ["fru.db"])
+        self.assertEqual(sorted(pathFile.name for pathFile in (self.pathRoot / "var/lib/fru").iterdir()), ["fru.db", "journal"])
+        self.assertEqual(list((self.pathRoot / "var/lib/fru/journal").iterdir()), [])
         with contextlib.closing(sqlite3.connect(f"file:{self.pathRoot}/var/lib/fru/fru.db?mode=ro", uri=True)) as stDatabase:
             def Ask(strSql):
                 return stDatabase.execute(strSql).fetchall()

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: Apache-2.0
-"""fructl verify: what is wrong, and at which byte; and fructl recover, which mends it."""
+"""fructl verify: what is wrong, and at which byte."""
 import shutil
 import unittest
 
@@ -168,64 +168,6 @@ good   psu1 (0x03:0): header, board, product
         self.assertIn("WRONG  riser (0x08:0)\n         the EEPROM of riser (0x08:0) does not answer", stResult.strOut)
         self.Eeprom("bus3-addr0xa2.bin").write_bytes(b"\x01" * 100)
         self.assertIn("the EEPROM of riser (0x08:0) gave 100 of 256 bytes", self.Fructl("verify", "riser").strOut)
-
-
-class Recover(FructlTest):
-    def setUp(self):
-        super().setUp()
-        self.Provision()
-        self.pathEeprom = self.Eeprom(BASEBOARD_EEPROM)
-        self.pathStored = self.pathRoot / "usr/upgrade/fru/BaseBoard.bin"
-
-    def test_a_sound_image_is_left_alone(self):
-        abBefore = self.pathEeprom.read_bytes()
-        self.assertEqual(self.Good("recover", "baseboard").strOut, "baseboard (0x00:0) was fine; nothing was written\n")
-        self.assertEqual(self.Json("recover", "0:0"), {
-            "device": {"id": 0, "name": "baseboard", "componentType": 0, "instance": 0}, "outcome": "fine",
-            "storedImage": "/usr/upgrade/fru/BaseBoard.bin", "text": "was fine; nothing was written"})
-        self.assertEqual(self.pathEeprom.read_bytes(), abBefore)
-
-    def test_a_damaged_header_is_restored_although_the_cache_is_sound(self):
-        abBefore = self.pathEeprom.read_bytes()
-        self.Damage(self.pathEeprom, 0, b"\xde\xad")
-        self.assertEqual(self.Good("recover", "baseboard").strOut, "baseboard (0x00:0) was damaged and is restored from /usr/upgrade/fru/BaseBoard.bin\n")
-        self.assertEqual(self.pathEeprom.read_bytes(), abBefore)
-        self.assertEqual(self.Json("list")["devices"][0]["cache"], "same")
-        self.Damage(self.pathEeprom, 0, b"\xff" * 8)
-        self.assertEqual(self.Json("recover", "--id", "0")["outcome"], "restored")
-
-    def test_why_an_image_could_not_be_restored(self):
-        self.Damage(self.pathEeprom, 0, b"\xde\xad")
-        abDamaged = self.pathEeprom.read_bytes()
-        self.pathStored.unlink()
-        strStatus = "; 0x29000001 (the image could not be read or an area not decoded)"
-        self.assertEqual(self.Bad(6, "recover", "baseboard"),
-                         "baseboard (0x00:0) could not be restored: its stored image /usr/upgrade/fru/BaseBoard.bin is missing "
-                         f"(looked for as {self.pathStored}){strStatus}")
-        self.pathStored.write_bytes(b"")
-        self.assertEqual(self.Bad(6, "recover", "baseboard"),
-                         f"baseboard (0x00:0) could not be restored: its stored image /usr/upgrade/fru/BaseBoard.bin is empty{strStatus}")
-        self.assertEqual(self.pathEeprom.read_bytes(), abDamaged)
-        self.pathStored.write_bytes(b"\x00" * 2048)
-        self.assertIn("its stored image /usr/upgrade/fru/BaseBoard.bin did not help (the library says: ", self.Bad(6, "recover", "baseboard"))
-        self.Damage(self.Eeprom("bus2-addr0xa4-switch1.bin"), 0, b"\x00")
-        self.assertEqual(self.Bad(6, "recover", "psu1"), f"psu1 (0x03:0) could not be restored: no stored image is named in its record{strStatus}")
-
-    def test_a_write_protected_eeprom(self):
-        self.Damage(self.pathEeprom, 0, b"\xde\xad")
-        self.pathEeprom.chmod(0o444)
-        self.assertIn("write-protected", self.Bad(6, "recover", "baseboard"))
-
-    def test_a_damaged_area_under_a_valid_header_is_not_restored(self):
-        self.Damage(self.pathEeprom, 0x60, b"X")
-        abDamaged = self.pathEeprom.read_bytes()
-        strLine = self.Bad(6, "recover", "baseboard")
-        self.assertIn("baseboard (0x00:0) is damaged but was not restored: the stored image is used only when the common header is invalid, "
-                      "and this one is valid; byte 0x00af  board info area: checksum: ", strLine)
-        self.assertEqual(self.pathEeprom.read_bytes(), abDamaged)
-
-    def test_only_devices_are_recovered(self):
-        self.assertIn("no device named", self.Bad(4, "recover", str(EXAMPLES / "psu1.hex")))
 
 
 class Raw(FructlTest):

@@ -249,5 +249,6 @@ void WriteRecovery(const RootLock &stLock, const DEVICE_S &stDevice, const RECOV
         return;
     }
     const CHANGE_S &stChange = stRecovery.optPlan->stChange;
-    RunTransaction(stLock, {stChange}, MirrorOf(stChange), [&] { RestoreByLibrary(stDevice, stChange); });
+    // It leaves the serial-number files as they are.
+    RunTransaction(stLock, {stChange}, {}, [&] { RestoreByLibrary(stDevice, stChange); });
 }
