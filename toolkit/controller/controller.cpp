@@ -55,7 +55,7 @@ bool HasController(const CONTROLLER_S &stController)
 void RequireController(const CONTROLLER_S &stController)
 {
     if (!stController.bWriting && HasChangeover()) {
-        stController.pstReadLock = std::make_shared<ReadLock>(stController); // there may be none yet
+        const ReadLock stFinished(stController); // before that there may be none
     }
     if (!HasController(stController)) {
         Fail(ErrorClass::NotFound,
