@@ -2,21 +2,13 @@
 """Whole images and recoveries killed before every call that changes a file: the old or the new image afterwards, whole."""
 import unittest
 
-from support import EXAMPLES, FructlTest
+from cut_support import CutTest
+from support import EXAMPLES
 from test_cuts import Cuts as CutsOfWrites
 
 
-class ImageCuts(FructlTest):
-    Cut = CutsOfWrites.Cut
-    Reset = CutsOfWrites.Reset
-    Points = CutsOfWrites.Points
-    Save = CutsOfWrites.Save
-    State = CutsOfWrites.State
+class ImageCuts(CutTest):
     AssertWhole = CutsOfWrites.AssertWhole
-
-    def setUp(self):
-        super().setUp()
-        self.Provision()
 
     def test_write(self):
         self.AssertWhole("write", "psu1", str(EXAMPLES / "psu2.hex"))
