@@ -5,8 +5,9 @@
  * Calls run on the caller's thread; there is no start-up call. Results are u32 status codes (lib_fru_types.h)
  * unless said otherwise. Every failure is also told in the diagnostic log, in words.
  *
- * Link with -lbmcfru (pkg-config bmcfru, CMake bmcfru::bmcfru), and on a controller behind it with the library
- * that answers the functions of platform/bmc_*.h. On a desk that is libbmcfruhost, which comes along by itself.
+ * Link with -lbmcfru (pkg-config bmcfru, CMake bmcfru::bmcfru), and on a controller behind it with the
+ * library that answers the functions of platform/bmc_*.h. On a desk that is libbmcfruhost, which comes
+ * along by itself.
  */
 #ifndef LIB_FRU_H
 #define LIB_FRU_H

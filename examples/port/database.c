@@ -1,8 +1,9 @@
 /* SPDX-License-Identifier: Apache-2.0 */
 /*
- * bmc_db.h: a folder with a file for each record, its key the name. A record is written beside its place and renamed, so
- * a reader has the old bytes or the new ones; one lock, which dies with its holder, keeps writers apart.
- * To fill: the product's database. On flash the folder has to be synced after each rename.
+ * bmc_db.h: a folder with a file for each record, its key the name. A record is written beside its place
+ * and renamed, so a reader has the old bytes or the new ones; one lock, which dies with its holder,
+ * keeps writers apart. To fill: the product's database. On flash the folder has to be synced after each
+ * rename.
  */
 #include "bmc_db.h"
 

@@ -1,7 +1,8 @@
 /* SPDX-License-Identifier: Apache-2.0 */
 /*
- * bmc_eeprom.h: a file for each chip. To fill: the product's bus driver, with its page size, its waiting for the chip's
- * write cycle and a bound on both; the lock stands for the bus, which one transfer has at a time.
+ * bmc_eeprom.h: a file for each chip. To fill: the product's bus driver, with its page size, its waiting
+ * for the chip's write cycle and a bound on both; the lock stands for the bus, which one transfer has at
+ * a time.
  */
 #include "bmc_eeprom.h"
 

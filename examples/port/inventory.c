@@ -1,7 +1,8 @@
 /* SPDX-License-Identifier: Apache-2.0 */
 /*
- * A controller's program over the port: what the controller's FRU service does at its start (device table, device record,
- * an image on the chip and in the cache), and what every other service does afterwards (a record read, a label written).
+ * A controller's program over the port: what the controller's FRU service does at its start (device
+ * table, device record, an image on the chip and in the cache), and what every other service does
+ * afterwards (a record read, a label written).
  *
  *   inventory ROOT [SERIAL-NUMBER]
  */

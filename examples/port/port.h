@@ -1,8 +1,8 @@
 /* SPDX-License-Identifier: Apache-2.0 */
 /*
- * What the files of this port share. Everything that the controller keeps lies below one folder, the root; on a file
- * system in memory (/run, /dev/shm) that is a controller in memory. On a real one the root is "/", and database, EEPROMs
- * and settings are what the product has.
+ * What the files of this port share. Everything that the controller keeps lies below one folder, the
+ * root; on a file system in memory (/run, /dev/shm) that is a controller in memory. On a real one the
+ * root is "/", and database, EEPROMs and settings are what the product has.
  */
 #ifndef PORT_H
 #define PORT_H
@@ -36,14 +36,14 @@ void PORT_SetSink(void (*pfnSink)(u32 uiSeverity, const char *pcText));
 /* One message of the port's own. */
 void PORT_Complain(const char *pcWhat, const char *pcPath);
 
-/* Opens and locks a file until it is closed. Waits for whoever has it; a dead process holds nothing. -1: failed. */
+/* Opens and locks a file until it is closed, waiting for whoever has it; the dead hold nothing. -1: failed. */
 int PORT_OpenLocked(const char *pcPath, int iFlags, int iLock);
 
 /* All of the bytes, or PORT_FAILED. */
 u32 PORT_ReadAll(int iFd, void *pData, size_t uiLen);
 u32 PORT_WriteAll(int iFd, const void *pData, size_t uiLen);
 
-/* A whole regular file as text of its own, to be freed; null (and *puiLen untouched) when it cannot be read. */
+/* A whole regular file as text to be freed; null (and *puiLen untouched) when it cannot be read. */
 char *PORT_ReadText(const char *pcControllerPath, size_t *puiLen);
 
 /* Replaces the file at a path of this system whole or not at all. */

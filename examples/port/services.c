@@ -1,7 +1,8 @@
 /* SPDX-License-Identifier: Apache-2.0 */
 /*
- * bmc_mrpc.h and bmc_operatelog.h. There is nobody to call here: requests are appended to a file, and the feature list is
- * a file with one text a line. To fill: the product's calls to its other services, and its operation log.
+ * bmc_mrpc.h and bmc_operatelog.h. There is nobody to call here: requests are appended to a file, and
+ * the feature list is a file with one text a line. To fill: the product's calls to its other services,
+ * and its operation log.
  */
 #include "bmc_mrpc.h"
 

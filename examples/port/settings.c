@@ -1,5 +1,5 @@
 /* SPDX-License-Identifier: Apache-2.0 */
-/* bmc_ini.h: INI files as a list of entries in memory; and bmc_capability.h and the OEM flag, which are one such file. */
+/* bmc_ini.h: INI files as a list of entries; bmc_capability.h and the OEM flag, which are one such file. */
 #include "bmc_ini.h"
 
 #include <ctype.h>
@@ -93,7 +93,7 @@ static void FreeEntry(ENTRY_S *pstEntry)
     free(pstEntry);
 }
 
-/* Sets a value, behind the last entry of its section; a new section goes to the end, the one without a name ahead. */
+/* Sets a value behind its section's last entry; a new section goes to the end, the nameless one ahead. */
 static u32 Set(INI_S *pstIni, const char *pcSection, const char *pcKey, const char *pcValue)
 {
     ENTRY_S *pstEntry = Find(pstIni, pcSection, pcKey);

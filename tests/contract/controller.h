@@ -23,8 +23,8 @@ using BYTES = std::vector<u8>;
 // A function that cannot do its work fails the test (ASSERT_, ADD_FAILURE), never in silence.
 // examples/port/contract/ is an adapter to copy.
 
-// An empty controller for one test: no database, chips, files, capabilities; OEM flag not set. What an earlier
-// test has left is out of sight. Processes that the test forks see the same controller.
+// An empty controller for one test: no database, chips, files, capabilities; OEM flag not set. What an
+// earlier test has left is out of sight. Processes that the test forks see the same controller.
 void Start();
 // The end of the test that Start() began: removes what it made.
 void Stop();

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// The contract tests' controller on this port: a root folder for each test. What each function is for stands in
-// controller.h of the tests.
+// The contract tests' controller on this port: a root folder for each test. What each function is for
+// stands in controller.h of the tests.
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>

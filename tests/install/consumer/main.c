@@ -1,5 +1,5 @@
 /* SPDX-License-Identifier: Apache-2.0 */
-/* A program as somebody else writes it, against what is installed: prints the baseboard's product serial number. */
+/* A program against what is installed: prints the baseboard's product serial number. */
 #include <bmcfru_host.h>
 #include <lib_fru.h>
 #include <stdio.h>
