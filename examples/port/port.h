@@ -36,7 +36,7 @@ void PORT_SetSink(void (*pfnSink)(u32 uiSeverity, const char *pcText));
 /* One message of the port's own. */
 void PORT_Complain(const char *pcWhat, const char *pcPath);
 
-/* Opens and locks a file until it is closed, waiting for whoever has it; the dead hold nothing. -1: failed. */
+/* Opens and locks a file until it is closed, waiting for who has it; the dead hold nothing. -1: failed. */
 int PORT_OpenLocked(const char *pcPath, int iFlags, int iLock);
 
 /* All of the bytes, or PORT_FAILED. */
