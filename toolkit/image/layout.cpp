@@ -28,21 +28,24 @@ class Walker
               const std::string &strProblem = "", const NOTE_S &stNote = {});
     void Finding(u32 uiOffset, Area enArea, const std::string &strWhat, bool bWarning = false);
     bool Header();
+    bool IsCutAfter(u32 uiStart, Area enArea);
     void InternalUse(u32 uiStart, u32 uiNextArea);
     void Info(const AREA_ROW_S &stArea, u32 uiStart);
     u32 InfoPrefix(const AREA_ROW_S &stArea, u32 uiStart, u32 uiEnd);
     u32 TextField(const FIELD_ID_S &stField, u32 uiOffset, u32 uiEnd, bool *pbGood);
     void CustomFields(const AREA_ROW_S &stArea, u32 uiOffset, u32 uiEnd);
+    void Fill(const AREA_ROW_S &stArea, u32 uiOffset, u32 uiChecksum);
     void CheckSlots(const AREA_ROW_S &stArea, u32 uiOffset, u32 uiCount);
     void MultiRecords(u32 uiStart);
     bool MultiRecord(u32 uiOffset, u32 *puiNext);
+    void RecordRemarks(u32 uiOffset);
     void Areas();
     void CheckOverlaps();
     void FillUnused();
 
     const std::vector<u8> &m_vecImage;
-    const u32 m_uiLength; // what the decoder is given
-    const u32 m_uiStored; // what is told and shown
+    const u32 m_uiLength; // what the decoder is given: an area must end before it does
+    const u32 m_uiStored; // the image's own bytes: nothing of it lies behind them
     const bool m_bFixedSlots;
     IMAGE_LAYOUT_S m_stLayout;
 };
@@ -110,16 +113,26 @@ u32 Walker::TextField(const FIELD_ID_S &stField, u32 uiOffset, u32 uiEnd, bool *
     return uiOffset + 1U + uiLength;
 }
 
+// Whether the image ends with the area's version byte.
+bool Walker::IsCutAfter(u32 uiStart, Area enArea)
+{
+    const bool bCut = uiStart + 1U >= m_uiStored;
+    if (bCut) {
+        Finding(uiStart, enArea, "cut short: the image ends after the area's first byte");
+    }
+    return bCut;
+}
+
 void Walker::InternalUse(u32 uiStart, u32 uiNextArea)
 {
     const u8 ucVersion = m_vecImage[uiStart];
     Span(uiStart, 1U, {Area::InternalUse, Field::FormatVersion}, Format("%u", ucVersion),
          ucVersion == 1U ? "" : Format("0x%02x; only version 1 is known", ucVersion));
-    if (ucVersion != 1U || uiStart + 1U >= m_uiLength) {
+    if (ucVersion != 1U || IsCutAfter(uiStart, Area::InternalUse)) {
         return;
     }
     bool bGood = true;
-    const u32 uiAfter = TextField({Area::InternalUse, Field::Data}, uiStart + 1U, m_uiLength, &bGood);
+    const u32 uiAfter = TextField({Area::InternalUse, Field::Data}, uiStart + 1U, m_uiStored, &bGood);
     SPAN_S &stData = m_stLayout.vecSpans.back();
     if (uiAfter > uiNextArea) {
         // Elsewhere this area is opaque; here it is one length-coded field, and then says nothing sensible.
@@ -164,6 +177,9 @@ u32 Walker::InfoPrefix(const AREA_ROW_S &stArea, u32 uiStart, u32 uiEnd)
             Span(uiOffset++, 1U, stField, LanguageName(*pucBytes));
         } else if (stRow.enKind == Kind::MfgDate) {
             const bool bNone = (pucBytes[0] | pucBytes[1] | pucBytes[2]) == 0;
+            if ((pucBytes[0] & pucBytes[1] & pucBytes[2]) == ERASED) {
+                Finding(uiOffset, stArea.enArea, FieldName(stField) + ": erased: every byte is 0xff", true);
+            }
             Span(uiOffset, DATE_BYTES, stField, MfgDateText(pucBytes), "",
                  {bNone ? Note::NoDate : Note::None});
             uiOffset += DATE_BYTES;
@@ -177,13 +193,13 @@ void Walker::Info(const AREA_ROW_S &stArea, u32 uiStart)
     const u8 ucVersion = m_vecImage[uiStart];
     Span(uiStart, 1U, {stArea.enArea, Field::FormatVersion}, Format("%u", ucVersion),
          ucVersion == 1U ? "" : Format("0x%02x; only version 1 is known", ucVersion));
-    if (ucVersion != 1U || uiStart + 1U >= m_uiLength) {
+    if (ucVersion != 1U || IsCutAfter(uiStart, stArea.enArea)) {
         return;
     }
     const u32 uiArea = m_vecImage[uiStart + 1U] * FRU_AREA_UNIT;
     const u32 uiEnd = uiStart + uiArea;
     // An area that ends with the image's last byte is refused by every reader of this system.
-    const bool bFits = uiEnd < m_uiLength;
+    const bool bFits = uiEnd < m_uiLength && uiEnd <= m_uiStored;
     Span(uiStart + 1U, 1U, {stArea.enArea, Field::AreaLength},
          Format("%u bytes (%u x 8)", uiArea, uiArea / 8U),
          bFits
@@ -230,20 +246,38 @@ void Walker::CustomFields(const AREA_ROW_S &stArea, u32 uiOffset, u32 uiEnd)
 {
     u32 uiCount = 0;
     bool bGood = true;
-    while (bGood && uiOffset < uiEnd && m_vecImage[uiOffset] != FRU_FIELD_END) {
+    // The last byte is the checksum and no field's, whatever length it would say.
+    while (bGood && uiOffset + 1U < uiEnd && m_vecImage[uiOffset] != FRU_FIELD_END) {
         uiOffset = TextField({stArea.enArea, Field::Custom, uiCount++}, uiOffset, uiEnd, &bGood);
     }
     if (!bGood) {
         return;
     }
-    if (uiOffset >= uiEnd) {
+    if (uiOffset >= uiEnd || m_vecImage[uiOffset] != FRU_FIELD_END) {
         Finding(uiEnd - 1U, stArea.enArea, "no end mark 0xc1 after the last field");
         return;
     }
-    Span(uiOffset, 1U, {stArea.enArea, Field::EndMark}, "");
     CheckSlots(stArea, uiOffset, uiCount);
-    if (uiOffset + 2U < uiEnd) {
-        Span(uiOffset + 1U, uiEnd - uiOffset - 2U, {stArea.enArea, Field::Fill}, "");
+    if (uiOffset + 1U == uiEnd) {
+        Finding(uiOffset, stArea.enArea, "the checksum stands in the end mark's place, and is 0xc1 by chance",
+                true);
+        return;
+    }
+    Span(uiOffset, 1U, {stArea.enArea, Field::EndMark}, "");
+    Fill(stArea, uiOffset + 1U, uiEnd - 1U);
+}
+
+void Walker::Fill(const AREA_ROW_S &stArea, u32 uiOffset, u32 uiChecksum)
+{
+    if (uiOffset == uiChecksum) {
+        return;
+    }
+    Span(uiOffset, uiChecksum - uiOffset, {stArea.enArea, Field::Fill}, "");
+    for (u32 i = uiOffset; i < uiChecksum; i++) {
+        if (m_vecImage[i] != 0U) {
+            Finding(i, stArea.enArea, Format("fill: 0x%02x, should be 0", m_vecImage[i]), true);
+            return;
+        }
     }
 }
 
@@ -260,8 +294,8 @@ bool Walker::MultiRecord(u32 uiOffset, u32 *puiNext)
 {
     const FIELD_ID_S stHeader = {Area::MultiRecord, Field::RecordHeader, m_stLayout.uiMultiRecords};
     const FIELD_ID_S stBody = {Area::MultiRecord, Field::RecordData, m_stLayout.uiMultiRecords};
-    if (uiOffset + FRU_MULTIRECORD_HEADER_LEN > m_uiLength) {
-        Span(uiOffset, m_uiLength - uiOffset, stHeader, "",
+    if (uiOffset + FRU_MULTIRECORD_HEADER_LEN > m_uiStored) {
+        Span(uiOffset, m_uiStored - uiOffset, stHeader, "",
              "the image ends inside it (no record before it says that it is the last)");
         return false;
     }
@@ -279,8 +313,8 @@ bool Walker::MultiRecord(u32 uiOffset, u32 *puiNext)
     const u32 uiData = uiOffset + FRU_MULTIRECORD_HEADER_LEN;
     const u8 ucLength = pucRecord[2];
     *puiNext = uiData + ucLength;
-    if (*puiNext > m_uiLength) {
-        Span(uiData, m_uiLength - uiData, stBody, "",
+    if (*puiNext > m_uiStored) {
+        Span(uiData, m_uiStored - uiData, stBody, "",
              Format("%u bytes long, but the image ends at 0x%04x", ucLength, m_uiStored));
         return false;
     }
@@ -299,8 +333,32 @@ bool Walker::MultiRecord(u32 uiOffset, u32 *puiNext)
          ucWanted == pucRecord[3]
              ? ""
              : Format("the data's checksum is 0x%02x, but the header says 0x%02x", ucWanted, pucRecord[3]));
+    RecordRemarks(uiOffset);
     m_stLayout.uiMultiRecords++;
     return ucWanted == pucRecord[3] && (pucRecord[1] & FRU_MULTIRECORD_END_OF_LIST) == 0U;
+}
+
+// What no reader refuses, and still is not as the record's own type has it.
+void Walker::RecordRemarks(u32 uiOffset)
+{
+    constexpr u8 FORMAT = 2U;
+    constexpr u8 FORMAT_BITS = 0x0FU;
+    const u8 *pucRecord = &m_vecImage[uiOffset];
+    const std::string strRecord =
+        FieldName({Area::MultiRecord, Field::OneRecord, m_stLayout.uiMultiRecords}) + ": ";
+    if (IsReservedMultiRecord(pucRecord[0])) {
+        Finding(uiOffset, Area::MultiRecord, strRecord + Format("type 0x%02x is reserved", pucRecord[0]),
+                true);
+    }
+    if ((pucRecord[1] & FORMAT_BITS) != FORMAT) {
+        Finding(uiOffset + 1U, Area::MultiRecord,
+                strRecord + Format("format version %u, should be 2", pucRecord[1] & FORMAT_BITS), true);
+    }
+    const u32 uiWanted = MultiRecordLength(pucRecord[0], pucRecord[FRU_MULTIRECORD_HEADER_LEN]);
+    if (uiWanted != 0U && uiWanted != pucRecord[2]) {
+        Finding(uiOffset + 2U, Area::MultiRecord,
+                strRecord + Format("%u bytes long, but its type has %u", pucRecord[2], uiWanted), true);
+    }
 }
 
 void Walker::MultiRecords(u32 uiStart)
@@ -364,7 +422,7 @@ void Walker::Areas()
     for (const Area enArea : HeaderAreas()) {
         const u32 uiByte = HeaderOffsetByte(enArea);
         const u32 uiStart = m_vecImage[uiByte] * FRU_AREA_UNIT;
-        if (uiStart >= m_uiLength) {
+        if (uiStart >= m_uiStored) {
             Finding(uiByte, Area::Header,
                     Format("%s: starts at 0x%04x, but the image ends at 0x%04x", AreaName(enArea), uiStart,
                            m_uiStored));
@@ -377,7 +435,7 @@ void Walker::Areas()
         const auto [uiStart, enArea] = vecStarts[i];
         m_stLayout.vecAreas.push_back(enArea);
         if (enArea == Area::InternalUse) {
-            InternalUse(uiStart, i + 1U < vecStarts.size() ? vecStarts[i + 1U].first : m_uiLength);
+            InternalUse(uiStart, i + 1U < vecStarts.size() ? vecStarts[i + 1U].first : m_uiStored);
         } else if (enArea == Area::MultiRecord) {
             MultiRecords(uiStart);
         } else {

@@ -10,6 +10,7 @@
 namespace {
 
 constexpr size_t GUID_TEXT_LEN = 36U;
+constexpr u8 FIRST_OEM_TYPE = 0xC0U;
 
 } // namespace
 
@@ -31,7 +32,23 @@ const char *MultiRecordTypeName(u8 ucType)
     if (ucType < std::size(apcNames)) {
         return apcNames[ucType];
     }
-    return ucType >= 0xC0U ? "OEM" : "unknown";
+    return ucType >= FIRST_OEM_TYPE ? "OEM" : "unknown";
+}
+
+bool IsReservedMultiRecord(u8 ucType)
+{
+    constexpr u8 LAST_KNOWN = 0x0AU;
+    return ucType > LAST_KNOWN && ucType < FIRST_OEM_TYPE;
+}
+
+u32 MultiRecordLength(u8 ucType, u8 ucFirst)
+{
+    static const u8 aucLengths[] = {24, 13, 13}; // power supply, DC output, DC load
+    if (ucType < std::size(aucLengths)) {
+        return aucLengths[ucType];
+    }
+    const bool bGuid = ucType == FRU_MR_TYPE_MANAGEMENT_ACCESS && ucFirst == FRU_MR_SUBTYPE_SYSTEM_UNIQUE_ID;
+    return bGuid ? FRU_MR_GUID_LEN + 1U : 0U;
 }
 
 const char *ManagementAccessName(u8 ucSubType)

@@ -11,6 +11,13 @@
 // "Management Access"; for unknown types "OEM" (0xC0 and above) or "unknown".
 const char *MultiRecordTypeName(u8 ucType);
 
+// Neither one of the definition's types nor an OEM's.
+bool IsReservedMultiRecord(u8 ucType);
+
+// The only length that records of this type have (of Management Access: of the sub-type in its first byte), or
+// 0: any.
+u32 MultiRecordLength(u8 ucType, u8 ucFirst);
+
 // Management Access sub-record types 1 to 7 ("System Name"), else null.
 const char *ManagementAccessName(u8 ucSubType);
 
