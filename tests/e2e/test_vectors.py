@@ -5,7 +5,7 @@ import subprocess
 import sys
 import unittest
 
-from support import SOURCE, FructlTest
+from support import EMULATOR, SOURCE, FructlTest
 
 # How verify tells each kind, in its own words.
 WORDS = {
@@ -56,6 +56,7 @@ class Vectors(FructlTest):
                 self.assertEqual(self.Found(dictImage["warnings"]), self.Planted(dictVector["remarks"]))
                 self.assertEqual(dictImage["sound"], not dictVector["faults"])
 
+    @unittest.skipIf(EMULATOR, "a hundred processes under an emulator take long, and show is tested there by its own tests")
     def test_show_reads_what_was_put_in(self):
         """The texts of sound images; of BCD plus fields the library gives an empty text, and of a 6-bit text always whole groups of four."""
         for strName, dictVector in self.dictVectors.items():

@@ -1,7 +1,7 @@
 #!/usr/bin/python3
 """What other programs make of the images: clients.py FRUCTL prints a table for docs/vectors.md.
 
-ipmitool and FreeIPMI's ipmi-fru read them through the IPMI service, python3-pyipmi from the bytes. A program "tells" a fault when it
+ipmitool reads them through the IPMI service, FreeIPMI's ipmi-fru and python3-pyipmi from a file. A program "tells" a fault when it
 complains or fails for whatever reason; it is "silent" when it shows the image as if all were well.
 """
 import os
@@ -49,14 +49,12 @@ def Outcome(asCommand):
 
 def PyIpmi(pathImage):
     strCode = "import sys, array, pyipmi.fru as f; f.get_fru_inventory_from_file(sys.argv[1])"
-    return Outcome([sys.executable, "-c", strCode, str(pathImage)])
+    return Outcome(["/usr/bin/python3", "-c", strCode, str(pathImage)])
 
 
-def Clients(stService, iDevice):
-    # The service's own way to call ipmitool gives its whole command.
-    asTool = ["-I", "lanplus", "-H", "127.0.0.1", "-p", str(stService.iPort), "-U", "admin", "-P", stService.strPassword]
-    asFree = ["-D", "LAN_2_0", "-h", f"127.0.0.1:{stService.iPort}", "-u", "admin", "-p", stService.strPassword, "-l", "ADMIN"]
-    return (Outcome(["ipmitool", *asTool, "fru", "print", str(iDevice)]), Outcome(["ipmi-fru", *asFree, f"--device-id={iDevice}"]))
+def IpmiTool(stService, iDevice):
+    return Outcome(["ipmitool", "-I", "lanplus", "-C", "3", "-H", "127.0.0.1", "-p", str(stService.iPort), "-U", "admin", "-P", stService.strPassword,
+                    "fru", "print", str(iDevice)])
 
 
 def Main():
@@ -69,12 +67,12 @@ def Main():
         stCase = Cleanups()
         asBatch = listNames[iFrom:iFrom + BATCH]
         # An EEPROM is larger than what it holds.
-        listDevices = [bench.DEVICE(i, strName, 0x20, i, dictImages[strName][0], len(dictImages[strName][0]) + 8) for i, strName in enumerate(asBatch)]
+        listDevices = [bench.DEVICE(i, f"image{i}", 0x20, i, dictImages[strName][0], len(dictImages[strName][0]) + 8) for i, strName in enumerate(asBatch)]
         stController = bench.CONTROLLER(stCase, listDevices)
         stService = bench.SERVICE(stCase, stController)
         for i, strName in enumerate(asBatch):
-            pathImage = pathlib.Path(stController.strBase) / f"{strName}.bin"
-            dictOutcomes[strName] = (*Clients(stService, i), PyIpmi(pathImage))
+            pathImage = pathlib.Path(stController.strBase) / f"image{i}.bin"
+            dictOutcomes[strName] = (IpmiTool(stService, i), Outcome(["ipmi-fru", f"--fru-file={pathImage}"]), PyIpmi(pathImage))
             print(strName, *dictOutcomes[strName], file=sys.stderr, flush=True)
         stCase.Run()
     dictGroups = {}
