@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """fructl verify finds in each of the images with known faults exactly what was planted, and show reads in the sound ones what was put there."""
 import json
 import re

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """A second decoder of FRU images, for tests alone: written from the public IPMI FRU Information Storage Definition, without a look at the library.
 
 RULES names each point in which the library departs from the definition, on purpose. With no rule the decoder is the definition's; with all of

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """What the library decodes, beside what decoders that nobody of this system wrote make of the same bytes: decoders_test.py BUILD_DIRECTORY."""
 import collections
 import datetime

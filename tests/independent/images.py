@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """Ten thousand images: the set with known faults, sound ones made at random, and both with bytes changed, sealed again or not."""
 import random
 

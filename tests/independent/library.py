@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """The library's decoder, called through ctypes; its record in the same form as decoder.py's."""
 import ctypes
 import pathlib

@@ -1,4 +1,5 @@
 #!/usr/bin/python3
+# SPDX-License-Identifier: Apache-2.0
 """What other programs make of the images: clients.py FRUCTL prints a table for docs/vectors.md.
 
 ipmitool reads them through the IPMI service, FreeIPMI's ipmi-fru and python3-pyipmi from a file. A program "tells" a fault when it

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """The images with a fault: checksums, lengths, offsets, missing ends, types, sizes. Each fault stands at the byte that the bytes alone point to."""
 from image import END_OF_LIST, HEADER_BYTE, INFO_AREAS, TEXTS, Image, InfoArea, InternalUse, Latin, Records
 from sound import INTERNAL, Whole

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """Builds FRU images byte by byte and remembers where everything lies, so that a fault can be planted anywhere.
 
 Written from the public IPMI Platform Management FRU Information Storage Definition; nothing but Python's standard library.

@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: Apache-2.0
 """Makes FRU images with known contents and known faults: make_vectors.py DIRECTORY writes NAME.bin and NAME.json of each, and index.json.
 
 Always the same bytes, and nothing needed but Python. docs/vectors.md tells what the files say.

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """The images with nothing wrong: every area, encoding, length, record. Some deserve a remark, and every reader takes them."""
 from image import ENCODINGS, INFO_AREAS, TEXTS, Image, InfoArea, InternalUse, Latin, Records, SixBit, Text
 
