@@ -3,7 +3,6 @@
 #include "db/connection.h"
 
 #include <cerrno>
-#include <climits>
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
@@ -13,6 +12,7 @@
 #include <unistd.h>
 
 #include "db/create.h"
+#include "db/mapping.h"
 #include "support/host.h"
 
 namespace {
@@ -198,6 +198,7 @@ FAULT_S Connection::OpenAs(const std::string &strName, int iFlags)
 
 FAULT_S Connection::Open()
 {
+    const MappingGuard stGuard;
     {
         // Nothing is open yet, so that no lock falls with this descriptor.
         files::Fd stFile;
@@ -340,6 +341,7 @@ FAULT_S Connection::OtherLength(size_t uiBytes, u32 uiLen) const
 
 FAULT_S Connection::Find(u32 uiKey, u32 uiLen, const void **ppData)
 {
+    const MappingGuard stGuard;
     m_stCache.Refresh();
     const std::vector<u8> *pvecKept = m_stCache.Find(uiKey);
     if (pvecKept != nullptr) {
@@ -349,6 +351,9 @@ FAULT_S Connection::Find(u32 uiKey, u32 uiLen, const void **ppData)
     errno = 0;
     int iCode = sqlite3_bind_int64(m_pstGet, 1, uiKey);
     iCode = iCode == SQLITE_OK ? sqlite3_step(m_pstGet) : iCode;
+    if (MappingGuard::HasLost()) {
+        return Lost();
+    }
     if (iCode == SQLITE_DONE) {
         return {BMCHOST_DB_NO_RECORD, "the database " + m_strFile + " has no such record"};
     }
@@ -367,8 +372,7 @@ FAULT_S Connection::Find(u32 uiKey, u32 uiLen, const void **ppData)
         return OtherLength(uiBytes, uiLen);
     }
     if (m_bFrozen && !AreFilesTheSame()) { // it came under a reader without a lock
-        m_bBroken = true;
-        return MakeFault(BMCHOST_DB_LOCKED, m_strFile, "");
+        return Lost();
     }
     m_stCache.Keep(uiKey, *ppData, uiLen);
     return {};
@@ -483,6 +487,7 @@ FAULT_S Connection::Delete(u32 uiKey)
 
 FAULT_S Connection::CheckPages()
 {
+    const MappingGuard stGuard;
     std::string strAnswer;
     (void)sqlite3_db_release_memory(m_pstDb);
     FAULT_S stFault = Ask("PRAGMA quick_check(1)", &strAnswer);

@@ -32,6 +32,12 @@ class Connection
     FAULT_S Delete(u32 uiKey);
     // Reads all pages.
     FAULT_S CheckPages();
+    // A file was changed under a reader: what it has found is nothing, and the next try opens anew.
+    FAULT_S Lost()
+    {
+        m_bBroken = true;
+        return MakeFault(BMCHOST_DB_LOCKED, m_strFile, "");
+    }
     // Closes for good: the last process to do so leaves one file, without a log beside it.
     void CloseTidily();
 

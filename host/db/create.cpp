@@ -3,13 +3,12 @@
 #include "db/create.h"
 
 #include <cerrno>
-#include <fcntl.h>
 #include <memory>
-#include <sys/file.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 namespace {
+
+constexpr char g_acLock[] = BMCHOST_LOCK_DIR "/fru.db.lock"; // of those who make it
 
 // The bytes of an empty database.
 std::string EmptyDatabase()
@@ -51,11 +50,13 @@ FAULT_S CreateFile(const files::PLACE_S &stPlace)
     if (iError != 0) {
         return FaultOfErrno(strFile, iError);
     }
-    const files::Fd stLock(open(stDirectory.Text().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    // Processes that all find nothing make one file. The lock falls with the descriptor.
-    if (!stLock || flock(stLock.Get(), LOCK_EX | LOCK_NB) != 0) {
-        return errno == EWOULDBLOCK ? MakeFault(BMCHOST_DB_LOCKED, strFile, "")
-                                    : FaultOfErrno(strFile, errno);
+    // Processes that all find nothing make one file.
+    files::LockFile stLock;
+    iError = files::MakeDirectories(files::PLACE_S(stPlace.strBase, BMCHOST_LOCK_DIR));
+    iError = iError == 0 ? stLock.Take(files::PLACE_S(stPlace.strBase, g_acLock), 0U) : iError;
+    if (iError != 0) {
+        return iError == ETIMEDOUT ? MakeFault(BMCHOST_DB_LOCKED, strFile, "")
+                                   : FaultOfErrno(strFile, iError);
     }
     struct stat stStat = {};
     if (lstat(strFile.c_str(), &stStat) == 0) {

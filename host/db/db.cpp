@@ -7,6 +7,7 @@
 
 #include "bmc_db.h"
 #include "db/connection.h"
+#include "db/mapping.h"
 #include "support/host.h"
 
 namespace {
@@ -44,9 +45,13 @@ template <typename WORK> db::FAULT_S Try(db::Look enLook, bool bCreate, WORK fnW
         db::FAULT_S stFault;
         {
             const std::lock_guard<std::mutex> lock(host::Locks().mtxDb);
+            db::MappingGuard::Begin();
             stFault = TheConnection().Ensure(enLook, bCreate);
             if (!stFault) {
                 stFault = fnWork(TheConnection());
+            }
+            if (db::MappingGuard::HasLost()) {
+                stFault = TheConnection().Lost();
             }
         }
         if (stFault.enReason != BMCHOST_DB_LOCKED) {

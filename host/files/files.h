@@ -164,6 +164,13 @@ int FlushDirectoryOf(const PLACE_S &stPlace);
 // Removes what killed processes left of their NewFiles in a directory.
 void Tidy(const PLACE_S &stDirectory);
 
+// ---- owners ----
+
+// Gives root's directory, and root's regular files in it that have no other name, to a user; nothing is done
+// when it is his already. No link is followed on the way, and nothing below it is touched. EPERM when the
+// directory is somebody else's. For root, and below a base.
+int HandOver(const PLACE_S &stDirectory, uid_t uiUser, gid_t uiGroup);
+
 // ---- locks ----
 
 // A lock file, held until the end of the object or of the process. A child of fork() does not hold it, and

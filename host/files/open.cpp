@@ -80,9 +80,17 @@ int MakeOne(const Fd &stDirectory, const std::string &strName, mode_t uiMode, co
         fchmod(stMade.Get(), uiMode | (stStat.st_mode & S_ISGID)) != 0) {
         return errno;
     }
-    GiveToOwnerOf(strBase, stMade);
+    GiveToOwnerOf(strBase, stDirectory, stMade);
     return 0;
 }
+
+std::string DirectoryPart(const std::string &strPath)
+{
+    const size_t uiSlash = strPath.rfind('/');
+    return uiSlash == std::string::npos ? "." : uiSlash == 0U ? "/" : strPath.substr(0U, uiSlash);
+}
+
+} // namespace
 
 int Split(const std::string &strPath, std::vector<std::string> *pvecParts)
 {
@@ -100,14 +108,6 @@ int Split(const std::string &strPath, std::vector<std::string> *pvecParts)
     }
     return 0;
 }
-
-std::string DirectoryPart(const std::string &strPath)
-{
-    const size_t uiSlash = strPath.rfind('/');
-    return uiSlash == std::string::npos ? "." : uiSlash == 0U ? "/" : strPath.substr(0U, uiSlash);
-}
-
-} // namespace
 
 std::string PLACE_S::Text() const
 {
@@ -151,14 +151,6 @@ std::string Reason(int iError)
     }
     const char *pcText = strerrordesc_np(iError);
     return pcText == nullptr ? "unknown error" : pcText;
-}
-
-void GiveToOwnerOf(const std::string &strBase, const Fd &stFile)
-{
-    struct stat stStat;
-    if (geteuid() == 0U && !strBase.empty() && stat(strBase.c_str(), &stStat) == 0 && stStat.st_uid != 0U) {
-        (void)!fchown(stFile.Get(), stStat.st_uid, stStat.st_gid);
-    }
 }
 
 namespace {
@@ -313,7 +305,7 @@ int OpenAt(SPOT_S *pstSpot, int iFlags, Links enLinks, Fd *pstFd, struct stat *p
         *pstFd = Fd(RetryOpen(pstSpot->stDirectory.Get(), pstSpot->strName.c_str(), iBare | O_CREAT | O_EXCL,
                               uiMode & 0777U));
         if (*pstFd) {
-            GiveToOwnerOf(pstSpot->strBase, *pstFd);
+            GiveToOwnerOf(pstSpot->strBase, pstSpot->stDirectory, *pstFd);
             (void)fchmod(pstFd->Get(), uiMode & 0777U);
         } else if (errno == EEXIST) { // another process was faster
             *pstFd = Fd(RetryOpen(pstSpot->stDirectory.Get(), pstSpot->strName.c_str(), iBare));

@@ -163,7 +163,7 @@ int NewFile::Open(const PLACE_S &stPlace, mode_t uiMode, Links enLinks)
         // A file edited by root stays its owner's; others may not give files away, and need not.
         (void)!fchown(m_stFile.Get(), stOld.st_uid, stOld.st_gid);
     } else {
-        GiveToOwnerOf(stSpot.strBase, m_stFile);
+        GiveToOwnerOf(stSpot.strBase, stSpot.stDirectory, m_stFile);
     }
     m_stDirectory = std::move(stSpot.stDirectory);
     m_strName = stSpot.strName;

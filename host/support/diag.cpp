@@ -60,6 +60,8 @@ void InChild()
 
 __attribute__((constructor)) void RegisterForkHandlers()
 {
+    // The list of lock files comes first, so that fork() takes it last: one is taken while mtxDb is held.
+    const files::LockFile stFirst;
     (void)pthread_atfork(BeforeFork, AfterFork, InChild);
 }
 

@@ -220,7 +220,7 @@ TEST_F(DatabaseProcesses, ADatabaseWhoseCreatorWasKilledOpens)
         controller::Start();
         const pid_t iPid = Spawn([] {
             (void)Put(1, 1, 1);
-            controller::Pause(1000000);
+            (void)pause(); // until it is killed
             return 0;
         });
         controller::Pause(static_cast<unsigned>(random() % 3000U));

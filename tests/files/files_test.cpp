@@ -131,6 +131,52 @@ TEST_F(Files, WhatRootMakesBelowSomebodysBaseIsHis)
     }
 }
 
+TEST_F(Files, WhatRootMakesInSomebodysDirectoryIsHisToo)
+{
+    NEEDS_ROOT()
+    ASSERT_EQ(files::MakeDirectories(PLACE_S(At("root"), "var/log")), 0);
+    ASSERT_EQ(chown(At("root/var/log").c_str(), OTHER_USER, OTHER_USER), 0);
+    files::Fd stFile;
+    ASSERT_EQ(files::Replace(PLACE_S(At("root"), "var/log/file"), "x"), 0);
+    ASSERT_EQ(files::OpenRegular(PLACE_S(At("root"), "var/log/made"), O_RDWR | O_CREAT, Links::Never, &stFile), 0);
+    ASSERT_EQ(files::MakeDirectories(PLACE_S(At("root"), "var/log/directory")), 0);
+    ASSERT_EQ(files::Replace(PLACE_S(At("root"), "var/own"), "x"), 0);
+    for (const char *pcName : {"log/file", "log/made", "log/directory"}) {
+        EXPECT_EQ(Owner(std::string("root/var/") + pcName), OTHER_USER) << pcName;
+    }
+    EXPECT_EQ(Owner("root/var/own"), 0U);
+}
+
+TEST_F(Files, ADirectoryIsHandedOverWithRootsOwnFilesOnly)
+{
+    NEEDS_ROOT()
+    const std::string strRoot = At("root");
+    Write("root/var/log/a", "x", 0600);
+    Write("root/var/log/third", "x");
+    Write("root/var/log/twice", "x");
+    Write("root/var/log/below/deep", "x");
+    Write("victim", "x");
+    ASSERT_EQ(chown(At("root/var/log/third").c_str(), 1U, 1U), 0);
+    ASSERT_EQ(link(At("root/var/log/twice").c_str(), At("second name").c_str()), 0);
+    ASSERT_EQ(symlink("../../../victim", At("root/var/log/link").c_str()), 0);
+    EXPECT_EQ(files::HandOver(PLACE_S(strRoot, "/var/log"), OTHER_USER, OTHER_USER), 0);
+    EXPECT_EQ(Owner("root/var/log"), OTHER_USER);
+    EXPECT_EQ(Owner("root/var/log/a"), OTHER_USER);
+    EXPECT_EQ(Mode("root/var/log/a"), 0600U);
+    EXPECT_EQ(Owner("root/var/log/third"), 1U);
+    for (const char *pcName : {"root/var", "root/var/log/twice", "root/var/log/below", "root/var/log/below/deep", "victim"}) {
+        EXPECT_EQ(Owner(pcName), 0U) << pcName;
+    }
+    // What root lays there later is no longer looked at: the user could have laid it.
+    Write("root/var/log/later", "x");
+    EXPECT_EQ(files::HandOver(PLACE_S(strRoot, "var/log"), OTHER_USER, OTHER_USER), 0);
+    EXPECT_EQ(Owner("root/var/log/later"), 0U);
+    EXPECT_EQ(files::HandOver(PLACE_S(strRoot, "var/log"), 1U, 1U), EPERM);
+    ASSERT_EQ(symlink("log", At("root/var/other").c_str()), 0);
+    EXPECT_EQ(files::HandOver(PLACE_S(strRoot, "var/other"), OTHER_USER, OTHER_USER), ELOOP);
+    EXPECT_EQ(files::HandOver(PLACE_S(strRoot, "var/none"), OTHER_USER, OTHER_USER), ENOENT);
+}
+
 // ---- reading ----
 
 TEST_F(Files, AFileIsReadWholeUpToItsLimit)

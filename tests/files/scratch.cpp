@@ -41,6 +41,13 @@ mode_t Scratch::Mode(const std::string &strName) const
     return stStat.st_mode & 07777U;
 }
 
+uid_t Scratch::Owner(const std::string &strName) const
+{
+    struct stat stStat = {};
+    EXPECT_EQ(lstat(At(strName).c_str(), &stStat), 0) << strName;
+    return stStat.st_uid;
+}
+
 std::vector<std::string> Scratch::Names(const std::string &strName) const
 {
     std::vector<std::string> vecNames;

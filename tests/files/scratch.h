@@ -24,6 +24,7 @@ class Scratch : public testing::Test
     void Write(const std::string &strName, const std::string &strContent, mode_t uiMode = 0644) const;
     std::string Read(const std::string &strName) const;
     mode_t Mode(const std::string &strName) const;
+    uid_t Owner(const std::string &strName) const;
     std::vector<std::string> Names(const std::string &strName = ".") const;
 
     std::string m_strDirectory;

@@ -135,6 +135,7 @@ class CONTROLLER:
 
     def __init__(self, stCase, lstDevices):
         self.strBase = tempfile.mkdtemp(prefix='bmcfru_ipmi_')
+        os.chmod(self.strBase, 0o755)  # where root tests, somebody else serves
         stCase.addCleanup(shutil.rmtree, self.strBase, True)
         self.strRoot = os.path.join(self.strBase, "a controller's root")
         self.lstDevices = lstDevices

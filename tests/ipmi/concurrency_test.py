@@ -74,14 +74,17 @@ class Concurrency(unittest.TestCase):
         return iWrites >= FEW and all(self.mapReads.get(iId, 0) >= FEW for iId in range(4))
 
     def Run(self, fnWrite, lstWritten):
-        lstThreads = [threading.Thread(target=self.Watch, args=(iId, self.CheckUntouched(iId))) for iId in range(3)]
-        lstThreads.append(threading.Thread(target=self.Watch, args=(3, self.CheckWritten(lstWritten))))
+        lstThreads = [threading.Thread(target=self.Watch, args=(iId, self.CheckUntouched(iId)), daemon=True) for iId in range(3)]
+        lstThreads.append(threading.Thread(target=self.Watch, args=(3, self.CheckWritten(lstWritten)), daemon=True))
         for stThread in lstThreads:
             stThread.start()
         iWrites = 0
-        fUntil = time.monotonic() + SECONDS
+        fStart = time.monotonic()
         try:
-            while not self.stEnd.is_set() and (time.monotonic() < fUntil or not self.IsEnough(iWrites)):
+            while not self.stEnd.is_set() and (time.monotonic() < fStart + SECONDS or not self.IsEnough(iWrites)):
+                if time.monotonic() > fStart + bench.HANG_SECONDS:
+                    self.Fault('so few were served in all that time')
+                    break
                 iWrites += 1
                 abImage = fnWrite(iWrites)
                 if self.stService.ReadFru(3, self.File('after')) != abImage:
@@ -90,7 +93,8 @@ class Concurrency(unittest.TestCase):
             self.Fault('writing: %r' % stError)
         self.stEnd.set()
         for stThread in lstThreads:
-            stThread.join()
+            stThread.join(bench.HANG_SECONDS)
+            self.assertFalse(stThread.is_alive())
         print('  %d writes, reads by device: %s' % (iWrites, self.mapReads))
         self.assertEqual(self.lstFaults, [])
         self.assertTrue(self.IsEnough(iWrites), self.mapReads)

@@ -150,14 +150,90 @@ class Life(ServeCase):
         with open('/proc/%d/cmdline' % stService.iSimulator, 'rb') as stFile:
             self.assertNotIn(stService.strPassword.encode(), stFile.read())
 
-    def test_root_serves_a_users_controller_as_that_user(self):
+    def NeedsRoot(self):
         if os.geteuid() != 0:
             self.skipTest('only root can act as two users')
-        iUser = 65534
+
+    def Owners(self, strBelow=''):
+        """User number by path, of everything there."""
+        mapOwners = {}
+        for strDirectory, lstDirectories, lstNames in os.walk(os.path.join(self.stController.strRoot, strBelow)):
+            for strName in lstDirectories + lstNames:
+                strPath = os.path.join(strDirectory, strName)
+                mapOwners[os.path.relpath(strPath, self.stController.strRoot)] = os.lstat(strPath).st_uid
+        return mapOwners
+
+    def test_root_serves_its_own_controller_as_somebody_who_has_nothing_else(self):
+        self.NeedsRoot()
+        import pwd
+        setNames = {stEntry.pw_name for stEntry in pwd.getpwall()}
+        strUser = '_bmcfru' if '_bmcfru' in setNames else 'nobody'
+        iUser = pwd.getpwnam(strUser).pw_uid
+        for strSecret in ('secret', 'conf/secret'):
+            strPath = os.path.join(self.stController.strRoot, strSecret)
+            os.makedirs(os.path.dirname(strPath), exist_ok=True)
+            with open(strPath, 'w', encoding='utf-8'):
+                os.chmod(strPath, 0o600)
+        stService = bench.SERVICE(self, self.stController)
+        self.assertEqual(stService.mapFacts['runsAs'], strUser)
+        mapStatus = self.Status(stService)
+        self.assertEqual(mapStatus['Uid'].split(), [str(iUser)] * 4)
+        self.assertEqual(mapStatus['Groups'].split(), [])
+        self.assertEqual(int(mapStatus['CapBnd'], 16), 0)
+        stDevice = self.stController.lstDevices[1]
+        self.assertEqual(stService.Raw(0x0A, 0x12, 1, 0, 0, 1), (0, b'\x01'))
+        # Root works on beside it, with files that both can use.
+        self.stController.Fructl('label', 'set', stDevice.strName, 'Product Version=B2')
+        self.assertEqual(stService.Raw(0x0A, 0x10, 1)[0], 0)
+        self.assertEqual(stService.Raw(0x0A, 0x12, 1, 0, 0, 1), (0, b'\x01'))
+        self.assertEqual(self.stController.CacheState(stDevice), 'same')  # as what is in the chip
+        for strPath, iOwner in self.Owners().items():
+            bHis = strPath in ('eeprom', 'var/lib/fru', 'var/log', 'var/lock') or strPath.startswith(
+                ('eeprom/', 'var/lib/fru/', 'var/log/', 'var/lock/'))
+            self.assertEqual(iOwner, iUser if bHis else 0, strPath)
+        self.assertEqual(stService.Stop(), (0, ''))
+
+    def test_root_serves_as_root_when_told_so_but_without_a_capability(self):
+        self.NeedsRoot()
+        stService = bench.SERVICE(self, self.stController, '--run-as', 'root')
+        mapStatus = self.Status(stService)
+        self.assertEqual(mapStatus['Uid'].split(), ['0'] * 4)
+        for strSet in ('CapPrm', 'CapEff', 'CapBnd', 'CapAmb'):
+            self.assertEqual(int(mapStatus[strSet], 16), 0, strSet)
+        self.assertEqual(set(self.Owners().values()), {0})
+        self.assertEqual(stService.Raw(0x0A, 0x12, 1, 0, 0, 1), (0, b'\x01'))
+
+    def test_a_user_who_cannot_serve_is_refused_and_given_nothing(self):
+        self.NeedsRoot()
+        self.Refused(2, 'there is no such user', '--run-as', 'not a user')
+        os.chmod(self.stController.strBase, 0o700)
+        self.Refused(1, '--run-as names another user, --root another place')
+        self.assertEqual(set(self.Owners().values()), {0})
         os.chmod(self.stController.strBase, 0o755)
-        for strDirectory, _, lstNames in os.walk(self.stController.strRoot):
-            for strName in ['.', *lstNames]:
-                os.chown(os.path.join(strDirectory, strName), iUser, iUser)
+        strLog = os.path.join(self.stController.strRoot, 'var/log')
+        os.makedirs(strLog, exist_ok=True)
+        os.chown(strLog, 1, 1)
+        self.Refused(1, 'it belongs neither to him nor to root')
+        os.rmdir(strLog)
+        os.symlink(self.stController.strBase, strLog)  # even root's own
+        self.Refused(1, 'a symbolic link there is not followed')
+        self.assertEqual(os.stat(self.stController.strBase).st_uid, 0)
+
+    def test_only_root_names_another_user(self):
+        self.NeedsRoot()
+        iUser = 65534
+        for strPath in ['.', *self.Owners()]:
+            os.chown(os.path.join(self.stController.strRoot, strPath), iUser, iUser)
+        stDone = bench.Run([bench.STR_FRUCTL, '--root', self.stController.strRoot, 'serve', '--run-as', 'root'],
+                           user=iUser, group=iUser, extra_groups=[])
+        self.assertEqual(stDone.returncode, 2)
+        self.assertIn('only root can run it as another user', stDone.stderr)
+
+    def test_root_serves_a_users_controller_as_that_user(self):
+        self.NeedsRoot()
+        iUser = 65534
+        for strPath in ['.', *self.Owners()]:
+            os.chown(os.path.join(self.stController.strRoot, strPath), iUser, iUser)
         self.Refused(8, '--foreign-root writes all the same')
         os.environ['SUDO_UID'] = str(iUser)
         self.addCleanup(os.environ.pop, 'SUDO_UID')
@@ -169,9 +245,7 @@ class Life(ServeCase):
         self.assertEqual(int(mapStatus['CapBnd'], 16), 0)
         self.assertEqual(stService.Raw(0x0A, 0x12, 1, 0, 0, 1), (0, b'\x01'))  # and it can write there
         self.assertEqual(stService.Stop(), (0, ''))
-        for strDirectory, _, lstNames in os.walk(self.stController.strRoot):
-            for strName in lstNames:
-                self.assertEqual(os.stat(os.path.join(strDirectory, strName)).st_uid, iUser, strName)
+        self.assertEqual(set(self.Owners().values()), {iUser})
 
     def test_what_others_laid_where_its_files_once_were_stays(self):
         strVictim = os.path.join(self.stController.strBase, 'victim')

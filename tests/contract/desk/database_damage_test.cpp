@@ -1,10 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 // The desk's own: files of the database that are cut, overwritten or garbled, at rest and while they are open. Whatever
 // is read, it is told or it is whole, and nobody dies of it.
+#include <csignal>
 #include <cstring>
+#include <fcntl.h>
 #include <filesystem>
 #include <fstream>
 #include <random>
+#include <sys/mman.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include "bmc_db.h"
@@ -185,6 +189,71 @@ TEST_F(DatabaseDamage, FilesCutWhileTheyAreOpenKillNobody)
             EXPECT_EQ(iStatus, 0) << strFile << " cut to " << iLength;
         }
     }
+}
+
+// Reads until somebody writes into the pipe's other end: the rounds that gave the record, all others fail.
+int ReadUntilTold(int iPipe)
+{
+    u32 uiRead = 0;
+    BYTES vecData(LengthOf(3));
+    for (char cByte = 0; read(iPipe, &cByte, 1) < 0;) {
+        void *pDb = DB_Open();
+        if (pDb != nullptr && DB_Get(pDb, 3, LengthOf(3), vecData.data()) == 0U) {
+            if (vecData != BYTES(LengthOf(3), 3)) {
+                return 1;
+            }
+            ++uiRead;
+        }
+    }
+    return uiRead > 100U && Has(3, 3) ? 0 : 2;
+}
+
+TEST_F(DatabaseDamage, AnIndexThatIsCutInTheMiddleOfReadingKillsNobody)
+{
+    Lay(m_strWhole);
+    int aiPipe[2];
+    ASSERT_EQ(pipe2(aiPipe, O_NONBLOCK), 0);
+    pid_t aiReaders[2];
+    for (pid_t &iReader : aiReaders) {
+        iReader = controller::Spawn([&aiPipe] { return ReadUntilTold(aiPipe[0]); });
+    }
+    std::mt19937 random(602);
+    for (u32 uiRound = 0; uiRound < 400U; ++uiRound) {
+        controller::Pause(static_cast<unsigned>(random() % 3000U));
+        (void)!truncate(controller::RealPath(g_acIndex).c_str(), random() % 2U == 0U ? 0 : 4096);
+    }
+    ASSERT_EQ(write(aiPipe[1], "xx", 2), 2);
+    for (const pid_t iReader : aiReaders) {
+        EXPECT_EQ(controller::Await(iReader), 0);
+    }
+    (void)close(aiPipe[0]);
+    (void)close(aiPipe[1]);
+}
+
+// The children are the first here to use a database.
+class DatabaseSignal : public controller::ContractTest
+{};
+
+TEST_F(DatabaseSignal, OfTheProgramsOwnIsStillTheProgramsOwn)
+{
+    const auto fnTouch = [] {
+        const std::string strFile = controller::RealPath("/own");
+        const int iFd = open(strFile.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
+        volatile char *pcMapped = static_cast<char *>(mmap(nullptr, 4096, PROT_READ, MAP_SHARED, iFd, 0));
+        return *pcMapped + 0; // behind the end of the file
+    };
+    EXPECT_EQ(controller::Await(controller::Spawn([&] {
+                  (void)signal(SIGBUS, [](int) { _exit(77); });
+                  return Put(3, 3) == 0U && Has(3, 3) ? fnTouch() : 1;
+              })),
+              77);
+    int iStatus = 0;
+    const pid_t iPid = controller::Spawn([&] {
+        (void)signal(SIGBUS, SIG_DFL);
+        return Put(3, 3) == 0U && Has(3, 3) ? fnTouch() : 1;
+    });
+    ASSERT_EQ(waitpid(iPid, &iStatus, 0), iPid);
+    EXPECT_TRUE(WIFSIGNALED(iStatus) && WTERMSIG(iStatus) == SIGBUS) << iStatus;
 }
 
 TEST_F(DatabaseDamage, ACutFileIsToldByAProcessThatHasItOpen)

@@ -5,6 +5,7 @@
 #include <fcntl.h>
 #include <filesystem>
 #include <sqlite3.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <thread>
 #include <unistd.h>
@@ -252,21 +253,26 @@ TEST_F(DatabaseLock, OfOthersHoldsUpNoReaderOfThisProcess)
     EXPECT_TRUE(Has(1, 4, 2));
 }
 
+// Another user may open the directory, and so lock it.
 TEST_F(DatabaseLock, OfADirectoryKeepsNobodyOut)
 {
-    const int iFd = open(RealPath(g_acDirectory).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    ASSERT_GE(iFd, 0);
-    // Held by another open file description, as by another user.
-    const std::string strHold = "flock '" + RealPath(g_acDirectory) + "' sleep 60 & echo $!";
-    FILE *pstPipe =
-        popen(("exec 2>/dev/null; " + strHold).c_str(), "r"); // NOLINT(cert-env33-c): our own words
-    ASSERT_NE(pstPipe, nullptr);
-    int iPid = 0;
-    ASSERT_EQ(fscanf(pstPipe, "%d", &iPid), 1); // NOLINT(cert-err34-c)
-    controller::Pause(200000);
+    m_iHolder = controller::Spawn([this] {
+        const int iFd = open(RealPath(g_acDirectory).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+        if (iFd < 0 || flock(iFd, LOCK_EX) != 0 || write(m_aiPipe[1], "x", 1) != 1) {
+            return 1;
+        }
+        controller::Pause(60000000);
+        return 0;
+    });
+    char cByte = 0;
+    ASSERT_EQ(read(m_aiPipe[0], &cByte, 1), 1);
+    m_stBegin = std::chrono::steady_clock::now();
     EXPECT_EQ(Put(1, 4, 2), 0U);
-    EXPECT_EQ(kill(iPid, SIGKILL), 0);
-    (void)close(iFd);
+    ASSERT_EQ(controller::Await(controller::Spawn([] { return 0; })), 0); // fork() closes ours
+    std::filesystem::remove(RealPath(BMCHOST_DB_FILE));
+    EXPECT_EQ(Put(1, 4, 3), 0U); // nor from making a new one
+    EXPECT_LT(Passed(), 5.0);
+    controller::Kill(m_iHolder);
 }
 
 // ---- other users, and no right to write ----

@@ -205,7 +205,7 @@ TEST_F(Images, AChildForkedInATransferDoesNotKeepTheChipLockedWhenItsParentIsKil
     const auto begin = std::chrono::steady_clock::now();
     EXPECT_EQ(Read(8), 8);
     EXPECT_EQ(Write(64, BYTES(8, 1)), 8);
-    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(2));
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(20)); // as long as the child lives
     (void)kill(iChild, SIGKILL);
     (void)close(aiPipe[0]);
     (void)close(aiPipe[1]);

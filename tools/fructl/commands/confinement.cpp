@@ -12,9 +12,9 @@
 #include <sys/syscall.h>
 #include <unistd.h>
 
-namespace {
+#include "lib_fru_types.h"
 
-constexpr u16 FIRST_FREE_PORT = 1024U;
+namespace {
 
 // The sets of this process hold these capabilities only.
 bool SetCapabilities(u32 uiLow)
@@ -59,17 +59,6 @@ void ResetSignals()
 }
 
 } // namespace
-
-IDENTITY_S IdentityFor(const std::string &strRoot, u16 usPort)
-{
-    IDENTITY_S stIdentity = {geteuid(), getegid(), geteuid() == 0U, usPort < FIRST_FREE_PORT};
-    struct stat stStat = {};
-    if (stIdentity.bChange && stat(strRoot.c_str(), &stStat) == 0) {
-        stIdentity.uiUser = stStat.st_uid;
-        stIdentity.uiGroup = stStat.st_gid;
-    }
-    return stIdentity;
-}
 
 const char *Confine(const IDENTITY_S &stIdentity, pid_t iParent)
 {

@@ -3,10 +3,7 @@
 #ifndef FRUCTL_COMMANDS_CONFINEMENT_H
 #define FRUCTL_COMMANDS_CONFINEMENT_H
 
-#include <string>
 #include <sys/types.h>
-
-#include "lib_fru_types.h"
 
 struct IDENTITY_S
 {
@@ -15,10 +12,6 @@ struct IDENTITY_S
     bool bChange;  // from root to that user
     bool bLowPort; // it must listen below port 1024
 };
-
-// The user who is to serve the controller: the one whom its directory belongs to, where root starts the
-// service, else this process's own.
-IDENTITY_S IdentityFor(const std::string &strRoot, u16 usPort);
 
 // ---- in the child, between fork() and exec ----
 

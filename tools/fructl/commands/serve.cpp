@@ -39,6 +39,7 @@ struct SERVE_S
     std::string strAddress = ADDRESS_DEFAULT;
     std::string strUser = USER_DEFAULT;
     std::string strPasswordFile;
+    std::string strRunAs;
 };
 
 // A word of the simulator's configuration: it stands in double quotes, and blanks end it all the same.
@@ -96,6 +97,7 @@ SERVICE_S ServiceOf(const SESSION_S &stSession, const SERVE_S &stOptions)
     stService.strAddress = stOptions.strAddress;
     stService.strUser = stOptions.strUser;
     stService.strRoot = stSession.strRoot;
+    stService.strRunAs = stOptions.strRunAs;
     stService.bVerbose = stSession.bVerbose;
     stService.bForeignRoot = stSession.bForeignRoot;
     (void)MakeEndpoint(stService.strAddress, stService.usPort); // fails when it is none
@@ -136,7 +138,8 @@ std::string ClientLine(const SERVICE_S &stService, const std::string &strPasswor
                                           : ("-f " + ShellWord(strPasswordFile)).c_str());
 }
 
-void Announce(const SESSION_S &stSession, const SERVE_S &stOptions, const SERVICE_S &stService, pid_t iPid)
+void Announce(const SESSION_S &stSession, const SERVE_S &stOptions, const SERVICE_S &stService,
+              const Simulator &stSimulator)
 {
     const size_t uiDevices = LoadDevices(stSession).size();
     const std::string strClient = ClientLine(stService, stOptions.strPasswordFile);
@@ -145,17 +148,21 @@ void Announce(const SESSION_S &stSession, const SERVE_S &stOptions, const SERVIC
                         {"port", stService.usPort},
                         {"user", stService.strUser},
                         {"devices", uiDevices},
-                        {"pid", iPid},
+                        {"pid", stSimulator.Pid()},
                         {"client", strClient}};
         if (stOptions.strPasswordFile.empty()) {
             stFacts["password"] = stService.strPassword; // made for this service, and told here only
         }
+        if (!stSimulator.User().empty()) {
+            stFacts["runsAs"] = stSimulator.User();
+        }
         PrintJson(stFacts);
         EndJson();
     } else {
-        Print(Format("serving %s of %s at %s, UDP port %u, until Ctrl-C\n  ",
+        const std::string strAs = stSimulator.User().empty() ? "" : ", as user " + stSimulator.User();
+        Print(Format("serving %s of %s at %s, UDP port %u%s, until Ctrl-C\n  ",
                      Count(uiDevices, "FRU device").c_str(), EscapeText(stSession.strRoot).c_str(),
-                     stService.strAddress.c_str(), stService.usPort) +
+                     stService.strAddress.c_str(), stService.usPort, strAs.c_str()) +
               Paint(Colour::Bold, strClient) + "\n");
     }
     (void)FlushOutput();
@@ -207,7 +214,7 @@ void RunServe(const SESSION_S &stSession, const SERVE_S &stOptions)
         Fail(std::string("cannot wait for signals: ") + strerror(errno));
     }
     Simulator stSimulator(stService);
-    Announce(stSession, stOptions, stService, stSimulator.Pid());
+    Announce(stSession, stOptions, stService, stSimulator);
     if (stSimulator.WaitForEnd(stSignalFd.Get(), Mender(stSession))) {
         Fail("the service has ended: " + stSimulator.EndText());
     }
@@ -232,6 +239,10 @@ void AddServeCommand(CLI::App &stParent, SESSION_S &stSession)
         ->add_option("--password-file", pstOptions->strPasswordFile,
                      "file with the password in its first line (else one is made and shown)")
         ->type_name("FILE");
+    pstCommand
+        ->add_option("--run-as", pstOptions->strRunAs,
+                     "whom root lets the service run as (else the directory's owner, but never root)")
+        ->type_name("USER");
     pstCommand->callback([&stSession, pstOptions] {
         stSession.fnRun = [&stSession, pstOptions] { RunServe(stSession, *pstOptions); };
     });

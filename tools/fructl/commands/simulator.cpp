@@ -176,6 +176,7 @@ Simulator::Simulator(const SERVICE_S &stService) : m_stService(stService)
 {
     const std::string strProgram = FindProgram();
     m_strModule = FindModule();
+    m_stUser = ServiceUserFor(stService.strRoot, stService.usPort, stService.strRunAs);
     const files::PLACE_S stLock(stService.strRoot, LOCK_FILE);
     MakeParentDirectory(stLock);
     const int iError = m_stLock.Take(stLock, 0U);
@@ -186,6 +187,7 @@ Simulator::Simulator(const SERVICE_S &stService) : m_stService(stService)
                  : "cannot lock " + EscapeText(stLock.Text()) + ": " + files::Reason(iError));
     }
     CheckPortIsFree(stService.strAddress, stService.usPort);
+    PrepareFor(m_stUser, stService.strRoot, {m_strModule, stService.strRoot + BMCHOST_DB_FILE});
     MakeConfiguration();
     try {
         Start(strProgram);
@@ -204,7 +206,8 @@ Simulator::~Simulator()
 void Simulator::MakeConfiguration()
 {
     std::string strOptions = m_stService.bVerbose ? "verbose " : "";
-    strOptions += m_stService.bForeignRoot ? "foreign-root " : "";
+    // Root has decided that this user may write there.
+    strOptions += m_stService.bForeignRoot || m_stUser.bForeign ? "foreign-root " : "";
     strOptions += "root=" + m_stService.strRoot;
     std::string strLan = "name \"bmcfru\"\nset_working_mc 0x20\n  startlan 1\n";
     strLan += Format("    addr %s %u\n    guid %s\n    priv_limit admin\n", m_stService.strAddress.c_str(),
@@ -235,7 +238,7 @@ void Simulator::Start(const std::string &strProgram)
     (void)fcntl(aiPipe[0], F_SETFL, O_NONBLOCK);
     const CHILD_S stChild = {strProgram.c_str(), getpid(),
                              m_stLan.Get(),      m_stController.Get(),
-                             stWrite.Get(),      IdentityFor(m_stService.strRoot, m_stService.usPort)};
+                             stWrite.Get(),      m_stUser.stIdentity};
     m_iPid = fork();
     if (m_iPid == 0) {
         Become(stChild);

@@ -7,6 +7,7 @@
 #include <string>
 #include <sys/types.h>
 
+#include "commands/service_user.h"
 #include "files/files.h"
 #include "lib_fru_types.h"
 
@@ -18,6 +19,7 @@ struct SERVICE_S
     std::string strUser;
     std::string strPassword;
     std::string strRoot;
+    std::string strRunAs; // whom root wants the simulator to run as; empty: nobody in particular
     bool bForeignRoot = false;
     bool bVerbose = false; // the library's diagnostics and the simulator's own go to stderr
 };
@@ -38,6 +40,11 @@ class Simulator
     {
         return m_iPid;
     }
+    // As whom it runs; empty when that is this process's user.
+    const std::string &User() const
+    {
+        return m_stUser.strName;
+    }
     // Waits until it has ended by itself (true; how, is in EndText() then) or iSignalFd can be read (false).
     // fnEachSecond is called meanwhile.
     bool WaitForEnd(int iSignalFd, const std::function<void()> &fnEachSecond);
@@ -53,6 +60,7 @@ class Simulator
     std::string OutputTail() const;
 
     SERVICE_S m_stService;
+    SERVICE_USER_S m_stUser;
     std::string m_strModule;
     files::LockFile m_stLock;
     files::Fd m_stLan;
