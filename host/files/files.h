@@ -155,7 +155,8 @@ int Copy(const PLACE_S &stFrom, const PLACE_S &stTo);
 // Removes a name; what a link leads to stays.
 int Remove(const PLACE_S &stPlace);
 
-// Gives a regular file another name in its directory, in the place of a regular file or nothing.
+// Gives a regular file another name in its directory, in the place of a regular file or nothing, and flushes the
+// directory.
 int Rename(const PLACE_S &stPlace, const std::string &strName);
 
 // Flushes the directory of a file, so that its name is on the disk too.

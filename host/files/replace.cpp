@@ -245,7 +245,10 @@ int Rename(const PLACE_S &stPlace, const std::string &strName)
         }
     }
     const int iDirectory = stSpot.stDirectory.Get();
-    return renameat(iDirectory, stSpot.strName.c_str(), iDirectory, strName.c_str()) == 0 ? 0 : errno;
+    if (renameat(iDirectory, stSpot.strName.c_str(), iDirectory, strName.c_str()) != 0) {
+        return errno;
+    }
+    return FlushDirectory(stSpot.stDirectory);
 }
 
 void Tidy(const PLACE_S &stDirectory)

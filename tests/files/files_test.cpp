@@ -138,7 +138,8 @@ TEST_F(Files, WhatRootMakesInSomebodysDirectoryIsHisToo)
     ASSERT_EQ(chown(At("root/var/log").c_str(), OTHER_USER, OTHER_USER), 0);
     files::Fd stFile;
     ASSERT_EQ(files::Replace(PLACE_S(At("root"), "var/log/file"), "x"), 0);
-    ASSERT_EQ(files::OpenRegular(PLACE_S(At("root"), "var/log/made"), O_RDWR | O_CREAT, Links::Never, &stFile), 0);
+    ASSERT_EQ(
+        files::OpenRegular(PLACE_S(At("root"), "var/log/made"), O_RDWR | O_CREAT, Links::Never, &stFile), 0);
     ASSERT_EQ(files::MakeDirectories(PLACE_S(At("root"), "var/log/directory")), 0);
     ASSERT_EQ(files::Replace(PLACE_S(At("root"), "var/own"), "x"), 0);
     for (const char *pcName : {"log/file", "log/made", "log/directory"}) {
@@ -164,7 +165,8 @@ TEST_F(Files, ADirectoryIsHandedOverWithRootsOwnFilesOnly)
     EXPECT_EQ(Owner("root/var/log/a"), OTHER_USER);
     EXPECT_EQ(Mode("root/var/log/a"), 0600U);
     EXPECT_EQ(Owner("root/var/log/third"), 1U);
-    for (const char *pcName : {"root/var", "root/var/log/twice", "root/var/log/below", "root/var/log/below/deep", "victim"}) {
+    for (const char *pcName :
+         {"root/var", "root/var/log/twice", "root/var/log/below", "root/var/log/below/deep", "victim"}) {
         EXPECT_EQ(Owner(pcName), 0U) << pcName;
     }
     // What root lays there later is no longer looked at: the user could have laid it.

@@ -147,6 +147,27 @@ TEST_F(Locks, WhoeverWaitsHasItInTheOrderInWhichTheyCame)
     close(aiTurns[1]);
 }
 
+// Numbers of processes say nothing: in a container its first process has the number of the machine's.
+TEST_F(Locks, TellProcessesOfOneNumberInTwoNamespacesApart)
+{
+    const int iResult = InNewNamespace([&] {
+        LockFile stLock;
+        if (getpid() != 1 || stLock.Take(At("lock"), 0U) != 0) {
+            return 1;
+        }
+        const auto fnTry = [&] { return getpid() == 1 ? LockFile().Take(At("lock"), 50U) : 2; };
+        if (InNewNamespace(fnTry) != ETIMEDOUT) {
+            return 3;
+        }
+        stLock.Release();
+        return InNewNamespace(fnTry);
+    });
+    if (iResult == NOT_ALLOWED) {
+        GTEST_SKIP() << "no new pid namespace may be made here";
+    }
+    EXPECT_EQ(iResult, 0);
+}
+
 TEST_F(Locks, AChildOfForkDoesNotHoldOnToThemWhenItsParentIsKilled)
 {
     int aiReady[2];

@@ -6,6 +6,7 @@
 #include <fstream>
 #include <grp.h>
 #include <iterator>
+#include <sched.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -70,4 +71,9 @@ int InChild(const std::function<int()> &fnWork, bool bOther)
     }
     int iStatus = 0;
     return waitpid(iPid, &iStatus, 0) == iPid && WIFEXITED(iStatus) ? WEXITSTATUS(iStatus) : -1;
+}
+
+int InNewNamespace(const std::function<int()> &fnWork)
+{
+    return InChild([&] { return unshare(CLONE_NEWPID) == 0 ? InChild(fnWork) : NOT_ALLOWED; });
 }

@@ -35,6 +35,10 @@ constexpr uid_t OTHER_USER = 65534;
 // Runs fnWork in a child process, as OTHER_USER when bOther; its result.
 int InChild(const std::function<int()> &fnWork, bool bOther = false);
 
+// Runs fnWork in a child process that is the first, number 1, of a new pid namespace; its result, or NOT_ALLOWED.
+constexpr int NOT_ALLOWED = 124;
+int InNewNamespace(const std::function<int()> &fnWork);
+
 #define NEEDS_ROOT()                                                                                         \
     if (geteuid() != 0U) {                                                                                   \
         GTEST_SKIP() << "only root can act as two users";                                                    \

@@ -5,6 +5,7 @@
 #include <csignal>
 #include <filesystem>
 #include <sys/resource.h>
+#include <sys/stat.h>
 
 #include "bmc_db.h"
 #include "bmcfru_host.h"
@@ -172,6 +173,21 @@ TEST_F(DatabaseFiles, AFullDatabaseFailsThePutAndKeepsTheRecords)
     EXPECT_EQ(DB_Del(DB_Open(), &uiFirst), 0U);
     EXPECT_EQ(Put(1000, 2048, 5), 0U);
     EXPECT_TRUE(Has(1000, 2048, 5));
+}
+
+// Whoever may read the file must be able to read its log, whoever has made that.
+TEST_F(DatabaseFiles, HaveTheFilesModeWhateverTheUmask)
+{
+    const mode_t uiBefore = umask(077);
+    const u32 uiResult = Put(1, 4, 1);
+    umask(uiBefore);
+    ASSERT_EQ(uiResult, 0U);
+    for (const char *pcEnd : {"", "-wal", "-shm"}) {
+        struct stat stStat = {};
+        EXPECT_EQ(stat(controller::RealPath(std::string(BMCHOST_DB_FILE) + pcEnd).c_str(), &stStat), 0)
+            << pcEnd;
+        EXPECT_EQ(stStat.st_mode & 07777U, 0644U) << pcEnd;
+    }
 }
 
 } // namespace

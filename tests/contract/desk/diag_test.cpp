@@ -3,7 +3,11 @@
 #include <atomic>
 #include <thread>
 
+#include "bmc_db.h"
 #include "bmc_eeprom.h"
+#include "bmc_ini.h"
+#include "bmc_mrpc.h"
+#include "bmc_operatelog.h"
 #include "bmc_support.h"
 #include "bmcfru_host.h"
 #include "controller.h"
@@ -117,6 +121,59 @@ TEST_F(Diag, ASinkThatHangsHoldsUpItsOwnThreadOnly)
     EXPECT_EQ(controller::Await(iPid), 7);
     g_bLetGo = true;
     hung.join();
+}
+
+// A message of every part of the platform, each by a call that fails.
+const std::vector<std::function<void()>> g_vecComplaints = {
+    [] {
+        u8 ucByte = 0;
+        (void)ReadWriteEEPROM(1, "none", &ucByte, 0, 1, BMC_EEPROM_READ);
+    },
+    [] {
+        u8 ucByte = 0;
+        (void)ReadWriteEEPROM(1, "faulty", &ucByte, 0, 1, BMC_EEPROM_WRITE);
+    },
+    [] { (void)BRIDGE_IniLoadFile("/conf/none.ini"); },
+    [] { (void)BRIDGE_IniLoadFile("/conf/bad.ini"); },
+    [] { (void)MRPC_Call(1, 2, 0, nullptr, 0, nullptr); },
+    [] { (void)BMC_Mkdir("/file/below"); },
+    [] { (void)BMC_Mkdir("/../outside"); },
+    [] { (void)BMC_CopyFileWithAllMode("/none", "/copy"); },
+    [] { (void)OPERATELOG_AddLogComm(17, 99, "text", 0, 0, 1, 12); }, // var/log is a file here
+    [] {                                                              // too large a record
+        const controller::BYTES vecData(65U << 20U);
+        (void)DB_PutInternal(DB_Open(), 2, 65U << 20U, vecData.data(), "diag_test.cpp", __LINE__);
+    },
+};
+
+TEST_F(Diag, NoMessageIsSaidUnderALock)
+{
+    controller::LayChip(1, "chip", controller::BYTES(64, 0));
+    controller::LayChip(1, "faulty", controller::BYTES(64, 0));
+    controller::WriteFile("/eeprom/faulty.fault", "absent");
+    controller::WriteFile("/conf/bad.ini", "no ini at all\n");
+    controller::WriteFile("/conf/good.ini", "[s]\nk = v\n");
+    controller::WriteFile("/file", "x");
+    controller::WriteFile("/var/log", "x");
+    for (size_t i = 0; i < g_vecComplaints.size(); ++i) {
+        g_iHanging = 0;
+        g_bLetGo = false;
+        BMCHOST_SetDiagSink(Hanging, nullptr);
+        std::thread hung(g_vecComplaints[i]);
+        while (g_iHanging == 0) {
+            controller::Pause(1000);
+        }
+        controller::BYTES vecData(64, static_cast<u8>(i + 1U));
+        EXPECT_EQ(ReadWriteEEPROM(1, "chip", vecData.data(), 0, 64, BMC_EEPROM_WRITE), 64) << i;
+        EXPECT_EQ(DB_PutInternal(DB_Open(), 1, 64, vecData.data(), "diag_test.cpp", __LINE__), 0U) << i;
+        void *hpd = BRIDGE_IniLoadFile("/conf/good.ini");
+        EXPECT_NE(hpd, nullptr) << i;
+        BRIDGE_IniCloseFile(hpd);
+        EXPECT_EQ(BMCHOST_SetRoot(BMCHOST_GetRoot()), 0U) << i;
+        EXPECT_EQ(controller::Await(controller::Spawn([] { return DB_Open() != nullptr ? 7 : 1; })), 7) << i;
+        g_bLetGo = true;
+        hung.join();
+    }
 }
 
 TEST_F(Diag, AFormerSinkHasEndedWhenAnotherIsSet)

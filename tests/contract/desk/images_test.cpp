@@ -3,7 +3,9 @@
 #include <chrono>
 #include <climits>
 #include <csignal>
+#include <fcntl.h>
 #include <filesystem>
+#include <sys/file.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <thread>
@@ -205,8 +207,34 @@ TEST_F(Images, AChildForkedInATransferDoesNotKeepTheChipLockedWhenItsParentIsKil
     const auto begin = std::chrono::steady_clock::now();
     EXPECT_EQ(Read(8), 8);
     EXPECT_EQ(Write(64, BYTES(8, 1)), 8);
-    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(20)); // as long as the child lives
+    EXPECT_LT(std::chrono::steady_clock::now() - begin,
+              std::chrono::seconds(20)); // as long as the child lives
     (void)kill(iChild, SIGKILL);
+    (void)close(aiPipe[0]);
+    (void)close(aiPipe[1]);
+}
+
+TEST_F(Images, ALockThatNobodyLetsGoEndsTheWriteInTime)
+{
+    controller::LayChip(9, g_aucLocation, BYTES(256, 0xFF));
+    ASSERT_EQ(Write(0, BYTES(1, 0)), 1); // the lock file is there
+    int aiPipe[2];
+    ASSERT_EQ(pipe(aiPipe), 0);
+    const pid_t iHolder = controller::Spawn([&aiPipe] {
+        const std::string strLock = controller::RealPath("/var/lock/eeprom-bus1-addr0xa0.lock");
+        const int iFd = open(strLock.c_str(), O_RDWR | O_CLOEXEC);
+        const bool bHeld = iFd >= 0 && flock(iFd, LOCK_EX) == 0 && write(aiPipe[1], "x", 1) == 1;
+        return bHeld ? pause() : 1;
+    });
+    char cByte = 0;
+    ASSERT_EQ(read(aiPipe[0], &cByte, 1), 1);
+    const auto begin = std::chrono::steady_clock::now();
+    EXPECT_LT(Write(64, BYTES(8, 1)), 0);
+    EXPECT_GE(std::chrono::steady_clock::now() - begin, std::chrono::seconds(5));
+    EXPECT_NE(controller::Messages().back().find("another process holds the lock"), std::string::npos);
+    EXPECT_EQ(controller::ChipContent(9, g_aucLocation)[64], 0xFFU);
+    controller::Kill(iHolder);
+    EXPECT_EQ(Write(64, BYTES(8, 1)), 8);
     (void)close(aiPipe[0]);
     (void)close(aiPipe[1]);
 }
@@ -268,6 +296,10 @@ TEST_F(Faults, ATornPageIsHalfNewAndTheWriteFailsOnce)
     EXPECT_FALSE(IsShown());
     EXPECT_EQ(Write(0, BYTES(128, 0x22)), 128);
     EXPECT_EQ(controller::ChipContent(9, g_aucLocation), BYTES(128, 0x22));
+    Show("torn"); // whichever page comes next
+    EXPECT_LT(Write(32, BYTES(64, 0x22)), 0);
+    EXPECT_EQ(controller::ChipContent(9, g_aucLocation)[32], 0x22U);
+    EXPECT_EQ(controller::ChipContent(9, g_aucLocation)[64], 0x11U);
 }
 
 TEST_F(Faults, AProtectedChipAcknowledgesAndStaysAsItWas)

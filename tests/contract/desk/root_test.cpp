@@ -3,7 +3,9 @@
 #include <cerrno>
 #include <climits>
 #include <cstdlib>
+#include <fcntl.h>
 #include <filesystem>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include "bmc_db.h"
@@ -139,6 +141,27 @@ TEST_F(Root, AnotherRootIsAnotherController)
     ASSERT_EQ(BMCHOST_SetRoot(strFirst.c_str()), 0U);
     EXPECT_EQ(DB_Get(DB_Open(), 1, 1, &ucData), 0U);
     EXPECT_EQ(ucData, 1U);
+}
+
+TEST_F(Root, WhatKilledProcessesLeftGoesWithTheFirstWrite)
+{
+    const std::vector<std::string> vecDirectories = {
+        "/conf",        "/conf/oempack/bmc", "/eeprom",  "/mnt/sdmmc0p4/board", "/usr/upgrade/fru",
+        "/var/lib/fru", "/var/lock",         "/var/log", "/var/network"};
+    for (const std::string &strDirectory : vecDirectories) {
+        controller::WriteFile(strDirectory + "/.bmcfru-0123", "left");
+        const struct timespec astTimes[2] = {{1000000, 0}, {1000000, 0}};
+        ASSERT_EQ(
+            utimensat(AT_FDCWD, controller::RealPath(strDirectory + "/.bmcfru-0123").c_str(), astTimes, 0),
+            0);
+    }
+    EXPECT_LT(BMC_GetFileSize("/eeprom/none"), 0); // reading tidies nothing
+    EXPECT_TRUE(std::filesystem::exists(controller::RealPath("/eeprom/.bmcfru-0123")));
+    EXPECT_EQ(BMC_Mkdir("/new"), 0U);
+    for (const std::string &strDirectory : vecDirectories) {
+        EXPECT_FALSE(std::filesystem::exists(controller::RealPath(strDirectory + "/.bmcfru-0123")))
+            << strDirectory;
+    }
 }
 
 } // namespace

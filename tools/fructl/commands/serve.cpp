@@ -144,12 +144,9 @@ void Announce(const SESSION_S &stSession, const SERVE_S &stOptions, const SERVIC
     const size_t uiDevices = LoadDevices(stSession).size();
     const std::string strClient = ClientLine(stService, stOptions.strPasswordFile);
     if (stSession.bJson) {
-        Json stFacts = {{"address", stService.strAddress},
-                        {"port", stService.usPort},
-                        {"user", stService.strUser},
-                        {"devices", uiDevices},
-                        {"pid", stSimulator.Pid()},
-                        {"client", strClient}};
+        Json stFacts = {{"address", stService.strAddress}, {"port", stService.usPort},
+                        {"user", stService.strUser},       {"devices", uiDevices},
+                        {"pid", stSimulator.Pid()},        {"client", strClient}};
         if (stOptions.strPasswordFile.empty()) {
             stFacts["password"] = stService.strPassword; // made for this service, and told here only
         }

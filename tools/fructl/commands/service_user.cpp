@@ -60,7 +60,8 @@ int Become(const IDENTITY_S &stIdentity)
     return bDone ? 0 : errno;
 }
 
-[[noreturn]] void TellObstacle(int iPipe, const IDENTITY_S &stIdentity, const std::vector<std::string> &vecPaths)
+[[noreturn]] void TellObstacle(int iPipe, const IDENTITY_S &stIdentity,
+                               const std::vector<std::string> &vecPaths)
 {
     OBSTACLE_S stObstacle = {0U, Become(stIdentity)};
     while (stObstacle.iError == 0 && stObstacle.uiPath < vecPaths.size()) {
@@ -105,7 +106,8 @@ SERVICE_USER_S ServiceUserFor(const std::string &strRoot, u16 usPort, const std:
     stUser.stIdentity = {geteuid(), getegid(), geteuid() == 0U, usPort < FIRST_FREE_PORT};
     if (!stUser.stIdentity.bChange) {
         if (!strName.empty()) {
-            FailUsage("--run-as " + EscapeText(strName) + " is refused: only root can run it as another user");
+            FailUsage("--run-as " + EscapeText(strName) +
+                      " is refused: only root can run it as another user");
         }
         return stUser;
     }
@@ -129,7 +131,8 @@ SERVICE_USER_S ServiceUserFor(const std::string &strRoot, u16 usPort, const std:
     return stUser;
 }
 
-void PrepareFor(const SERVICE_USER_S &stUser, const std::string &strRoot, const std::vector<std::string> &vecPaths)
+void PrepareFor(const SERVICE_USER_S &stUser, const std::string &strRoot,
+                const std::vector<std::string> &vecPaths)
 {
     const uid_t uiUser = stUser.stIdentity.uiUser;
     if (!stUser.stIdentity.bChange || uiUser == 0U) {

@@ -22,6 +22,7 @@ SERVICE_USER_S ServiceUserFor(const std::string &strRoot, u16 usPort, const std:
 
 // Makes the directories that clients' requests write to, and where the controller is root's gives them to the
 // user. Fails where he could not serve: every path given must be one that he can read.
-void PrepareFor(const SERVICE_USER_S &stUser, const std::string &strRoot, const std::vector<std::string> &vecPaths);
+void PrepareFor(const SERVICE_USER_S &stUser, const std::string &strRoot,
+                const std::vector<std::string> &vecPaths);
 
 #endif

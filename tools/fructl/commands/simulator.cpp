@@ -236,9 +236,8 @@ void Simulator::Start(const std::string &strProgram)
     m_stOutput = files::Fd(aiPipe[0]);
     const files::Fd stWrite(aiPipe[1]);
     (void)fcntl(aiPipe[0], F_SETFL, O_NONBLOCK);
-    const CHILD_S stChild = {strProgram.c_str(), getpid(),
-                             m_stLan.Get(),      m_stController.Get(),
-                             stWrite.Get(),      m_stUser.stIdentity};
+    const CHILD_S stChild = {strProgram.c_str(),   getpid(),      m_stLan.Get(),
+                             m_stController.Get(), stWrite.Get(), m_stUser.stIdentity};
     m_iPid = fork();
     if (m_iPid == 0) {
         Become(stChild);
