@@ -30,7 +30,9 @@
  *   - A chip whose write protection is switched on acknowledges a write and stays as it was. The platform
  *     need not notice, and libbmcfru does not read back: who has to be sure reads after the write.
  *   - A transfer that breaks off is negative, however many bytes had been through, for it cannot be told
- *     which. A count is never an error code: 203 is a count of 203 bytes.
+ *     which. An error is never a positive number. 203 is never a count to libbmcfru: it takes that result for
+ *     the completion code 0xCB, a FRU that is not there, whatever was asked for. A platform returns the true
+ *     count all the same; callers ask for other lengths.
  *   - A missing acknowledgement (a chip that is busy) may be tried again by the platform, within its bound;
  *     after a negative result the caller may do the whole transfer again: it is the same bytes at the same
  *     place. Callers here do not try again by themselves.

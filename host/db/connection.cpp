@@ -107,8 +107,6 @@ FAULT_S Connection::Ask(const char *pcSql, std::string *pstrAnswer)
     return stFault;
 }
 
-// ---- opening and closing ----
-
 // What lies there is ours, of this version, keeps a log and has the table.
 FAULT_S Connection::Verify()
 {

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What becomes of mapped memory whose file is cut.
 //
 // SQLite maps one file here, the log's index. A process that touches a page of it behind the end of the file

@@ -92,6 +92,14 @@ FILE *BMCHOST_OpenFile(const char *pcPath, const char *pcMode);
 
 /* ---- the database ---- */
 
+/*
+ * Whoever cuts the index of the database's log (fru.db-shm) while a process reads it would end that with SIGBUS.
+ * So the first call of the database sets a handler for that signal, and reading goes on. What has nothing to do
+ * with the database it hands to the action that was there before; a program that wants the signal for itself
+ * may set its own afterwards, and does without this. A process that is writing just then may be ended all the
+ * same; nothing is lost that a call has returned for.
+ */
+
 #define BMCHOST_DB_WAIT_SECONDS 10 /* so long a call waits for other processes, then it is "locked" */
 
 /* Why a call of bmc_db.h failed. */

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What is flushed when, and system calls that do less than they are asked for.
 #include "files/files.h"
 

@@ -254,6 +254,8 @@ class Life(ServeCase):
             pass
         os.makedirs(os.path.dirname(self.strRun))
         os.symlink(strVictim, self.strRun)
+        if os.geteuid() == 0:
+            os.lchown(self.strRun, 65534, 65534)
         self.assertEqual(bench.SERVICE(self, self.stController).Stop(), (0, ''))
         self.assertEqual(os.listdir(strVictim), ['state'])
         self.assertEqual(os.listdir(strVictim + '/state'), ['kept'])

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The desk's own: how large a hardware description may be.
 #include "bmc_hwdesc.h"
 #include "controller.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The desk's own: processes that have the same number, each in a pid namespace of its own, as in containers.
 #include <sched.h>
 #include <unistd.h>

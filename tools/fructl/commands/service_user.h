@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The user as whom a controller is served.
 #ifndef FRUCTL_COMMANDS_SERVICE_USER_H
 #define FRUCTL_COMMANDS_SERVICE_USER_H
