@@ -26,7 +26,7 @@ class Rights(FructlTest):
 
     def test_who_may_only_read_reads(self):
         dictBefore = self.Tree()
-        for asArguments in (["list"], ["show", "psu1"], ["verify"], ["raw", "info", "psu1"]):
+        for asArguments in (["list"], ["show", "psu1"], ["verify"]):
             stResult = self.AsOther(*asArguments)
             self.assertEqual((stResult.iCode, stResult.strErr), (0, ""), asArguments)
             self.assertEqual(stResult.strOut, self.Fructl(*asArguments).strOut)
