@@ -38,11 +38,11 @@ class Rights(FructlTest):
         strWanted = f"the database {self.pathDatabase} may not be used so: Permission denied"
         for asArguments in (["list"], ["show", "psu1"]):
             stResult = self.AsOther(*asArguments)
-            self.assertEqual(stResult.iCode, 1, asArguments)
+            self.assertEqual(stResult.iCode, 8, asArguments)
             self.AssertOneLine(stResult.strErr)
             self.assertIn(strWanted, stResult.strErr)
         for asForeign in ([], ["--foreign-root"]):
-            self.assertEqual(self.AsOther(*asForeign, "provision", EXAMPLES / "controller.json", "--force").iCode, 1)
+            self.assertEqual(self.AsOther(*asForeign, "provision", EXAMPLES / "controller.json", "--force").iCode, 8)
         self.assertEqual(self.Tree(), dictBefore)
 
 

@@ -207,16 +207,16 @@ class Life(ServeCase):
         self.NeedsRoot()
         self.Refused(2, 'there is no such user', '--run-as', 'not a user')
         os.chmod(self.stController.strBase, 0o700)
-        self.Refused(1, '--run-as names another user, --root another place')
+        self.Refused(8, '--run-as names another user, --root another place')
         self.assertEqual(set(self.Owners().values()), {0})
         os.chmod(self.stController.strBase, 0o755)
         strLog = os.path.join(self.stController.strRoot, 'var/log')
         os.makedirs(strLog, exist_ok=True)
         os.chown(strLog, 1, 1)
-        self.Refused(1, 'it belongs neither to him nor to root')
+        self.Refused(8, 'it belongs neither to him nor to root')
         os.rmdir(strLog)
         os.symlink(self.stController.strBase, strLog)  # even root's own
-        self.Refused(1, 'a symbolic link there is not followed')
+        self.Refused(8, 'a symbolic link there is not followed')
         self.assertEqual(os.stat(self.stController.strBase).st_uid, 0)
 
     def test_only_root_names_another_user(self):

@@ -42,8 +42,8 @@ void FindAccount(SERVICE_USER_S *pstUser)
             return;
         }
     }
-    Fail(std::string("there is no user ") + ACCOUNTS[0] + " and none " + ACCOUNTS[1] +
-         " to serve root's controller; --run-as names another one");
+    Fail(ErrorClass::NotFound, std::string("there is no user ") + ACCOUNTS[0] + " and none " + ACCOUNTS[1] +
+                                   " to serve root's controller; --run-as names another one");
 }
 
 // In a child with his rights: the place in the list of the first path that he cannot read, and why.
@@ -77,7 +77,7 @@ void RequireReach(const SERVICE_USER_S &stUser, const std::vector<std::string> &
 {
     std::array<int, 2> aiPipe = {-1, -1};
     if (pipe(aiPipe.data()) != 0) {
-        Fail(std::string("cannot make a pipe: ") + strerror(errno));
+        Fail(ClassOfErrno(errno), std::string("cannot make a pipe: ") + strerror(errno));
     }
     const files::Fd stRead(aiPipe[0]);
     files::Fd stWrite(aiPipe[1]);
@@ -93,9 +93,10 @@ void RequireReach(const SERVICE_USER_S &stUser, const std::vector<std::string> &
         Fail("cannot find out what user " + stUser.strName + " may read");
     }
     if (bObstacle) {
-        Fail("user " + stUser.strName + ", who is to serve the controller, cannot read " +
-             EscapeText(vecPaths[stObstacle.uiPath]) + ": " + strerror(stObstacle.iError) +
-             "; --run-as names another user, --root another place");
+        Fail(ErrorClass::NotPermitted,
+             "user " + stUser.strName + ", who is to serve the controller, cannot read " +
+                 EscapeText(vecPaths[stObstacle.uiPath]) + ": " + strerror(stObstacle.iError) +
+                 "; --run-as names another user, --root another place");
     }
 }
 
@@ -114,7 +115,7 @@ SERVICE_USER_S ServiceUserFor(const std::string &strRoot, u16 usPort, const std:
     }
     struct stat stStat = {};
     if (stat(strRoot.c_str(), &stStat) != 0) {
-        Fail("cannot look at " + EscapeText(strRoot) + ": " + strerror(errno));
+        Fail(ClassOfErrno(errno), "cannot look at " + EscapeText(strRoot) + ": " + strerror(errno));
     }
     if (!strName.empty()) {
         if (!FindUser(strName, &stUser)) {
@@ -140,8 +141,9 @@ void PrepareFor(const SERVICE_USER_S &stUser, const std::string &strRoot,
         return;
     }
     if (stUser.bForeign && strRoot == "/") { // its directories are those of this machine
-        Fail("the root directory / is not given to user " + stUser.strName +
-             "; accepted: --run-as root, or a controller in a directory of its own");
+        Fail(ErrorClass::NotPermitted,
+             "the root directory / is not given to user " + stUser.strName +
+                 "; accepted: --run-as root, or a controller in a directory of its own");
     }
     RequireReach(stUser, {strRoot}); // before anything is changed
     for (const char *pcDirectory : WRITTEN) {
@@ -151,8 +153,9 @@ void PrepareFor(const SERVICE_USER_S &stUser, const std::string &strRoot,
             iError = files::HandOver(stPlace, uiUser, stUser.stIdentity.uiGroup);
         }
         if (iError != 0) {
-            Fail("cannot give " + EscapeText(stPlace.Text()) + " to user " + stUser.strName + ": " +
-                 (iError == EPERM ? "it belongs neither to him nor to root" : files::Reason(iError)));
+            Fail(ClassOfErrno(iError),
+                 "cannot give " + EscapeText(stPlace.Text()) + " to user " + stUser.strName + ": " +
+                     (iError == EPERM ? "it belongs neither to him nor to root" : files::Reason(iError)));
         }
     }
     RequireReach(stUser, vecPaths);
