@@ -167,7 +167,7 @@ class Life(ServeCase):
         self.NeedsRoot()
         import pwd
         setNames = {stEntry.pw_name for stEntry in pwd.getpwall()}
-        strUser = '_bmcfru' if '_bmcfru' in setNames else 'nobody'
+        strUser = 'fructl' if 'fructl' in setNames else 'nobody'
         iUser = pwd.getpwnam(strUser).pw_uid
         for strSecret in ('secret', 'conf/secret'):
             strPath = os.path.join(self.stController.strRoot, strSecret)

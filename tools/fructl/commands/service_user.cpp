@@ -19,7 +19,7 @@ namespace {
 
 constexpr u16 FIRST_FREE_PORT = 1024U;
 // Who has nothing but this service comes first.
-constexpr const char *ACCOUNTS[] = {"_bmcfru", "nobody"};
+constexpr const char *ACCOUNTS[] = {"fructl", "nobody"};
 // What an IPMI write changes: chips, cache, journals, and the locks of all of them.
 constexpr const char *WRITTEN[] = {BMCHOST_EEPROM_DIR, "/var/lib/fru", "/var/log", BMCHOST_LOCK_DIR};
 
