@@ -79,7 +79,11 @@ JOURNAL_ENTRY_S EntryOf(u32 uiNumber)
         stEntry.vecDevices.push_back(DeviceChange(stDevice));
     }
     for (const Json &stFile : stJson.at("files")) {
-        stEntry.vecFiles.push_back({stFile.at("path").get<std::string>(),
+        const std::string strPath = stFile.at("path").get<std::string>();
+        if (strPath != SERIAL_FILE && strPath != SERIAL_COPY) { // whoever writes here does not write everywhere
+            Fail(ErrorClass::Damaged, "a journal entry names a file that no write renews: " + EscapeText(strPath));
+        }
+        stEntry.vecFiles.push_back({strPath,
                                     OptionalBytes(stFile.at("new")).value_or(Bytes()),
                                     OptionalBytes(stFile.at("old"))});
     }

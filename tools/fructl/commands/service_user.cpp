@@ -20,8 +20,10 @@ namespace {
 constexpr u16 FIRST_FREE_PORT = 1024U;
 // Who has nothing but this service comes first.
 constexpr const char *ACCOUNTS[] = {"fructl", "nobody"};
-// What an IPMI write changes: chips, cache, journals, and the locks of all of them.
-constexpr const char *WRITTEN[] = {BMCHOST_EEPROM_DIR, "/var/lib/fru", "/var/log", BMCHOST_LOCK_DIR};
+// What an IPMI write changes: chips, cache, journals, and the locks of all of them. Where a write that was cut
+// short is noted belongs to whoever may finish it.
+constexpr const char *WRITTEN[] = {BMCHOST_EEPROM_DIR, "/var/lib/fru", BMCHOST_JOURNAL_DIR, "/var/log",
+                                   BMCHOST_LOCK_DIR};
 
 bool FindUser(const std::string &strName, SERVICE_USER_S *pstUser)
 {
