@@ -1,5 +1,6 @@
 # SPDX-License-Identifier: Apache-2.0
 """Commands killed before every call that changes a file: what is there after the next command is the old or the new, whole."""
+import json
 import os
 import shutil
 import subprocess
@@ -121,6 +122,32 @@ class Cuts(CutTest):
         self.assertIn("is finished now", self.Fructl("list").strErr)
         self.assertEqual(self.Good("journal", "list").strOut, "no write is unfinished\n")
         self.assertEqual(self.Json("show", "psu1")["product"]["assetTag"], "RACK7")
+
+    def test_an_entry_cannot_name_any_file(self):
+        """Who may write into the journal must not get root to write elsewhere."""
+        pathBase = self.Save("base")
+        pathJournal = self.pathRoot / "var/lib/fru/journal"
+        asEntries = []
+        iWhen = 1
+        while not asEntries:
+            self.Reset(pathBase)
+            self.assertTrue(self.Cut("pwrite64", iWhen, "label", "set", "baseboard", "Product Serial Number=LHCUT0001"))
+            asEntries = list(pathJournal.glob("*.json"))
+            iWhen += 1
+        dictEntry = json.loads(asEntries[0].read_text())
+        dictEntry["content"]["files"][0]["path"] = "/conf/planted"
+        iSum = 0xCBF29CE484222325
+        for iByte in json.dumps(dictEntry["content"], separators=(",", ":")).encode():
+            iSum = (iSum ^ iByte) * 0x100000001B3 % 2**64
+        dictEntry["sum"] = f"{iSum:016x}"
+        asEntries[0].write_text(json.dumps(dictEntry))
+        dictBefore = self.State()
+        self.assertIn("names a file that no write renews: /conf/planted", self.Fructl("list").strErr)
+        self.assertEqual(self.Fructl("label", "set", "psu1", "Product Version", "A9").iCode, 6)
+        self.assertFalse((self.pathRoot / "conf/planted").exists())
+        self.assertTrue(self.State() == dictBefore)
+        self.assertEqual(self.Fructl("journal", "discard", str(int(asEntries[0].stem))).iCode, 0)
+        self.Good("list")
 
     def test_a_full_disk_is_told_before_anything_is_written(self):
         dictBefore = self.State()

@@ -5,7 +5,9 @@
 
 #include "bmcfru_host.h"
 #include "toolkit/base/error.h"
+#include "toolkit/base/text.h"
 #include "toolkit/controller/record_file.h"
+#include "toolkit/controller/serial_file.h"
 
 namespace {
 
@@ -80,12 +82,13 @@ JOURNAL_ENTRY_S EntryOf(u32 uiNumber)
     }
     for (const Json &stFile : stJson.at("files")) {
         const std::string strPath = stFile.at("path").get<std::string>();
-        if (strPath != SERIAL_FILE && strPath != SERIAL_COPY) { // whoever writes here does not write everywhere
-            Fail(ErrorClass::Damaged, "a journal entry names a file that no write renews: " + EscapeText(strPath));
+        if (strPath != SERIAL_FILE &&
+            strPath != SERIAL_COPY) { // whoever writes here does not write everywhere
+            Fail(ErrorClass::Damaged,
+                 "a journal entry names a file that no write renews: " + EscapeText(strPath));
         }
-        stEntry.vecFiles.push_back({strPath,
-                                    OptionalBytes(stFile.at("new")).value_or(Bytes()),
-                                    OptionalBytes(stFile.at("old"))});
+        stEntry.vecFiles.push_back(
+            {strPath, OptionalBytes(stFile.at("new")).value_or(Bytes()), OptionalBytes(stFile.at("old"))});
     }
     return stEntry;
 }
