@@ -144,9 +144,17 @@ std::optional<uid_t> ForeignOwner(const std::string &strRoot)
 }
 
 // Where the platform and the tools make files.
-constexpr const char *g_apcTidied[] = {
-    "conf",        "conf/oempack/bmc", "eeprom",  "mnt/sdmmc0p4/board", "usr/upgrade/fru",
-    "var/lib/fru", "var/lock",         "var/log", "var/network"};
+constexpr const char *g_apcTidied[] = {"conf",
+                                       "conf/hw/ProductPath",
+                                       "conf/oempack/bmc",
+                                       "eeprom",
+                                       "mnt/sdmmc0p2",
+                                       "mnt/sdmmc0p4/board",
+                                       "usr/upgrade/fru",
+                                       "var/lib/fru",
+                                       "var/lock",
+                                       "var/log",
+                                       "var/network"};
 
 void TidyOnce(const std::string &strRoot)
 {

@@ -159,6 +159,15 @@ class Cuts(CutTest):
         self.assertTrue(self.State() == dictBefore)
         self.assertEqual(self.Json("history", "psu1")["images"], [])
 
+    def test_new_files_of_killed_writes_go_with_the_next_write(self):
+        self.Good("label", "set", "psu1", "Product Asset Tag", "RACK6")
+        listLeft = [self.pathRoot / "var/lib/fru" / strFolder / ".bmcfru-0123" for strFolder in ("journal", "history/1")]
+        for pathLeft in listLeft:
+            pathLeft.write_text("left")
+            os.utime(pathLeft, (1000000, 1000000))
+        self.Good("label", "set", "psu1", "Product Asset Tag", "RACK7")
+        self.assertEqual([pathLeft for pathLeft in listLeft if pathLeft.exists()], [])
+
     def Bad2(self, *asArguments):
         stResult = self.Fructl(*asArguments)
         self.assertEqual(stResult.iCode, 5)

@@ -88,6 +88,7 @@ void WriteRecordFile(const std::string &strDirectory, u32 uiNumber, const char *
     const files::PLACE_S stPlace = PlaceOf(strDirectory, uiNumber);
     int iError = files::MakeDirectories({BMCHOST_GetRoot(), strDirectory}, DIRECTORY_MODE);
     if (iError == 0) {
+        files::Tidy({BMCHOST_GetRoot(), strDirectory}); // these directories only the tools know
         const Json stFile = {{"kind", pcKind}, {"sum", Sum(stContent.dump())}, {"content", stContent}};
         iError = files::Replace(stPlace, stFile.dump(1) + "\n", files::g_uiKeepMode, files::Links::Never);
     }

@@ -145,9 +145,17 @@ TEST_F(Root, AnotherRootIsAnotherController)
 
 TEST_F(Root, WhatKilledProcessesLeftGoesWithTheFirstWrite)
 {
-    const std::vector<std::string> vecDirectories = {
-        "/conf",        "/conf/oempack/bmc", "/eeprom",  "/mnt/sdmmc0p4/board", "/usr/upgrade/fru",
-        "/var/lib/fru", "/var/lock",         "/var/log", "/var/network"};
+    const std::vector<std::string> vecDirectories = {"/conf",
+                                                     "/conf/hw/ProductPath",
+                                                     "/conf/oempack/bmc",
+                                                     "/eeprom",
+                                                     "/mnt/sdmmc0p2",
+                                                     "/mnt/sdmmc0p4/board",
+                                                     "/usr/upgrade/fru",
+                                                     "/var/lib/fru",
+                                                     "/var/lock",
+                                                     "/var/log",
+                                                     "/var/network"};
     for (const std::string &strDirectory : vecDirectories) {
         controller::WriteFile(strDirectory + "/.bmcfru-0123", "left");
         const struct timespec astTimes[2] = {{1000000, 0}, {1000000, 0}};
