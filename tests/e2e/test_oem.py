@@ -1,8 +1,10 @@
 # SPDX-License-Identifier: Apache-2.0
 """fructl oem and host-name."""
+import subprocess
 import unittest
 
 from oem_support import CAPABILITY, OEM_FILE, OemTest
+from support import COMMAND
 
 
 class Show(OemTest):
@@ -88,6 +90,16 @@ Done: 1 key replaced
         self.Oem("productassettag = old")
         self.Good("label", "set", "baseboard", "Product Asset Tag=a\"b'c;d")
         self.assertRegex(self.Bad(1, "oem", "sync"), r"the OEM file does not hold the FRU's productassettag after the update \(the library says: INI entry .* refused\)")
+
+    def test_a_full_disk_is_told_before_anything_is_written(self):
+        self.Oem("productassettag = old")
+        self.Good("label", "set", "baseboard", "Product Asset Tag=new")
+        abBefore = (self.pathRoot / OEM_FILE).read_bytes()
+        stProcess = subprocess.run(["sh", "-c", 'ulimit -f 100; exec "$@"', "sh", *COMMAND, "--root", str(self.pathRoot), "oem", "sync"],
+                                   capture_output=True, text=True, check=False)
+        self.assertEqual(stProcess.returncode, 9)
+        self.assertIn("nothing was written", stProcess.stderr)
+        self.assertEqual((self.pathRoot / OEM_FILE).read_bytes(), abBefore)
 
     def test_without_a_file(self):
         (self.pathRoot / OEM_FILE).unlink()

@@ -7,6 +7,7 @@
 #include "toolkit/base/error.h"
 #include "toolkit/controller/diagnostics.h"
 #include "toolkit/controller/source.h"
+#include "toolkit/edit/transaction.h"
 #include "toolkit/image/fields.h"
 #include "toolkit/image/record.h"
 
@@ -70,8 +71,9 @@ std::vector<OEM_CHANGE_S> PlanOemSync(const DEVICE_S &stDevice)
 }
 
 // The library tells nothing of a file that could not be written: only what is read back counts.
-void SyncOemConf(const std::vector<OEM_CHANGE_S> &vecChanges)
+void SyncOemConf(const RootLock &stLock, const std::vector<OEM_CHANGE_S> &vecChanges)
 {
+    RequireSpace(stLock.Controller());
     ClearDiagnostics();
     FRU_SetOEMConf();
     const std::string strHint = DiagnosticHint();

@@ -8,6 +8,7 @@
 
 #include "toolkit/controller/device.h"
 #include "toolkit/controller/oem_conf.h"
+#include "toolkit/controller/root_lock.h"
 
 // A key that the library replaces when the file has a value for it.
 struct OEM_CHANGE_S
@@ -20,6 +21,6 @@ struct OEM_CHANGE_S
 std::vector<OEM_CHANGE_S> PlanOemSync(const DEVICE_S &stDevice);
 
 // Fails when the file does not hold the new texts afterwards.
-void SyncOemConf(const std::vector<OEM_CHANGE_S> &vecChanges);
+void SyncOemConf(const RootLock &stLock, const std::vector<OEM_CHANGE_S> &vecChanges);
 
 #endif

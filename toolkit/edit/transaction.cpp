@@ -69,20 +69,6 @@ CHANGE_S Merge(const std::vector<CHANGE_S> &vecSteps)
     return stMerged;
 }
 
-// Whether the disk has room for what a write may take: log of the database, history, journal. A full disk is
-// told before the first byte is written, not in the middle.
-void RequireSpace(const CONTROLLER_S &stController)
-{
-    const std::string strDirectory = stController.strRoot + "/var/lib/fru";
-    const files::Fd stFd(open(strDirectory.c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, 0600));
-    const int iError =
-        stFd ? posix_fallocate(stFd.Get(), 0, SPACE_NEEDED) : 0; // not every file system can tell
-    if (iError == ENOSPC || iError == EDQUOT || iError == EFBIG) {
-        Fail(ErrorClass::DiskFull, "the disk of " + stController.strRoot + " is too full for a write: " +
-                                       files::Reason(iError) + "; nothing was written");
-    }
-}
-
 // Fails with what became of it.
 [[noreturn]] void FailUndone(const JOURNAL_ENTRY_S &stEntry, const Error &stWhy)
 {
@@ -99,6 +85,18 @@ void RequireSpace(const CONTROLLER_S &stController)
 }
 
 } // namespace
+
+void RequireSpace(const CONTROLLER_S &stController)
+{
+    const std::string strDirectory = stController.strRoot + "/var/lib/fru";
+    const files::Fd stFd(open(strDirectory.c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, 0600));
+    const int iError =
+        stFd ? posix_fallocate(stFd.Get(), 0, SPACE_NEEDED) : 0; // not every file system can tell
+    if (iError == ENOSPC || iError == EDQUOT || iError == EFBIG) {
+        Fail(ErrorClass::DiskFull, "the disk of " + stController.strRoot + " is too full for a write: " +
+                                       files::Reason(iError) + "; nothing was written");
+    }
+}
 
 std::vector<FILE_CHANGE_S> SerialFiles(const Bytes &vecSerialNumber)
 {

@@ -21,6 +21,10 @@ std::vector<FILE_CHANGE_S> MirrorOf(const CHANGE_S &stChange);
 // Within a transaction: makes one step by writing its bytes as they are.
 void PutStep(const CHANGE_S &stChange);
 
+// Fails when the disk has no room for what a write may take: log of the database, history, journal. So a full
+// disk is told before the first byte is written, not in the middle.
+void RequireSpace(const CONTROLLER_S &stController);
+
 // Runs fnWork, which makes the change of one device in these steps, each from what the one before it leaves; no
 // fnWork: the bytes are written as they are. When it fails, or EEPROM and cache hold something else afterwards,
 // the old bytes are put back and the failure says so; where even that fails, the next command tries again. So are the

@@ -49,7 +49,7 @@ void RunSync(const SESSION_S &stSession, bool bDryRun)
     }
     const std::vector<OEM_CHANGE_S> vecChanges = PlanOemSync(stDevice);
     if (!bDryRun) {
-        SyncOemConf(vecChanges);
+        SyncOemConf(*optLock, vecChanges);
     }
     Report(stSession, bDryRun, vecChanges);
 }
