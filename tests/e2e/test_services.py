@@ -103,7 +103,9 @@ class SmallServices(ServicesTest):
         pathList.write_text("[]")
         self.assertEqual(self.Good("features").strOut, "no features\n")
         pathList.write_text("{")
-        self.assertIn("the feature service did not answer", self.Bad(1, "features"))
+        strErr = self.Bad(1, "features")
+        self.assertIn("the feature service did not answer", strErr)
+        self.assertIn("conf/features.json: not an array of texts", strErr)
 
     def test_feature_update_is_handed_over_whole(self):
         abBlock = bytes(i % 251 for i in range(1334))

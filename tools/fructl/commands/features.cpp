@@ -57,10 +57,11 @@ void Update(const SESSION_S &stSession, const std::string &strFile)
 
 void List(const SESSION_S &stSession)
 {
+    ClearDiagnostics();
     const u32 uiRet = LIB_FRU_GetFeatureInfoList();
     const std::string strText = TakeLibraryOutput();
     if (uiRet != FRU_OK) {
-        Fail("the feature service did not answer: " + EscapeText(strText));
+        Fail("the feature service did not answer: " + EscapeText(strText) + DiagnosticHint());
     }
     const std::vector<bool> vecResults = SplitSentences(strText);
     if (stSession.bJson) {
