@@ -43,7 +43,11 @@ class Losses(LabelTest):
         self.Eeprom(PSU_EEPROM).write_bytes(abOther)
         strLine = self.Bad(3, "label", "set", "psu1", "Product Asset Tag", "RACK7")
         self.assertIn("would lose: the EEPROM's own image from byte 0x0034 on, where the cached one, from which the new one is made, differs", strLine)
+        self.assertIn("'fructl recover' puts both in order", strLine)
         self.assertEqual(self.Eeprom(PSU_EEPROM).read_bytes(), abOther)
+        self.Good("recover", "psu1")
+        self.Good("label", "set", "psu1", "Product Asset Tag", "RACK7")
+        self.assertEqual(self.Json("show", "psu1")["board"]["serialNumber"], "PS8024100312")
 
     def test_texts_stored_in_another_way_are_kept_and_told(self):
         self.ProvisionImage(Image({3: bytes(4) + b"\x02\x12\xab" + b"\x83\x29\xdc\xa6" + Texts("", "", "")}))

@@ -103,7 +103,8 @@ REWRITE_S CompareImages(const DEVICE_S &stDevice, const IMAGE_S &stOld, const st
     if (optAt.has_value()) {
         stRewrite.vecLosses.insert(stRewrite.vecLosses.begin(),
                                    Format("the EEPROM's own image from byte 0x%04zx on, where the cached "
-                                          "one, from which the new one is made, differs",
+                                          "one, from which the new one is made, differs ('fructl "
+                                          "recover' puts both in order)",
                                           *optAt));
     }
     return stRewrite;
