@@ -34,6 +34,10 @@ class Codes(FructlTest):
         super().setUp()
         self.Provision()
 
+    def test_a_file_that_does_not_fit_is_told_with_its_device(self):
+        self.assertEqual(self.Failure("write", "psu1", "nothing.bin")["device"], PSU1)
+        self.assertEqual(self.Failure("read", "psu1", "-o", self.pathRoot)["device"], PSU1)
+
     def test_a_value_that_is_refused_tells_what_is_accepted(self):
         dictError = self.Failure("label", "set", "baseboard", "Chassis Type", "Boat")
         self.assertEqual((dictError["code"], dictError["device"]["name"]), ("refused", "baseboard"))

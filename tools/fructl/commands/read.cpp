@@ -49,8 +49,8 @@ void CheckOutput(const SESSION_S &stSession, const READ_S &stOptions)
 
 void RunRead(const SESSION_S &stSession, const READ_S &stOptions)
 {
-    CheckOutput(stSession, stOptions);
     const DEVICE_S stDevice = ResolveDevice(stSession, stOptions.stTarget);
+    CheckOutput(stSession, stOptions);
     const Source enSource = stOptions.stSource.Chosen().value_or(HomeOf(stDevice));
     const IMAGE_S stImage = ReadShown({stDevice, ""}, enSource);
     const VERDICT_S stVerdict = VerdictOn(stImage, stDevice.HasFixedSlots());

@@ -31,11 +31,8 @@ struct WRITE_S
     bool bDryRun = false;
 };
 
-std::vector<u8> TakeImage(const std::string &strFile)
+std::vector<u8> TakePipedImage()
 {
-    if (strFile != STANDARD_INPUT) {
-        return ReadImageFile(strFile);
-    }
     if (isatty(STDIN_FILENO) == 1) {
         FailUsage("an image is bytes that no terminal gives; accepted: a file, or a pipe in front of -");
     }
@@ -73,8 +70,11 @@ void Report(const SESSION_S &stSession, const WRITE_S &stOptions, const IMAGE_PL
 
 void RunWrite(const SESSION_S &stSession, const WRITE_S &stOptions)
 {
-    const std::vector<u8> vecImage = TakeImage(stOptions.strFile);
+    // A pipe may take its time: it is read before the controller is.
+    const bool bPipe = stOptions.strFile == STANDARD_INPUT;
+    const std::vector<u8> vecPiped = bPipe ? TakePipedImage() : std::vector<u8>();
     const DEVICE_S stDevice = ResolveDevice(stSession, stOptions.stTarget);
+    const std::vector<u8> vecImage = bPipe ? vecPiped : ReadImageFile(stOptions.strFile);
     std::optional<RootLock> optLock;
     if (!stOptions.bDryRun) {
         optLock.emplace(stSession);
