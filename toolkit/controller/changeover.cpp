@@ -62,6 +62,7 @@ Json ToJson(const CHANGEOVER_S &stChangeover)
 
 CHANGEOVER_S Read()
 {
+    RequireTrusted(DIRECTORY);
     const Json stJson = ReadRecordFile(DIRECTORY, NUMBER, KIND);
     CHANGEOVER_S stChangeover;
     stChangeover.strTime = stJson.at("time").get<std::string>();

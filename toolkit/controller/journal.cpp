@@ -95,6 +95,7 @@ JOURNAL_ENTRY_S EntryOf(u32 uiNumber)
 
 std::vector<u32> EntryNumbers()
 {
+    RequireTrusted(DIRECTORY);
     std::vector<u32> vecNumbers = RecordNumbers(DIRECTORY);
     vecNumbers.erase(std::remove(vecNumbers.begin(), vecNumbers.end(), CHANGEOVER_NUMBER), vecNumbers.end());
     return vecNumbers;
@@ -106,7 +107,14 @@ std::vector<JOURNAL_ENTRY_S> ReadJournal()
 {
     std::vector<JOURNAL_ENTRY_S> vecEntries;
     for (const u32 uiNumber : EntryNumbers()) {
-        vecEntries.push_back(EntryOf(uiNumber));
+        try {
+            vecEntries.push_back(EntryOf(uiNumber));
+        } catch (const std::exception &stError) { // also JSON that has not what it should have
+            JOURNAL_ENTRY_S stUnreadable;
+            stUnreadable.uiNumber = uiNumber;
+            stUnreadable.strUnreadable = stError.what();
+            vecEntries.push_back(stUnreadable);
+        }
     }
     return vecEntries;
 }

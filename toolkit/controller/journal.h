@@ -41,15 +41,15 @@ constexpr u32 CHANGEOVER_NUMBER = 0U;
 
 struct JOURNAL_ENTRY_S
 {
-    u32 uiNumber = 0;       // of its file; given by WriteJournal()
-    std::string strCommand; // who began it
-    std::string strTime;    // UTC
+    u32 uiNumber = 0;          // of its file; given by WriteJournal()
+    std::string strUnreadable; // why it cannot be read; the rest says nothing then
+    std::string strCommand;    // who began it
+    std::string strTime;       // UTC
     std::vector<DEVICE_CHANGE_S> vecDevices;
     std::vector<FILE_CHANGE_S> vecFiles;
 };
 
-// The entries that are there, oldest first. Fails when one cannot be read: a damaged one is nobody's to
-// guess.
+// The entries that are there, oldest first, those that cannot be read too: a damaged one is nobody's to guess.
 std::vector<JOURNAL_ENTRY_S> ReadJournal();
 
 // True when there is any, or a change to another controller, readable or not. Costs one look into a directory.

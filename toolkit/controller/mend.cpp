@@ -171,6 +171,12 @@ std::string FilesLine(const JOURNAL_ENTRY_S &stEntry, Side enSide)
 
 MENDED_S Mend(JOURNAL_ENTRY_S stEntry)
 {
+    if (!stEntry.strUnreadable.empty()) {
+        return {Mended::Stuck,
+                {},
+                "a write that was cut short is not mended, for its journal entry cannot be read (" +
+                    stEntry.strUnreadable + ")" + HowToGoOn(stEntry)};
+    }
     MENDED_S stMended = {Mended::Stuck, {}, Plain(stEntry)};
     for (const DEVICE_CHANGE_S &stChange : stEntry.vecDevices) {
         stMended.vecDeviceIDs.push_back(stChange.ucDeviceID);

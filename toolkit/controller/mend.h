@@ -40,8 +40,8 @@ enum class Mended
 struct MENDED_S
 {
     Mended enMended;
-    std::vector<u8> vecDeviceIDs;
-    std::string strLine; // what was done, or why not and how to go on
+    std::vector<u8> vecDeviceIDs; // none: nobody knows which
+    std::string strLine;          // what was done, or why not and how to go on
 };
 
 // Mends every entry, oldest first. The root's lock is held by the caller, so that no entry has a living

@@ -7,6 +7,8 @@
 #include <ctime>
 #include <dirent.h>
 #include <memory>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include "bmcfru_host.h"
 #include "files/files.h"
@@ -65,6 +67,22 @@ std::vector<u32> RecordNumbers(const std::string &strDirectory)
     }
     std::sort(vecNumbers.begin(), vecNumbers.end());
     return vecNumbers;
+}
+
+void RequireTrusted(const std::string &strDirectory)
+{
+    const std::string strPath = BMCHOST_GetRoot() + strDirectory;
+    struct stat stDirectory = {};
+    struct stat stRoot = {};
+    if (lstat(strPath.c_str(), &stDirectory) != 0 || stat(BMCHOST_GetRoot(), &stRoot) != 0) {
+        return; // not there: nobody has laid anything
+    }
+    const uid_t uiOwner = stDirectory.st_uid;
+    if (!S_ISDIR(stDirectory.st_mode) ||
+        (uiOwner != 0U && uiOwner != geteuid() && uiOwner != stRoot.st_uid)) {
+        Fail(ErrorClass::NotPermitted,
+             EscapeText(strPath) + " belongs to another user, so nothing of it is believed");
+    }
 }
 
 Json ReadRecordFile(const std::string &strDirectory, u32 uiNumber, const char *pcKind)

@@ -13,6 +13,10 @@
 // The numbers of the files in a directory of the controller, in order. No directory: none.
 std::vector<u32> RecordNumbers(const std::string &strDirectory);
 
+// Fails when the directory belongs neither to the user nor to root nor to the controller's owner: what somebody
+// else has laid there is not to be done with the user's rights.
+void RequireTrusted(const std::string &strDirectory);
+
 // One file's content. Fails when it cannot be read, is damaged, or is of another kind.
 Json ReadRecordFile(const std::string &strDirectory, u32 uiNumber, const char *pcKind);
 

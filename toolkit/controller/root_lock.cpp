@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "toolkit/controller/root_lock.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <unistd.h>
 
@@ -8,7 +9,6 @@
 #include "toolkit/base/error.h"
 #include "toolkit/base/file.h"
 #include "toolkit/base/text.h"
-#include "toolkit/controller/mend.h"
 
 namespace {
 
@@ -56,10 +56,8 @@ RootLock::RootLock(const CONTROLLER_S &stController) : m_stController(stControll
     Take(stController, m_stFile);
     for (const MENDED_S &stMended : MendAll()) {
         stController.Warn(stMended.strLine);
-        for (const u8 ucDeviceID : stMended.vecDeviceIDs) {
-            if (stMended.enMended == Mended::Stuck) {
-                m_vecStuck.emplace_back(ucDeviceID, stMended.strLine);
-            }
+        if (stMended.enMended == Mended::Stuck) {
+            m_vecStuck.push_back(stMended);
         }
     }
     stController.bWriting = true;
@@ -72,9 +70,10 @@ RootLock::~RootLock()
 
 void RootLock::RequireMended(u8 ucDeviceID) const
 {
-    for (const auto &[ucStuckID, strLine] : m_vecStuck) {
-        if (ucStuckID == ucDeviceID) {
-            Fail(ErrorClass::HalfWritten, strLine);
+    for (const MENDED_S &stStuck : m_vecStuck) {
+        const std::vector<u8> &vecIDs = stStuck.vecDeviceIDs;
+        if (vecIDs.empty() || std::find(vecIDs.begin(), vecIDs.end(), ucDeviceID) != vecIDs.end()) {
+            Fail(ErrorClass::HalfWritten, stStuck.strLine);
         }
     }
 }

@@ -10,6 +10,7 @@
 #include "files/files.h"
 #include "lib_fru_types.h"
 #include "toolkit/controller/controller.h"
+#include "toolkit/controller/mend.h"
 
 // Held while somebody writes to the controller. Its file names the holder.
 class RootLock
@@ -23,7 +24,8 @@ class RootLock
     RootLock(const RootLock &) = delete;
     RootLock &operator=(const RootLock &) = delete;
 
-    // Fails when a write to the device was cut short and could not be mended: nobody writes over that.
+    // Fails when a write to the device, or to nobody knows which, was cut short and could not be mended: nobody
+    // writes over that.
     void RequireMended(u8 ucDeviceID) const;
 
     const CONTROLLER_S &Controller() const
@@ -34,7 +36,7 @@ class RootLock
   private:
     const CONTROLLER_S &m_stController;
     files::LockFile m_stFile;
-    std::vector<std::pair<u8, std::string>> m_vecStuck; // device ID, the line that tells
+    std::vector<MENDED_S> m_vecStuck;
 };
 
 // Held while a command reads: no writer is at work meanwhile. A RootLock takes its place while that lives.

@@ -15,11 +15,21 @@ constexpr u32 NUMBER_MAX = 999999U;
 
 std::string TitlesOf(const JOURNAL_ENTRY_S &stEntry)
 {
+    if (!stEntry.strUnreadable.empty()) {
+        return "unreadable";
+    }
     std::vector<std::string> vecTitles;
     for (const DEVICE_CHANGE_S &stChange : stEntry.vecDevices) {
         vecTitles.push_back(stChange.strTitle);
     }
     return Join(vecTitles, ", ");
+}
+
+std::string WhatStays(const JOURNAL_ENTRY_S &stEntry)
+{
+    return stEntry.strUnreadable.empty()
+               ? TitlesOf(stEntry) + " stays as it is, and its history has the image before the write"
+               : "'fructl verify' tells which device is not in order";
 }
 
 void RunList(const SESSION_S &stSession)
@@ -49,8 +59,7 @@ void RunDiscard(const SESSION_S &stSession, const std::string &strNumber)
         if (stEntry.uiNumber == uiNumber) {
             RemoveJournal(uiNumber);
             Print(stSession.bJson ? ""
-                                  : Format("entry %u is given up; ", uiNumber) + TitlesOf(stEntry) +
-                                        " stays as it is, and its history has the image before the write\n");
+                                  : Format("entry %u is given up; ", uiNumber) + WhatStays(stEntry) + "\n");
             if (stSession.bJson) {
                 PrintJson({{"discarded", uiNumber}});
             }

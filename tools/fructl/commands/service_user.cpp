@@ -20,10 +20,8 @@ namespace {
 constexpr u16 FIRST_FREE_PORT = 1024U;
 // Who has nothing but this service comes first.
 constexpr const char *ACCOUNTS[] = {"fructl", "nobody"};
-// What an IPMI write changes: chips, cache, journals, and the locks of all of them. Where a write that was cut
-// short is noted belongs to whoever may finish it.
-constexpr const char *WRITTEN[] = {BMCHOST_EEPROM_DIR, "/var/lib/fru", BMCHOST_JOURNAL_DIR, "/var/log",
-                                   BMCHOST_LOCK_DIR};
+// What an IPMI write changes: chips, cache, journals, and the locks of all of them.
+constexpr const char *WRITTEN[] = {BMCHOST_EEPROM_DIR, "/var/lib/fru", "/var/log", BMCHOST_LOCK_DIR};
 
 bool FindUser(const std::string &strName, SERVICE_USER_S *pstUser)
 {
@@ -148,6 +146,12 @@ void PrepareFor(const SERVICE_USER_S &stUser, const std::string &strRoot,
                  "; accepted: --run-as root, or a controller in a directory of its own");
     }
     RequireReach(stUser, {strRoot}); // before anything is changed
+    // Where unfinished writes are noted stays root's, who finishes them.
+    const int iJournal = files::MakeDirectories({strRoot, BMCHOST_JOURNAL_DIR});
+    if (iJournal != 0) {
+        Fail(ClassOfErrno(iJournal),
+             "cannot make " + EscapeText(strRoot + BMCHOST_JOURNAL_DIR) + ": " + files::Reason(iJournal));
+    }
     for (const char *pcDirectory : WRITTEN) {
         const files::PLACE_S stPlace(strRoot, pcDirectory);
         int iError = files::MakeDirectories(stPlace);
