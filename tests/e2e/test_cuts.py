@@ -89,7 +89,11 @@ class Cuts(CutTest):
         self.Good("label", "set", "psu1", "Product Asset Tag", "ONE")
         self.Good("label", "set", "psu1", "Product Asset Tag", "TWO")
         self.assertEqual([(st["number"], st["image"]) for st in self.Json("history", "psu1")["images"]], [(1, "good"), (2, "good")])
-        self.assertIn("would put back image 2 (good)", self.Good("undo", "psu1", "--dry-run").strOut)
+        strDryRun = self.Good("undo", "psu1", "--dry-run").strOut
+        self.assertIn("would put back image 2 (good)", strDryRun)
+        for strShown in ("TWO", "ONE", "54 57 4f", "4f 4e 45"):  # the field and its bytes, old and new
+            self.assertIn(strShown, strDryRun)
+        self.assertEqual(len(self.Json("undo", "psu1", "--dry-run")["fields"]), 1)
         self.Good("undo", "psu1", "--to", "1")
         self.assertTrue(self.State() == dictFirst)
         self.Good("undo", "psu1")

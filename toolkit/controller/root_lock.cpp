@@ -42,7 +42,7 @@ void Take(const CONTROLLER_S &stController, files::LockFile &stFile)
         Fail(ClassOfErrno(iError), "cannot take the lock " + stPlace.Text() + ": " + files::Reason(iError));
     }
     iError = stFile.SetHolder(Format("pid %d, ", getpid()) + stController.strCommandLine);
-    if (iError != 0) {
+    if (iError != 0 && iError != ENOSPC && iError != EDQUOT) { // the write itself tells of a full disk
         // The lock holds all the same; only the other side's message would be poorer.
         stController.Warn("cannot write into " + stPlace.Text() + ": " + files::Reason(iError));
     }

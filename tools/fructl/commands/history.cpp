@@ -2,7 +2,9 @@
 // fructl history, undo: the images that a device held before its last writes, and the way back to one.
 #include "toolkit/controller/history.h"
 #include "commands/commands.h"
+#include "commands/image_plan.h"
 #include "commands/raw.h"
+#include "terminal/changes.h"
 #include "terminal/console.h"
 #include "terminal/json_out.h"
 #include "toolkit/base/error.h"
@@ -11,6 +13,7 @@
 #include "toolkit/controller/journal.h"
 #include "toolkit/controller/root_lock.h"
 #include "toolkit/controller/target.h"
+#include "toolkit/edit/image_write.h"
 #include "toolkit/edit/undo.h"
 #include "toolkit/image/layout.h"
 
@@ -71,22 +74,23 @@ void RunUndo(const SESSION_S &stSession, const UNDO_OPTIONS_S &stOptions)
     }
     const PAST_IMAGE_S stPast = ChoosePast(stDevice, ReadHistory(stSession, stDevice), optNumber);
     const CHANGE_S stChange = PlanUndo(stDevice, stPast);
+    const IMAGE_PLAN_S stShown = PlanImage(stDevice, stChange.Home().vecAfter);
     if (optLock.has_value()) {
         WriteUndo(*optLock, stChange);
     }
     if (stSession.bJson) {
-        PrintJson({{"device", DeviceJson(stDevice)},
-                   {"dryRun", stOptions.bDryRun},
-                   {"number", stPast.uiNumber},
-                   {"image", Verdict(stDevice, stPast)},
-                   {"time", stPast.strTime},
-                   {"command", stPast.strCommand}});
+        Json stJson = {{"device", DeviceJson(stDevice)}, {"dryRun", stOptions.bDryRun},
+                       {"number", stPast.uiNumber},      {"image", Verdict(stDevice, stPast)},
+                       {"time", stPast.strTime},         {"command", stPast.strCommand}};
+        stJson.update(ImagePlanJson(stShown));
+        PrintJson(stJson);
         return;
     }
     Print((stOptions.bDryRun ? "would put back" : Paint(Colour::Green, stDevice.Title()) + " holds") +
           Format(" image %u (%s), as it was on %s before: ", stPast.uiNumber,
                  Verdict(stDevice, stPast).c_str(), stPast.strTime.c_str()) +
-          stPast.strCommand + (stOptions.bDryRun ? "; nothing was written\n" : "\n"));
+          stPast.strCommand + (stOptions.bDryRun ? "; nothing was written\n" : "\n") +
+          ImagePlanText(stShown) + (stOptions.bDryRun ? ByteChangesText(stShown.vecBytes) : ""));
 }
 
 } // namespace
