@@ -17,9 +17,9 @@ std::atomic<bool> g_bInside;
 std::atomic<pthread_t> g_stThread; // the one inside
 std::atomic<bool> g_bLost;
 
-bool Replace(const void *pAddress)
+bool Replace(void *pAddress)
 {
-    void *pPage = reinterpret_cast<void *>(reinterpret_cast<uintptr_t>(pAddress) & ~(g_uiPage - 1U));
+    void *pPage = static_cast<char *>(pAddress) - reinterpret_cast<uintptr_t>(pAddress) % g_uiPage;
     return mmap(pPage, g_uiPage, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_FIXED, -1, 0) ==
            pPage;
 }

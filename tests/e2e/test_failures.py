@@ -8,6 +8,7 @@ import sqlite3
 import subprocess
 import unittest
 
+from cut_support import MAY_TRACE, STRACE
 from support import BASEBOARD_EEPROM, COMMAND, EMULATOR, Environment, FructlTest, Run, SOURCE
 
 CODES = {"failed": 1, "usage": 2, "refused": 3, "not-found": 4, "no-answer": 5, "damaged": 6, "busy": 7, "not-permitted": 8, "disk-full": 9,
@@ -15,7 +16,6 @@ CODES = {"failed": 1, "usage": 2, "refused": 3, "not-found": 4, "no-answer": 5, 
 PSU1 = {"id": 1, "name": "psu1", "componentType": 3, "instance": 0}
 PSU1_EEPROM = "bus2-addr0xa4-switch1.bin"
 DEEP = 100000
-STRACE = shutil.which("strace")
 TABLE_KEY = 0x108105ff  # the device table in the database
 
 
@@ -126,7 +126,7 @@ class Codes(FructlTest):
                 self.assertIn(listAccepted, dictError["accepted"])
         self.assertEqual(self.Fructl("bogus").strOut, "")
 
-    @unittest.skipIf(EMULATOR or STRACE is None, "there is no strace, or an emulator's own calls would be counted")
+    @unittest.skipIf(EMULATOR or not MAY_TRACE, "there is no strace that may trace, or an emulator's own calls would be counted")
     def test_a_write_that_was_cut_short_and_cannot_be_mended(self):
         self.Good("label", "set", "psu1", "Product Version", "A2")
         shutil.copytree(self.pathRoot, self.pathTemp / "before")
