@@ -3,17 +3,17 @@
 import subprocess
 import unittest
 
-from support import COMMAND, Environment, FructlTest
+from support import COMMAND, EMULATOR, Environment, FructlTest
 
 WRITERS = 8
-ROUNDS = 24
+ROUNDS = 4 if EMULATOR else 24
 
 
 class Turns(FructlTest):
     def test_of_eight_writers_none_is_refused(self):
         self.Provision()
         strLoop = ('for i in $(seq "$1"); do '
-                   f'{" ".join(COMMAND)} --root "$2" --wait 60 label set psu1 "Product Asset Tag" "$3-$i" >/dev/null || exit 1; done')
+                   f'{" ".join(COMMAND)} --root "$2" --wait 600 label set psu1 "Product Asset Tag" "$3-$i" >/dev/null || exit 1; done')
         listProcesses = [subprocess.Popen(["sh", "-c", strLoop, "sh", str(ROUNDS), str(self.pathRoot), f"W{i}"], stderr=subprocess.PIPE, text=True,
                                           env=Environment()) for i in range(WRITERS)]
         listErrors = [stProcess.communicate()[1] for stProcess in listProcesses]
