@@ -27,8 +27,8 @@ void RequireSpace(const CONTROLLER_S &stController);
 
 // Runs fnWork, which makes the change of one device in these steps, each from what the one before it leaves; no
 // fnWork: the bytes are written as they are. When it fails, or EEPROM and cache hold something else afterwards,
-// the old bytes are put back and the failure says so; where even that fails, the next command tries again. So are the
-// files that the write renews as well, which mirror the device.
+// the old bytes are put back, and so are the files that mirror the device; the failure says so. Where even that
+// fails, the next command tries again. A chip that cannot be read is not written without fnWork.
 void RunTransaction(const RootLock &stLock, const std::vector<CHANGE_S> &vecSteps,
                     std::vector<FILE_CHANGE_S> vecFiles, const std::function<void()> &fnWork);
 
