@@ -9,6 +9,7 @@
 #include "commands/commands.h"
 #include "commands/session.h"
 #include "files/files.h"
+#include "terminal/command_line.h"
 #include "terminal/console.h"
 #include "terminal/failure.h"
 #include "terminal/json_out.h"
@@ -46,50 +47,20 @@ void Complain(const std::string &strLine)
             strOut.c_str());
 }
 
-void AddGlobalOptions(CLI::App &stApp, SESSION_S &stSession)
+void AddGlobalOptions(const Command &stTop, SESSION_S &stSession, unsigned &uiWaitSeconds)
 {
-    stApp
-        .add_option("--root", stSession.strRoot,
-                    "the controller's directory (else $FRUCTL_ROOT, else ~/.local/state/fructl)")
-        ->type_name("DIR");
-    stApp.add_flag("-v,--verbose", stSession.bVerbose, "print the library's diagnostics to stderr");
-    stApp.add_flag("--foreign-root", stSession.bForeignRoot, "write also to a directory of another user");
-    stApp.add_flag("--json", stSession.bJson, "print JSON, for programs");
-    stApp
-        .add_option_function<unsigned>(
-            "--wait", [&stSession](const unsigned &uiSeconds) { stSession.uiWaitMs = uiSeconds * 1000U; },
-            "wait so long for other commands on the same controller (default 10)")
-        ->check(CLI::Range(0U, 86400U))
-        ->type_name("SECONDS");
-    stApp.set_version_flag("--version", "fructl " FRUCTL_VERSION);
-    stApp.require_subcommand(1);
-    stApp.footer(EXAMPLES + ExitCodesText());
-    stApp.get_formatter()->column_width(34);
-    stApp.failure_message([](const CLI::App *, const CLI::Error &) { return std::string(); });
-}
-
-// What was wrong with the command line, and where to read what is right.
-Error UsageError(const CLI::App &stApp, const CLI::ParseError &stError)
-{
-    std::vector<std::string> vecNames;
-    std::string strName = "fructl";
-    const CLI::App *pstApp = &stApp;
-    while (!pstApp->get_subcommands().empty()) {
-        pstApp = pstApp->get_subcommands().front();
-        strName += " " + pstApp->get_name();
-    }
-    std::string strWhat = stError.what();
-    if (dynamic_cast<const CLI::RequiredError *>(&stError) != nullptr &&
-        pstApp->get_require_subcommand_min() > 0U) {
-        for (const CLI::App *pstCommand : pstApp->get_subcommands([](const CLI::App *) { return true; })) {
-            vecNames.push_back(pstCommand->get_name());
-        }
-        const std::vector<std::string> vecRest = stApp.remaining(true);
-        strWhat = vecRest.empty() ? "no command is named"
-                                  : "there is no command '" + EscapeText(vecRest.front()) + "'";
-        strWhat += "; accepted: " + Join(vecNames, ", ");
-    }
-    return {ErrorClass::Usage, strWhat + "; '" + strName + " --help' tells more", vecNames};
+    stTop
+        .AddOption("--root", stSession.strRoot,
+                   "the controller's directory (else $FRUCTL_ROOT, else ~/.local/state/fructl)")
+        .Placeholder("DIR");
+    stTop.AddFlag("-v,--verbose", stSession.bVerbose, "print the library's diagnostics to stderr");
+    stTop.AddFlag("--foreign-root", stSession.bForeignRoot, "write also to a directory of another user");
+    stTop.AddFlag("--json", stSession.bJson, "print JSON, for programs");
+    stTop
+        .AddOption("--wait", uiWaitSeconds,
+                   "wait so long for other commands on the same controller (default 10)")
+        .UpTo(86400U)
+        .Placeholder("SECONDS");
 }
 
 // What the library printed belongs to its diagnostics.
@@ -142,27 +113,27 @@ int Run(int iArgc, char **ppcArgv)
     for (int i = 0; i < iArgc; i++) {
         stSession.strCommandLine += (i == 0) ? "fructl" : " " + EscapeText(ppcArgv[i]);
     }
-    CLI::App stApp("Shows, checks and edits the FRU inventory of a server's management controller.",
-                   "fructl");
-    AddGlobalOptions(stApp, stSession);
-    AddCommands(stApp, stSession);
+    CommandLine stLine("fructl",
+                       "Shows, checks and edits the FRU inventory of a server's management controller.",
+                       EXAMPLES + ExitCodesText(), "fructl " FRUCTL_VERSION);
+    unsigned uiWaitSeconds = stSession.uiWaitMs / 1000U;
+    AddGlobalOptions(stLine.Top(), stSession, uiWaitSeconds);
+    AddCommands(stLine.Top(), stSession);
     try {
-        stApp.parse(iArgc, ppcArgv);
+        const std::function<void()> fnRun = stLine.Parse(iArgc, ppcArgv);
+        if (fnRun == nullptr) {
+            return static_cast<int>(ExitCode::Done);
+        }
+        stSession.uiWaitMs = uiWaitSeconds * 1000U;
         Open(stSession);
         SeparateLibraryOutput();
-        stSession.fnRun();
+        fnRun();
         ShowLibraryOutput(stSession);
         EndJson();
         if (const int iError = FlushOutput(); iError != 0) {
             Fail(ClassOfErrno(iError), "standard output could not be written: " + files::Reason(iError));
         }
         return static_cast<int>(stSession.enExitCode);
-    } catch (const CLI::ParseError &stError) {
-        if (stError.get_exit_code() == static_cast<int>(CLI::ExitCodes::Success)) {
-            stApp.exit(stError); // help or version
-            return static_cast<int>(ExitCode::Done);
-        }
-        return TellFailure(stSession, UsageError(stApp, stError));
     } catch (const Error &stError) {
         return TellFailure(stSession, stError);
     } catch (const std::exception &stError) {

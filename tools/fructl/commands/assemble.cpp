@@ -80,22 +80,20 @@ void RunAssemble(const SESSION_S &stSession, const ASSEMBLE_S &stOptions)
 
 } // namespace
 
-void AddAssembleCommand(CLI::App &stParent, SESSION_S &stSession)
+void AddAssembleCommand(const Command &stParent, SESSION_S &stSession)
 {
     const auto pstOptions = std::make_shared<ASSEMBLE_S>();
-    CLI::App *pstCommand = AddCommand(
-        stParent, "assemble",
+    const Command stCommand = stParent.Add(
+        "assemble",
         "Build an image from texts for a device that has none, into its cache; no EEPROM is written",
         "fructl assemble fan-board board-product-name=FB2 board-serial-number=FB2240001\n"
         "fructl assemble --id 6 mfg-date=2024-05-17 product-name=\"Fan Board\" --dry-run");
-    pstCommand->add_option("DEVICE NAME=VALUE", pstOptions->vecTexts,
-                           "TYPE:INSTANCE or a device's name (not with --id), then each name once: " +
-                               NamesOf(AssemblyTexts()));
-    pstCommand->add_option("--id", pstOptions->strDeviceID, "the device by its FRU device ID instead")
-        ->type_name("N");
-    pstCommand->add_flag("--force", pstOptions->bForce, "even for a device with an EEPROM of its own");
-    pstCommand->add_flag("-n,--dry-run", pstOptions->bDryRun, "check everything, write nothing");
-    pstCommand->callback([&stSession, pstOptions] {
-        stSession.fnRun = [&stSession, pstOptions] { RunAssemble(stSession, *pstOptions); };
-    });
+    stCommand.AddOption("DEVICE NAME=VALUE", pstOptions->vecTexts,
+                        "TYPE:INSTANCE or a device's name (not with --id), then each name once: " +
+                            NamesOf(AssemblyTexts()));
+    stCommand.AddOption("--id", pstOptions->strDeviceID, "the device by its FRU device ID instead")
+        .Placeholder("N");
+    stCommand.AddFlag("--force", pstOptions->bForce, "even for a device with an EEPROM of its own");
+    stCommand.AddFlag("-n,--dry-run", pstOptions->bDryRun, "check everything, write nothing");
+    stCommand.Run([&stSession, pstOptions] { RunAssemble(stSession, *pstOptions); });
 }

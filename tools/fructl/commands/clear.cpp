@@ -71,16 +71,13 @@ void RunClear(const SESSION_S &stSession, const CLEAR_S &stOptions)
 
 } // namespace
 
-void AddClearCommand(CLI::App &stParent, SESSION_S &stSession)
+void AddClearCommand(const Command &stParent, SESSION_S &stSession)
 {
     const auto pstOptions = std::make_shared<CLEAR_S>();
-    CLI::App *pstCommand =
-        AddCommand(stParent, "clear", "Erase a device: every byte 0xff, in EEPROM and cache",
-                   "fructl clear psu1\nfructl clear 0x30:0 --yes");
-    AddTargetOptions(pstCommand, pstOptions->stTarget, false);
-    pstCommand->add_flag("-y,--yes", pstOptions->bYes, "do not ask");
-    pstCommand->add_flag("-n,--dry-run", pstOptions->bDryRun, "say what would be erased, and write nothing");
-    pstCommand->callback([&stSession, pstOptions] {
-        stSession.fnRun = [&stSession, pstOptions] { RunClear(stSession, *pstOptions); };
-    });
+    const Command stCommand = stParent.Add("clear", "Erase a device: every byte 0xff, in EEPROM and cache",
+                                           "fructl clear psu1\nfructl clear 0x30:0 --yes");
+    AddTargetOptions(stCommand, pstOptions->stTarget, false);
+    stCommand.AddFlag("-y,--yes", pstOptions->bYes, "do not ask");
+    stCommand.AddFlag("-n,--dry-run", pstOptions->bDryRun, "say what would be erased, and write nothing");
+    stCommand.Run([&stSession, pstOptions] { RunClear(stSession, *pstOptions); });
 }

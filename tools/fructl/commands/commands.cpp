@@ -6,7 +6,7 @@
 namespace {
 
 // One a line, in the order of the help, with what a group of them is about.
-constexpr void (*COMMANDS[])(CLI::App &stParent, SESSION_S &stSession) = {
+constexpr void (*COMMANDS[])(const Command &stParent, SESSION_S &stSession) = {
     AddProvisionCommand,  // made once
     AddListCommand,       // read
     AddShowCommand,       //
@@ -40,49 +40,35 @@ constexpr void (*COMMANDS[])(CLI::App &stParent, SESSION_S &stSession) = {
 
 } // namespace
 
-void AddCommands(CLI::App &stApp, SESSION_S &stSession)
+void AddCommands(const Command &stTop, SESSION_S &stSession)
 {
     for (const auto pfnAdd : COMMANDS) {
-        pfnAdd(stApp, stSession);
+        pfnAdd(stTop, stSession);
     }
 }
 
-CLI::App *AddCommand(CLI::App &stParent, const char *pcName, const char *pcWhat, const char *pcExamples)
+void AddTargetOptions(const Command &stCommand, TARGET_OPTIONS_S &stOptions, bool bFiles)
 {
-    CLI::App *pstCommand = stParent.add_subcommand(pcName, pcWhat);
-    std::string strFooter = "Examples:\n  ";
-    for (const char *pcChar = pcExamples; *pcChar != '\0'; pcChar++) {
-        strFooter += *pcChar;
-        strFooter += (*pcChar == '\n') ? "  " : "";
-    }
-    pstCommand->footer(strFooter + "\n");
-    // Lets --json and its like stand behind the command as well.
-    pstCommand->fallthrough();
-    return pstCommand;
-}
-
-void AddTargetOptions(CLI::App *pstCommand, TARGET_OPTIONS_S &stOptions, bool bFiles)
-{
-    pstCommand->add_option(
+    stCommand.AddOption(
         bFiles ? "DEVICE|FILE" : "DEVICE", stOptions.strTarget,
         bFiles ? "TYPE:INSTANCE (such as 0x30:0), a device's name, or an image file's path with a slash "
                  "(*.hex: readable hex)"
                : "TYPE:INSTANCE (such as 0x30:0) or a device's name");
-    pstCommand->add_option("--id", stOptions.strDeviceID, "the device by its FRU device ID instead, 0 to 255")
-        ->type_name("N");
+    stCommand.AddOption("--id", stOptions.strDeviceID, "the device by its FRU device ID instead, 0 to 255")
+        .Placeholder("N");
     if (bFiles) {
-        pstCommand->add_option("--file", stOptions.strFile, "an image file instead, whatever its name")
-            ->type_name("FILE");
+        stCommand.AddOption("--file", stOptions.strFile, "an image file instead, whatever its name")
+            .Placeholder("FILE");
     }
 }
 
-void AddSourceOption(CLI::App *pstCommand, SOURCE_OPTION_S &stOption)
+void AddSourceOption(const Command &stCommand, SOURCE_OPTION_S &stOption)
 {
-    pstCommand
-        ->add_option("--source", stOption.strSource,
-                     "which image of a device: that in its EEPROM (as without this) or the cached one")
-        ->check(CLI::IsMember({"eeprom", "cache"}))
-        ->type_name("eeprom|cache");
+    stCommand
+        .AddOption("--source", stOption.strSource,
+                   "which image of a device: that in its EEPROM (as without this) or the cached one")
+        .OneOf({"eeprom", "cache"})
+        .Placeholder("eeprom|cache");
 }
 
 std::optional<Source> SOURCE_OPTION_S::Chosen() const

@@ -1,25 +1,20 @@
 // SPDX-License-Identifier: Apache-2.0
-// The subcommands. Each lives in its own cmd_*.cpp, which adds it to the command line; the table in
+// The subcommands. Each lives in its own file, which adds it to the command line; the table in
 // commands.cpp names them all, in the order in which the help shows them.
 #ifndef FRUCTL_COMMANDS_COMMANDS_H
 #define FRUCTL_COMMANDS_COMMANDS_H
 
-#include <CLI/CLI.hpp>
-
 #include "commands/session.h"
+#include "terminal/command_line.h"
 #include "toolkit/base/json.h"
 #include "toolkit/controller/source.h"
 #include "toolkit/controller/target.h"
 
 // Adds every command of the table.
-void AddCommands(CLI::App &stApp, SESSION_S &stSession);
-
-// A subcommand with its description and, under its options, examples: one a line, each beginning
-// with "fructl ".
-CLI::App *AddCommand(CLI::App &stParent, const char *pcName, const char *pcWhat, const char *pcExamples);
+void AddCommands(const Command &stTop, SESSION_S &stSession);
 
 // DEVICE and --id for commands that work on one device, or with bFiles also on an image file, with --file.
-void AddTargetOptions(CLI::App *pstCommand, TARGET_OPTIONS_S &stOptions, bool bFiles);
+void AddTargetOptions(const Command &stCommand, TARGET_OPTIONS_S &stOptions, bool bFiles);
 
 // Which of a device's images a command shows; none: that of its EEPROM, where it has one.
 struct SOURCE_OPTION_S
@@ -28,7 +23,7 @@ struct SOURCE_OPTION_S
 
     std::optional<Source> Chosen() const;
 };
-void AddSourceOption(CLI::App *pstCommand, SOURCE_OPTION_S &stOption);
+void AddSourceOption(const Command &stCommand, SOURCE_OPTION_S &stOption);
 
 // The image that was chosen, and what a command adds to what it shows of it.
 struct SHOWN_S
@@ -45,35 +40,35 @@ struct SHOWN_S
 };
 SHOWN_S ReadShown(TARGET_S stTarget, const SOURCE_OPTION_S &stOption);
 
-// Each adds one command; they stand in their cmd_*.cpp.
-void AddProvisionCommand(CLI::App &stParent, SESSION_S &stSession);
-void AddListCommand(CLI::App &stParent, SESSION_S &stSession);
-void AddShowCommand(CLI::App &stParent, SESSION_S &stSession);
-void AddVerifyCommand(CLI::App &stParent, SESSION_S &stSession);
-void AddMapCommand(CLI::App &stParent, SESSION_S &stSession);
-void AddRecoverCommand(CLI::App &stParent, SESSION_S &stSession);
-void AddLabelCommand(CLI::App &stParent, SESSION_S &stSession);
-void AddEncodeCommand(CLI::App &stParent, SESSION_S &stSession);
-void AddDiffCommand(CLI::App &stParent, SESSION_S &stSession);
-void AddRawCommand(CLI::App &stParent, SESSION_S &stSession);
-void AddServeCommand(CLI::App &stParent, SESSION_S &stSession);
-void AddReadCommand(CLI::App &stParent, SESSION_S &stSession);
-void AddWriteCommand(CLI::App &stParent, SESSION_S &stSession);
-void AddClearCommand(CLI::App &stParent, SESSION_S &stSession);
-void AddTestResultCommand(CLI::App &stParent, SESSION_S &stSession);
-void AddFeaturesCommand(CLI::App &stParent, SESSION_S &stSession);
-void AddDateCommand(CLI::App &stParent, SESSION_S &stSession);
-void AddMonitorCommand(CLI::App &stParent, SESSION_S &stSession);
-void AddMrCommand(CLI::App &stParent, SESSION_S &stSession);
-void AddHwCommand(CLI::App &stParent, SESSION_S &stSession);
-void AddFieldsCommand(CLI::App &stParent, SESSION_S &stSession);
-void AddSnCommand(CLI::App &stParent, SESSION_S &stSession);
-void AddPsnCommand(CLI::App &stParent, SESSION_S &stSession);
-void AddOemCommand(CLI::App &stParent, SESSION_S &stSession);
-void AddHostNameCommand(CLI::App &stParent, SESSION_S &stSession);
-void AddHistoryCommand(CLI::App &stParent, SESSION_S &stSession);
-void AddUndoCommand(CLI::App &stParent, SESSION_S &stSession);
-void AddJournalCommand(CLI::App &stParent, SESSION_S &stSession);
-void AddAssembleCommand(CLI::App &stParent, SESSION_S &stSession);
+// Each adds one command; they stand in their file.
+void AddProvisionCommand(const Command &stParent, SESSION_S &stSession);
+void AddListCommand(const Command &stParent, SESSION_S &stSession);
+void AddShowCommand(const Command &stParent, SESSION_S &stSession);
+void AddVerifyCommand(const Command &stParent, SESSION_S &stSession);
+void AddMapCommand(const Command &stParent, SESSION_S &stSession);
+void AddRecoverCommand(const Command &stParent, SESSION_S &stSession);
+void AddLabelCommand(const Command &stParent, SESSION_S &stSession);
+void AddEncodeCommand(const Command &stParent, SESSION_S &stSession);
+void AddDiffCommand(const Command &stParent, SESSION_S &stSession);
+void AddRawCommand(const Command &stParent, SESSION_S &stSession);
+void AddServeCommand(const Command &stParent, SESSION_S &stSession);
+void AddReadCommand(const Command &stParent, SESSION_S &stSession);
+void AddWriteCommand(const Command &stParent, SESSION_S &stSession);
+void AddClearCommand(const Command &stParent, SESSION_S &stSession);
+void AddTestResultCommand(const Command &stParent, SESSION_S &stSession);
+void AddFeaturesCommand(const Command &stParent, SESSION_S &stSession);
+void AddDateCommand(const Command &stParent, SESSION_S &stSession);
+void AddMonitorCommand(const Command &stParent, SESSION_S &stSession);
+void AddMrCommand(const Command &stParent, SESSION_S &stSession);
+void AddHwCommand(const Command &stParent, SESSION_S &stSession);
+void AddFieldsCommand(const Command &stParent, SESSION_S &stSession);
+void AddSnCommand(const Command &stParent, SESSION_S &stSession);
+void AddPsnCommand(const Command &stParent, SESSION_S &stSession);
+void AddOemCommand(const Command &stParent, SESSION_S &stSession);
+void AddHostNameCommand(const Command &stParent, SESSION_S &stSession);
+void AddHistoryCommand(const Command &stParent, SESSION_S &stSession);
+void AddUndoCommand(const Command &stParent, SESSION_S &stSession);
+void AddJournalCommand(const Command &stParent, SESSION_S &stSession);
+void AddAssembleCommand(const Command &stParent, SESSION_S &stSession);
 
 #endif

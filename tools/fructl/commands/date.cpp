@@ -69,19 +69,16 @@ void RunDate(const SESSION_S &stSession, const std::string &strDate, const std::
 
 } // namespace
 
-void AddDateCommand(CLI::App &stParent, SESSION_S &stSession)
+void AddDateCommand(const Command &stParent, SESSION_S &stSession)
 {
     const auto pstDate = std::make_shared<std::string>();
     const auto pstBytes = std::make_shared<std::vector<std::string>>();
-    CLI::App *pstCommand =
-        AddCommand(stParent, "date", "Convert a manufacturing date to its three bytes and back",
-                   "fructl date 2024-05-17\nfructl date \"2024-5-17 8:30:0\"\n"
-                   "fructl date --bytes 00 2d e3");
-    pstCommand->add_option("DATE", *pstDate, "a date as the label Mfg.Date takes it, in UTC");
-    pstCommand->add_option("--bytes", *pstBytes, "three bytes in hex, the least significant first")
-        ->type_name("HEX")
-        ->expected(3);
-    pstCommand->callback([&stSession, pstDate, pstBytes] {
-        stSession.fnRun = [&stSession, pstDate, pstBytes] { RunDate(stSession, *pstDate, *pstBytes); };
-    });
+    const Command stCommand = stParent.Add("date", "Convert a manufacturing date to its three bytes and back",
+                                           "fructl date 2024-05-17\nfructl date \"2024-5-17 8:30:0\"\n"
+                                           "fructl date --bytes 00 2d e3");
+    stCommand.AddOption("DATE", *pstDate, "a date as the label Mfg.Date takes it, in UTC");
+    stCommand.AddOption("--bytes", *pstBytes, "three bytes in hex, the least significant first")
+        .Placeholder("HEX")
+        .Words(3, 3);
+    stCommand.Run([&stSession, pstDate, pstBytes] { RunDate(stSession, *pstDate, *pstBytes); });
 }

@@ -107,17 +107,15 @@ void RunDiff(SESSION_S &stSession, const DIFF_S &stOptions)
 
 } // namespace
 
-void AddDiffCommand(CLI::App &stParent, SESSION_S &stSession)
+void AddDiffCommand(const Command &stParent, SESSION_S &stSession)
 {
     const auto pstOptions = std::make_shared<DIFF_S>();
-    CLI::App *pstCommand = AddCommand(
-        stParent, "diff", "Compare two images field by field; exit 0 same, 1 different, 2 trouble",
+    const Command stCommand = stParent.Add(
+        "diff", "Compare two images field by field; exit 0 same, 1 different, 2 trouble",
         "fructl diff psu1 psu2\nfructl diff baseboard ./dump.bin\nfructl diff ./old.bin ./new.hex --json");
-    pstCommand->add_option("A B", pstOptions->vecTargets,
-                           "TYPE:INSTANCE, a device's name, or an image file's path with a slash");
-    pstCommand->add_option("--file", pstOptions->vecFiles, "an image file, whatever its name; behind A and B")
-        ->type_name("FILE");
-    pstCommand->callback([&stSession, pstOptions] {
-        stSession.fnRun = [&stSession, pstOptions] { RunDiff(stSession, *pstOptions); };
-    });
+    stCommand.AddOption("A B", pstOptions->vecTargets,
+                        "TYPE:INSTANCE, a device's name, or an image file's path with a slash");
+    stCommand.AddOption("--file", pstOptions->vecFiles, "an image file, whatever its name; behind A and B")
+        .Placeholder("FILE");
+    stCommand.Run([&stSession, pstOptions] { RunDiff(stSession, *pstOptions); });
 }

@@ -61,24 +61,22 @@ void RunEncode(const SESSION_S &stSession, const ENCODE_S &stOptions)
 
 } // namespace
 
-void AddEncodeCommand(CLI::App &stParent, SESSION_S &stSession)
+void AddEncodeCommand(const Command &stParent, SESSION_S &stSession)
 {
     const auto pstOptions = std::make_shared<ENCODE_S>();
-    CLI::App *pstCommand = AddCommand(
-        stParent, "encode", "Make an image file from what 'show --json' printed",
+    const Command stCommand = stParent.Add(
+        "encode", "Make an image file from what 'show --json' printed",
         "fructl --json show baseboard > board.json\n"
         "fructl encode board.json -o board.bin --size 2048\nfructl encode board.json -o board.hex");
-    pstCommand->add_option("FILE", pstOptions->strDocument, "the record as JSON, as 'show --json' prints it")
-        ->required();
-    pstCommand
-        ->add_option("-o,--output", pstOptions->strOutput,
-                     "the image file to make (*.hex: readable hex; -: standard output)")
-        ->type_name("FILE")
-        ->required();
-    pstCommand->add_option("--size", pstOptions->strSize, "bytes of the image, filled up with 0xff")
-        ->type_name("N");
-    pstCommand->add_flag("--force", pstOptions->bForce, "replace a file that is there");
-    pstCommand->callback([&stSession, pstOptions] {
-        stSession.fnRun = [&stSession, pstOptions] { RunEncode(stSession, *pstOptions); };
-    });
+    stCommand.AddOption("FILE", pstOptions->strDocument, "the record as JSON, as 'show --json' prints it")
+        .Required();
+    stCommand
+        .AddOption("-o,--output", pstOptions->strOutput,
+                   "the image file to make (*.hex: readable hex; -: standard output)")
+        .Placeholder("FILE")
+        .Required();
+    stCommand.AddOption("--size", pstOptions->strSize, "bytes of the image, filled up with 0xff")
+        .Placeholder("N");
+    stCommand.AddFlag("--force", pstOptions->bForce, "replace a file that is there");
+    stCommand.Run([&stSession, pstOptions] { RunEncode(stSession, *pstOptions); });
 }

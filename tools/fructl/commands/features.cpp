@@ -77,22 +77,20 @@ void List(const SESSION_S &stSession)
 
 } // namespace
 
-void AddFeaturesCommand(CLI::App &stParent, SESSION_S &stSession)
+void AddFeaturesCommand(const Command &stParent, SESSION_S &stSession)
 {
     const auto pstFile = std::make_shared<std::string>();
-    CLI::App *pstCommand =
-        AddCommand(stParent, "features", "Show the FRU feature list, or hand over a feature update",
-                   "fructl features\nfructl features --update block.bin");
-    pstCommand->add_option("--update", *pstFile, "a file of 1334 bytes for the feature service")
-        ->type_name("FILE");
-    pstCommand->callback([&stSession, pstFile] {
-        stSession.fnRun = [&stSession, pstFile] {
-            RequireController(stSession);
-            if (pstFile->empty()) {
-                List(stSession);
-            } else {
-                Update(stSession, *pstFile);
-            }
-        };
+    const Command stCommand =
+        stParent.Add("features", "Show the FRU feature list, or hand over a feature update",
+                     "fructl features\nfructl features --update block.bin");
+    stCommand.AddOption("--update", *pstFile, "a file of 1334 bytes for the feature service")
+        .Placeholder("FILE");
+    stCommand.Run([&stSession, pstFile] {
+        RequireController(stSession);
+        if (pstFile->empty()) {
+            List(stSession);
+        } else {
+            Update(stSession, *pstFile);
+        }
     });
 }

@@ -128,16 +128,13 @@ void RunFields(const SESSION_S &stSession, const FIELDS_S &stOptions)
 
 } // namespace
 
-void AddFieldsCommand(CLI::App &stParent, SESSION_S &stSession)
+void AddFieldsCommand(const Command &stParent, SESSION_S &stSession)
 {
     const auto pstOptions = std::make_shared<FIELDS_S>();
-    CLI::App *pstCommand =
-        AddCommand(stParent, "fields",
-                   "Custom fields as exported: the ones with slots, and each area's as one escaped text",
-                   "fructl fields baseboard\nfructl fields ./dump.bin --json");
-    AddTargetOptions(pstCommand, pstOptions->stTarget, true);
-    AddSourceOption(pstCommand, pstOptions->stSource);
-    pstCommand->callback([&stSession, pstOptions] {
-        stSession.fnRun = [&stSession, pstOptions] { RunFields(stSession, *pstOptions); };
-    });
+    const Command stCommand = stParent.Add(
+        "fields", "Custom fields as exported: the ones with slots, and each area's as one escaped text",
+        "fructl fields baseboard\nfructl fields ./dump.bin --json");
+    AddTargetOptions(stCommand, pstOptions->stTarget, true);
+    AddSourceOption(stCommand, pstOptions->stSource);
+    stCommand.Run([&stSession, pstOptions] { RunFields(stSession, *pstOptions); });
 }

@@ -95,29 +95,25 @@ void RunUndo(const SESSION_S &stSession, const UNDO_OPTIONS_S &stOptions)
 
 } // namespace
 
-void AddHistoryCommand(CLI::App &stParent, SESSION_S &stSession)
+void AddHistoryCommand(const Command &stParent, SESSION_S &stSession)
 {
     const auto pstOptions = std::make_shared<TARGET_OPTIONS_S>();
-    CLI::App *pstCommand =
-        AddCommand(stParent, "history", "The images that a device held before its last 20 writes",
-                   "fructl history baseboard\nfructl history --id 1 --json");
-    AddTargetOptions(pstCommand, *pstOptions, false);
-    pstCommand->callback([&stSession, pstOptions] {
-        stSession.fnRun = [&stSession, pstOptions] { RunHistory(stSession, *pstOptions); };
-    });
+    const Command stCommand =
+        stParent.Add("history", "The images that a device held before its last 20 writes",
+                     "fructl history baseboard\nfructl history --id 1 --json");
+    AddTargetOptions(stCommand, *pstOptions, false);
+    stCommand.Run([&stSession, pstOptions] { RunHistory(stSession, *pstOptions); });
 }
 
-void AddUndoCommand(CLI::App &stParent, SESSION_S &stSession)
+void AddUndoCommand(const Command &stParent, SESSION_S &stSession)
 {
     const auto pstOptions = std::make_shared<UNDO_OPTIONS_S>();
-    CLI::App *pstCommand =
-        AddCommand(stParent, "undo", "Put back the image that a device held before its last write",
-                   "fructl undo baseboard\nfructl undo psu1 --to 3 --dry-run");
-    AddTargetOptions(pstCommand, pstOptions->stTarget, false);
-    pstCommand->add_option("--to", pstOptions->strNumber, "an image by its number in 'fructl history'")
-        ->type_name("N");
-    pstCommand->add_flag("-n,--dry-run", pstOptions->bDryRun, "say what would be put back, write nothing");
-    pstCommand->callback([&stSession, pstOptions] {
-        stSession.fnRun = [&stSession, pstOptions] { RunUndo(stSession, *pstOptions); };
-    });
+    const Command stCommand =
+        stParent.Add("undo", "Put back the image that a device held before its last write",
+                     "fructl undo baseboard\nfructl undo psu1 --to 3 --dry-run");
+    AddTargetOptions(stCommand, pstOptions->stTarget, false);
+    stCommand.AddOption("--to", pstOptions->strNumber, "an image by its number in 'fructl history'")
+        .Placeholder("N");
+    stCommand.AddFlag("-n,--dry-run", pstOptions->bDryRun, "say what would be put back, write nothing");
+    stCommand.Run([&stSession, pstOptions] { RunUndo(stSession, *pstOptions); });
 }

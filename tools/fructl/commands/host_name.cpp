@@ -36,10 +36,10 @@ void RunHostName(const SESSION_S &stSession)
 
 } // namespace
 
-void AddHostNameCommand(CLI::App &stParent, SESSION_S &stSession)
+void AddHostNameCommand(const Command &stParent, SESSION_S &stSession)
 {
-    CLI::App *pstCommand =
-        AddCommand(stParent, "host-name", "The controller's software name and its host-name prefix",
-                   "fructl host-name\nfructl host-name --json");
-    pstCommand->callback([&stSession] { stSession.fnRun = [&stSession] { RunHostName(stSession); }; });
+    const Command stCommand =
+        stParent.Add("host-name", "The controller's software name and its host-name prefix",
+                     "fructl host-name\nfructl host-name --json");
+    stCommand.Run([&stSession] { RunHostName(stSession); });
 }

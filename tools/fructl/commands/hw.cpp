@@ -179,41 +179,39 @@ void RunSet(const SESSION_S &stSession, const SET_S &stOptions)
     Print(stOptions.bDryRun ? "nothing was written\n" : Paint(Colour::Green, EscapeText(strSentence)) + "\n");
 }
 
-void AddSet(CLI::App &stHw, SESSION_S &stSession)
+void AddSet(const Command &stHw, SESSION_S &stSession)
 {
     const auto pstSet = std::make_shared<SET_S>();
-    CLI::App *pstCommand =
-        AddCommand(stHw, "set", "Write board type and versions; both CRC-8 bytes are computed anew",
-                   "fructl hw set bmc-card-hw --pcb 3\n"
-                   "fructl hw set bmc-card-hw --bytes \"42 4d 43 31 02 01 05\" --dry-run");
-    AddTargetOptions(pstCommand, pstSet->stTarget, false);
-    pstCommand
-        ->add_option("--bytes", pstSet->vecHex,
-                     "all seven bytes in hex: board type (4), PCB, EEPROM and CPLD version")
-        ->type_name("HEX");
-    pstCommand->add_option("--board-type", pstSet->strBoardType, "four bytes in hex")->type_name("HEX");
-    pstCommand->add_option("--pcb", pstSet->strPcb, "PCB version, 0 to 255")->type_name("N");
-    pstCommand->add_option("--eeprom", pstSet->strEeprom, "EEPROM (block layout) version, 0 to 255")
-        ->type_name("N");
-    pstCommand->add_option("--cpld", pstSet->strCpld, "CPLD version, 0 to 255")->type_name("N");
-    pstCommand->add_flag("-n,--dry-run", pstSet->bDryRun, "say what would be written, write nothing");
-    pstCommand->callback(
-        [&stSession, pstSet] { stSession.fnRun = [&stSession, pstSet] { RunSet(stSession, *pstSet); }; });
+    const Command stCommand =
+        stHw.Add("set", "Write board type and versions; both CRC-8 bytes are computed anew",
+                 "fructl hw set bmc-card-hw --pcb 3\n"
+                 "fructl hw set bmc-card-hw --bytes \"42 4d 43 31 02 01 05\" --dry-run");
+    AddTargetOptions(stCommand, pstSet->stTarget, false);
+    stCommand
+        .AddOption("--bytes", pstSet->vecHex,
+                   "all seven bytes in hex: board type (4), PCB, EEPROM and CPLD version")
+        .Placeholder("HEX");
+    stCommand.AddOption("--board-type", pstSet->strBoardType, "four bytes in hex").Placeholder("HEX");
+    stCommand.AddOption("--pcb", pstSet->strPcb, "PCB version, 0 to 255").Placeholder("N");
+    stCommand.AddOption("--eeprom", pstSet->strEeprom, "EEPROM (block layout) version, 0 to 255")
+        .Placeholder("N");
+    stCommand.AddOption("--cpld", pstSet->strCpld, "CPLD version, 0 to 255").Placeholder("N");
+    stCommand.AddFlag("-n,--dry-run", pstSet->bDryRun, "say what would be written, write nothing");
+    stCommand.Run([&stSession, pstSet] { RunSet(stSession, *pstSet); });
 }
 
 } // namespace
 
-void AddHwCommand(CLI::App &stParent, SESSION_S &stSession)
+void AddHwCommand(const Command &stParent, SESSION_S &stSession)
 {
-    CLI::App *pstHw = AddCommand(stParent, "hw", "The 32-byte hardware block of a board: show and set",
-                                 "fructl hw show bmc-card-hw\nfructl hw set bmc-card-hw --cpld 0x12");
-    pstHw->require_subcommand(1);
+    const Command stHw = stParent.Add("hw", "The 32-byte hardware block of a board: show and set",
+                                      "fructl hw show bmc-card-hw\nfructl hw set bmc-card-hw --cpld 0x12");
+    stHw.RequireCommand();
     const auto pstShow = std::make_shared<TARGET_OPTIONS_S>();
-    CLI::App *pstCommand =
-        AddCommand(*pstHw, "show", "Show the block of a device or a file; exit 1 when a CRC-8 is wrong",
-                   "fructl hw show bmc-card-hw\nfructl hw show --id 5 --json\nfructl hw show block.hex");
-    AddTargetOptions(pstCommand, *pstShow, true);
-    pstCommand->callback(
-        [&stSession, pstShow] { stSession.fnRun = [&stSession, pstShow] { RunShow(stSession, *pstShow); }; });
-    AddSet(*pstHw, stSession);
+    const Command stCommand =
+        stHw.Add("show", "Show the block of a device or a file; exit 1 when a CRC-8 is wrong",
+                 "fructl hw show bmc-card-hw\nfructl hw show --id 5 --json\nfructl hw show block.hex");
+    AddTargetOptions(stCommand, *pstShow, true);
+    stCommand.Run([&stSession, pstShow] { RunShow(stSession, *pstShow); });
+    AddSet(stHw, stSession);
 }

@@ -72,20 +72,18 @@ void RunDiscard(const SESSION_S &stSession, const std::string &strNumber)
 
 } // namespace
 
-void AddJournalCommand(CLI::App &stParent, SESSION_S &stSession)
+void AddJournalCommand(const Command &stParent, SESSION_S &stSession)
 {
-    CLI::App *pstJournal =
-        AddCommand(stParent, "journal", "Writes that were cut short and are not mended yet",
-                   "fructl journal list\nfructl journal discard 1");
-    pstJournal->require_subcommand(1);
-    AddCommand(*pstJournal, "list", "Mend what can be mended, and list what is left",
-               "fructl journal list\nfructl journal list --json")
-        ->callback([&stSession] { stSession.fnRun = [&stSession] { RunList(stSession); }; });
+    const Command stJournal = stParent.Add("journal", "Writes that were cut short and are not mended yet",
+                                           "fructl journal list\nfructl journal discard 1");
+    stJournal.RequireCommand();
+    stJournal
+        .Add("list", "Mend what can be mended, and list what is left",
+             "fructl journal list\nfructl journal list --json")
+        .Run([&stSession] { RunList(stSession); });
     const auto pstrNumber = std::make_shared<std::string>();
-    CLI::App *pstDiscard = AddCommand(*pstJournal, "discard", "Give an entry up: its device stays as it is",
-                                      "fructl journal discard 1");
-    pstDiscard->add_option("NUMBER", *pstrNumber, "as 'fructl journal list' tells it")->required();
-    pstDiscard->callback([&stSession, pstrNumber] {
-        stSession.fnRun = [&stSession, pstrNumber] { RunDiscard(stSession, *pstrNumber); };
-    });
+    const Command stDiscard =
+        stJournal.Add("discard", "Give an entry up: its device stays as it is", "fructl journal discard 1");
+    stDiscard.AddOption("NUMBER", *pstrNumber, "as 'fructl journal list' tells it").Required();
+    stDiscard.Run([&stSession, pstrNumber] { RunDiscard(stSession, *pstrNumber); });
 }

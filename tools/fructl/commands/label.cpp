@@ -22,9 +22,9 @@ namespace {
 
 struct LABEL_OPTIONS_S
 {
-    // Up to three words one by one: CLI11 would take a value in brackets apart if they were one list.
+    // Up to three words one by one: the parser would take a value in brackets apart if they were one list.
     std::string astrWords[3];
-    const CLI::Option *apstWords[3] = {};
+    Option astOptions[3];
     std::vector<std::string> vecMore;
     std::string strDeviceID;
     SOURCE_OPTION_S stSource;
@@ -36,9 +36,9 @@ struct LABEL_OPTIONS_S
 DEVICE_S TakeDevice(const SESSION_S &stSession, const LABEL_OPTIONS_S &stOptions,
                     std::vector<std::string> &vecRest)
 {
-    for (size_t i = 0; i < std::size(stOptions.apstWords); i++) {
+    for (size_t i = 0; i < std::size(stOptions.astOptions); i++) {
         // An empty word counts: it is an empty value.
-        if (stOptions.apstWords[i] != nullptr && stOptions.apstWords[i]->count() != 0U) {
+        if (stOptions.astOptions[i].IsGiven()) {
             vecRest.push_back(stOptions.astrWords[i]);
         }
     }
@@ -132,7 +132,7 @@ void PrintLabels(const SESSION_S &stSession, const std::optional<DEVICE_S> &optD
 
 void RunList(const SESSION_S &stSession, const LABEL_OPTIONS_S &stOptions)
 {
-    if (stOptions.apstWords[0]->count() == 0U && stOptions.strDeviceID.empty()) {
+    if (!stOptions.astOptions[0].IsGiven() && stOptions.strDeviceID.empty()) {
         PrintLabels(stSession, std::nullopt, Labels(), std::nullopt, nullptr);
         return;
     }
@@ -315,59 +315,56 @@ struct WORD_S
     const char *pcWhat;
 };
 
-CLI::App *AddVerb(CLI::App &stLabel, const char *pcName, const char *pcWhat, const char *pcExamples,
-                  const std::vector<WORD_S> &vecWords, LABEL_OPTIONS_S &stOptions)
+Command AddVerb(const Command &stLabel, const char *pcName, const char *pcWhat, const char *pcExamples,
+                const std::vector<WORD_S> &vecWords, LABEL_OPTIONS_S &stOptions)
 {
-    CLI::App *pstCommand = AddCommand(stLabel, pcName, pcWhat, pcExamples);
+    const Command stCommand = stLabel.Add(pcName, pcWhat, pcExamples);
     for (size_t i = 0; i < vecWords.size(); i++) {
-        stOptions.apstWords[i] =
-            pstCommand->add_option(vecWords[i].pcName, stOptions.astrWords[i], vecWords[i].pcWhat);
+        stOptions.astOptions[i] =
+            stCommand.AddOption(vecWords[i].pcName, stOptions.astrWords[i], vecWords[i].pcWhat);
     }
-    pstCommand->add_option("--id", stOptions.strDeviceID, "the device by its FRU device ID, 0 to 255")
-        ->type_name("N");
-    return pstCommand;
+    stCommand.AddOption("--id", stOptions.strDeviceID, "the device by its FRU device ID, 0 to 255")
+        .Placeholder("N");
+    return stCommand;
 }
 
 } // namespace
 
-void AddLabelCommand(CLI::App &stParent, SESSION_S &stSession)
+void AddLabelCommand(const Command &stParent, SESSION_S &stSession)
 {
     const WORD_S stDevice = {"DEVICE", "TYPE:INSTANCE (such as 0x30:0) or a device's name; none with --id"};
-    CLI::App *pstLabel =
-        AddCommand(stParent, "label", "List, read and write the named fields of a device",
-                   "fructl label list psu1\nfructl label get baseboard \"Product Serial Number\"\n"
-                   "fructl label set baseboard \"Product Serial Number\" LH22024170042");
-    pstLabel->require_subcommand(1);
+    const Command stLabel =
+        stParent.Add("label", "List, read and write the named fields of a device",
+                     "fructl label list psu1\nfructl label get baseboard \"Product Serial Number\"\n"
+                     "fructl label set baseboard \"Product Serial Number\" LH22024170042");
+    stLabel.RequireCommand();
     const auto pstList = std::make_shared<LABEL_OPTIONS_S>();
-    CLI::App *pstListCommand = AddVerb(
-        *pstLabel, "list", "The labels that a device takes, their limits and values; without one, all labels",
+    const Command stListCommand = AddVerb(
+        stLabel, "list", "The labels that a device takes, their limits and values; without one, all labels",
         "fructl label list\nfructl label list baseboard\nfructl label list --id 1 --json", {stDevice},
         *pstList);
-    AddSourceOption(pstListCommand, pstList->stSource);
-    pstListCommand->callback(
-        [&stSession, pstList] { stSession.fnRun = [&stSession, pstList] { RunList(stSession, *pstList); }; });
+    AddSourceOption(stListCommand, pstList->stSource);
+    stListCommand.Run([&stSession, pstList] { RunList(stSession, *pstList); });
     const auto pstGet = std::make_shared<LABEL_OPTIONS_S>();
-    CLI::App *pstGetCommand =
-        AddVerb(*pstLabel, "get", "One label's value",
+    const Command stGetCommand =
+        AddVerb(stLabel, "get", "One label's value",
                 "fructl label get baseboard \"Board Serial Number\"\nfructl label get --id 1 Mfg.Date",
                 {stDevice, {"NAME", "the label's name, as 'fructl label list' tells it"}}, *pstGet);
-    AddSourceOption(pstGetCommand, pstGet->stSource);
-    pstGetCommand->callback(
-        [&stSession, pstGet] { stSession.fnRun = [&stSession, pstGet] { RunGet(stSession, *pstGet); }; });
+    AddSourceOption(stGetCommand, pstGet->stSource);
+    stGetCommand.Run([&stSession, pstGet] { RunGet(stSession, *pstGet); });
     const auto pstSet = std::make_shared<LABEL_OPTIONS_S>();
-    CLI::App *pstSetCommand = AddVerb(
-        *pstLabel, "set", "Write labels; all are checked before the first is written",
+    const Command stSetCommand = AddVerb(
+        stLabel, "set", "Write labels; all are checked before the first is written",
         "fructl label set baseboard \"Product Serial Number\" LH22024170042\n"
         "fructl label set psu1 \"Product Asset Tag=RACK7\" \"Board Part Number=LHPS800-A2\" --dry-run",
         {stDevice,
          {"NAME", "the label's name; or NAME=VALUE, and more of them behind it"},
          {"VALUE", "its value, when NAME has none"}},
         *pstSet);
-    pstSetCommand->add_option("MORE", pstSet->vecMore, "NAME=VALUE");
-    pstSetCommand->add_flag("-n,--dry-run", pstSet->bDryRun,
-                            "show old and new and the bytes that would change, and write nothing");
-    pstSetCommand->add_flag("--force", pstSet->bForce,
-                            "write even when something beside the labels would be lost");
-    pstSetCommand->callback(
-        [&stSession, pstSet] { stSession.fnRun = [&stSession, pstSet] { RunSet(stSession, *pstSet); }; });
+    stSetCommand.AddOption("MORE", pstSet->vecMore, "NAME=VALUE");
+    stSetCommand.AddFlag("-n,--dry-run", pstSet->bDryRun,
+                         "show old and new and the bytes that would change, and write nothing");
+    stSetCommand.AddFlag("--force", pstSet->bForce,
+                         "write even when something beside the labels would be lost");
+    stSetCommand.Run([&stSession, pstSet] { RunSet(stSession, *pstSet); });
 }

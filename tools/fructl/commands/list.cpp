@@ -61,9 +61,9 @@ void RunList(const SESSION_S &stSession)
 
 } // namespace
 
-void AddListCommand(CLI::App &stParent, SESSION_S &stSession)
+void AddListCommand(const Command &stParent, SESSION_S &stSession)
 {
-    CLI::App *pstCommand = AddCommand(stParent, "list", "List the devices and the state of their images",
-                                      "fructl list\nfructl --root /tmp/lab list --json");
-    pstCommand->callback([&stSession] { stSession.fnRun = [&stSession] { RunList(stSession); }; });
+    const Command stCommand = stParent.Add("list", "List the devices and the state of their images",
+                                           "fructl list\nfructl --root /tmp/lab list --json");
+    stCommand.Run([&stSession] { RunList(stSession); });
 }

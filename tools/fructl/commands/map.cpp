@@ -169,15 +169,13 @@ void RunMap(const SESSION_S &stSession, const MAP_S &stOptions)
 
 } // namespace
 
-void AddMapCommand(CLI::App &stParent, SESSION_S &stSession)
+void AddMapCommand(const Command &stParent, SESSION_S &stSession)
 {
     const auto pstOptions = std::make_shared<MAP_S>();
-    CLI::App *pstCommand =
-        AddCommand(stParent, "map", "Show which byte of an image belongs to which area and field",
-                   "fructl map baseboard\nfructl map ./dump.bin\nfructl map examples/psu1.hex --json");
-    AddTargetOptions(pstCommand, pstOptions->stTarget, true);
-    AddSourceOption(pstCommand, pstOptions->stSource);
-    pstCommand->callback([&stSession, pstOptions] {
-        stSession.fnRun = [&stSession, pstOptions] { RunMap(stSession, *pstOptions); };
-    });
+    const Command stCommand =
+        stParent.Add("map", "Show which byte of an image belongs to which area and field",
+                     "fructl map baseboard\nfructl map ./dump.bin\nfructl map examples/psu1.hex --json");
+    AddTargetOptions(stCommand, pstOptions->stTarget, true);
+    AddSourceOption(stCommand, pstOptions->stSource);
+    stCommand.Run([&stSession, pstOptions] { RunMap(stSession, *pstOptions); });
 }

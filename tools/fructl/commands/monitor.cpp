@@ -154,14 +154,12 @@ void RunMonitor(const SESSION_S &stSession, const MONITOR_S &stOptions)
 
 } // namespace
 
-void AddMonitorCommand(CLI::App &stParent, SESSION_S &stSession)
+void AddMonitorCommand(const Command &stParent, SESSION_S &stSession)
 {
     const auto pstOptions = std::make_shared<MONITOR_S>();
-    CLI::App *pstCommand = AddCommand(stParent, "monitor", "Follow the controller's FRU events until Ctrl-C",
-                                      "fructl monitor\nfructl monitor --all --count 10 --json");
-    pstCommand->add_flag("--all", pstOptions->bAll, "begin with the events of the past");
-    pstCommand->add_option("--count", pstOptions->strCount, "stop after that many events")->type_name("N");
-    pstCommand->callback([&stSession, pstOptions] {
-        stSession.fnRun = [&stSession, pstOptions] { RunMonitor(stSession, *pstOptions); };
-    });
+    const Command stCommand = stParent.Add("monitor", "Follow the controller's FRU events until Ctrl-C",
+                                           "fructl monitor\nfructl monitor --all --count 10 --json");
+    stCommand.AddFlag("--all", pstOptions->bAll, "begin with the events of the past");
+    stCommand.AddOption("--count", pstOptions->strCount, "stop after that many events").Placeholder("N");
+    stCommand.Run([&stSession, pstOptions] { RunMonitor(stSession, *pstOptions); });
 }

@@ -227,54 +227,50 @@ void RunGuid(const SESSION_S &stSession, const GUID_OPTIONS_S &stOptions)
           "   to the library, which puts it into the record's order\n");
 }
 
-void AddGuidCommand(CLI::App &stMr, SESSION_S &stSession)
+void AddGuidCommand(const Command &stMr, SESSION_S &stSession)
 {
     const auto pstGuid = std::make_shared<GUID_OPTIONS_S>();
-    CLI::App *pstCommand =
-        AddCommand(stMr, "guid", "Convert a GUID to the byte order of a System Unique ID record, and back",
-                   "fructl mr guid 1b4c2e8f-7a5d-4c3b-9e60-0a1b2c3d4e5f\n"
-                   "fructl mr guid --stored \"8f 2e 4c 1b 5d 7a 3b 4c 9e 60 0a 1b 2c 3d 4e 5f\"");
-    pstCommand->add_option("GUID", pstGuid->strText, "in its usual text form");
-    pstCommand->add_option("--stored", pstGuid->strStored, "16 bytes in hex, as they stand in a record")
-        ->type_name("HEX");
-    pstCommand->callback(
-        [&stSession, pstGuid] { stSession.fnRun = [&stSession, pstGuid] { RunGuid(stSession, *pstGuid); }; });
+    const Command stCommand =
+        stMr.Add("guid", "Convert a GUID to the byte order of a System Unique ID record, and back",
+                 "fructl mr guid 1b4c2e8f-7a5d-4c3b-9e60-0a1b2c3d4e5f\n"
+                 "fructl mr guid --stored \"8f 2e 4c 1b 5d 7a 3b 4c 9e 60 0a 1b 2c 3d 4e 5f\"");
+    stCommand.AddOption("GUID", pstGuid->strText, "in its usual text form");
+    stCommand.AddOption("--stored", pstGuid->strStored, "16 bytes in hex, as they stand in a record")
+        .Placeholder("HEX");
+    stCommand.Run([&stSession, pstGuid] { RunGuid(stSession, *pstGuid); });
 }
 
-void AddMrListCommand(CLI::App &stMr, SESSION_S &stSession)
+void AddMrListCommand(const Command &stMr, SESSION_S &stSession)
 {
     const auto pstList = std::make_shared<LIST_S>();
-    CLI::App *pstCommand =
-        AddCommand(stMr, "list", "The MultiRecords of a device (the baseboard) or a file",
-                   "fructl mr list\nfructl mr list bmc-card --json\nfructl mr list ./dump.bin");
-    AddTargetOptions(pstCommand, pstList->stTarget, true);
-    AddSourceOption(pstCommand, pstList->stSource);
-    pstCommand->callback(
-        [&stSession, pstList] { stSession.fnRun = [&stSession, pstList] { RunList(stSession, *pstList); }; });
+    const Command stCommand =
+        stMr.Add("list", "The MultiRecords of a device (the baseboard) or a file",
+                 "fructl mr list\nfructl mr list bmc-card --json\nfructl mr list ./dump.bin");
+    AddTargetOptions(stCommand, pstList->stTarget, true);
+    AddSourceOption(stCommand, pstList->stSource);
+    stCommand.Run([&stSession, pstList] { RunList(stSession, *pstList); });
 }
 
-void AddCheckCommand(CLI::App &stMr, SESSION_S &stSession)
+void AddCheckCommand(const Command &stMr, SESSION_S &stSession)
 {
     const auto pstOptions = std::make_shared<TARGET_OPTIONS_S>();
-    CLI::App *pstCommand = AddCommand(
-        stMr, "check", "Check a list of MultiRecords twice: as decoded, and byte by byte in the EEPROM",
-        "fructl mr check\nfructl mr check ./dump.bin");
-    AddTargetOptions(pstCommand, *pstOptions, true);
-    pstCommand->callback([&stSession, pstOptions] {
-        stSession.fnRun = [&stSession, pstOptions] { RunCheck(stSession, *pstOptions); };
-    });
+    const Command stCommand =
+        stMr.Add("check", "Check a list of MultiRecords twice: as decoded, and byte by byte in the EEPROM",
+                 "fructl mr check\nfructl mr check ./dump.bin");
+    AddTargetOptions(stCommand, *pstOptions, true);
+    stCommand.Run([&stSession, pstOptions] { RunCheck(stSession, *pstOptions); });
 }
 
 } // namespace
 
-void AddMrCommand(CLI::App &stParent, SESSION_S &stSession)
+void AddMrCommand(const Command &stParent, SESSION_S &stSession)
 {
-    CLI::App *pstMr =
-        AddCommand(stParent, "mr", "MultiRecords: list, add, check, and the byte order of GUIDs",
-                   "fructl mr list\nfructl mr add system-name=rack7-u12\nfructl mr check baseboard");
-    pstMr->require_subcommand(1);
-    AddMrListCommand(*pstMr, stSession);
-    AddMrAddCommand(*pstMr, stSession);
-    AddCheckCommand(*pstMr, stSession);
-    AddGuidCommand(*pstMr, stSession);
+    const Command stMr =
+        stParent.Add("mr", "MultiRecords: list, add, check, and the byte order of GUIDs",
+                     "fructl mr list\nfructl mr add system-name=rack7-u12\nfructl mr check baseboard");
+    stMr.RequireCommand();
+    AddMrListCommand(stMr, stSession);
+    AddMrAddCommand(stMr, stSession);
+    AddCheckCommand(stMr, stSession);
+    AddGuidCommand(stMr, stSession);
 }

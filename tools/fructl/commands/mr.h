@@ -3,11 +3,11 @@
 #ifndef FRUCTL_COMMANDS_MR_H
 #define FRUCTL_COMMANDS_MR_H
 
-#include <CLI/CLI.hpp>
+#include "terminal/command_line.h"
 
 #include "commands/session.h"
 
 // Adds "mr add"; it stands in mr_add.cpp.
-void AddMrAddCommand(CLI::App &stMr, SESSION_S &stSession);
+void AddMrAddCommand(const Command &stMr, SESSION_S &stSession);
 
 #endif

@@ -125,22 +125,20 @@ void RunAdd(const SESSION_S &stSession, const ADD_S &stOptions)
 
 } // namespace
 
-void AddMrAddCommand(CLI::App &stMr, SESSION_S &stSession)
+void AddMrAddCommand(const Command &stMr, SESSION_S &stSession)
 {
     const auto pstAdd = std::make_shared<ADD_S>();
-    CLI::App *pstCommand = AddCommand(
-        stMr, "add", "Add Management Access records to the main FRU (0x00:0), or replace them there",
-        "fructl mr add system-name=rack7-u12 system-url=https://rack7-u12.example\n"
-        "fructl mr add system-guid=1b4c2e8f-7a5d-4c3b-9e60-0a1b2c3d4e5f --dry-run");
-    pstCommand
-        ->add_option("NAME=VALUE", pstAdd->vecTexts,
-                     "each name once: " + NamesOf(AccessRecords()) +
-                         "; a text of 1 to 254 characters or a GUID")
-        ->required();
-    pstCommand->add_flag("-n,--dry-run", pstAdd->bDryRun,
-                         "say what would be added or replaced, write nothing");
-    pstCommand->add_flag("--force", pstAdd->bForce,
-                         "write even when something beside the records would be lost");
-    pstCommand->callback(
-        [&stSession, pstAdd] { stSession.fnRun = [&stSession, pstAdd] { RunAdd(stSession, *pstAdd); }; });
+    const Command stCommand =
+        stMr.Add("add", "Add Management Access records to the main FRU (0x00:0), or replace them there",
+                 "fructl mr add system-name=rack7-u12 system-url=https://rack7-u12.example\n"
+                 "fructl mr add system-guid=1b4c2e8f-7a5d-4c3b-9e60-0a1b2c3d4e5f --dry-run");
+    stCommand
+        .AddOption("NAME=VALUE", pstAdd->vecTexts,
+                   "each name once: " + NamesOf(AccessRecords()) +
+                       "; a text of 1 to 254 characters or a GUID")
+        .Required();
+    stCommand.AddFlag("-n,--dry-run", pstAdd->bDryRun, "say what would be added or replaced, write nothing");
+    stCommand.AddFlag("--force", pstAdd->bForce,
+                      "write even when something beside the records would be lost");
+    stCommand.Run([&stSession, pstAdd] { RunAdd(stSession, *pstAdd); });
 }

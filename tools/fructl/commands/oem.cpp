@@ -220,52 +220,43 @@ void RunLegal(const SESSION_S &stSession, const std::string &strText)
     }
 }
 
-void AddRun(CLI::App *pstCommand, SESSION_S &stSession, void (*pfnRun)(const SESSION_S &stSession))
-{
-    pstCommand->callback(
-        [&stSession, pfnRun] { stSession.fnRun = [&stSession, pfnRun] { pfnRun(stSession); }; });
-}
-
-void AddTextRun(CLI::App *pstCommand, SESSION_S &stSession, const std::shared_ptr<std::string> &pstrText,
+void AddTextRun(const Command &stCommand, SESSION_S &stSession, const std::shared_ptr<std::string> &pstrText,
                 void (*pfnRun)(const SESSION_S &stSession, const std::string &strText))
 {
-    pstCommand->callback([&stSession, pstrText, pfnRun] {
-        stSession.fnRun = [&stSession, pstrText, pfnRun] { pfnRun(stSession, *pstrText); };
-    });
+    stCommand.Run([&stSession, pstrText, pfnRun] { pfnRun(stSession, *pstrText); });
 }
 
 } // namespace
 
-void AddOemCommand(CLI::App &stParent, SESSION_S &stSession)
+void AddOemCommand(const Command &stParent, SESSION_S &stSession)
 {
-    CLI::App *pstOem =
-        AddCommand(stParent, "oem", "The OEM configuration: show, sync from the FRU, check, copyright",
-                   "fructl oem show\nfructl oem sync --dry-run\nfructl oem check 7");
-    pstOem->require_subcommand(1);
-    AddRun(AddCommand(*pstOem, "show", "The OEM file as the library reads it, and what of it is in force",
-                      "fructl oem show\nfructl oem show --json"),
-           stSession, RunShow);
-    AddOemSyncCommand(*pstOem, stSession);
+    const Command stOem =
+        stParent.Add("oem", "The OEM configuration: show, sync from the FRU, check, copyright",
+                     "fructl oem show\nfructl oem sync --dry-run\nfructl oem check 7");
+    stOem.RequireCommand();
+    stOem
+        .Add("show", "The OEM file as the library reads it, and what of it is in force",
+             "fructl oem show\nfructl oem show --json")
+        .Run([&stSession] { RunShow(stSession); });
+    AddOemSyncCommand(stOem, stSession);
 
     const auto pstrFlag = std::make_shared<std::string>();
-    CLI::App *pstCheck =
-        AddCommand(*pstOem, "check", "Compare a package's check flag with the OEM file; exit 1 when it fails",
-                   "fructl oem check 7\nfructl oem check 0xffff");
-    pstCheck->add_option("FLAG", *pstrFlag, "0 to 65535; 0xff and 0xffff only ask what the file has")
-        ->required();
-    AddTextRun(pstCheck, stSession, pstrFlag, RunCheck);
+    const Command stCheck =
+        stOem.Add("check", "Compare a package's check flag with the OEM file; exit 1 when it fails",
+                  "fructl oem check 7\nfructl oem check 0xffff");
+    stCheck.AddOption("FLAG", *pstrFlag, "0 to 65535; 0xff and 0xffff only ask what the file has").Required();
+    AddTextRun(stCheck, stSession, pstrFlag, RunCheck);
 
     const auto pstrLanguage = std::make_shared<std::string>();
-    CLI::App *pstCopyright = AddCommand(*pstOem, "copyright", "The copyright lines",
-                                        "fructl oem copyright\nfructl oem copyright en");
-    pstCopyright->add_option("LANGUAGE", *pstrLanguage, "cn or en; none: both")
-        ->check(CLI::IsMember({"cn", "en"}));
-    AddTextRun(pstCopyright, stSession, pstrLanguage, RunCopyright);
+    const Command stCopyright =
+        stOem.Add("copyright", "The copyright lines", "fructl oem copyright\nfructl oem copyright en");
+    stCopyright.AddOption("LANGUAGE", *pstrLanguage, "cn or en; none: both").OneOf({"cn", "en"});
+    AddTextRun(stCopyright, stSession, pstrLanguage, RunCopyright);
 
     const auto pstrText = std::make_shared<std::string>();
-    CLI::App *pstLegal =
-        AddCommand(*pstOem, "legal", "Are all characters of a text legal (letters and digits)? exit 1: no",
-                   "fructl oem legal AB12\nfructl oem legal ab-1");
-    pstLegal->add_option("TEXT", *pstrText, "the text, which is turned into upper case first")->required();
-    AddTextRun(pstLegal, stSession, pstrText, RunLegal);
+    const Command stLegal =
+        stOem.Add("legal", "Are all characters of a text legal (letters and digits)? exit 1: no",
+                  "fructl oem legal AB12\nfructl oem legal ab-1");
+    stLegal.AddOption("TEXT", *pstrText, "the text, which is turned into upper case first").Required();
+    AddTextRun(stLegal, stSession, pstrText, RunLegal);
 }

@@ -3,11 +3,11 @@
 #ifndef FRUCTL_COMMANDS_OEM_H
 #define FRUCTL_COMMANDS_OEM_H
 
-#include <CLI/CLI.hpp>
+#include "terminal/command_line.h"
 
 #include "commands/session.h"
 
 // Adds "oem sync"; it stands in oem_sync.cpp.
-void AddOemSyncCommand(CLI::App &stOem, SESSION_S &stSession);
+void AddOemSyncCommand(const Command &stOem, SESSION_S &stSession);
 
 #endif

@@ -56,14 +56,12 @@ void RunSync(const SESSION_S &stSession, bool bDryRun)
 
 } // namespace
 
-void AddOemSyncCommand(CLI::App &stOem, SESSION_S &stSession)
+void AddOemSyncCommand(const Command &stOem, SESSION_S &stSession)
 {
     const auto pbDryRun = std::make_shared<bool>(false);
-    CLI::App *pstCommand =
-        AddCommand(stOem, "sync", "Replace the values in the OEM file by those of the main FRU (0x00:0)",
-                   "fructl oem sync --dry-run\nfructl oem sync");
-    pstCommand->add_flag("-n,--dry-run", *pbDryRun, "say what would change, write nothing");
-    pstCommand->callback([&stSession, pbDryRun] {
-        stSession.fnRun = [&stSession, pbDryRun] { RunSync(stSession, *pbDryRun); };
-    });
+    const Command stCommand =
+        stOem.Add("sync", "Replace the values in the OEM file by those of the main FRU (0x00:0)",
+                  "fructl oem sync --dry-run\nfructl oem sync");
+    stCommand.AddFlag("-n,--dry-run", *pbDryRun, "say what would change, write nothing");
+    stCommand.Run([&stSession, pbDryRun] { RunSync(stSession, *pbDryRun); });
 }

@@ -79,21 +79,18 @@ void RunProvision(const SESSION_S &stSession, const OPTIONS_S &stOptions)
 
 } // namespace
 
-void AddProvisionCommand(CLI::App &stParent, SESSION_S &stSession)
+void AddProvisionCommand(const Command &stParent, SESSION_S &stSession)
 {
     const auto pstOptions = std::make_shared<OPTIONS_S>();
-    CLI::App *pstCommand =
-        AddCommand(stParent, "provision",
-                   "Make a controller from a description: device table, records, EEPROMs, stored images",
-                   "fructl provision examples/controller.json\nfructl --root /tmp/lab provision "
-                   "controller.json --dry-run\nfructl provision controller.json --force");
-    pstCommand
-        ->add_option("FILE", pstOptions->strFile,
-                     "the description in JSON (examples/README.md tells what may stand in it)")
-        ->required();
-    pstCommand->add_flag("--force", pstOptions->bForce, "replace the controller that is there");
-    pstCommand->add_flag("-n,--dry-run", pstOptions->bDryRun, "check everything, write nothing");
-    pstCommand->callback([&stSession, pstOptions] {
-        stSession.fnRun = [&stSession, pstOptions] { RunProvision(stSession, *pstOptions); };
-    });
+    const Command stCommand = stParent.Add(
+        "provision", "Make a controller from a description: device table, records, EEPROMs, stored images",
+        "fructl provision examples/controller.json\nfructl --root /tmp/lab provision "
+        "controller.json --dry-run\nfructl provision controller.json --force");
+    stCommand
+        .AddOption("FILE", pstOptions->strFile,
+                   "the description in JSON (examples/README.md tells what may stand in it)")
+        .Required();
+    stCommand.AddFlag("--force", pstOptions->bForce, "replace the controller that is there");
+    stCommand.AddFlag("-n,--dry-run", pstOptions->bDryRun, "check everything, write nothing");
+    stCommand.Run([&stSession, pstOptions] { RunProvision(stSession, *pstOptions); });
 }

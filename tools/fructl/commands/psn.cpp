@@ -57,10 +57,10 @@ void RunPsn(const SESSION_S &stSession)
 
 } // namespace
 
-void AddPsnCommand(CLI::App &stParent, SESSION_S &stSession)
+void AddPsnCommand(const Command &stParent, SESSION_S &stSession)
 {
-    CLI::App *pstCommand = AddCommand(
-        stParent, "psn", "The product serial number's file, its copy, and whether they agree with the image",
+    const Command stCommand = stParent.Add(
+        "psn", "The product serial number's file, its copy, and whether they agree with the image",
         "fructl psn\nfructl psn --json");
-    pstCommand->callback([&stSession] { stSession.fnRun = [&stSession] { RunPsn(stSession); }; });
+    stCommand.Run([&stSession] { RunPsn(stSession); });
 }

@@ -93,24 +93,21 @@ void RunWrite(const SESSION_S &stSession, const RAW_WRITE_S &stOptions)
     ReportExchange(stSession, "Write FRU Data", vecRequest, stAnswer.vecResponse, stAnswer.strHint);
 }
 
-void AddWrite(CLI::App &stRaw, SESSION_S &stSession)
+void AddWrite(const Command &stRaw, SESSION_S &stSession)
 {
     const auto pstWrite = std::make_shared<RAW_WRITE_S>();
-    CLI::App *pstCommand =
-        AddCommand(stRaw, "write", "Write FRU Data: bytes as they are, nothing is checked or recomputed",
-                   "fructl raw write baseboard --offset 0x20 --bytes \"c4 54 45 53 54\"\n"
-                   "fructl raw write --id 2 --offset 0 --bytes 01");
-    AddTargetOptions(pstCommand, pstWrite->stTarget, false);
-    pstCommand->add_option("--offset", pstWrite->strOffset, "first byte, 0 to 0xffff")
-        ->type_name("N")
-        ->required();
-    pstCommand
-        ->add_option("--bytes", pstWrite->vecBytes, "up to 255 bytes in hex, blanks between them or not")
-        ->type_name("HEX")
-        ->required();
-    pstCommand->callback([&stSession, pstWrite] {
-        stSession.fnRun = [&stSession, pstWrite] { RunWrite(stSession, *pstWrite); };
-    });
+    const Command stCommand =
+        stRaw.Add("write", "Write FRU Data: bytes as they are, nothing is checked or recomputed",
+                  "fructl raw write baseboard --offset 0x20 --bytes \"c4 54 45 53 54\"\n"
+                  "fructl raw write --id 2 --offset 0 --bytes 01");
+    AddTargetOptions(stCommand, pstWrite->stTarget, false);
+    stCommand.AddOption("--offset", pstWrite->strOffset, "first byte, 0 to 0xffff")
+        .Placeholder("N")
+        .Required();
+    stCommand.AddOption("--bytes", pstWrite->vecBytes, "up to 255 bytes in hex, blanks between them or not")
+        .Placeholder("HEX")
+        .Required();
+    stCommand.Run([&stSession, pstWrite] { RunWrite(stSession, *pstWrite); });
 }
 
 } // namespace
@@ -146,31 +143,29 @@ void ReportExchange(const SESSION_S &stSession, const char *pcCommand, const std
     }
 }
 
-void AddRawCommand(CLI::App &stParent, SESSION_S &stSession)
+void AddRawCommand(const Command &stParent, SESSION_S &stSession)
 {
-    CLI::App *pstRaw = AddCommand(stParent, "raw", "Send an IPMI FRU command, bytes in and bytes out",
-                                  "fructl raw info --id 0\nfructl raw read baseboard --offset 0 --count 8");
-    pstRaw->require_subcommand(1);
+    const Command stRaw =
+        stParent.Add("raw", "Send an IPMI FRU command, bytes in and bytes out",
+                     "fructl raw info --id 0\nfructl raw read baseboard --offset 0 --count 8");
+    stRaw.RequireCommand();
     const auto pstInfo = std::make_shared<TARGET_OPTIONS_S>();
-    CLI::App *pstInfoCommand =
-        AddCommand(*pstRaw, "info", "Get FRU Inventory Area Info: size and access type",
-                   "fructl raw info baseboard\nfructl raw info --id 1 --json");
-    AddTargetOptions(pstInfoCommand, *pstInfo, false);
-    pstInfoCommand->callback(
-        [&stSession, pstInfo] { stSession.fnRun = [&stSession, pstInfo] { RunInfo(stSession, *pstInfo); }; });
+    const Command stInfoCommand = stRaw.Add("info", "Get FRU Inventory Area Info: size and access type",
+                                            "fructl raw info baseboard\nfructl raw info --id 1 --json");
+    AddTargetOptions(stInfoCommand, *pstInfo, false);
+    stInfoCommand.Run([&stSession, pstInfo] { RunInfo(stSession, *pstInfo); });
 
     const auto pstRead = std::make_shared<RAW_READ_S>();
-    CLI::App *pstReadCommand =
-        AddCommand(*pstRaw, "read", "Read FRU Data",
-                   "fructl raw read baseboard --offset 8 --count 32\nfructl raw read --id 0x02");
-    AddTargetOptions(pstReadCommand, pstRead->stTarget, false);
-    pstReadCommand->add_option("--offset", pstRead->strOffset, "first byte, 0 to 0xffff")
-        ->type_name("N")
-        ->capture_default_str();
-    pstReadCommand->add_option("--count", pstRead->strCount, "how many bytes, 0 to 255")
-        ->type_name("N")
-        ->capture_default_str();
-    pstReadCommand->callback(
-        [&stSession, pstRead] { stSession.fnRun = [&stSession, pstRead] { RunRead(stSession, *pstRead); }; });
-    AddWrite(*pstRaw, stSession);
+    const Command stReadCommand =
+        stRaw.Add("read", "Read FRU Data",
+                  "fructl raw read baseboard --offset 8 --count 32\nfructl raw read --id 0x02");
+    AddTargetOptions(stReadCommand, pstRead->stTarget, false);
+    stReadCommand.AddOption("--offset", pstRead->strOffset, "first byte, 0 to 0xffff")
+        .Placeholder("N")
+        .ShowDefault();
+    stReadCommand.AddOption("--count", pstRead->strCount, "how many bytes, 0 to 255")
+        .Placeholder("N")
+        .ShowDefault();
+    stReadCommand.Run([&stSession, pstRead] { RunRead(stSession, *pstRead); });
+    AddWrite(stRaw, stSession);
 }

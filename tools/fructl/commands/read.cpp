@@ -78,22 +78,20 @@ void RunRead(const SESSION_S &stSession, const READ_S &stOptions)
 
 } // namespace
 
-void AddReadCommand(CLI::App &stParent, SESSION_S &stSession)
+void AddReadCommand(const Command &stParent, SESSION_S &stSession)
 {
     const auto pstOptions = std::make_shared<READ_S>();
-    CLI::App *pstCommand =
-        AddCommand(stParent, "read", "Read a device's whole image into a file",
-                   "fructl read baseboard -o baseboard.bin\nfructl read psu1 -o psu1.hex --source cache\n"
-                   "fructl read --id 1 -o - | sha256sum");
-    AddTargetOptions(pstCommand, pstOptions->stTarget, false);
-    pstCommand
-        ->add_option("-o,--output", pstOptions->strOutput,
-                     "the image file to make (*.hex: readable hex); -: standard output")
-        ->type_name("FILE")
-        ->required();
-    AddSourceOption(pstCommand, pstOptions->stSource);
-    pstCommand->add_flag("--force", pstOptions->bForce, "replace a file that is there");
-    pstCommand->callback([&stSession, pstOptions] {
-        stSession.fnRun = [&stSession, pstOptions] { RunRead(stSession, *pstOptions); };
-    });
+    const Command stCommand =
+        stParent.Add("read", "Read a device's whole image into a file",
+                     "fructl read baseboard -o baseboard.bin\nfructl read psu1 -o psu1.hex --source cache\n"
+                     "fructl read --id 1 -o - | sha256sum");
+    AddTargetOptions(stCommand, pstOptions->stTarget, false);
+    stCommand
+        .AddOption("-o,--output", pstOptions->strOutput,
+                   "the image file to make (*.hex: readable hex); -: standard output")
+        .Placeholder("FILE")
+        .Required();
+    AddSourceOption(stCommand, pstOptions->stSource);
+    stCommand.AddFlag("--force", pstOptions->bForce, "replace a file that is there");
+    stCommand.Run([&stSession, pstOptions] { RunRead(stSession, *pstOptions); });
 }

@@ -73,22 +73,20 @@ void RunRecover(const SESSION_S &stSession, const RECOVER_S &stOptions)
 
 } // namespace
 
-void AddRecoverCommand(CLI::App &stParent, SESSION_S &stSession)
+void AddRecoverCommand(const Command &stParent, SESSION_S &stSession)
 {
     const auto pstOptions = std::make_shared<RECOVER_S>();
-    CLI::App *pstCommand = AddCommand(
-        stParent, "recover", "Restore a device that is damaged or erased, or whose cached image differs",
+    const Command stCommand = stParent.Add(
+        "recover", "Restore a device that is damaged or erased, or whose cached image differs",
         "fructl recover baseboard\nfructl recover psu1 --dry-run\nfructl recover psu1 --from history\n"
         "fructl recover --id 1 --from ./psu1.bin --json");
-    AddTargetOptions(pstCommand, pstOptions->stTarget, false);
-    pstCommand
-        ->add_option("--from", pstOptions->strFrom,
-                     "stored, history, cache or an image file; without it the first of the three that is in "
-                     "order")
-        ->type_name("SOURCE");
-    pstCommand->add_flag("-n,--dry-run", pstOptions->bDryRun,
-                         "tell what would be taken and what would change, and write nothing");
-    pstCommand->callback([&stSession, pstOptions] {
-        stSession.fnRun = [&stSession, pstOptions] { RunRecover(stSession, *pstOptions); };
-    });
+    AddTargetOptions(stCommand, pstOptions->stTarget, false);
+    stCommand
+        .AddOption("--from", pstOptions->strFrom,
+                   "stored, history, cache or an image file; without it the first of the three that is in "
+                   "order")
+        .Placeholder("SOURCE");
+    stCommand.AddFlag("-n,--dry-run", pstOptions->bDryRun,
+                      "tell what would be taken and what would change, and write nothing");
+    stCommand.Run([&stSession, pstOptions] { RunRecover(stSession, *pstOptions); });
 }

@@ -219,28 +219,24 @@ void RunServe(const SESSION_S &stSession, const SERVE_S &stOptions)
 
 } // namespace
 
-void AddServeCommand(CLI::App &stParent, SESSION_S &stSession)
+void AddServeCommand(const Command &stParent, SESSION_S &stSession)
 {
     const auto pstOptions = std::make_shared<SERVE_S>();
-    CLI::App *pstCommand = AddCommand(
-        stParent, "serve", "Serve the devices to IPMI clients over the network, until Ctrl-C",
+    const Command stCommand = stParent.Add(
+        "serve", "Serve the devices to IPMI clients over the network, until Ctrl-C",
         "fructl serve\nfructl serve --port 623 --address 192.0.2.7 --user service --password-file secret");
-    pstCommand->add_option("--port", pstOptions->strPort, "UDP port")->type_name("N")->capture_default_str();
-    pstCommand->add_option("--address", pstOptions->strAddress, "numeric address to listen on")
-        ->type_name("A")
-        ->capture_default_str();
-    pstCommand->add_option("--user", pstOptions->strUser, "who may log in")
-        ->type_name("NAME")
-        ->capture_default_str();
-    pstCommand
-        ->add_option("--password-file", pstOptions->strPasswordFile,
-                     "file with the password in its first line (else one is made and shown)")
-        ->type_name("FILE");
-    pstCommand
-        ->add_option("--run-as", pstOptions->strRunAs,
-                     "whom root lets the service run as (else the directory's owner, but never root)")
-        ->type_name("USER");
-    pstCommand->callback([&stSession, pstOptions] {
-        stSession.fnRun = [&stSession, pstOptions] { RunServe(stSession, *pstOptions); };
-    });
+    stCommand.AddOption("--port", pstOptions->strPort, "UDP port").Placeholder("N").ShowDefault();
+    stCommand.AddOption("--address", pstOptions->strAddress, "numeric address to listen on")
+        .Placeholder("A")
+        .ShowDefault();
+    stCommand.AddOption("--user", pstOptions->strUser, "who may log in").Placeholder("NAME").ShowDefault();
+    stCommand
+        .AddOption("--password-file", pstOptions->strPasswordFile,
+                   "file with the password in its first line (else one is made and shown)")
+        .Placeholder("FILE");
+    stCommand
+        .AddOption("--run-as", pstOptions->strRunAs,
+                   "whom root lets the service run as (else the directory's owner, but never root)")
+        .Placeholder("USER");
+    stCommand.Run([&stSession, pstOptions] { RunServe(stSession, *pstOptions); });
 }

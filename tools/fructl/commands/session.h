@@ -3,8 +3,6 @@
 #ifndef FRUCTL_COMMANDS_SESSION_H
 #define FRUCTL_COMMANDS_SESSION_H
 
-#include <functional>
-
 #include "terminal/failure.h"
 #include "toolkit/controller/controller.h"
 
@@ -12,7 +10,6 @@ struct SESSION_S : CONTROLLER_S
 {
     bool bVerbose = false;
     bool bJson = false;
-    std::function<void()> fnRun;          // set by the command that was named
     ExitCode enExitCode = ExitCode::Done; // of a command that did not fail
     std::optional<ExitCode> optFailure;   // of one that does, whatever the failure's own code
 };

@@ -139,15 +139,14 @@ void RunShow(const SESSION_S &stSession, const SHOW_S &stOptions)
 
 } // namespace
 
-void AddShowCommand(CLI::App &stParent, SESSION_S &stSession)
+void AddShowCommand(const Command &stParent, SESSION_S &stSession)
 {
     const auto pstOptions = std::make_shared<SHOW_S>();
-    CLI::App *pstCommand = AddCommand(stParent, "show", "Show a device or an image file, decoded",
-                                      "fructl show baseboard\nfructl show 0x30:0\nfructl show --id 1 --json\n"
-                                      "fructl show psu1 --source cache\nfructl show ./dump.bin");
-    AddTargetOptions(pstCommand, pstOptions->stTarget, true);
-    AddSourceOption(pstCommand, pstOptions->stSource);
-    pstCommand->callback([&stSession, pstOptions] {
-        stSession.fnRun = [&stSession, pstOptions] { RunShow(stSession, *pstOptions); };
-    });
+    const Command stCommand =
+        stParent.Add("show", "Show a device or an image file, decoded",
+                     "fructl show baseboard\nfructl show 0x30:0\nfructl show --id 1 --json\n"
+                     "fructl show psu1 --source cache\nfructl show ./dump.bin");
+    AddTargetOptions(stCommand, pstOptions->stTarget, true);
+    AddSourceOption(stCommand, pstOptions->stSource);
+    stCommand.Run([&stSession, pstOptions] { RunShow(stSession, *pstOptions); });
 }

@@ -97,15 +97,13 @@ void RunSn(const SESSION_S &stSession, bool bDirect)
 
 } // namespace
 
-void AddSnCommand(CLI::App &stParent, SESSION_S &stSession)
+void AddSnCommand(const Command &stParent, SESSION_S &stSession)
 {
     const auto pbDirect = std::make_shared<bool>(false);
-    CLI::App *pstCommand =
-        AddCommand(stParent, "sn", "Serial numbers of chassis, product, main board and management card",
-                   "fructl sn\nfructl sn --direct\nfructl sn --json");
-    pstCommand->add_flag("--direct", *pbDirect,
-                         "only those read straight from the EEPROMs that the hardware description names");
-    pstCommand->callback([&stSession, pbDirect] {
-        stSession.fnRun = [&stSession, pbDirect] { RunSn(stSession, *pbDirect); };
-    });
+    const Command stCommand =
+        stParent.Add("sn", "Serial numbers of chassis, product, main board and management card",
+                     "fructl sn\nfructl sn --direct\nfructl sn --json");
+    stCommand.AddFlag("--direct", *pbDirect,
+                      "only those read straight from the EEPROMs that the hardware description names");
+    stCommand.Run([&stSession, pbDirect] { RunSn(stSession, *pbDirect); });
 }

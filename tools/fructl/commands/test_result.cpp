@@ -58,10 +58,10 @@ void RunTestResult(const SESSION_S &stSession)
 
 } // namespace
 
-void AddTestResultCommand(CLI::App &stParent, SESSION_S &stSession)
+void AddTestResultCommand(const Command &stParent, SESSION_S &stSession)
 {
-    CLI::App *pstCommand =
-        AddCommand(stParent, "test-result", "Show the FRU test-result byte and whose faults it tells of",
-                   "fructl test-result\nfructl test-result --json");
-    pstCommand->callback([&stSession] { stSession.fnRun = [&stSession] { RunTestResult(stSession); }; });
+    const Command stCommand =
+        stParent.Add("test-result", "Show the FRU test-result byte and whose faults it tells of",
+                     "fructl test-result\nfructl test-result --json");
+    stCommand.Run([&stSession] { RunTestResult(stSession); });
 }

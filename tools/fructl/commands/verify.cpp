@@ -171,20 +171,18 @@ void RunVerify(SESSION_S &stSession, const VERIFY_S &stOptions)
 
 } // namespace
 
-void AddVerifyCommand(CLI::App &stParent, SESSION_S &stSession)
+void AddVerifyCommand(const Command &stParent, SESSION_S &stSession)
 {
     const auto pstOptions = std::make_shared<VERIFY_S>();
-    CLI::App *pstCommand = AddCommand(
-        stParent, "verify", "Check images byte by byte; exit 1 when anything is wrong",
+    const Command stCommand = stParent.Add(
+        "verify", "Check images byte by byte; exit 1 when anything is wrong",
         "fructl verify\nfructl verify baseboard 0x30:0\nfructl verify ./dump.bin examples/*.hex --json");
-    pstCommand->add_option("DEVICE|FILE", pstOptions->vecTargets,
-                           "devices or image files; none: all devices, their EEPROMs and the cached images "
-                           "that differ from them");
-    pstCommand->add_option("--file", pstOptions->vecFiles, "image files, whatever their names")
-        ->type_name("FILE");
-    pstCommand->add_option("--id", pstOptions->strDeviceID, "a device by its FRU device ID, 0 to 255")
-        ->type_name("N");
-    pstCommand->callback([&stSession, pstOptions] {
-        stSession.fnRun = [&stSession, pstOptions] { RunVerify(stSession, *pstOptions); };
-    });
+    stCommand.AddOption("DEVICE|FILE", pstOptions->vecTargets,
+                        "devices or image files; none: all devices, their EEPROMs and the cached images "
+                        "that differ from them");
+    stCommand.AddOption("--file", pstOptions->vecFiles, "image files, whatever their names")
+        .Placeholder("FILE");
+    stCommand.AddOption("--id", pstOptions->strDeviceID, "a device by its FRU device ID, 0 to 255")
+        .Placeholder("N");
+    stCommand.Run([&stSession, pstOptions] { RunVerify(stSession, *pstOptions); });
 }

@@ -97,36 +97,36 @@ void RunWrite(const SESSION_S &stSession, const WRITE_S &stOptions)
 
 } // namespace
 
-void AddWriteCommand(CLI::App &stParent, SESSION_S &stSession)
+void AddWriteCommand(const Command &stParent, SESSION_S &stSession)
 {
     const auto pstOptions = std::make_shared<WRITE_S>();
-    CLI::App *pstCommand =
-        AddCommand(stParent, "write", "Write a whole image onto a device; what lies behind it becomes 0xff",
-                   "fructl write psu1 psu1.bin --dry-run\nfructl write baseboard baseboard.hex\n"
-                   "fructl read psu1 -o - | fructl write psu2 -");
+    const Command stCommand =
+        stParent.Add("write", "Write a whole image onto a device; what lies behind it becomes 0xff",
+                     "fructl write psu1 psu1.bin --dry-run\nfructl write baseboard baseboard.hex\n"
+                     "fructl read psu1 -o - | fructl write psu2 -");
     // Two words: the device and the file, or with --id the file alone.
     const auto pvecWords = std::make_shared<std::vector<std::string>>();
-    pstCommand
-        ->add_option("DEVICE FILE", *pvecWords,
-                     "TYPE:INSTANCE or a device's name, none with --id; and the image file (*.hex: "
-                     "readable hex; -: standard input)")
-        ->expected(1, 2)
-        ->required();
-    pstCommand
-        ->add_option("--id", pstOptions->stTarget.strDeviceID,
-                     "the device by its FRU device ID instead, 0 to 255")
-        ->type_name("N");
-    pstCommand->add_flag("--force", pstOptions->bForce, "write an image that is not in order, too");
-    pstCommand->add_flag("-n,--dry-run", pstOptions->bDryRun,
-                         "show the fields and bytes that would change, and write nothing");
-    pstCommand->callback([&stSession, pstOptions, pvecWords] {
+    stCommand
+        .AddOption("DEVICE FILE", *pvecWords,
+                   "TYPE:INSTANCE or a device's name, none with --id; and the image file (*.hex: "
+                   "readable hex; -: standard input)")
+        .Words(1, 2)
+        .Required();
+    stCommand
+        .AddOption("--id", pstOptions->stTarget.strDeviceID,
+                   "the device by its FRU device ID instead, 0 to 255")
+        .Placeholder("N");
+    stCommand.AddFlag("--force", pstOptions->bForce, "write an image that is not in order, too");
+    stCommand.AddFlag("-n,--dry-run", pstOptions->bDryRun,
+                      "show the fields and bytes that would change, and write nothing");
+    stCommand.Run([&stSession, pstOptions, pvecWords] {
         const bool bByID = !pstOptions->stTarget.strDeviceID.empty();
         if (pvecWords->size() != (bByID ? 1U : 2U)) {
-            throw CLI::ValidationError(bByID ? "with --id only the image file is named"
-                                             : "a device and an image file are to be named");
+            FailUsage(bByID ? "with --id only the image file is named"
+                            : "a device and an image file are to be named");
         }
         pstOptions->stTarget.strTarget = bByID ? "" : pvecWords->front();
         pstOptions->strFile = pvecWords->back();
-        stSession.fnRun = [&stSession, pstOptions] { RunWrite(stSession, *pstOptions); };
+        RunWrite(stSession, *pstOptions);
     });
 }
