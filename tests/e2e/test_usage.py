@@ -1,6 +1,7 @@
 # SPDX-License-Identifier: Apache-2.0
 """Help, exit codes, the one line of an error, where the controller lies, and who may write."""
 import fcntl
+import json
 import os
 import pty
 import re
@@ -72,6 +73,18 @@ class Usage(FructlTest):
                 self.assertEqual(self.Bad(4, *asArguments), f"the controller in {self.pathRoot} has {strWhat}{strAll}")
         self.assertEqual(self.Bad(4, "show", "no/such.bin"),
                          "there is no image file no/such.bin; accepted: TYPE:INSTANCE such as 0x30:0, a device's name, or an image file's path with a slash")
+
+    def test_a_device_that_may_have_been_meant_is_named(self):
+        self.Provision()
+        self.assertIn("has no device named 'psu'; did you mean 'psu1' or 'psu2'?; it has ", self.Bad(4, "show", "psu"))
+        self.assertIn("has no device named 'Baseboard'; did you mean 'baseboard'?; it has ", self.Bad(4, "show", "Baseboard"))
+
+    def test_a_member_that_may_have_been_meant_is_named(self):
+        pathFile = self.Write("record.json", json.dumps({"board": {"serialnumber": "X"}}).encode())
+        self.assertIn("board.serialnumber: unknown member; did you mean 'serialNumber'?; accepted: ",
+                      self.Bad(3, "encode", pathFile, "-o", self.pathTemp / "out.bin"))
+        pathFile = self.Write("controller.json", json.dumps({"devices": [{"nmae": "dev"}]}).encode())
+        self.assertIn("devices[0].nmae: unknown member; did you mean 'name'?; accepted: ", self.Bad(3, "provision", pathFile))
 
     def test_a_device_is_found_by_component_name_and_id(self):
         self.Provision()

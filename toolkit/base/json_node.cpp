@@ -6,6 +6,7 @@
 #include "toolkit/base/error.h"
 #include "toolkit/base/file.h"
 #include "toolkit/base/json.h"
+#include "toolkit/base/near.h"
 #include "toolkit/base/text.h"
 
 using nlohmann::json;
@@ -81,7 +82,9 @@ void JsonNode::RequireObject(const std::vector<const char *> &vecNames) const
     }
     for (const auto &itMember : m_stValue.items()) {
         if (std::find(vecAccepted.begin(), vecAccepted.end(), itMember.key()) == vecAccepted.end()) {
-            RefuseMember(EscapeText(itMember.key()), "unknown member" + strAccepted, vecAccepted);
+            RefuseMember(EscapeText(itMember.key()),
+                         "unknown member" + DidYouMean(itMember.key(), vecAccepted) + strAccepted,
+                         vecAccepted);
         }
     }
 }

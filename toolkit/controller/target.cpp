@@ -5,6 +5,7 @@
 
 #include "toolkit/base/error.h"
 #include "toolkit/base/name_value.h"
+#include "toolkit/base/near.h"
 #include "toolkit/base/text.h"
 #include "toolkit/controller/cause.h"
 
@@ -54,7 +55,8 @@ std::vector<std::string> NamesOf(const std::vector<DEVICE_S> &vecDevices)
 }
 
 template <typename FN>
-DEVICE_S FindDevice(const CONTROLLER_S &stController, const std::string &strWhat, FN fnMatches)
+DEVICE_S FindDevice(const CONTROLLER_S &stController, const std::string &strWhat, FN fnMatches,
+                    const std::string &strName = "")
 {
     const std::vector<DEVICE_S> vecDevices = LoadDevices(stController);
     for (const DEVICE_S &stDevice : vecDevices) {
@@ -71,7 +73,8 @@ DEVICE_S FindDevice(const CONTROLLER_S &stController, const std::string &strWhat
     }
     const std::vector<std::string> vecNames = NamesOf(vecDevices);
     Fail(ErrorClass::NotFound,
-         "the controller in " + stController.strRoot + " has no " + strWhat + "; " +
+         "the controller in " + stController.strRoot + " has no " + strWhat +
+             (strName.empty() ? "" : DidYouMean(strName, vecNames)) + "; " +
              (vecNames.empty() ? "it has no devices" : "it has " + Join(vecNames, ", ")),
          vecNames);
 }
@@ -156,8 +159,9 @@ DEVICE_S ResolveDevice(const CONTROLLER_S &stController, const TARGET_OPTIONS_S 
                    stDevice.stEntry.ucInstance == optComponent->ucInstance;
         });
     }
-    return FindDevice(stController, "device named '" + EscapeText(strTarget) + "'",
-                      [&](const DEVICE_S &stDevice) { return stDevice.strName == strTarget; });
+    return FindDevice(
+        stController, "device named '" + EscapeText(strTarget) + "'",
+        [&](const DEVICE_S &stDevice) { return stDevice.strName == strTarget; }, strTarget);
 }
 
 u8 ResolveDeviceID(const CONTROLLER_S &stController, const TARGET_OPTIONS_S &stOptions)

@@ -7,13 +7,12 @@
 
 #include "lib_fru.h"
 #include "toolkit/base/error.h"
+#include "toolkit/base/near.h"
 #include "toolkit/base/text.h"
 #include "toolkit/controller/diagnostics.h"
 #include "toolkit/image/names.h"
 
 namespace {
-
-constexpr size_t NEAR_NAMES = 3U;
 
 struct PLACE_S
 {
@@ -63,56 +62,6 @@ LABEL_S MakeLabel(const DIAG_FRU_LABEL_S &stRow)
         stLabel.optPsuField = uiPsuField;
     }
     return stLabel;
-}
-
-std::string Lower(std::string strText)
-{
-    for (char &cChar : strText) {
-        cChar = (cChar >= 'A' && cChar <= 'Z') ? static_cast<char>(cChar - 'A' + 'a') : cChar;
-    }
-    return strText;
-}
-
-// Changes of one character that make the one text of the other.
-size_t Distance(const std::string &strLeft, const std::string &strRight)
-{
-    std::vector<size_t> vecRow(strRight.size() + 1U);
-    for (size_t j = 0; j < vecRow.size(); j++) {
-        vecRow[j] = j;
-    }
-    for (size_t i = 0; i < strLeft.size(); i++) {
-        size_t uiDiagonal = vecRow[0];
-        vecRow[0] = i + 1U;
-        for (size_t j = 0; j < strRight.size(); j++) {
-            const size_t uiChange = uiDiagonal + (strLeft[i] == strRight[j] ? 0U : 1U);
-            uiDiagonal = vecRow[j + 1U];
-            vecRow[j + 1U] = std::min({uiChange, vecRow[j] + 1U, vecRow[j + 1U] + 1U});
-        }
-    }
-    return vecRow.back();
-}
-
-// Those of the names that the text may have meant, the nearest first.
-std::vector<std::string> NearNames(const std::string &strText, const std::vector<std::string> &vecNames)
-{
-    const std::string strLower = Lower(strText);
-    std::vector<std::pair<size_t, std::string>> vecNear;
-    for (const std::string &strName : vecNames) {
-        const size_t uiDistance = Distance(strLower, Lower(strName));
-        const bool bPart = strText.size() >= 3U && Lower(strName).find(strLower) != std::string::npos;
-        if (uiDistance <= std::max<size_t>(2U, strName.size() / 4U)) {
-            vecNear.emplace_back(uiDistance, strName);
-        } else if (bPart) {
-            vecNear.emplace_back(100U + strName.size(), strName);
-        }
-    }
-    std::stable_sort(vecNear.begin(), vecNear.end(),
-                     [](const auto &stLeft, const auto &stRight) { return stLeft.first < stRight.first; });
-    std::vector<std::string> vecOut;
-    for (size_t i = 0; i < vecNear.size() && i < NEAR_NAMES; i++) {
-        vecOut.push_back("'" + vecNear[i].second + "'");
-    }
-    return vecOut;
 }
 
 FRU_SET_PARA_S NameBlock(const DEVICE_S &stDevice, const LABEL_S &stLabel)
@@ -192,9 +141,7 @@ std::string WhyRefused(const LABEL_S &stLabel, const std::string &strValue, u8 u
         return "it is no MAC address";
     }
     if (stLabel.enAccepts == Accepts::ChassisType) {
-        const std::vector<std::string> vecNear = NearNames(strValue, ChassisTypeNames());
-        return "it is no chassis type" +
-               (vecNear.empty() ? "" : "; did you mean " + Join(vecNear, " or ") + "?");
+        return "it is no chassis type" + DidYouMean(strValue, ChassisTypeNames());
     }
     if (stLabel.enAccepts == Accepts::Date) {
         return "it is no date up to the year 2025";
@@ -259,9 +206,7 @@ const LABEL_S &FindLabel(const std::string &strName)
         }
         vecNames.push_back(stLabel.strName);
     }
-    const std::vector<std::string> vecNear = NearNames(strName, vecNames);
-    FailRefused("there is no label '" + EscapeText(strName) + "'" +
-                    (vecNear.empty() ? "" : "; did you mean " + Join(vecNear, " or ") + "?") +
+    FailRefused("there is no label '" + EscapeText(strName) + "'" + DidYouMean(strName, vecNames) +
                     "; 'fructl label list' tells all names",
                 vecNames);
 }
