@@ -29,7 +29,7 @@ MUTATIONS = [
     ([("devices")], {}, "devices", "{} is not an array"),
     ([("devices")], [7], "devices[0]", "7 is not an object; accepted: id, name, componentType"),
     ([("devices")], DELETE, "devices", "missing"),
-    (["device"], [], "device", "unknown member; accepted: devices, conf"),
+    (["device"], [], "device", "unknown member; did you mean 'devices'?; accepted: devices, conf"),
     (["devices", 2, "colour"], "red", "devices[2].colour", "unknown member; accepted: id, name, componentType, instance"),
     (["devices", 0, "id"], DELETE, "devices[0].id", "missing; accepted: 0 to 255, as a number or as text such as \"0xff\""),
     (["devices", 0, "id"], 256, "devices[0].id", "256 is refused; accepted: 0 to 255"),

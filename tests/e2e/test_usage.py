@@ -83,8 +83,8 @@ class Usage(FructlTest):
         pathFile = self.Write("record.json", json.dumps({"board": {"serialnumber": "X"}}).encode())
         self.assertIn("board.serialnumber: unknown member; did you mean 'serialNumber'?; accepted: ",
                       self.Bad(3, "encode", pathFile, "-o", self.pathTemp / "out.bin"))
-        pathFile = self.Write("controller.json", json.dumps({"devices": [{"nmae": "dev"}]}).encode())
-        self.assertIn("devices[0].nmae: unknown member; did you mean 'name'?; accepted: ", self.Bad(3, "provision", pathFile))
+        pathFile = self.Write("controller.json", json.dumps({"devices": [{"componenttype": 1}]}).encode())
+        self.assertIn("devices[0].componenttype: unknown member; did you mean 'componentType'?; accepted: ", self.Bad(3, "provision", pathFile))
 
     def test_a_device_is_found_by_component_name_and_id(self):
         self.Provision()
