@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
-// EEPROM access: which image file a chip is, and the calls.
+// EEPROM access: what a chip is called, and the calls.
 #include <algorithm>
 #include <atomic>
 #include <cstring>
 
 #include "bmc_eeprom.h"
-#include "eeprom/chip.h"
+#include "eeprom/registry.h"
 
 namespace {
 
@@ -66,6 +66,15 @@ i32 Transfer(u8 ucType, const void *pLocation, u8 *pucBuf, u32 uiOffset, u32 uiL
     }
     const host::TRANSFER_S stTransfer = {
         strChip, pucBuf, uiOffset, uiLength, stProgress.pfnProgress, stProgress.pContext, g_uiDelayUs};
+    const host::SELECTION_S stSelection = host::SelectBackend(strChip);
+    if (!stSelection.strProblem.empty()) {
+        HOST_LOG(BMC_DIAG_ERROR, "EEPROM %s: %s", strChip.c_str(), stSelection.strProblem.c_str());
+        return host::g_iNoTransfer;
+    }
+    if (stSelection.pstBackend != nullptr) {
+        return bWrite ? host::WriteThrough(stSelection, stTransfer)
+                      : host::ReadThrough(stSelection, stTransfer);
+    }
     return bWrite ? host::WriteChip(stTransfer) : host::ReadChip(stTransfer);
 }
 
@@ -77,6 +86,19 @@ i32 ReadWriteEEPROM(u8 ucType, const void *pLocation, u8 *pucBuf, u32 uiOffset, 
 {
     return host::Shield(host::g_iNoTransfer,
                         [&] { return Transfer(ucType, pLocation, pucBuf, uiOffset, uiLength, ucDirection); });
+}
+
+u32 BMCHOST_CheckEepromSettings(const char *pcSettings, size_t uiSize, char *pcWhy)
+{
+    if (pcSettings == nullptr || pcWhy == nullptr || uiSize == 0U) {
+        return host::g_uiFailed;
+    }
+    *pcWhy = '\0';
+    return host::Shield(host::g_uiFailed, [&] {
+        const std::string strWhy = host::SettingsProblem(pcSettings);
+        (void)BMC_Strlcpy(pcWhy, strWhy.c_str(), static_cast<u32>(std::min<size_t>(uiSize, UINT32_MAX)));
+        return strWhy.empty() ? 0U : host::g_uiFailed;
+    });
 }
 
 u32 BMCHOST_GetEepromPath(u8 ucType, const void *pLocation, size_t uiSize, char *pcOut)

@@ -23,6 +23,7 @@ extern "C" {
 
 #define BMCHOST_DB_FILE "/var/lib/fru/fru.db"             /* the database, made when first opened */
 #define BMCHOST_EEPROM_DIR "/eeprom"                      /* one image file for each chip */
+#define BMCHOST_EEPROM_CONF "/conf/eeproms.json"          /* chips that are no image files */
 #define BMCHOST_LOCK_DIR "/var/lock"                      /* lock files, of mode 0600 or 0660 */
 #define BMCHOST_JOURNAL_DIR "/var/lib/fru/journal"        /* one file for each write that is not finished */
 #define BMCHOST_EVENT_JOURNAL "/var/log/fru-events.jsonl" /* RPC: events and notices, one a line */
@@ -171,6 +172,20 @@ void BMCHOST_DiagToSyslog(const BMCHOST_DIAG_S *pstDiag, void *pContext);
  * with a dot or holds a slash, a backslash or a control character, or a path that does not fit.
  */
 u32 BMCHOST_GetEepromPath(u8 ucType, const void *pLocation, size_t uiSize, char *pcOut);
+
+/*
+ * Which chips are something else than image files stands in BMCHOST_EEPROM_CONF, a JSON object:
+ *
+ *   {"chips": {"bus8-addr0xa0": {"backend": "i2c", "bus": 8, "address": 160, "size": 8192, ...}}}
+ *
+ * A chip is named as its image file would be, without ".bin"; what else stands in its settings is its back
+ * end's. The file is read anew when it has changed. While it cannot be read no transfer succeeds, for any chip
+ * may be a real one.
+ *
+ * Looks whether a chip's settings, an object as above, are in order; the chip is not touched. 0, or not 0 with
+ * a clause in pcWhy that says what is wrong and what would be accepted.
+ */
+u32 BMCHOST_CheckEepromSettings(const char *pcSettings, size_t uiSize, char *pcWhy);
 
 /* One page of a write is done. The pointers live for the call only. */
 typedef struct

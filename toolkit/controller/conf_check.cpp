@@ -103,18 +103,6 @@ std::string FeaturesProblem(const CONF_FILE_S &stFile)
     return bTexts ? "" : "the file is refused; accepted: a JSON array of texts";
 }
 
-// "bus1-addr0xa0"; empty when the device has no EEPROM.
-std::string ChipName(const DEVICE_PLAN_S &stDevice)
-{
-    char acPath[8192] = "";
-    if (!stDevice.bHasEeprom ||
-        BMCHOST_GetEepromPath(stDevice.stInfo.ucEEPROMType, &stDevice.stInfo.ucBusNumber, sizeof(acPath),
-                              acPath) != 0U) {
-        return "";
-    }
-    return std::filesystem::path(acPath).stem().string();
-}
-
 std::string ObjectProblem(const HW_FRU_OBJECT_S &stObject, const CONTROLLER_PLAN_S &stPlan)
 {
     for (const DEVICE_PLAN_S &stDevice : stPlan.vecDevices) {

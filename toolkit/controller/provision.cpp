@@ -29,13 +29,16 @@ std::vector<FILE_CHANGE_S> FilesOf(const CONTROLLER_PLAN_S &stPlan)
 {
     std::map<std::string, Bytes> mapFiles; // devices may share a chip or a stored image
     for (const DEVICE_PLAN_S &stDevice : stPlan.vecDevices) {
-        if (stDevice.bHasEeprom) {
+        if (stDevice.bHasEeprom && stDevice.strSettings.empty()) {
             mapFiles[EepromPath(stDevice).substr(strlen(BMCHOST_GetRoot()))] =
                 EepromContents(stPlan, stDevice);
         }
         if (!stDevice.vecRecovery.empty()) {
             mapFiles[CheckedPath(stDevice.stInfo.acImageFilePath)] = stDevice.vecRecovery;
         }
+    }
+    if (const std::optional<CONF_FILE_S> optConf = EepromConf(stPlan); optConf.has_value()) {
+        mapFiles[CheckedPath(optConf->strPath)] = optConf->vecBytes;
     }
     for (const CONF_FILE_S &stFile : stPlan.vecConfFiles) {
         mapFiles[CheckedPath(stFile.strPath)] = stFile.vecBytes;
@@ -62,7 +65,8 @@ std::string EepromBelow(const FRU_DEVICE_INFO_S &stInfo)
 // What belongs to the controller that is there, of the kinds of file that a controller has.
 std::vector<std::string> FilesOfOld(const std::vector<u8> &vecOldIDs)
 {
-    std::vector<std::string> vecPaths = {SERIAL_FILE, SERIAL_COPY, BMCHOST_FEATURE_UPDATE};
+    std::vector<std::string> vecPaths = {SERIAL_FILE, SERIAL_COPY, BMCHOST_FEATURE_UPDATE,
+                                         BMCHOST_EEPROM_CONF};
     for (const char *pcPath : ConfPaths()) {
         vecPaths.emplace_back(pcPath);
     }

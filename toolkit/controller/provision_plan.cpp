@@ -9,17 +9,18 @@
 #include "bmcfru_host.h"
 #include "toolkit/base/error.h"
 #include "toolkit/base/file.h"
+#include "toolkit/base/json.h"
 #include "toolkit/base/json_node.h"
 #include "toolkit/base/text.h"
 #include "toolkit/controller/conf_check.h"
 #include "toolkit/controller/oem_conf.h"
+#include "toolkit/controller/provision_chip.h"
 #include "toolkit/image/erased.h"
 #include "toolkit/image/image_file.h"
 
 namespace {
 
-constexpr u32 EEPROM_SPACE = 0x10000U; // offsets inside an EEPROM have 16 bits
-constexpr u32 FIELD_FLAG_ALL = 7U;     // every chassis, board and product label
+constexpr u32 FIELD_FLAG_ALL = 7U; // every chassis, board and product label
 constexpr u32 FIELD_FLAG_MAX = 9U;
 
 // Files that a description may lay into the controller beside the images.
@@ -115,38 +116,6 @@ void TakeRecovery(const JsonNode &stNode, const std::string &strFile, DEVICE_PLA
     stDevice.vecRecovery = ReadSizedImage(stRecovery, "file", strFile, stDevice.stInfo.usSize);
 }
 
-void TakeEeprom(const JsonNode &stNode, DEVICE_PLAN_S &stDevice)
-{
-    FRU_DEVICE_INFO_S &stInfo = stDevice.stInfo;
-    stDevice.bHasEeprom = !stDevice.stInfo.ucDatabaseOnly || stNode.Has("location");
-    stInfo.ucEEPROMType = static_cast<u8>(
-        stNode.Number("eepromType", FRU_EEPROM_TYPE_MIN, FRU_EEPROM_TYPE_MAX, FRU_EEPROM_TYPE_MIN));
-    const u32 uiEnd = u32{stInfo.usStartOffset} + stInfo.usSize;
-    if (uiEnd > EEPROM_SPACE) {
-        stNode.RefuseMember("size",
-                            Format("startOffset and size end at 0x%x; accepted: an end of at most 0x%x",
-                                   uiEnd, EEPROM_SPACE));
-    }
-    u32 uiUsual = 256U; // the smallest chip that holds it
-    while (uiUsual < uiEnd) {
-        uiUsual *= 2U;
-    }
-    stDevice.uiEepromSize = stNode.Number("eepromSize", uiEnd, EEPROM_SPACE, uiUsual);
-    if (!stDevice.bHasEeprom) {
-        return;
-    }
-    if (!stNode.Has("location")) {
-        stNode.RefuseMember(
-            "location", "missing; accepted: {\"bus\", \"address\", \"switchLevel\"} (only a device that is "
-                        "databaseOnly needs none)");
-    }
-    const JsonNode stLocation = stNode.Member("location");
-    stLocation.RequireObject({"bus", "address", "switchLevel"});
-    stInfo.ucBusNumber = static_cast<u8>(stLocation.Number("bus", 0U, FRU_BUS_NUMBER_MAX));
-    stInfo.ucAddress = static_cast<u8>(stLocation.Number("address", 0U, 255U));
-    stInfo.ucSwitchLevel = static_cast<u8>(stLocation.Number("switchLevel", 0U, 255U, 0U));
-}
-
 DEVICE_PLAN_S TakeDevice(const JsonNode &stNode, const std::string &strFile)
 {
     stNode.RequireObject({"id", "name", "componentType", "instance", "sdrRecordId", "startOffset", "size",
@@ -166,7 +135,7 @@ DEVICE_PLAN_S TakeDevice(const JsonNode &stNode, const std::string &strFile)
     stInfo.ucAccessType = static_cast<u8>(stNode.Number("accessType", 0U, 255U, 0U));
     stInfo.ucFieldFlag = static_cast<u8>(stNode.Number("fieldFlag", 0U, FIELD_FLAG_MAX, FIELD_FLAG_ALL));
     stInfo.ucDatabaseOnly = stNode.Flag("databaseOnly", false) ? 1U : 0U;
-    TakeEeprom(stNode, stDevice);
+    TakeChip(stNode, stDevice);
     stDevice.vecImage.assign(stInfo.usSize, ERASED);
     if (stNode.Has("image")) {
         stDevice.vecImage = ReadSizedImage(stNode, "image", strFile, stInfo.usSize);
@@ -186,37 +155,6 @@ DEVICE_PLAN_S TakeDevice(const JsonNode &stNode, const std::string &strFile)
 std::string NameOf(const DEVICE_PLAN_S &stDevice)
 {
     return stDevice.stInfo.acFRUName; // terminated: the plan's names have at most 15 characters
-}
-
-bool SameChip(const DEVICE_PLAN_S &stLeft, const DEVICE_PLAN_S &stRight)
-{
-    return stLeft.bHasEeprom && stRight.bHasEeprom &&
-           stLeft.stInfo.ucBusNumber == stRight.stInfo.ucBusNumber &&
-           stLeft.stInfo.ucAddress == stRight.stInfo.ucAddress &&
-           stLeft.stInfo.ucSwitchLevel == stRight.stInfo.ucSwitchLevel;
-}
-
-void CheckChip(const JsonNode &stNode, const DEVICE_PLAN_S &stDevice, const DEVICE_PLAN_S &stOther)
-{
-    if (stDevice.uiEepromSize != stOther.uiEepromSize) {
-        stNode.RefuseMember("eepromSize",
-                            Format("%u, but device '%s' says %u of the same EEPROM", stDevice.uiEepromSize,
-                                   NameOf(stOther).c_str(), stOther.uiEepromSize));
-    }
-    if (stDevice.stInfo.ucEEPROMType != stOther.stInfo.ucEEPROMType) {
-        stNode.RefuseMember("eepromType", Format("%u, but device '%s' says %u of the same EEPROM",
-                                                 stDevice.stInfo.ucEEPROMType, NameOf(stOther).c_str(),
-                                                 stOther.stInfo.ucEEPROMType));
-    }
-    const u32 uiStart = stDevice.stInfo.usStartOffset;
-    const u32 uiOtherStart = stOther.stInfo.usStartOffset;
-    if (uiStart < uiOtherStart + stOther.stInfo.usSize && uiOtherStart < uiStart + stDevice.stInfo.usSize) {
-        stNode.RefuseMember("startOffset",
-                            Format("0x%x to 0x%x overlaps device '%s' (0x%x to 0x%x) in the same EEPROM; "
-                                   "accepted: ranges apart, or another location",
-                                   uiStart, uiStart + stDevice.stInfo.usSize - 1U, NameOf(stOther).c_str(),
-                                   uiOtherStart, uiOtherStart + stOther.stInfo.usSize - 1U));
-    }
 }
 
 // Refuses what two devices may not share.
@@ -284,6 +222,17 @@ std::vector<const char *> ConfPaths()
     return vecPaths;
 }
 
+std::string ChipName(const DEVICE_PLAN_S &stDevice)
+{
+    char acPath[8192] = "";
+    if (!stDevice.bHasEeprom ||
+        BMCHOST_GetEepromPath(stDevice.stInfo.ucEEPROMType, &stDevice.stInfo.ucBusNumber, sizeof(acPath),
+                              acPath) != 0U) {
+        return "";
+    }
+    return std::filesystem::path(acPath).stem().string();
+}
+
 CONTROLLER_PLAN_S ReadPlan(const std::string &strFile)
 {
     const nlohmann::json stJson = ParseJsonFile(strFile);
@@ -318,6 +267,21 @@ std::vector<u8> EepromContents(const CONTROLLER_PLAN_S &stPlan, const DEVICE_PLA
         }
     }
     return vecBytes;
+}
+
+std::optional<CONF_FILE_S> EepromConf(const CONTROLLER_PLAN_S &stPlan)
+{
+    Json stChips = Json::object();
+    for (const DEVICE_PLAN_S &stDevice : stPlan.vecDevices) {
+        if (!stDevice.strSettings.empty()) {
+            stChips[ChipName(stDevice)] = Json::parse(stDevice.strSettings);
+        }
+    }
+    if (stChips.empty()) {
+        return std::nullopt;
+    }
+    const std::string strText = Json({{"chips", stChips}}).dump(2) + "\n";
+    return CONF_FILE_S{BMCHOST_EEPROM_CONF, std::vector<u8>(strText.begin(), strText.end())};
 }
 
 FRU_SDR_S LocatorRecord(const DEVICE_PLAN_S &stDevice, EntityList &stEntities)

@@ -1,0 +1,204 @@
+// SPDX-License-Identifier: Apache-2.0
+// What every back end's transfers have in common: the lock, the end of the chip, pages, reading back.
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <vector>
+
+#include "eeprom/registry.h"
+
+namespace host {
+
+namespace {
+
+constexpr u32 g_uiReadBackMax = 4096; // a page as a back end may declare it
+
+// A chip, opened for one transfer.
+class Chip
+{
+  public:
+    Chip(const SELECTION_S &stSelection, const TRANSFER_S &stTransfer)
+        : m_stSelection(stSelection), m_stTransfer(stTransfer)
+    {}
+    ~Chip()
+    {
+        if (m_bOpen) {
+            m_stSelection.pstBackend->pfnClose(&m_stOpen);
+        }
+    }
+    Chip(const Chip &) = delete;
+    Chip &operator=(const Chip &) = delete;
+
+    bool Open(bool bWrite);
+    // With the chip's lock held; an errno value.
+    int Read(u32 uiOffset, u32 uiLength, u8 *pucBuf);
+    int WritePage(u32 uiDone, u32 uiPage);
+    // What lies ahead of the chip's end.
+    u32 Held() const
+    {
+        const u32 uiOffset = m_stTransfer.uiOffset;
+        const u32 uiLeft = uiOffset < m_stOpen.uiCapacity ? m_stOpen.uiCapacity - uiOffset : 0U;
+        return std::min(m_stTransfer.uiLength, uiLeft);
+    }
+    // Bytes of a page of the chip from uiAt on, at most uiLeft.
+    u32 Page(u32 uiAt, u32 uiLeft) const
+    {
+        return std::min(uiLeft, m_stOpen.uiPage - uiAt % m_stOpen.uiPage);
+    }
+    i32 Failed(const char *pcWhat, int iError) const;
+
+  private:
+    const SELECTION_S &m_stSelection;
+    const TRANSFER_S &m_stTransfer;
+    BMCHOST_BACKEND_OPEN_S m_stOpen = {};
+    bool m_bOpen = false;
+};
+
+i32 Chip::Failed(const char *pcWhat, int iError) const
+{
+    const std::string strWhere =
+        m_stOpen.acWhere[0] == '\0' ? "" : std::string(" (") + m_stOpen.acWhere + ")";
+    const std::string strWhy = m_stOpen.acWhy[0] == '\0' ? files::Reason(iError) : m_stOpen.acWhy;
+    HOST_LOG(BMC_DIAG_ERROR, "EEPROM %s%s: %s %u bytes at %#x: %s", m_stTransfer.strChip.c_str(),
+             strWhere.c_str(), pcWhat, m_stTransfer.uiLength, m_stTransfer.uiOffset, strWhy.c_str());
+    return g_iNoTransfer;
+}
+
+bool Chip::Open(bool bWrite)
+{
+    const std::string strRoot = PlaceOf("/").strBase;
+    const BMCHOST_BACKEND_CHIP_S stChip = {m_stTransfer.strChip.c_str(), m_stSelection.strSettings.c_str(),
+                                           strRoot.c_str(), bWrite ? 1U : 0U};
+    const int iError = m_stSelection.pstBackend->pfnOpen(&stChip, &m_stOpen);
+    m_bOpen = iError == 0;
+    if (!m_bOpen) {
+        (void)Failed("opening for", iError);
+    } else if (m_stOpen.uiPage == 0U || m_stOpen.uiPage > g_uiReadBackMax) {
+        (void)Failed("opening for", EINVAL);
+        return false;
+    }
+    return m_bOpen;
+}
+
+int Chip::Read(u32 uiOffset, u32 uiLength, u8 *pucBuf)
+{
+    u32 uiDone = 0;
+    while (uiDone < uiLength) {
+        u32 uiGot = 0;
+        const int iError = m_stSelection.pstBackend->pfnRead(&m_stOpen, uiOffset + uiDone, uiLength - uiDone,
+                                                             pucBuf + uiDone, &uiGot);
+        if (iError != 0) {
+            return iError;
+        }
+        if (uiGot == 0U || uiGot > uiLength - uiDone) {
+            (void)BMC_Scnprintf(m_stOpen.acWhy, sizeof(m_stOpen.acWhy),
+                                "short answer, %u of %u bytes, though the chip is said to have %u", uiDone,
+                                uiLength, m_stOpen.uiCapacity);
+            return EIO;
+        }
+        uiDone += uiGot;
+    }
+    return 0;
+}
+
+int Chip::WritePage(u32 uiDone, u32 uiPage)
+{
+    const u32 uiAt = m_stTransfer.uiOffset + uiDone;
+    const u8 *pucNew = m_stTransfer.pucBuf + uiDone;
+    std::vector<u8> vecOld(uiPage);
+    std::vector<u8> vecNow(uiPage);
+    int iError = Read(uiAt, uiPage, vecOld.data());
+    // A page that holds the bytes already is left alone: it costs a chip's life, and time.
+    if (iError != 0 || memcmp(vecOld.data(), pucNew, uiPage) == 0) {
+        return iError;
+    }
+    iError = m_stSelection.pstBackend->pfnWrite(&m_stOpen, uiAt, uiPage, pucNew);
+    iError = iError == 0 ? Read(uiAt, uiPage, vecNow.data()) : iError;
+    if (iError != 0 || memcmp(vecNow.data(), pucNew, uiPage) == 0) {
+        return iError;
+    }
+    const bool bUnchanged = vecNow == vecOld;
+    (void)BMC_Scnprintf(m_stOpen.acWhy, sizeof(m_stOpen.acWhy),
+                        bUnchanged
+                            ? "acknowledged, and unchanged from byte %#x on: the chip is write-protected"
+                            : "acknowledged, but what is read back from byte %#x on is something else",
+                        uiAt);
+    return bUnchanged ? EROFS : EIO;
+}
+
+std::string LockPath(const std::string &strChip)
+{
+    return BMCHOST_LOCK_DIR "/eeprom-" + strChip + ".lock";
+}
+
+int TakeLock(files::LockFile *pstLock, const std::string &strChip)
+{
+    const files::PLACE_S stPlace = WritePlaceOf(LockPath(strChip).c_str());
+    int iError = pstLock->Take(stPlace, g_uiLockPatienceMs);
+    if (iError == ENOENT) {
+        iError = files::MakeDirectories({stPlace.strBase, BMCHOST_LOCK_DIR});
+        iError = iError == 0 ? pstLock->Take(stPlace, g_uiLockPatienceMs) : iError;
+    }
+    return iError;
+}
+
+i32 WritePages(Chip *pstChip, files::LockFile *pstLock, const TRANSFER_S &stTransfer, u32 uiTotal)
+{
+    u32 uiDone = 0;
+    while (uiDone < uiTotal) {
+        const u32 uiAt = stTransfer.uiOffset + uiDone;
+        const u32 uiPage = pstChip->Page(uiAt, uiTotal - uiDone);
+        int iError = pstLock->IsHeld() ? 0 : pstLock->Resume(g_uiLockPatienceMs);
+        iError = iError == 0 ? pstChip->WritePage(uiDone, uiPage) : iError;
+        if (iError != 0) {
+            return pstChip->Failed("writing", iError);
+        }
+        pstLock->Pause(); // others may read between two pages
+        uiDone += uiPage;
+        if (stTransfer.pfnProgress != nullptr) {
+            const BMCHOST_EEPROM_PROGRESS_S stStep = {stTransfer.strChip.c_str(), uiAt, uiDone, uiTotal};
+            stTransfer.pfnProgress(&stStep, stTransfer.pContext);
+        }
+    }
+    return static_cast<i32>(uiDone);
+}
+
+} // namespace
+
+i32 ReadThrough(const SELECTION_S &stSelection, const TRANSFER_S &stTransfer)
+{
+    Chip stChip(stSelection, stTransfer);
+    files::LockFile stLock; // no page of a write comes in between
+    const int iLock = stLock.Share(PlaceOf(LockPath(stTransfer.strChip).c_str()), g_uiLockPatienceMs);
+    // Without a lock file nobody has written yet; without the right to it we are a guest who reads.
+    if (iLock == ETIMEDOUT) {
+        return stChip.Failed("locking for", iLock);
+    }
+    if (!stChip.Open(false)) {
+        return g_iNoTransfer;
+    }
+    u8 ucProbe = 0; // that it answers is asked for also where nothing is read
+    const u32 uiTotal = stChip.Held();
+    const int iError = uiTotal == 0U ? stChip.Read(0U, 1U, &ucProbe)
+                                     : stChip.Read(stTransfer.uiOffset, uiTotal, stTransfer.pucBuf);
+    return iError == 0 ? static_cast<i32>(uiTotal) : stChip.Failed("reading", iError);
+}
+
+i32 WriteThrough(const SELECTION_S &stSelection, const TRANSFER_S &stTransfer)
+{
+    Chip stChip(stSelection, stTransfer);
+    files::LockFile stLock;
+    const int iLock = TakeLock(&stLock, stTransfer.strChip);
+    if (iLock != 0) {
+        return stChip.Failed("locking for", iLock);
+    }
+    if (!stChip.Open(true)) {
+        return g_iNoTransfer;
+    }
+    const u32 uiTotal = stChip.Held();
+    u8 ucProbe = 0;
+    const int iError = uiTotal == 0U ? stChip.Read(0U, 1U, &ucProbe) : 0;
+    return iError == 0 ? WritePages(&stChip, &stLock, stTransfer, uiTotal) : stChip.Failed("reading", iError);
+}
+
+} // namespace host

@@ -1,0 +1,64 @@
+// SPDX-License-Identifier: Apache-2.0
+// The table of back ends; those that need further libraries are loaded when a chip asks for them.
+#include "eeprom/registry.h"
+
+#include <algorithm>
+#include <dlfcn.h>
+
+namespace host {
+
+namespace {
+
+// In libraries of their own, libbmcfruhost-<name>.so.
+constexpr const char *g_apcLoaded[] = {"ipmi"};
+
+struct LOADED_S
+{
+    const BMCHOST_BACKEND_S *pstBackend;
+    std::string strWhy;
+};
+
+LOADED_S Load(const std::string &strName)
+{
+    const std::string strLibrary = "libbmcfruhost-" + strName + ".so";
+    void *pLibrary = dlopen(strLibrary.c_str(), RTLD_NOW | RTLD_LOCAL);
+    if (pLibrary == nullptr) {
+        const char *pcError = dlerror();
+        return {nullptr, "the library of the back end '" + strName + "' cannot be loaded: " +
+                             (pcError == nullptr ? strLibrary : std::string(pcError))};
+    }
+    const auto pfnEntry = reinterpret_cast<BMCHOST_BACKEND_ENTRY_F>(dlsym(pLibrary, BMCHOST_BACKEND_ENTRY));
+    const BMCHOST_BACKEND_S *pstBackend = pfnEntry == nullptr ? nullptr : pfnEntry();
+    if (pstBackend == nullptr || pstBackend->uiVersion != BMCHOST_BACKEND_VERSION) {
+        (void)dlclose(pLibrary);
+        return {nullptr, strLibrary + " is not of this release"};
+    }
+    return {pstBackend, ""}; // it stays loaded: it may have threads and sessions
+}
+
+} // namespace
+
+const BMCHOST_BACKEND_S *FindBackend(const std::string &strName, std::string *pstrWhy)
+{
+    for (const char *pcLoaded : g_apcLoaded) {
+        if (strName == pcLoaded) {
+            // dlopen() keeps count itself, and gives the same library again.
+            const LOADED_S stLoaded = Load(strName);
+            *pstrWhy = stLoaded.strWhy;
+            return stLoaded.pstBackend;
+        }
+    }
+    *pstrWhy = "there is no back end '" + strName + "'; accepted: " + BackendNames();
+    return nullptr;
+}
+
+std::string BackendNames()
+{
+    std::string strNames = "file";
+    for (const char *pcLoaded : g_apcLoaded) {
+        strNames += std::string(", ") + pcLoaded;
+    }
+    return strNames;
+}
+
+} // namespace host
