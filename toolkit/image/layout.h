@@ -44,9 +44,17 @@ struct IMAGE_LAYOUT_S
 // "byte 0x0007  common header: checksum: ..."
 std::string FindingText(const FINDING_S &stFinding);
 
+// What a walk does where every reader of this system gives up.
+enum class Damage
+{
+    Ends,  // the rest of the area, or of the image, is not told of
+    Passed // what still can be read behind it is told of, too
+};
+
 // Of vecImage the first uiStored bytes are the image's own and are told of; the rest lies behind it in the
 // EEPROM and bounds the decoder only. bFixedSlots: the image is read with exactly 5 chassis and 4 product
 // custom fields, as a baseboard's is.
-IMAGE_LAYOUT_S WalkImage(const std::vector<u8> &vecImage, size_t uiStored, bool bFixedSlots);
+IMAGE_LAYOUT_S WalkImage(const std::vector<u8> &vecImage, size_t uiStored, bool bFixedSlots,
+                         Damage enDamage = Damage::Ends);
 
 #endif
