@@ -165,11 +165,12 @@ def ReadIndependently(testCase, listFiles):
 
 
 def Independent(dictShown):
-    """What an independent decoder has to see, of what 'show --json' printed: no derived texts, the chassis type as its code."""
+    """What an independent decoder has to see, of what 'show --json' printed: no derived texts, the chassis type as its code, a count of 0 as a date."""
     dictSeen = {strKey: dict(dictShown[strKey]) for strKey in ("chassis", "board", "product") if strKey in dictShown}
     for dictArea in dictSeen.values():
         dictArea.pop("language", None)
-        dictArea.pop("mfgDateMinutes", None)
+        if dictArea.pop("mfgDateMinutes", None) == 0:
+            dictArea["mfgDate"] = "1996-01-01 00:00:00"
     if "chassis" in dictSeen:
         dictSeen["chassis"]["typeCode"] = CHASSIS_TYPES.index(dictSeen["chassis"].pop("type"))
     dictSeen["multiRecords"] = [{strKey: dictRecord[strKey] for strKey in ("type", "formatVersion", "data")}

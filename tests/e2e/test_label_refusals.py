@@ -25,8 +25,11 @@ VALUE_REFUSALS = [
     ("Chassis Customer Serial Number", "NONE", "it begins with NONE"),
     ("Chassis Type", "rack mount chassis", "it is no chassis type; did you mean 'Rack Mount Chassis'?; accepted: " + ", ".join(CHASSIS_TYPES)),
     ("Chassis Type", "Zeppelin", "it is no chassis type; accepted: Unspecified, "),
-    ("Mfg.Date", "2026-01-01", "it is no date up to the year 2025; accepted: 2024-03-18 or 2024-03-18 09:30:00, wholly with leading zeros or wholly without "
-                               "(2024-3-18 9:30:0), up to the year 2025"),
+    ("Mfg.Date", "2026-01-01", "it lies beyond 2025-12-31, with which the library's rule for labels ends; 'edit' and 'encode' take it; accepted: 2024-03-18 or "
+                               "2024-03-18 09:30:00, wholly with leading zeros or wholly without (2024-3-18 9:30:0), 1996-01-01 to 2025-12-31, now, or unspecified"),
+    ("Mfg.Date", "1995-12-31", "it lies before 1996-01-01, from which on the three bytes count minutes; accepted: 2024-03-18 or "),
+    ("Mfg.Date", "1995-1-1 0:0:0", "it lies before 1996-01-01, from which on the three bytes count minutes; accepted: 2024-03-18 or "),
+    ("Mfg.Date", "2027-11-24 20:16:00", "it lies beyond 2027-11-24 20:15:00, where the three bytes end and start again at 0 (--wrap of 'edit' and 'encode' "),
     ("Mfg.Date", "2024-02-30", "it is no date"),
     ("Mfg.Date", "2024-4-05", "it is no date"),
     ("Mfg.Date", "today", "it has 5 characters; accepted: 2024-03-18 or "),

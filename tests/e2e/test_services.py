@@ -165,12 +165,14 @@ class Date(unittest.TestCase):
             self.assertEqual(stJson["minutes"], (stMoment - datetime.datetime(1996, 1, 1)) // datetime.timedelta(minutes=1))
             self.assertEqual(stJson["bytes"], strBytes or stJson["bytes"])
             stBack = Run("--json", "date", "--bytes", *stJson["bytes"].split())
-            self.assertEqual(stBack.Json()["text"], stMoment.replace(second=0).strftime("%Y-%m-%d %H:%M:%S"))
+            self.assertEqual(stBack.Json()["text"] or "1996-01-01 00:00:00", stMoment.replace(second=0).strftime("%Y-%m-%d %H:%M:%S"))
+            self.assertEqual(stBack.Json()["text"] is None, stJson["minutes"] == 0)
 
     def test_refusals(self):
-        for asArguments in (("2026-01-01",), ("2024-02-30",), ("2024-4-05",), ("17.5.2024",), ("--bytes", "00", "00", "1g"), ()):
+        for asArguments, iCode in ((("1995-12-31",), 3), (("2027-11-24 20:16",), 3), (("2024-02-30",), 3), (("2024-4-05",), 3), (("17.5.2024",), 3),
+                                   (("--bytes", "00", "00", "1g"), 3), ((), 2)):
             stResult = Run("date", *asArguments)
-            self.assertEqual(stResult.iCode, 2, asArguments)
+            self.assertEqual(stResult.iCode, iCode, asArguments)
             self.assertEqual(stResult.strErr.count("\n"), 1)
 
 

@@ -10,6 +10,7 @@
 #include "toolkit/controller/cause.h"
 #include "toolkit/edit/transaction.h"
 #include "toolkit/image/fields.h"
+#include "toolkit/image/mfg_date.h"
 #include "toolkit/image/record.h"
 
 namespace {
@@ -59,22 +60,28 @@ const std::vector<SETTABLE_S> &AssemblyTexts()
 
 namespace {
 
+bool IsDate(const NAME_VALUE_S &stGiven)
+{
+    return FIRST_SLOT + stGiven.uiIndex == FRU_ASSEMBLE_BOARD_MFG_DATE;
+}
+
 void CheckText(const NAME_VALUE_S &stGiven)
 {
     const char *pcName = AssemblyTexts()[stGiven.uiIndex].pcName;
     const std::string &strValue = stGiven.strValue;
-    if (FIRST_SLOT + stGiven.uiIndex == FRU_ASSEMBLE_BOARD_MFG_DATE) {
+    if (IsDate(stGiven)) {
         // The library would note a bad date in its log and go on with 1996-01-01.
-        if (isLabelValueMfgDateNormal(strValue.c_str()) != 1) {
-            FailUsage(std::string(pcName) + "=" + EscapeText(strValue) +
-                      " is refused; accepted: YYYY-MM-DD, with or without HH:MM:SS, as the label Mfg.Date "
-                      "takes it ('fructl date' tells more)");
+        const std::string strWhyNot = WhyNoLabelDate(strValue);
+        if (!strWhyNot.empty()) {
+            FailRefused(std::string(pcName) + "=" + EscapeText(strValue) + " is refused: " + strWhyNot +
+                        "; accepted: YYYY-MM-DD, with or without HH:MM:SS, as the label Mfg.Date takes it "
+                        "('fructl date' tells more)");
         }
         return;
     }
     if (strValue.empty() || strValue.size() > size_t{FRU_FIELD_MAX_TEXT}) {
-        FailUsage(Format("the value of %s has %zu characters; accepted: 1 to %zu", pcName, strValue.size(),
-                         size_t{FRU_FIELD_MAX_TEXT}));
+        FailRefused(Format("the value of %s has %zu characters; accepted: 1 to %zu", pcName, strValue.size(),
+                           size_t{FRU_FIELD_MAX_TEXT}));
     }
 }
 
@@ -130,6 +137,17 @@ void FillRecord(const std::vector<NAME_VALUE_S> &vecGiven, Record &stRecord)
 }
 
 } // namespace
+
+std::vector<NAME_VALUE_S> ParseAssembly(const std::vector<std::string> &vecTexts)
+{
+    std::vector<NAME_VALUE_S> vecGiven = ParseNameValues(vecTexts, AssemblyTexts());
+    for (NAME_VALUE_S &stGiven : vecGiven) {
+        if (IsDate(stGiven)) {
+            stGiven.strValue = LabelDate(stGiven.strValue);
+        }
+    }
+    return vecGiven;
+}
 
 void CheckAssembly(const DEVICE_S &stDevice, const std::vector<NAME_VALUE_S> &vecGiven, bool bForce)
 {

@@ -13,6 +13,9 @@
 // The texts that it can be made from.
 const std::vector<SETTABLE_S> &AssemblyTexts();
 
+// NAME=VALUE arguments as they will be given to the library: its words for dates. Fails as ParseNameValues() does.
+std::vector<NAME_VALUE_S> ParseAssembly(const std::vector<std::string> &vecTexts);
+
 // Fails when a text is refused, or the device. bForce: also one with an EEPROM of its own.
 void CheckAssembly(const DEVICE_S &stDevice, const std::vector<NAME_VALUE_S> &vecGiven, bool bForce);
 

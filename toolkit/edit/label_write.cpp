@@ -21,6 +21,7 @@
 #include "toolkit/edit/uninterrupted.h"
 #include "toolkit/image/fields.h"
 #include "toolkit/image/image.h"
+#include "toolkit/image/mfg_date.h"
 #include "toolkit/image/record.h"
 
 namespace {
@@ -68,6 +69,26 @@ LABEL_STEP_S PlanStep(const DEVICE_S &stDevice, const LABEL_REQUEST_S &stRequest
     return stStep;
 }
 
+// The library renews the serial-number files with every write of that label, so one that would write what is
+// there already may still have something to do.
+bool IsMirrored(const DEVICE_S &stDevice, const LABEL_S &stLabel)
+{
+    return stDevice.stEntry.ucComponentType == FRU_COMPONENT_BASEBOARD &&
+           stLabel.uiID == FRU_LABEL_PRODUCT_SERIAL_NUMBER;
+}
+
+bool IsThere(const DEVICE_S &stDevice, const LABEL_STEP_S &stStep)
+{
+    if (stStep.optOld != stStep.strNew) {
+        return false;
+    }
+    if (!IsMirrored(stDevice, stStep.stRequest.stLabel)) {
+        return true;
+    }
+    const SERIAL_TEXT_S stFile = ReadSerialFile();
+    return stFile.uiStatus == FRU_OK && stFile.strText == stStep.strNew && ReadSerialCopy() == stStep.strNew;
+}
+
 bool IsLabelField(const std::vector<LABEL_REQUEST_S> &vecRequests, const FIELD_ID_S &stField)
 {
     return std::any_of(vecRequests.begin(), vecRequests.end(), [&](const LABEL_REQUEST_S &stRequest) {
@@ -111,6 +132,17 @@ void DecodeBlank(const CHANGE_S &stBlank, Record &stRecord)
 
 } // namespace
 
+LABEL_REQUEST_S MakeRequest(const LABEL_S &stLabel, const std::string &strValue)
+{
+    return {stLabel, stLabel.enAccepts == Accepts::Date ? LabelDate(strValue) : strValue};
+}
+
+bool LABEL_PLAN_S::IsUnchanged() const
+{
+    return std::all_of(vecSteps.begin(), vecSteps.end(),
+                       [](const LABEL_STEP_S &stStep) { return stStep.bUnchanged; });
+}
+
 void CheckRequests(const DEVICE_S &stDevice, const std::vector<LABEL_REQUEST_S> &vecRequests)
 {
     for (size_t i = 0; i < vecRequests.size(); i++) {
@@ -148,8 +180,13 @@ LABEL_PLAN_S PlanLabels(const DEVICE_S &stDevice, const std::vector<LABEL_REQUES
     CHANGE_S stNow = stPlan.optBlank.has_value() ? *stPlan.optBlank : PlanNothing(stDevice);
     for (const LABEL_REQUEST_S &stRequest : vecRequests) {
         stPlan.vecSteps.push_back(PlanStep(stDevice, stRequest, stRecord, stNow));
-        stNow = stPlan.vecSteps.back().stChange;
-        stPlan.vecSteps.back().optOld = LabelValue(stView, stRequest.stLabel);
+        LABEL_STEP_S &stStep = stPlan.vecSteps.back();
+        stStep.optOld = LabelValue(stView, stRequest.stLabel);
+        stStep.bUnchanged = !stPlan.optBlank.has_value() && IsThere(stDevice, stStep);
+        if (stStep.bUnchanged) {
+            continue;
+        }
+        stNow = stStep.stChange;
         if (stPlan.vecSteps.back().strNew != stRequest.strValue) {
             stPlan.vecNotes.push_back(stRequest.stLabel.strName + " will read as '" +
                                       EscapeText(stPlan.vecSteps.back().strNew) + "'");
@@ -162,7 +199,7 @@ LABEL_PLAN_S PlanLabels(const DEVICE_S &stDevice, const std::vector<LABEL_REQUES
     }
     const std::vector<u8> &vecAfter = stNow.Home().vecAfter;
     stPlan.vecChanges = CompareBytes(stImage.vecBytes, vecAfter);
-    if (stPlan.optBlank.has_value()) {
+    if (stPlan.optBlank.has_value() || stPlan.IsUnchanged()) {
         return stPlan; // there is nothing that could change beside the labels
     }
     const REWRITE_S stRewrite = CompareImages(stDevice, stImage, vecAfter, [&](const FIELD_ID_S &stField) {
@@ -217,8 +254,7 @@ WRITTEN_S WriteStep(const DEVICE_S &stDevice, const LABEL_STEP_S &stStep, Progre
                         "', but its cached image could not be renewed",
                     strCause);
     }
-    const bool bSerialFiles = stDevice.stEntry.ucComponentType == 0U &&
-                              stStep.stRequest.stLabel.uiID == FRU_LABEL_PRODUCT_SERIAL_NUMBER;
+    const bool bSerialFiles = IsMirrored(stDevice, stStep.stRequest.stLabel);
     const std::string strFiles = bSerialFiles ? WhySerialFilesDiffer(stStep, strCause) : "";
     return {stPara.acOperateLog, strFiles.empty() ? strAftermath : strFiles};
 }
@@ -229,6 +265,10 @@ std::vector<std::string> WriteSteps(const DEVICE_S &stDevice, const LABEL_PLAN_S
 {
     std::vector<std::string> vecSentences;
     for (const LABEL_STEP_S &stStep : stPlan.vecSteps) {
+        if (stStep.bUnchanged) {
+            vecSentences.emplace_back();
+            continue;
+        }
         const WRITTEN_S stWritten = WriteStep(stDevice, stStep, pstView);
         vecSentences.push_back(stWritten.strSentence);
         strAftermath = stWritten.strAftermath.empty() ? strAftermath : stWritten.strAftermath;
@@ -240,8 +280,7 @@ std::vector<std::string> WriteSteps(const DEVICE_S &stDevice, const LABEL_PLAN_S
 std::vector<FILE_CHANGE_S> FilesOf(const DEVICE_S &stDevice, const LABEL_PLAN_S &stPlan)
 {
     for (const LABEL_STEP_S &stStep : stPlan.vecSteps) {
-        if (stDevice.stEntry.ucComponentType == FRU_COMPONENT_BASEBOARD &&
-            stStep.stRequest.stLabel.uiID == FRU_LABEL_PRODUCT_SERIAL_NUMBER) {
+        if (!stStep.bUnchanged && IsMirrored(stDevice, stStep.stRequest.stLabel)) {
             return SerialFiles(Bytes(stStep.strNew.begin(), stStep.strNew.end()));
         }
     }
@@ -259,9 +298,14 @@ std::vector<std::string> WriteLabels(const RootLock &stLock, const DEVICE_S &stD
         vecSteps.push_back(*stPlan.optBlank);
     }
     for (const LABEL_STEP_S &stStep : stPlan.vecSteps) {
-        vecSteps.push_back(stStep.stChange);
+        if (!stStep.bUnchanged) {
+            vecSteps.push_back(stStep.stChange);
+        }
     }
-    std::vector<std::string> vecSentences;
+    std::vector<std::string> vecSentences(vecSteps.empty() ? stPlan.vecSteps.size() : 0U);
+    if (vecSteps.empty()) {
+        return vecSentences;
+    }
     RunTransaction(stLock, vecSteps, FilesOf(stDevice, stPlan), [&] {
         if (stPlan.optBlank.has_value()) {
             PutStep(*stPlan.optBlank);

@@ -22,6 +22,9 @@ struct LABEL_REQUEST_S
     std::string strValue;
 };
 
+// A request in the library's words: "now" and "unspecified" for dates become such.
+LABEL_REQUEST_S MakeRequest(const LABEL_S &stLabel, const std::string &strValue);
+
 // One label's write.
 struct LABEL_STEP_S
 {
@@ -29,6 +32,7 @@ struct LABEL_STEP_S
     std::optional<std::string> optOld; // raw; nothing: the image has no such field yet
     std::string strNew;                // raw, as it will be read
     CHANGE_S stChange;
+    bool bUnchanged = false; // the label has the value already: nothing is written
 };
 
 struct LABEL_PLAN_S
@@ -38,6 +42,8 @@ struct LABEL_PLAN_S
     std::vector<BYTE_RUN_S> vecChanges; // from the device's bytes now to those after the last step
     std::vector<std::string> vecNotes;  // what changes beside the labels, harmless
     std::vector<std::string> vecLosses; // what would be lost beside the labels
+
+    bool IsUnchanged() const; // every label has its value already
 };
 
 // Fails when a name or a value is refused, or a label is given twice. Touches nothing.
@@ -47,7 +53,7 @@ void CheckRequests(const DEVICE_S &stDevice, const std::vector<LABEL_REQUEST_S> 
 LABEL_PLAN_S PlanLabels(const DEVICE_S &stDevice, const std::vector<LABEL_REQUEST_S> &vecRequests);
 
 // Writes all labels or none, each by the library's own write, and records them in the operation log; gives
-// the sentences that stand there. strAftermath is set when the device holds the labels, but something
+// the sentences that stand there, an empty one for a label that is unchanged. strAftermath is set when the device holds the labels, but something
 // beside it failed.
 std::vector<std::string> WriteLabels(const RootLock &stLock, const DEVICE_S &stDevice,
                                      const LABEL_PLAN_S &stPlan, std::string &strAftermath,

@@ -10,6 +10,7 @@
 #include "toolkit/base/near.h"
 #include "toolkit/base/text.h"
 #include "toolkit/controller/diagnostics.h"
+#include "toolkit/image/mfg_date.h"
 #include "toolkit/image/names.h"
 
 namespace {
@@ -107,7 +108,7 @@ std::string AcceptedValues(const LABEL_S &stLabel, u8 ucComponentType)
         return Join(ChassisTypeNames(), ", ");
     case Accepts::Date:
         return "2024-03-18 or 2024-03-18 09:30:00, wholly with leading zeros or wholly without (2024-3-18 "
-               "9:30:0), up to the year 2025";
+               "9:30:0), 1996-01-01 to 2025-12-31, now, or unspecified";
     case Accepts::Language:
         return "0 to 136, in decimal digits";
     default:
@@ -144,7 +145,7 @@ std::string WhyRefused(const LABEL_S &stLabel, const std::string &strValue, u8 u
         return "it is no chassis type" + DidYouMean(strValue, ChassisTypeNames());
     }
     if (stLabel.enAccepts == Accepts::Date) {
-        return "it is no date up to the year 2025";
+        return WhyNoLabelDate(strValue);
     }
     if (stLabel.IsNumber()) {
         return IsDigits(strValue) ? "it is too large" : "it is no number";
@@ -262,6 +263,11 @@ void RequireAcceptedValue(const DEVICE_S &stDevice, const LABEL_S &stLabel, cons
         FailRefused(strWhat + WhyRefused(stLabel, strValue, ucType, TakeDiagnostics()) + strAccepted,
                     stLabel.enAccepts == Accepts::ChassisType ? ChassisTypeNames()
                                                               : std::vector<std::string>());
+    }
+    // The library takes the year 1995, too, and stores it as 2026.
+    const std::string strWhyNot = stLabel.enAccepts == Accepts::Date ? WhyNoLabelDate(strValue) : "";
+    if (!strWhyNot.empty()) {
+        FailRefused(strWhat + strWhyNot + strAccepted);
     }
 }
 

@@ -76,8 +76,8 @@ std::string NoteText(const NOTE_S &stNote)
         return "6-bit ASCII";
     case Note::ZeroByte:
         return "readers end it at its first zero byte";
-    case Note::NoDate:
-        return "all zero: not told";
+    case Note::OtherDate:
+        return stNote.strDetail;
     case Note::OneValue:
         return "all " + stNote.strDetail;
     case Note::DifferentValues:

@@ -26,7 +26,7 @@ enum class Note
     BcdPlus, // told by nobody: readers take it for an empty text
     SixBitAscii,
     ZeroByte,       // readers end the text there
-    NoDate,         // all zero
+    OtherDate,      // its detail: what it would be after another round of the counter
     OneValue,       // every byte the same, in no area
     DifferentValues // in no area either
 };

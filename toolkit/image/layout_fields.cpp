@@ -6,6 +6,7 @@
 #include "toolkit/base/text.h"
 #include "toolkit/image/checksum.h"
 #include "toolkit/image/erased.h"
+#include "toolkit/image/mfg_date.h"
 #include "toolkit/image/names.h"
 
 u32 LayoutWalker::TextField(const FIELD_ID_S &stField, u32 uiOffset, u32 uiEnd, bool *pbGood)
@@ -63,11 +64,10 @@ void LayoutWalker::InternalUse(u32 uiStart, u32 uiNextArea)
 // further.
 u32 LayoutWalker::InfoPrefix(const AREA_ROW_S &stArea, u32 uiStart, u32 uiEnd)
 {
-    constexpr u32 DATE_BYTES = 3U;
     u32 uiOffset = uiStart + 2U;
     u32 uiPrefix = 0;
     for (const FIELD_ROW_S &stRow : stArea.vecFields) {
-        uiPrefix += stRow.enKind == Kind::Text ? 0U : stRow.enKind == Kind::MfgDate ? DATE_BYTES : 1U;
+        uiPrefix += stRow.enKind == Kind::Text ? 0U : stRow.enKind == Kind::MfgDate ? MFG_DATE_BYTES : 1U;
     }
     if (uiOffset + uiPrefix >= uiEnd) {
         Finding(uiStart + 1U, stArea.enArea, "the area is too short for its fields");
@@ -87,13 +87,13 @@ u32 LayoutWalker::InfoPrefix(const AREA_ROW_S &stArea, u32 uiStart, u32 uiEnd)
         } else if (stRow.enKind == Kind::Language) {
             Span(uiOffset++, 1U, stField, LanguageName(*pucBytes));
         } else if (stRow.enKind == Kind::MfgDate) {
-            const bool bNone = (pucBytes[0] | pucBytes[1] | pucBytes[2]) == 0;
+            const std::string strOther = OtherMfgDateText(MfgDateMinutes(pucBytes));
             if ((pucBytes[0] & pucBytes[1] & pucBytes[2]) == ERASED) {
                 Finding(uiOffset, stArea.enArea, FieldName(stField) + ": erased: every byte is 0xff", true);
             }
-            Span(uiOffset, DATE_BYTES, stField, MfgDateText(pucBytes), "",
-                 {bNone ? Note::NoDate : Note::None});
-            uiOffset += DATE_BYTES;
+            Span(uiOffset, MFG_DATE_BYTES, stField, MfgDateText(pucBytes), "",
+                 {strOther.empty() ? Note::None : Note::OtherDate, strOther});
+            uiOffset += MFG_DATE_BYTES;
         }
     }
     return uiOffset;

@@ -37,13 +37,6 @@ std::string LanguageName(u8 ucLanguage)
     return (ucLanguage == 0U || ucLanguage == 25U) ? "English" : Format("code %u", ucLanguage);
 }
 
-std::string MfgDateText(const u8 *pucMfgDate)
-{
-    char acText[64] = "";
-    const u32 uiRet = LIB_FRU_FormatMfgDate(pucMfgDate, 0U, acText);
-    return uiRet == FRU_OK ? acText : StatusText(uiRet);
-}
-
 const char *CompletionCodeName(u8 ucCode)
 {
     switch (ucCode) {

@@ -17,9 +17,6 @@ std::vector<std::string> ChassisTypeNames();
 // "English" for 0 and 25, else "code N".
 std::string LanguageName(u8 ucLanguage);
 
-// The manufacturing date as the library formats it.
-std::string MfgDateText(const u8 *pucMfgDate);
-
 // IPMI completion codes.
 const char *CompletionCodeName(u8 ucCode);
 

@@ -6,6 +6,7 @@
 #include <cstring>
 #include <new>
 
+#include "toolkit/image/mfg_date.h"
 #include "toolkit/image/multirecord.h"
 #include "toolkit/image/names.h"
 
@@ -49,8 +50,7 @@ FIELD_VIEW_S ViewField(const FRU_DATA_S &stData, const FIELD_ROW_S &stRow)
     case Kind::Language:
         return {stRow.enField, LanguageName(*pucMember), u32{*pucMember}};
     case Kind::MfgDate:
-        return {stRow.enField, MfgDateText(pucMember),
-                pucMember[0] | static_cast<u32>(pucMember[1]) << 8U | static_cast<u32>(pucMember[2]) << 16U};
+        return {stRow.enField, MfgDateText(pucMember), MfgDateMinutes(pucMember)};
     default:
         return {stRow.enField, Text(TextAt(stData, stRow.uiOffset))};
     }

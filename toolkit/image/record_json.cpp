@@ -7,6 +7,7 @@
 #include "lib_fru.h"
 #include "toolkit/base/text.h"
 #include "toolkit/image/fields.h"
+#include "toolkit/image/mfg_date.h"
 #include "toolkit/image/multirecord.h"
 #include "toolkit/image/names.h"
 
@@ -16,7 +17,6 @@ namespace {
 
 constexpr size_t TEXT_MAX = FRU_FIELD_MAX_TEXT;
 constexpr size_t CUSTOM_FIELDS_MAX = 255U;
-constexpr u32 MINUTES_MAX = 0xFFFFFFU;
 
 // A text as the record keeps it. bListed: it stands in a list of fields, which the byte 0xc1 would end.
 std::string Latin1Text(const JsonNode &stNode, bool bListed)
@@ -109,31 +109,28 @@ u8 LanguageOf(const JsonNode &stArea, const char *pcKey, const char *pcNumberKey
                                    std::string(pcNumberKey));
 }
 
-void FillMfgDate(const JsonNode &stArea, const FIELD_ROW_S &stField, Record &stRecord)
+void FillMfgDate(const JsonNode &stArea, const FIELD_ROW_S &stField, bool bWrap, Record &stRecord)
 {
     const char *pcKey = FieldKey(stField.enField);
     const char *pcNumberKey = NumberKey(stField.enField);
-    u8 aucDate[3] = {};
+    const bool bText = stArea.Has(pcKey) && !stArea.Member(pcKey).Value().is_null();
+    const std::string strDate = bText ? stArea.Text(pcKey, 1U, TEXT_MAX) : MFG_DATE_UNSPECIFIED;
+    const MFG_DATE_S stDate = ParseMfgDate(strDate, bWrap);
+    const bool bDate = stDate.strWhyNot.empty() && stDate.bExact;
+    u32 uiMinutes = stDate.uiMinutes;
     if (stArea.Has(pcNumberKey)) {
-        const u32 uiMinutes = stArea.Number(pcNumberKey, 0U, MINUTES_MAX);
-        for (u32 i = 0; i < sizeof(aucDate); i++) {
-            aucDate[i] = static_cast<u8>(uiMinutes >> (8U * i));
+        uiMinutes = stArea.Number(pcNumberKey, 0U, MFG_DATE_MAX);
+        if (!bDate || uiMinutes != stDate.uiMinutes) {
+            RequireAgreement(stArea, pcKey, MfgDateText(uiMinutes), pcNumberKey);
         }
-        RequireAgreement(stArea, pcKey, MfgDateText(aucDate), pcNumberKey);
-    } else if (stArea.Has(pcKey)) {
-        const std::string strDate = stArea.Text(pcKey, 1U, TEXT_MAX);
-        FRU_DATA_S stConverted = {};
-        const u32 uiRet = LIB_FRU_CaclMfgDateTime(strDate.c_str(), &stConverted);
-        memcpy(aucDate, stConverted.stBoardInfo.aucMfgDateTime, sizeof(aucDate));
-        const std::string strRead = MfgDateText(aucDate);
-        if (uiRet != FRU_OK || (strRead != strDate && strRead != strDate + " 00:00:00")) {
-            stArea.RefuseMember(pcKey, "'" + EscapeText(strDate) +
-                                           "' is refused; accepted: YYYY-MM-DD or YYYY-MM-DD HH:MM:00, "
-                                           "1996-01-01 to 2027-11-24, or the minutes since then as " +
-                                           pcNumberKey);
-        }
+    } else if (!bDate) {
+        stArea.RefuseMember(pcKey, "'" + EscapeText(strDate) + "' is refused: " +
+                                       (stDate.strWhyNot.empty() ? "it would not read back as it is written"
+                                                                 : stDate.strWhyNot) +
+                                       "; accepted: " + MFG_DATES_ACCEPTED +
+                                       " (or null), or the minutes since 1996-01-01 as " + pcNumberKey);
     }
-    memcpy(stRecord.At(stField.uiOffset), aucDate, sizeof(aucDate));
+    StoreMfgDate(uiMinutes, stRecord.At(stField.uiOffset));
 }
 
 void FillChassisType(const JsonNode &stArea, const FIELD_ROW_S &stField, Record &stRecord)
@@ -150,7 +147,7 @@ void FillChassisType(const JsonNode &stArea, const FIELD_ROW_S &stField, Record 
 }
 
 // What is no text, or one of a list.
-void FillCoded(const JsonNode &stArea, const FIELD_ROW_S &stField, Record &stRecord)
+void FillCoded(const JsonNode &stArea, const FIELD_ROW_S &stField, bool bWrap, Record &stRecord)
 {
     switch (stField.enKind) {
     case Kind::ChassisType:
@@ -161,14 +158,14 @@ void FillCoded(const JsonNode &stArea, const FIELD_ROW_S &stField, Record &stRec
             LanguageOf(stArea, FieldKey(stField.enField), NumberKey(stField.enField));
         break;
     case Kind::MfgDate:
-        FillMfgDate(stArea, stField, stRecord);
+        FillMfgDate(stArea, stField, bWrap, stRecord);
         break;
     default:
         break;
     }
 }
 
-void FillArea(const JsonNode &stDocument, const AREA_ROW_S &stRow, Record &stRecord)
+void FillArea(const JsonNode &stDocument, const AREA_ROW_S &stRow, bool bWrap, Record &stRecord)
 {
     const char *pcArea = AreaKey(stRow.enArea);
     if (!stDocument.Has(pcArea)) {
@@ -194,7 +191,7 @@ void FillArea(const JsonNode &stDocument, const AREA_ROW_S &stRow, Record &stRec
     }
     FillCustomFields(stArea, stRow, stRecord);
     for (const FIELD_ROW_S &stField : stRow.vecFields) {
-        FillCoded(stArea, stField, stRecord);
+        FillCoded(stArea, stField, bWrap, stRecord);
     }
 }
 
@@ -248,7 +245,9 @@ Json AreaJson(const AREA_VIEW_S &stArea)
 {
     Json stJson = Json::object();
     for (const FIELD_VIEW_S &stField : stArea.vecFields) {
-        stJson[FieldKey(stField.enField)] = Latin1ToUtf8(stField.strText);
+        const bool bUnspecified = stField.enField == Field::MfgDate && stField.optNumber == 0U;
+        stJson[FieldKey(stField.enField)] =
+            bUnspecified ? Json(nullptr) : Json(Latin1ToUtf8(stField.strText));
         if (stField.optNumber.has_value()) {
             stJson[NumberKey(stField.enField)] = *stField.optNumber;
         }
@@ -284,13 +283,13 @@ Json RecordJson(const RECORD_VIEW_S &stView)
     return stJson;
 }
 
-void BuildRecord(const JsonNode &stDocument, Record &stRecord)
+void BuildRecord(const JsonNode &stDocument, Record &stRecord, bool bWrap)
 {
     // "device", "file" and the last two tell where a shown record came from and are no part of it.
     stDocument.RequireObject({"device", "file", "internalUse", "chassis", "board", "product", "multiRecords",
                               "multiRecordsDamaged", "source", "sourcesDiffer"});
     for (const AREA_ROW_S &stRow : AreaRows()) {
-        FillArea(stDocument, stRow, stRecord);
+        FillArea(stDocument, stRow, bWrap, stRecord);
     }
     FillMultiRecords(stDocument, stRecord);
 }

@@ -11,7 +11,8 @@
 Json RecordJson(const RECORD_VIEW_S &stView);
 
 // Fills an empty record from such a document. Fails with the JSON path of what the format or the encoder
-// cannot hold, and of members that contradict each other.
-void BuildRecord(const JsonNode &stDocument, Record &stRecord);
+// cannot hold, and of members that contradict each other. bWrap: manufacturing dates beyond the end of their
+// count, too.
+void BuildRecord(const JsonNode &stDocument, Record &stRecord, bool bWrap = false);
 
 #endif

@@ -67,7 +67,7 @@ void RunAssemble(const SESSION_S &stSession, const ASSEMBLE_S &stOptions)
     if (vecTexts.empty()) {
         FailUsage("no NAME=VALUE is given; accepted names: " + NamesOf(AssemblyTexts()));
     }
-    const std::vector<NAME_VALUE_S> vecGiven = ParseNameValues(vecTexts, AssemblyTexts());
+    const std::vector<NAME_VALUE_S> vecGiven = ParseAssembly(vecTexts);
     CheckAssembly(stDevice, vecGiven, stOptions.bForce);
     if (stOptions.bDryRun) {
         (void)PlanAssembly(stDevice, vecGiven);

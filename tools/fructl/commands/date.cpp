@@ -1,36 +1,33 @@
 // SPDX-License-Identifier: Apache-2.0
 // fructl date: manufacturing dates between text and the three bytes of the board area.
 #include "commands/commands.h"
-#include "lib_fru.h"
 #include "terminal/console.h"
 #include "terminal/json_out.h"
 #include "toolkit/base/error.h"
+#include "toolkit/base/json.h"
 #include "toolkit/base/text.h"
-#include "toolkit/controller/diagnostics.h"
-#include "toolkit/image/record.h"
+#include "toolkit/image/mfg_date.h"
 
 namespace {
 
-constexpr u32 UTC = 0U;
-
-std::vector<u8> BytesOf(const std::string &strDate)
+struct DATE_S
 {
-    // The label's rule decides what is a date, as for the label "Mfg.Date".
-    if (isLabelValueMfgDateNormal(strDate.c_str()) != 1) {
-        FailUsage(EscapeText(strDate) +
-                  " is refused; accepted: YYYY-MM-DD or YYYY-M-D, with or without a time "
-                  "(HH:MM:SS or H:M:S, filled with zeros like the date), up to the year 2025");
+    std::string strDate;
+    std::vector<std::string> vecBytes;
+    bool bWrap = false;
+};
+
+u32 MinutesOf(const std::string &strDate, bool bWrap)
+{
+    const MFG_DATE_S stDate = ParseMfgDate(strDate, bWrap);
+    if (!stDate.strWhyNot.empty()) {
+        FailRefused("'" + EscapeText(strDate) + "' is refused: " + stDate.strWhyNot +
+                    "; accepted: " + MFG_DATES_ACCEPTED);
     }
-    Record stRecord;
-    const u32 uiRet = LIB_FRU_CaclMfgDateTime(strDate.c_str(), stRecord.Data());
-    if (uiRet != FRU_OK) {
-        Fail(EscapeText(strDate) + " cannot be converted: " + StatusText(uiRet) + DiagnosticHint());
-    }
-    const u8 *pucDate = stRecord.Data()->stBoardInfo.aucMfgDateTime;
-    return {pucDate[0], pucDate[1], pucDate[2]};
+    return stDate.uiMinutes;
 }
 
-std::vector<u8> ParseBytes(const std::vector<std::string> &vecTexts)
+u32 ParseBytes(const std::vector<std::string> &vecTexts)
 {
     std::vector<u8> vecBytes;
     for (const std::string &strText : vecTexts) {
@@ -39,31 +36,45 @@ std::vector<u8> ParseBytes(const std::vector<std::string> &vecTexts)
             vecBytes.push_back(static_cast<u8>(*optByte));
         }
     }
-    if (vecBytes.size() != 3U || vecTexts.size() != 3U) {
-        FailUsage("--bytes " + EscapeText(Join(vecTexts, " ")) +
-                  " is refused; accepted: three bytes in hex, the least significant first");
+    if (vecBytes.size() != MFG_DATE_BYTES || vecTexts.size() != MFG_DATE_BYTES) {
+        FailRefused("--bytes " + EscapeText(Join(vecTexts, " ")) +
+                    " is refused; accepted: three bytes in hex, the least significant first");
     }
-    return vecBytes;
+    return MfgDateMinutes(vecBytes.data());
 }
 
-void RunDate(const SESSION_S &stSession, const std::string &strDate, const std::vector<std::string> &vecTexts)
+Json TextOrNull(const std::string &strText)
 {
-    if (strDate.empty() == vecTexts.empty()) {
+    return strText.empty() ? Json(nullptr) : Json(strText);
+}
+
+void RunDate(const SESSION_S &stSession, const DATE_S &stOptions)
+{
+    if (stOptions.strDate.empty() == stOptions.vecBytes.empty()) {
         FailUsage("date takes either a date or --bytes; 'fructl date --help' tells more");
     }
-    const std::vector<u8> vecBytes = vecTexts.empty() ? BytesOf(strDate) : ParseBytes(vecTexts);
-    char acText[32] = "";
-    const u32 uiRet = LIB_FRU_FormatMfgDate(vecBytes.data(), UTC, acText);
-    if (uiRet != FRU_OK) {
-        Fail("the bytes cannot be converted: " + StatusText(uiRet) + DiagnosticHint());
-    }
-    const u32 uiMinutes =
-        vecBytes[0] | static_cast<u32>(vecBytes[1]) << 8U | static_cast<u32>(vecBytes[2]) << 16U;
+    const u32 uiMinutes = stOptions.vecBytes.empty() ? MinutesOf(stOptions.strDate, stOptions.bWrap)
+                                                     : ParseBytes(stOptions.vecBytes);
+    std::vector<u8> vecBytes(MFG_DATE_BYTES);
+    StoreMfgDate(uiMinutes, vecBytes.data());
+    const std::string strText = MfgDateText(uiMinutes);
+    const std::string strOther = OtherMfgDateText(uiMinutes);
+    const std::string strWhyNoLabel = WhyNoLabelDate(strText);
     if (stSession.bJson) {
-        PrintJson({{"bytes", HexBytes(vecBytes)}, {"minutes", uiMinutes}, {"text", acText}});
-    } else {
-        Print(Format("%s UTC  =  %s  =  %u minutes since 1996-01-01\n", acText, HexBytes(vecBytes).c_str(),
-                     uiMinutes));
+        PrintJson({{"bytes", HexBytes(vecBytes)},
+                   {"minutes", uiMinutes},
+                   {"text", uiMinutes == 0U ? Json(nullptr) : Json(strText)},
+                   {"otherReading", TextOrNull(strOther)},
+                   {"labelRefuses", TextOrNull(strWhyNoLabel)}});
+        return;
+    }
+    Print(Format("%s%s  =  %s  =  %u minutes since 1996-01-01\n", strText.c_str(),
+                 uiMinutes == 0U ? "" : " UTC", HexBytes(vecBytes).c_str(), uiMinutes));
+    if (!strOther.empty()) {
+        Print("  " + strOther + "\n");
+    }
+    if (!strWhyNoLabel.empty()) {
+        Print("  the label Mfg.Date refuses it: " + strWhyNoLabel + "\n");
     }
 }
 
@@ -71,14 +82,17 @@ void RunDate(const SESSION_S &stSession, const std::string &strDate, const std::
 
 void AddDateCommand(const Command &stParent, SESSION_S &stSession)
 {
-    const auto pstDate = std::make_shared<std::string>();
-    const auto pstBytes = std::make_shared<std::vector<std::string>>();
-    const Command stCommand = stParent.Add("date", "Convert a manufacturing date to its three bytes and back",
-                                           "fructl date 2024-05-17\nfructl date \"2024-5-17 8:30:0\"\n"
-                                           "fructl date --bytes 00 2d e3");
-    stCommand.AddOption("DATE", *pstDate, "a date as the label Mfg.Date takes it, in UTC");
-    stCommand.AddOption("--bytes", *pstBytes, "three bytes in hex, the least significant first")
+    const auto pstOptions = std::make_shared<DATE_S>();
+    const Command stCommand =
+        stParent.Add("date", "Convert a manufacturing date to its three bytes and back",
+                     "fructl date 2024-05-17\nfructl date \"2024-5-17 8:30:0\"\nfructl date now\n"
+                     "fructl date 2031-03-24 --wrap\nfructl date --bytes 00 2d e3");
+    stCommand.AddOption("DATE", pstOptions->strDate,
+                        "a date, or date and time, in UTC, 1996-01-01 to 2027-11-24 20:15; now; unspecified");
+    stCommand.AddOption("--bytes", pstOptions->vecBytes, "three bytes in hex, the least significant first")
         .Placeholder("HEX")
         .Words(3, 3);
-    stCommand.Run([&stSession, pstDate, pstBytes] { RunDate(stSession, *pstDate, *pstBytes); });
+    stCommand.AddFlag("--wrap", pstOptions->bWrap,
+                      "dates beyond the end of the three bytes' count, too: as it starts again at 0");
+    stCommand.Run([&stSession, pstOptions] { RunDate(stSession, *pstOptions); });
 }

@@ -22,6 +22,7 @@ struct ENCODE_S
     std::string strOutput;
     std::string strSize;
     bool bForce = false;
+    bool bWrap = false;
 };
 
 void RunEncode(const SESSION_S &stSession, const ENCODE_S &stOptions)
@@ -36,7 +37,7 @@ void RunEncode(const SESSION_S &stSession, const ENCODE_S &stOptions)
     }
     const nlohmann::json stParsed = ParseJsonFile(stOptions.strDocument);
     Record stRecord;
-    BuildRecord(JsonNode(stParsed, stOptions.strDocument, ""), stRecord);
+    BuildRecord(JsonNode(stParsed, stOptions.strDocument, ""), stRecord, stOptions.bWrap);
     const std::vector<u8> vecImage = MakeImageFile(stRecord, stOptions.strDocument, stOptions.strSize);
     if (bOutput) {
         Print(std::string(vecImage.begin(), vecImage.end())); // and nothing else
@@ -78,5 +79,7 @@ void AddEncodeCommand(const Command &stParent, SESSION_S &stSession)
     stCommand.AddOption("--size", pstOptions->strSize, "bytes of the image, filled up with 0xff")
         .Placeholder("N");
     stCommand.AddFlag("--force", pstOptions->bForce, "replace a file that is there");
+    stCommand.AddFlag("--wrap", pstOptions->bWrap,
+                      "a manufacturing date beyond 2027-11-24, too: its count starts again at 0");
     stCommand.Run([&stSession, pstOptions] { RunEncode(stSession, *pstOptions); });
 }

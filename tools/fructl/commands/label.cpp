@@ -16,6 +16,7 @@
 #include "toolkit/edit/label_write.h"
 #include "toolkit/edit/labels.h"
 #include "toolkit/image/fields.h"
+#include "toolkit/image/mfg_date.h"
 #include "toolkit/image/record.h"
 
 namespace {
@@ -70,6 +71,13 @@ Json LabelJson(const LABEL_S &stLabel, u32 uiMaxLen)
     return stJson;
 }
 
+// null: the image has no such field, or its date is unspecified.
+Json ValueJson(const LABEL_S &stLabel, const std::optional<std::string> &optValue)
+{
+    const bool bUnspecified = stLabel.enAccepts == Accepts::Date && optValue == MFG_DATE_UNSPECIFIED;
+    return optValue.has_value() && !bUnspecified ? Json(Latin1ToUtf8(*optValue)) : Json(nullptr);
+}
+
 std::string SharedNamesText(const std::vector<LABEL_S> &vecLabels)
 {
     std::vector<std::string> vecNames;
@@ -102,7 +110,7 @@ void PrintLabels(const SESSION_S &stSession, const std::optional<DEVICE_S> &optD
         Colour enColour = Colour::Cyan;
         if (optView.has_value()) {
             const std::optional<std::string> optValue = LabelValue(*optView, stLabel);
-            stJson["value"] = optValue.has_value() ? Json(Latin1ToUtf8(*optValue)) : Json(nullptr);
+            stJson["value"] = ValueJson(stLabel, optValue);
             strValue = !optValue.has_value() ? "(" + WhyNoValue(*optView, stLabel) + ")"
                        : optValue->empty()   ? "-"
                                              : EscapeText(*optValue);
@@ -192,7 +200,7 @@ void RunGet(const SESSION_S &stSession, const LABEL_OPTIONS_S &stOptions)
         Json stJson = {{"device", DeviceJson(stDevice)}};
         stJson.update(stShown.SourceJson());
         stJson.update(LabelJson(stLabel, MaxLength(stLabel, stDevice.stEntry.ucComponentType)));
-        stJson["value"] = Latin1ToUtf8(*optValue);
+        stJson["value"] = ValueJson(stLabel, optValue);
         PrintJson(stJson);
     } else {
         Print(EscapeText(*optValue) + "\n");
@@ -204,7 +212,7 @@ void RunGet(const SESSION_S &stSession, const LABEL_OPTIONS_S &stOptions)
 std::vector<LABEL_REQUEST_S> ParseRequests(const std::vector<std::string> &vecWords)
 {
     if (vecWords.size() == 2U && vecWords[0].find('=') == std::string::npos) {
-        return {{FindLabel(vecWords[0]), vecWords[1]}};
+        return {MakeRequest(FindLabel(vecWords[0]), vecWords[1])};
     }
     if (vecWords.empty()) {
         FailUsage("no label is named; accepted: NAME VALUE, or NAME=VALUE once or several times");
@@ -216,7 +224,8 @@ std::vector<LABEL_REQUEST_S> ParseRequests(const std::vector<std::string> &vecWo
             FailUsage("'" + EscapeText(strWord) +
                       "' is not NAME=VALUE; accepted: NAME VALUE, or NAME=VALUE once or several times");
         }
-        vecRequests.push_back({FindLabel(strWord.substr(0, uiEquals)), strWord.substr(uiEquals + 1U)});
+        vecRequests.push_back(
+            MakeRequest(FindLabel(strWord.substr(0, uiEquals)), strWord.substr(uiEquals + 1U)));
     }
     return vecRequests;
 }
@@ -228,12 +237,12 @@ Json PlanJson(const DEVICE_S &stDevice, const LABEL_PLAN_S &stPlan, bool bDryRun
     for (size_t i = 0; i < stPlan.vecSteps.size(); i++) {
         const LABEL_STEP_S &stStep = stPlan.vecSteps[i];
         const LABEL_S &stLabel = stStep.stRequest.stLabel;
-        Json stJson = {
-            {"id", stLabel.uiID},
-            {"name", stLabel.strName},
-            {"old", stStep.optOld.has_value() ? Json(Latin1ToUtf8(*stStep.optOld)) : Json(nullptr)},
-            {"new", Latin1ToUtf8(stStep.strNew)}};
-        if (!bDryRun) {
+        Json stJson = {{"id", stLabel.uiID},
+                       {"name", stLabel.strName},
+                       {"old", ValueJson(stLabel, stStep.optOld)},
+                       {"new", ValueJson(stLabel, stStep.strNew)},
+                       {"unchanged", stStep.bUnchanged}};
+        if (!bDryRun && !stStep.bUnchanged) {
             stJson["operationLog"] = Latin1ToUtf8(vecSentences[i]);
         }
         stLabels.push_back(stJson);
@@ -259,7 +268,8 @@ std::string StepsText(const LABEL_PLAN_S &stPlan)
     for (const LABEL_STEP_S &stStep : stPlan.vecSteps) {
         strOut += Format("  %-*s  ", static_cast<int>(uiWidth), stStep.stRequest.stLabel.strName.c_str()) +
                   Paint(Colour::Red, fnShown(stStep.optOld)) + " -> " +
-                  Paint(Colour::Green, fnShown(stStep.strNew)) + "\n";
+                  Paint(Colour::Green, fnShown(stStep.strNew)) + (stStep.bUnchanged ? "  (unchanged)" : "") +
+                  "\n";
     }
     for (const std::string &strNote : stPlan.vecNotes) {
         strOut += "  " + Paint(Colour::Yellow, "note:") + " " + strNote + "\n";
@@ -300,8 +310,9 @@ void RunSet(const SESSION_S &stSession, const LABEL_OPTIONS_S &stOptions)
         PrintJson(PlanJson(stDevice, stPlan, false, vecSentences));
     } else {
         for (const std::string &strSentence : vecSentences) {
-            Print(Paint(Colour::Green, EscapeText(strSentence)) + "\n");
+            Print(strSentence.empty() ? "" : Paint(Colour::Green, EscapeText(strSentence)) + "\n");
         }
+        Print(stPlan.IsUnchanged() ? stDevice.Title() + " is unchanged; nothing was written\n" : "");
         Print(StepsText(stPlan));
     }
     if (!strAftermath.empty()) {
