@@ -14,9 +14,11 @@ BASEBOARD = {
                 "customFields": ["Compute", "2+0", "2x25G", "800W"]},
     "multiRecords": [
         {"type": 3, "formatVersion": 2, "name": "Management Access, System Name", "text": "hain-r07-u12",
-         "data": "02 68 61 69 6e 2d 72 30 37 2d 75 31 32"},
+         "data": "02 68 61 69 6e 2d 72 30 37 2d 75 31 32",
+         "fields": {"subType": "System Name", "subTypeCode": 2, "text": "hain-r07-u12"}},
         {"type": 3, "formatVersion": 2, "name": "Management Access, System Unique ID", "text": "1b4c2e8f-7a5d-4c3b-9e60-0a1b2c3d4e5f",
-         "data": "07 8f 2e 4c 1b 5d 7a 3b 4c 9e 60 0a 1b 2c 3d 4e 5f"},
+         "data": "07 8f 2e 4c 1b 5d 7a 3b 4c 9e 60 0a 1b 2c 3d 4e 5f",
+         "fields": {"subType": "System Unique ID", "subTypeCode": 7, "guid": "1b4c2e8f-7a5d-4c3b-9e60-0a1b2c3d4e5f"}},
     ],
 }
 

@@ -9,6 +9,7 @@
 #include "toolkit/image/mfg_date.h"
 #include "toolkit/image/multirecord.h"
 #include "toolkit/image/names.h"
+#include "toolkit/image/record_words.h"
 
 namespace {
 
@@ -76,12 +77,9 @@ MULTIRECORD_VIEW_S ViewMultiRecord(const FRU_MULTIRECORD_S &stRecord)
     MULTIRECORD_VIEW_S stView = {stRecord.ucRecordTypeID,
                                  static_cast<u8>(stRecord.ucRecordFormat & 0x0FU),
                                  {pucData, pucData + stRecord.ucRecordLength},
-                                 MultiRecordTypeName(stRecord.ucRecordTypeID),
+                                 "",
                                  MultiRecordText(stRecord.ucRecordTypeID, pucData, stRecord.ucRecordLength)};
-    const bool bAccess = stView.ucType == FRU_MR_TYPE_MANAGEMENT_ACCESS && !stView.vecData.empty();
-    if (bAccess && ManagementAccessName(pucData[0]) != nullptr) {
-        stView.strName += std::string(", ") + ManagementAccessName(pucData[0]);
-    }
+    stView.strName = RecordTitle(stView.ucType, stView.vecData);
     return stView;
 }
 

@@ -10,6 +10,7 @@
 #include "toolkit/image/mfg_date.h"
 #include "toolkit/image/multirecord.h"
 #include "toolkit/image/names.h"
+#include "toolkit/image/record_words.h"
 
 using nlohmann::json;
 
@@ -197,7 +198,7 @@ void FillArea(const JsonNode &stDocument, const AREA_ROW_S &stRow, bool bWrap, R
 
 void FillMultiRecord(const JsonNode &stNode, bool bLast, FRU_MULTIRECORD_S &stRecord)
 {
-    stNode.RequireObject({"type", "formatVersion", "name", "text", "data"});
+    stNode.RequireObject({"type", "formatVersion", "name", "text", "data", "fields", "notDecoded"});
     stRecord.ucRecordTypeID = static_cast<u8>(stNode.Number("type", 0U, 0xFFU));
     const u32 uiFormat = stNode.Number("formatVersion", 0U, 0x0FU, 2U);
     stRecord.ucRecordFormat = static_cast<u8>(uiFormat | (bLast ? FRU_MULTIRECORD_END_OF_LIST : 0U));
@@ -212,6 +213,41 @@ void FillMultiRecord(const JsonNode &stNode, bool bLast, FRU_MULTIRECORD_S &stRe
     stRecord.pucRecordData = pucData;
     stRecord.ucRecordLength = static_cast<u8>(optData->size());
     SealMultiRecord(stRecord);
+}
+
+// What only says what type and data say.
+void RequireRecordAgreement(const JsonNode &stNode, const MULTIRECORD_VIEW_S &stRecord)
+{
+    // Documents may name a record by its type alone.
+    const bool bByType =
+        stNode.Has("name") && stNode.Member("name").Value() == json(MultiRecordTypeName(stRecord.ucType));
+    if (!bByType) {
+        RequireAgreement(stNode, "name", stRecord.strName, "type and data");
+    }
+    RequireAgreement(stNode, "text", Latin1ToUtf8(stRecord.strText), "data");
+    const RECORD_WORDS_S stWords = ReadRecord(stRecord.ucType, stRecord.vecData);
+    if (stNode.Has("fields") && stNode.Member("fields").Value() != json::parse(stWords.stFields.dump())) {
+        stNode.RefuseMember("fields", "contradicts data, which is what is encoded; change data and leave "
+                                      "this one out");
+    }
+}
+
+// What its data says, beside the data.
+Json MultiRecordJson(const MULTIRECORD_VIEW_S &stRecord)
+{
+    const RECORD_WORDS_S stWords = ReadRecord(stRecord.ucType, stRecord.vecData);
+    Json stJson = {{"type", stRecord.ucType},
+                   {"formatVersion", stRecord.ucFormatVersion},
+                   {"name", stRecord.strName},
+                   {"text", Latin1ToUtf8(stRecord.strText)},
+                   {"data", HexBytes(stRecord.vecData)}};
+    if (!stWords.stFields.is_null()) {
+        stJson["fields"] = stWords.stFields;
+    }
+    if (!stWords.strWhyNot.empty()) {
+        stJson["notDecoded"] = stWords.strWhyNot;
+    }
+    return stJson;
 }
 
 void FillMultiRecords(const JsonNode &stDocument, Record &stRecord)
@@ -236,8 +272,7 @@ void FillMultiRecords(const JsonNode &stDocument, Record &stRecord)
     }
     const RECORD_VIEW_S stView = ViewRecord(*stRecord.Data());
     for (size_t i = 0; i < vecNodes.size(); i++) {
-        RequireAgreement(vecNodes[i], "name", stView.vecMultiRecords[i].strName, "type and data");
-        RequireAgreement(vecNodes[i], "text", Latin1ToUtf8(stView.vecMultiRecords[i].strText), "data");
+        RequireRecordAgreement(vecNodes[i], stView.vecMultiRecords[i]);
     }
 }
 
@@ -271,11 +306,7 @@ Json RecordJson(const RECORD_VIEW_S &stView)
     }
     stJson["multiRecords"] = Json::array();
     for (const MULTIRECORD_VIEW_S &stRecord : stView.vecMultiRecords) {
-        stJson["multiRecords"].push_back({{"type", stRecord.ucType},
-                                          {"formatVersion", stRecord.ucFormatVersion},
-                                          {"name", stRecord.strName},
-                                          {"text", Latin1ToUtf8(stRecord.strText)},
-                                          {"data", HexBytes(stRecord.vecData)}});
+        stJson["multiRecords"].push_back(MultiRecordJson(stRecord));
     }
     if (stView.IsMultiRecordAreaDamaged()) {
         stJson["multiRecordsDamaged"] = true;

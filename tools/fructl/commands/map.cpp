@@ -13,6 +13,7 @@
 #include "toolkit/image/image.h"
 #include "toolkit/image/layout.h"
 #include "toolkit/image/layout_json.h"
+#include "toolkit/image/record_words.h"
 
 namespace {
 
@@ -83,28 +84,52 @@ std::string Meaning(const SPAN_S &stSpan)
     return strOut;
 }
 
+// Bytes, sixteen a line, and beside the first of them what they mean.
+std::string BytesText(const std::vector<u8> &vecBytes, u32 uiOffset, u32 uiLength, Colour enColour,
+                      const std::string &strMeaning)
+{
+    std::string strOut;
+    for (size_t i = uiOffset; i < uiOffset + uiLength; i += BYTES_PER_LINE) {
+        const std::string strHex = HexBytes(&vecBytes[i], std::min(BYTES_PER_LINE, uiOffset + uiLength - i));
+        strOut += Paint(Colour::Dim, Format("  %04zx  ", i)) + Paint(enColour, strHex);
+        strOut += i == uiOffset ? std::string(HEX_WIDTH - strHex.size(), ' ') + strMeaning : "";
+        strOut += "\n";
+    }
+    return strOut;
+}
+
+// A record's data, each of its values on lines of its own; what is wrong with it all stands beside the first.
+std::string PartsText(const SPAN_S &stSpan, const std::vector<RECORD_PART_S> &vecParts,
+                      const std::vector<u8> &vecBytes)
+{
+    const std::string strRecord = FieldName({Area::MultiRecord, Field::OneRecord, stSpan.stField.uiIndex});
+    std::string strProblem =
+        stSpan.strProblem.empty() ? "" : "  " + Paint(Colour::Red, "<- " + stSpan.strProblem);
+    std::string strOut;
+    for (const RECORD_PART_S &stPart : vecParts) {
+        strOut += BytesText(vecBytes, stPart.uiOffset, stPart.uiLength, StyleOf(Area::MultiRecord).enColour,
+                            strRecord + " " + stPart.Meaning() + strProblem);
+        strProblem.clear();
+    }
+    return strOut;
+}
+
 // The span's bytes, sixteen a line, its meaning beside the first of them. A long run of one value is
 // told, not shown.
 std::string SpanText(const SPAN_S &stSpan, const std::vector<u8> &vecBytes)
 {
     const Colour enColour = StyleOf(stSpan.stField.enArea).enColour;
-    const size_t uiEnd = stSpan.uiOffset + stSpan.uiLength;
     const bool bRun = stSpan.stField.enArea == Area::Unused && stSpan.uiLength > BYTES_PER_LINE &&
                       stSpan.stNote.enNote == Note::OneValue;
-    std::string strOut;
-    for (size_t i = stSpan.uiOffset; i < uiEnd; i += BYTES_PER_LINE) {
-        const size_t uiCount = std::min(BYTES_PER_LINE, uiEnd - i);
-        const std::string strHex = bRun ? Format("%02x ... (%u bytes)", vecBytes[i], stSpan.uiLength)
-                                        : HexBytes(&vecBytes[i], uiCount);
-        const std::string strPad(strHex.size() < HEX_WIDTH ? HEX_WIDTH - strHex.size() : 1U, ' ');
-        strOut += Paint(Colour::Dim, Format("  %04zx  ", i)) + Paint(enColour, strHex);
-        strOut += (i == stSpan.uiOffset) ? strPad + Meaning(stSpan) : "";
-        strOut += "\n";
-        if (bRun) {
-            break;
-        }
+    if (bRun) {
+        const std::string strRun = Format("%02x ... (%u bytes)", vecBytes[stSpan.uiOffset], stSpan.uiLength);
+        const std::string strPad(strRun.size() < HEX_WIDTH ? HEX_WIDTH - strRun.size() : 1U, ' ');
+        return Paint(Colour::Dim, Format("  %04x  ", stSpan.uiOffset)) + Paint(enColour, strRun) + strPad +
+               Meaning(stSpan) + "\n";
     }
-    return strOut;
+    const std::vector<RECORD_PART_S> vecParts = RecordParts(stSpan, vecBytes);
+    return vecParts.empty() ? BytesText(vecBytes, stSpan.uiOffset, stSpan.uiLength, enColour, Meaning(stSpan))
+                            : PartsText(stSpan, vecParts, vecBytes);
 }
 
 Json MapJson(const TARGET_S &stTarget, const IMAGE_S &stImage, const IMAGE_LAYOUT_S &stLayout)
@@ -126,6 +151,12 @@ Json MapJson(const TARGET_S &stTarget, const IMAGE_S &stImage, const IMAGE_LAYOU
         }
         if (!stSpan.strProblem.empty()) {
             stOut["problem"] = stSpan.strProblem;
+        }
+        for (const RECORD_PART_S &stPart : RecordParts(stSpan, stImage.vecBytes)) {
+            stOut["parts"].push_back({{"offset", stPart.uiOffset},
+                                      {"length", stPart.uiLength},
+                                      {"field", stPart.strName},
+                                      {"text", Latin1ToUtf8(stPart.strText)}});
         }
         stJson["spans"].push_back(stOut);
     }

@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "commands/commands.h"
+#include "commands/record_text.h"
 #include "lib_fru.h"
 #include "terminal/console.h"
 #include "terminal/json_out.h"
@@ -54,7 +55,7 @@ void RunList(const SESSION_S &stSession, const LIST_S &stOptions)
     for (size_t i = 0; i < stView.vecMultiRecords.size(); i++) {
         const MULTIRECORD_VIEW_S &stMr = stView.vecMultiRecords[i];
         stTable.Row({std::to_string(i + 1U), stMr.strName, Format("0x%02x", stMr.ucType),
-                     std::to_string(stMr.vecData.size()), EscapeText(stMr.strText)});
+                     std::to_string(stMr.vecData.size()), RecordLine(stMr)});
     }
     if (stSession.bJson) {
         Json stJson = TargetJson(stTarget);

@@ -3,6 +3,7 @@
 #include <map>
 
 #include "commands/commands.h"
+#include "commands/record_text.h"
 #include "terminal/console.h"
 #include "terminal/json_out.h"
 #include "toolkit/base/json.h"
@@ -18,8 +19,6 @@
 #include "toolkit/image/record_json.h"
 
 namespace {
-
-constexpr size_t RECORD_COLUMNS = 96U; // 32 bytes in hex
 
 using Notes = std::map<FIELD_ID_S, NOTE_S>;
 
@@ -79,11 +78,7 @@ std::string MultiRecordsText(const RECORD_VIEW_S &stView)
                   Paint(Colour::Dim,
                         Format(" (type 0x%02x, %zu bytes)", stRecord.ucType, stRecord.vecData.size())) +
                   "\n";
-        // Hex of a long record goes on many lines; known texts are never so long.
-        const std::string strText = EscapeText(stRecord.strText);
-        for (size_t i = 0; i < strText.size(); i += RECORD_COLUMNS) {
-            strOut += "    " + strText.substr(i, RECORD_COLUMNS) + "\n";
-        }
+        strOut += RecordText(stRecord);
     }
     return strOut;
 }
