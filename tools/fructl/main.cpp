@@ -4,6 +4,7 @@
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <unistd.h>
 
 #include "commands/commands.h"
@@ -20,19 +21,27 @@
 
 namespace {
 
-constexpr const char *EXAMPLES = R"(Examples:
-  fructl provision examples/controller.json    make a controller on your desk
-  fructl list                                  its devices
-  fructl show baseboard                        one device, decoded
-  fructl show examples/psu1.hex                the same for an image file
-  fructl COMMAND --help                        what a command takes
+constexpr const char *EXAMPLES = "fructl provision examples/controller.json  make a controller on your desk\n"
+                                 "fructl list  its devices\n"
+                                 "fructl show baseboard  one device, decoded\n"
+                                 "fructl show examples/psu1.hex  the same for an image file\n"
+                                 "fructl help label set  what a command takes";
 
-A DEVICE is TYPE:INSTANCE (such as 0x30:0), a device's name or, where it is only read, an image file: a path
-with a slash, or --file FILE.
-With --json a failure is an object on standard output too, as the member "error".
-
-Exit codes:
-)";
+void AddSections(const Command &stTop)
+{
+    stTop.AddSection(
+        "", "A DEVICE is TYPE:INSTANCE (such as 0x30:0), a device's name or, where it is only read, an "
+            "image file: a path with a slash, or --file FILE. With --json a failure is an object on "
+            "standard output too, as the member \"error\".");
+    stTop.AddSection(
+        "Environment", "",
+        {{"FRUCTL_ROOT", "the controller's directory, where no --root names it"},
+         {"HOME", "where it is looked for else: ~/.local/state/fructl"},
+         {"NO_COLOR", "if it is not empty: no colours, unless --color asks for them"},
+         {"COLUMNS", "how wide tables and helps are; else as wide as the terminal"},
+         {"LC_ALL, LC_CTYPE, LANG", "a UTF-8 terminal shows letters beyond ASCII, others get \\xNN"}});
+    stTop.AddSection("Exit codes", "", ExitCodeRows());
+}
 
 void Complain(const std::string &strLine)
 {
@@ -56,6 +65,11 @@ void AddGlobalOptions(const Command &stTop, SESSION_S &stSession, unsigned &uiWa
     stTop.AddFlag("-v,--verbose", stSession.bVerbose, "print the library's diagnostics to stderr");
     stTop.AddFlag("--foreign-root", stSession.bForeignRoot, "write also to a directory of another user");
     stTop.AddFlag("--json", stSession.bJson, "print JSON, for programs");
+    stTop
+        .AddOption("--color", stSession.strColour,
+                   "colours: on a terminal where NO_COLOR is not set (as without this), always or never")
+        .OneOf({"auto", "always", "never"})
+        .Placeholder("auto|always|never");
     stTop
         .AddOption("--wait", uiWaitSeconds,
                    "wait so long for other commands on the same controller (default 10)")
@@ -87,11 +101,19 @@ void Open(SESSION_S &stSession)
     OpenController(stSession);
 }
 
-// Also where the options could not be parsed.
-bool WantsJson(const std::vector<std::string> &vecArguments)
+// What has to hold where the options cannot be parsed, too.
+void LookAhead(const std::vector<std::string> &vecArguments, SESSION_S &stSession)
 {
+    constexpr const char *COLOUR = "--color=";
     const auto itEnd = std::find(vecArguments.begin(), vecArguments.end(), "--");
-    return std::find(vecArguments.begin(), itEnd, "--json") != itEnd;
+    stSession.bJson = std::find(vecArguments.begin(), itEnd, "--json") != itEnd;
+    for (auto itWord = vecArguments.begin(); itWord != itEnd; ++itWord) {
+        const bool bInOne = itWord->compare(0, strlen(COLOUR), COLOUR) == 0;
+        if (bInOne || (*itWord == "--color" && itWord + 1 != itEnd)) {
+            const std::string strWord = bInOne ? itWord->substr(strlen(COLOUR)) : *(itWord + 1);
+            SetColourMode(ParseColourMode(strWord).value_or(ColourMode::Auto));
+        }
+    }
 }
 
 // The line on stderr, with --json the object too; the exit code.
@@ -109,15 +131,16 @@ int TellFailure(const SESSION_S &stSession, const Error &stError)
 int Run(int iArgc, char **ppcArgv)
 {
     SESSION_S stSession;
-    stSession.bJson = WantsJson({ppcArgv, ppcArgv + iArgc});
+    LookAhead({ppcArgv, ppcArgv + iArgc}, stSession);
     for (int i = 0; i < iArgc; i++) {
         stSession.strCommandLine += (i == 0) ? "fructl" : " " + EscapeText(ppcArgv[i]);
     }
     CommandLine stLine("fructl",
                        "Shows, checks and edits the FRU inventory of a server's management controller.",
-                       EXAMPLES + ExitCodesText(), "fructl " FRUCTL_VERSION);
+                       EXAMPLES, "fructl " FRUCTL_VERSION);
     unsigned uiWaitSeconds = stSession.uiWaitMs / 1000U;
     AddGlobalOptions(stLine.Top(), stSession, uiWaitSeconds);
+    AddSections(stLine.Top());
     AddCommands(stLine.Top(), stSession);
     try {
         const std::function<void()> fnRun = stLine.Parse(iArgc, ppcArgv);
@@ -149,6 +172,5 @@ int main(int iArgc, char **ppcArgv)
     setenv("TZ", "UTC0", 1);
     // A limit on file sizes is an error like a full disk, told and handled.
     (void)signal(SIGXFSZ, SIG_IGN);
-    SetColour(WantsColour(STDOUT_FILENO));
     return Run(iArgc, ppcArgv);
 }

@@ -5,45 +5,42 @@
 
 namespace {
 
-// One a line, in the order of the help, with what a group of them is about.
-constexpr void (*COMMANDS[])(const Command &stParent, SESSION_S &stSession) = {
-    AddProvisionCommand,  // made once
-    AddListCommand,       // read
-    AddShowCommand,       //
-    AddVerifyCommand,     //
-    AddMapCommand,        //
-    AddDiffCommand,       //
-    AddFieldsCommand,     //
-    AddSnCommand,         //
-    AddPsnCommand,        //
-    AddLabelCommand,      // written
-    AddEncodeCommand,     //
-    AddReadCommand,       //
-    AddWriteCommand,      //
-    AddClearCommand,      //
-    AddRecoverCommand,    //
-    AddHistoryCommand,    //
-    AddUndoCommand,       //
-    AddJournalCommand,    //
-    AddMrCommand,         // read and written
-    AddHwCommand,         //
-    AddOemCommand,        //
-    AddAssembleCommand,   //
-    AddRawCommand,        // bytes
-    AddDateCommand,       //
-    AddTestResultCommand, // the controller as a whole
-    AddFeaturesCommand,   //
-    AddHostNameCommand,   //
-    AddMonitorCommand,    //
-    AddServeCommand,      //
+struct GROUP_S
+{
+    const char *pcHeading; // what one wants to do
+    std::vector<void (*)(const Command &stParent, SESSION_S &stSession)> vecAdd;
 };
+
+// In the order of the help.
+const std::vector<GROUP_S> &Groups()
+{
+    static const std::vector<GROUP_S> vecGroups = {
+        {"Begin", {AddProvisionCommand}},
+        {"Look",
+         {AddListCommand, AddShowCommand, AddMapCommand, AddDiffCommand, AddFieldsCommand, AddSnCommand,
+          AddPsnCommand}},
+        {"Check", {AddVerifyCommand}},
+        {"Edit fields",
+         {AddLabelCommand, AddMrCommand, AddHwCommand, AddOemCommand, AddHostNameCommand,
+          AddAssembleCommand}},
+        {"Move whole images", {AddReadCommand, AddWriteCommand, AddEncodeCommand, AddClearCommand}},
+        {"Repair and undo", {AddRecoverCommand, AddHistoryCommand, AddUndoCommand, AddJournalCommand}},
+        {"Watch and serve", {AddMonitorCommand, AddServeCommand}},
+        {"Bytes, dates and flags", {AddRawCommand, AddDateCommand, AddTestResultCommand, AddFeaturesCommand}},
+        {"Learn", {AddHelpCommand, AddCompletionCommand, AddManualCommand}},
+    };
+    return vecGroups;
+}
 
 } // namespace
 
 void AddCommands(const Command &stTop, SESSION_S &stSession)
 {
-    for (const auto pfnAdd : COMMANDS) {
-        pfnAdd(stTop, stSession);
+    for (const GROUP_S &stGroup : Groups()) {
+        stTop.Group(stGroup.pcHeading);
+        for (const auto pfnAdd : stGroup.vecAdd) {
+            pfnAdd(stTop, stSession);
+        }
     }
 }
 

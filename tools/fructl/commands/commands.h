@@ -70,5 +70,8 @@ void AddHistoryCommand(const Command &stParent, SESSION_S &stSession);
 void AddUndoCommand(const Command &stParent, SESSION_S &stSession);
 void AddJournalCommand(const Command &stParent, SESSION_S &stSession);
 void AddAssembleCommand(const Command &stParent, SESSION_S &stSession);
+void AddHelpCommand(const Command &stParent, SESSION_S &stSession);
+void AddCompletionCommand(const Command &stParent, SESSION_S &stSession);
+void AddManualCommand(const Command &stParent, SESSION_S &stSession); // not in the help
 
 #endif

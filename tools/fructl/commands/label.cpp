@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // fructl label: the named fields of a device, listed, read and written.
+#include <cstring>
+
 #include "commands/commands.h"
 #include "terminal/changes.h"
 #include "terminal/console.h"
@@ -333,6 +335,9 @@ Command AddVerb(const Command &stLabel, const char *pcName, const char *pcWhat, 
     for (size_t i = 0; i < vecWords.size(); i++) {
         stOptions.astOptions[i] =
             stCommand.AddOption(vecWords[i].pcName, stOptions.astrWords[i], vecWords[i].pcWhat);
+        if (strcmp(vecWords[i].pcName, "NAME") == 0) {
+            stOptions.astOptions[i].CompletedBy(Completes::Labels);
+        }
     }
     stCommand.AddOption("--id", stOptions.strDeviceID, "the device by its FRU device ID, 0 to 255")
         .Placeholder("N");

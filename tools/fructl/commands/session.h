@@ -10,6 +10,7 @@ struct SESSION_S : CONTROLLER_S
 {
     bool bVerbose = false;
     bool bJson = false;
+    std::string strColour;                // as --color says
     ExitCode enExitCode = ExitCode::Done; // of a command that did not fail
     std::optional<ExitCode> optFailure;   // of one that does, whatever the failure's own code
 };

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "terminal/console.h"
 
-#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
@@ -9,75 +8,50 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-static bool g_bColour = false;
+static ColourMode g_enMode = ColourMode::Auto;
 static FILE *g_pstOutput; // null: stdout itself
+
+void SetColourMode(ColourMode enMode)
+{
+    g_enMode = enMode;
+}
+
+std::optional<ColourMode> ParseColourMode(const std::string &strWord)
+{
+    return strWord == "auto"     ? std::optional<ColourMode>(ColourMode::Auto)
+           : strWord == "always" ? std::optional<ColourMode>(ColourMode::Always)
+           : strWord == "never"  ? std::optional<ColourMode>(ColourMode::Never)
+                                 : std::nullopt;
+}
 
 bool WantsColour(int iFd)
 {
+    if (g_enMode != ColourMode::Auto) {
+        return g_enMode == ColourMode::Always;
+    }
     // no-color.org: any non-empty value says no.
     const char *pcNoColor = getenv("NO_COLOR");
     return isatty(iFd) == 1 && (pcNoColor == nullptr || pcNoColor[0] == '\0');
 }
 
-void SetColour(bool bColour)
-{
-    g_bColour = bColour;
-}
-
 std::string Paint(Colour enColour, const std::string &strText)
 {
     static const char *const apcCodes[] = {"", "1", "2", "31", "32", "33", "34", "35", "36"};
-    if (!g_bColour || enColour == Colour::None || strText.empty()) {
+    if (enColour == Colour::None || strText.empty() || !WantsColour(OutputFd())) {
         return strText;
     }
     return std::string("\x1b[") + apcCodes[static_cast<size_t>(enColour)] + "m" + strText + "\x1b[0m";
-}
-
-Table::Table(const std::vector<const char *> &vecHeadings)
-{
-    std::vector<std::string> vecCells;
-    for (const char *pcHeading : vecHeadings) {
-        const bool bRight = pcHeading[0] == '>';
-        m_vecRight.push_back(bRight);
-        vecCells.emplace_back(bRight ? pcHeading + 1 : pcHeading);
-    }
-    Row(vecCells, std::vector<Colour>(vecCells.size(), Colour::Bold));
-}
-
-void Table::Row(std::vector<std::string> vecCells, std::vector<Colour> vecColours)
-{
-    vecCells.resize(m_vecRight.size());
-    vecColours.resize(m_vecRight.size(), Colour::None);
-    m_vecRows.push_back({std::move(vecCells), std::move(vecColours)});
-}
-
-std::string Table::Text() const
-{
-    std::vector<size_t> vecWidths(m_vecRight.size(), 0U);
-    for (const ROW_S &stRow : m_vecRows) {
-        for (size_t i = 0; i < vecWidths.size(); i++) {
-            vecWidths[i] = std::max(vecWidths[i], stRow.vecCells[i].size());
-        }
-    }
-    std::string strOut;
-    for (const ROW_S &stRow : m_vecRows) {
-        std::string strLine;
-        for (size_t i = 0; i < vecWidths.size(); i++) {
-            const std::string strGap(vecWidths[i] - stRow.vecCells[i].size(), ' ');
-            const std::string strCell = Paint(stRow.vecColours[i], stRow.vecCells[i]);
-            strLine += (i == 0U) ? "" : "  ";
-            strLine += m_vecRight[i] ? strGap + strCell : strCell + strGap;
-        }
-        strLine.erase(strLine.find_last_not_of(' ') + 1U);
-        strOut += strLine + "\n";
-    }
-    return strOut;
 }
 
 // Where Print() writes: standard output as the user gave it.
 static FILE *Output()
 {
     return g_pstOutput == nullptr ? stdout : g_pstOutput;
+}
+
+int OutputFd()
+{
+    return fileno(Output());
 }
 
 void Print(const std::string &strText)

@@ -39,14 +39,14 @@ ExitCode ExitCodeOf(ErrorClass enClass)
     return ExitCode::Failed;
 }
 
-std::string ExitCodesText()
+std::vector<std::pair<std::string, std::string>> ExitCodeRows()
 {
-    std::string strOut = "   0                 done\n";
+    std::vector<std::pair<std::string, std::string>> vecRows = {{" 0", "done"}};
     for (const CODE_S &stCode : CODES) {
-        strOut += Format("  %2d  %-13s  %s\n", static_cast<int>(stCode.enCode), ErrorWord(stCode.enClass),
-                         stCode.pcMeaning);
+        vecRows.emplace_back(Format("%2d  %s", static_cast<int>(stCode.enCode), ErrorWord(stCode.enClass)),
+                             stCode.pcMeaning);
     }
-    return strOut;
+    return vecRows;
 }
 
 Json FailureJson(const CONTROLLER_S &stController, const Error &stError, ExitCode enCode)

@@ -4,6 +4,8 @@
 #define FRUCTL_TERMINAL_FAILURE_H
 
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "toolkit/base/error.h"
 #include "toolkit/base/json.h"
@@ -28,8 +30,8 @@ enum class ExitCode
 
 ExitCode ExitCodeOf(ErrorClass enClass);
 
-// For the help: every code, its word and what it means, one a line.
-std::string ExitCodesText();
+// For the help: every code with its word, and what it means.
+std::vector<std::pair<std::string, std::string>> ExitCodeRows();
 
 // {"code", "exitCode", "message"}, with "device" where just one was named and "accepted" where that is known.
 Json FailureJson(const CONTROLLER_S &stController, const Error &stError, ExitCode enCode);
