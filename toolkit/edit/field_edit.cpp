@@ -10,13 +10,13 @@
 #include "toolkit/image/checksum.h"
 #include "toolkit/image/erased.h"
 #include "toolkit/image/field_code.h"
+#include "toolkit/image/mfg_date.h"
 #include "toolkit/image/names.h"
 
 namespace {
 
 constexpr size_t FIXED_AT = 2U; // behind version and length: chassis type or language
 constexpr size_t DATE_AT = 3U;
-constexpr u32 DATE_MAX = 0xFFFFFFU;
 constexpr u8 ENGLISH = 25U;
 constexpr size_t RECORD_DATA_MAX = 0xFFU;
 constexpr u8 RECORD_FORMAT = 2U;
@@ -59,20 +59,19 @@ u8 LanguageOf(const FIELD_EDIT_S &stEdit, u8 ucOld)
 u32 MfgMinutesOf(const FIELD_EDIT_S &stEdit)
 {
     if (stEdit.bNumber) {
-        const std::optional<u32> optMinutes = ParseNumber(stEdit.strValue, DATE_MAX);
+        const std::optional<u32> optMinutes = ParseNumber(stEdit.strValue, MFG_DATE_MAX);
         if (!optMinutes.has_value()) {
-            RefuseValue(stEdit, Format("0 to %u, minutes since 1996-01-01", DATE_MAX));
+            RefuseValue(stEdit, Format("0 to %u, minutes since 1996-01-01", MFG_DATE_MAX));
         }
         return *optMinutes;
     }
-    FRU_DATA_S stConverted = {};
-    const u32 uiRet = LIB_FRU_CaclMfgDateTime(stEdit.strValue.c_str(), &stConverted);
-    const u8 *pucDate = stConverted.stBoardInfo.aucMfgDateTime;
-    const std::string strRead = MfgDateText(pucDate);
-    if (uiRet != FRU_OK || (strRead != stEdit.strValue && strRead != stEdit.strValue + " 00:00:00")) {
-        RefuseValue(stEdit, "YYYY-MM-DD or YYYY-MM-DD HH:MM:00, 1996-01-01 to 2027-11-24");
+    const MFG_DATE_S stDate =
+        ParseMfgDate(stEdit.strValue.empty() ? MFG_DATE_UNSPECIFIED : stEdit.strValue, stEdit.bWrap);
+    if (!stDate.strWhyNot.empty()) {
+        FailRefused(stEdit.strName + ": '" + EscapeText(stEdit.strValue) + "' is refused, for " +
+                    stDate.strWhyNot + "; accepted: " + MFG_DATES_ACCEPTED);
     }
-    return pucDate[0] | static_cast<u32>(pucDate[1]) << 8U | static_cast<u32>(pucDate[2]) << 16U;
+    return stDate.uiMinutes;
 }
 
 // The edits of one image, made on its parts.
@@ -151,9 +150,7 @@ void Editor::SetFixed(const FIELD_EDIT_S &stEdit, Kind enKind, INFO_PARTS_S &stI
         vecPrefix[FIXED_AT] = LanguageOf(stEdit, vecPrefix[FIXED_AT]);
     } else {
         const u32 uiMinutes = MfgMinutesOf(stEdit);
-        for (u32 i = 0; i < 3U; i++) {
-            vecPrefix[DATE_AT + i] = static_cast<u8>(uiMinutes >> (8U * i));
-        }
+        StoreMfgDate(uiMinutes, &vecPrefix[DATE_AT]);
     }
 }
 
