@@ -147,11 +147,37 @@ inline BYTES Cached(size_t uiSize)
     return vecImage;
 }
 
-// After whatever was asked: a refusal has changed nothing, and EEPROM and cache hold the same.
-inline void CheckDevice(const BYTES &vecBefore, bool bAccepted)
+// What a device and its cache hold.
+struct STATE_S
 {
-    Require(bAccepted || memory::Eeprom() == vecBefore);
-    Require(Cached(vecBefore.size()) == memory::Eeprom());
+    BYTES vecEeprom;
+    BYTES vecCached;
+};
+
+inline STATE_S State()
+{
+    return {memory::Eeprom(), Cached(memory::Eeprom().size())};
+}
+
+// After whatever was asked: a refusal has changed nothing. What was accepted stands in EEPROM and cache; behind a
+// written image the cache has zeros, and the EEPROM what it had.
+inline void CheckDevice(const STATE_S &stBefore, bool bAccepted)
+{
+    const STATE_S stNow = State();
+    if (!bAccepted) {
+        Require(stNow.vecEeprom == stBefore.vecEeprom && stNow.vecCached == stBefore.vecCached);
+        return;
+    }
+    const bool bCacheKept = stNow.vecCached == stBefore.vecCached;
+    const bool bChipKept = stNow.vecEeprom == stBefore.vecEeprom;
+    const auto itDiffers =
+        std::mismatch(stNow.vecEeprom.begin(), stNow.vecEeprom.end(), stNow.vecCached.begin()).first;
+    const auto uiAgreed = itDiffers - stNow.vecEeprom.begin();
+    const bool bZeros = std::all_of(stNow.vecCached.begin() + uiAgreed, stNow.vecCached.end(),
+                                    [](u8 ucByte) { return ucByte == 0U; });
+    const bool bUntouched =
+        std::equal(itDiffers, stNow.vecEeprom.end(), stBefore.vecEeprom.begin() + uiAgreed);
+    Require((bCacheKept && bChipKept) || (bZeros && bUntouched));
 }
 
 } // namespace fuzz

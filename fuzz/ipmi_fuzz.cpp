@@ -17,7 +17,7 @@ void Write(fuzz::Input &stInput)
     const fuzz::BYTES vecData = stInput.Bytes(stInput.Byte());
     vecReq.insert(vecReq.end(), vecData.begin(), vecData.end());
     fuzz::BYTES vecWanted = memory::Eeprom();
-    const fuzz::BYTES vecBefore = vecWanted;
+    const fuzz::STATE_S stBefore = fuzz::State();
     u8 aucRes[RESPONSE_MAX] = {0xEE};
     const u32 uiLength =
         LIB_FRU_WriteFRUData(fuzz::Exact(vecReq).get(), static_cast<u32>(vecReq.size()), aucRes);
@@ -28,7 +28,7 @@ void Write(fuzz::Input &stInput)
         std::copy(vecData.begin(), vecData.end(), vecWanted.begin() + static_cast<long>(uiOffset));
         fuzz::Require(memory::Eeprom() == vecWanted);
     }
-    fuzz::CheckDevice(vecBefore, bDone);
+    fuzz::CheckDevice(stBefore, bDone);
 }
 
 void ReadBytes(fuzz::Input &stInput)

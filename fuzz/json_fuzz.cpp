@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
-// Fuzzes the reader of a record as JSON, and of an image as hex: what a description is taken for is printed as one that
-// gives the same record again. Input: the document; one that begins with an offset or a digit is a hex image.
+// Fuzzes the readers of a record as JSON, of an image as hex and of names with values: what a description is taken for
+// is printed as one that gives the same record again. Input: the document; one that begins with a digit is a hex image,
+// one that begins with a small letter a name.
 #include "fuzz.h"
 #include "toolkit/base/error.h"
+#include "toolkit/base/name_value.h"
 #include "toolkit/image/image_file.h"
 #include "toolkit/image/record_json.h"
 
@@ -15,7 +17,7 @@ RECORD_VIEW_S Built(const nlohmann::json &stDocument)
     return ViewRecord(*stRecord.Data());
 }
 
-void Json(const std::string &strText)
+void Document(const std::string &strText)
 {
     const nlohmann::json stDocument = nlohmann::json::parse(strText, nullptr, false);
     if (stDocument.is_discarded()) {
@@ -41,12 +43,27 @@ void Hex(const std::string &strText)
     }
 }
 
+// "name=value"; names are told apart whole.
+void NameValues(const std::string &strText)
+{
+    static const std::vector<SETTABLE_S> TABLE = {{"system-name", "System Name"}, {"serial", "Serial"}};
+    try {
+        const std::vector<NAME_VALUE_S> vecValues = ParseNameValues({strText}, TABLE);
+        fuzz::Require(vecValues.size() == 1U && vecValues[0].uiIndex < TABLE.size());
+        const std::string strName = TABLE[vecValues[0].uiIndex].pcName;
+        fuzz::Require(strText.compare(0, strName.size() + 1U, strName + "=") == 0);
+    } catch (const Error &) {
+        return;
+    }
+}
+
 } // namespace
 
 int LLVMFuzzerTestOneInput(const u8 *pucData, size_t uiSize)
 {
     const std::string strText(pucData, pucData + uiSize);
     const bool bHex = !strText.empty() && isxdigit(pucData[0]) != 0;
-    bHex ? Hex(strText) : Json(strText);
+    const bool bName = !strText.empty() && islower(pucData[0]) != 0;
+    bHex ? Hex(strText) : bName ? NameValues(strText) : Document(strText);
     return 0;
 }

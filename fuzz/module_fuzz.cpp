@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // Fuzzes what the simulator's module puts in front of the handlers: requests of any length for any command, with any room
 // for the answer. No answer is longer than its room, and none is empty. Input: device size, then requests.
+#include <cstdio>
 #include <cstdlib>
 
 #include "bmcfru_host.h"
@@ -26,9 +27,9 @@ const char *LockRoot()
 
 } // namespace
 
-u32 BMCHOST_ResolvePath(const char *, u32 uiSize, char *pcResolved)
+u32 BMCHOST_ResolvePath(const char *, size_t uiSize, char *pcResolved)
 {
-    return BMC_Scnprintf(pcResolved, uiSize, "%s", LockRoot()) > 0 ? 0U : 1U;
+    return snprintf(pcResolved, uiSize, "%s", LockRoot()) > 0 ? 0U : 1U;
 }
 
 int LLVMFuzzerTestOneInput(const u8 *pucData, size_t uiSize)
@@ -41,7 +42,7 @@ int LLVMFuzzerTestOneInput(const u8 *pucData, size_t uiSize)
         const u8 ucCommand = stInput.Byte();
         const u32 uiRoom = stInput.Byte();
         const fuzz::BYTES vecReq = stInput.Bytes(stInput.Byte());
-        const fuzz::BYTES vecBefore = memory::Eeprom();
+        const fuzz::STATE_S stBefore = fuzz::State();
         const std::unique_ptr<u8[]> upReq = fuzz::Exact(vecReq);
         const std::unique_ptr<u8[]> upRes = fuzz::Exact(fuzz::BYTES(uiRoom));
         const u32 uiLength = static_cast<u32>(vecReq.size());
@@ -51,7 +52,7 @@ int LLVMFuzzerTestOneInput(const u8 *pucData, size_t uiSize)
                               ? stRepository.Answer(ucSdr, upReq.get(), uiLength, uiRoom, upRes.get())
                               : AnswerFruRequest(ucFru, upReq.get(), uiLength, uiRoom, upRes.get());
         fuzz::Require(uiRes <= uiRoom && (uiRes != 0U || uiRoom == 0U));
-        fuzz::CheckDevice(vecBefore, uiRoom != 0U && upRes[0] == FRU_CC_OK);
+        fuzz::CheckDevice(stBefore, uiRoom != 0U && upRes[0] == FRU_CC_OK);
     }
     return 0;
 }

@@ -40,11 +40,11 @@ void Update(fuzz::Input &stInput)
     const std::unique_ptr<u8[]> upValue = fuzz::Exact(vecValue);
     stParam.pucBuf = upValue.get();
     stParam.uiLength = static_cast<u32>(vecValue.size());
-    const fuzz::BYTES vecBefore = memory::Eeprom();
+    const fuzz::STATE_S stBefore = fuzz::State();
     bool bDecoded = false;
     const bool bRoom = OnChip(&bDecoded).vecMultiRecord.size() < FRU_MULTIRECORD_MAX;
     const u32 uiRet = FRU_innerUpdateMultiRecord(&stParam);
-    fuzz::CheckDevice(vecBefore, uiRet == FRU_OK);
+    fuzz::CheckDevice(stBefore, uiRet == FRU_OK);
     if (uiRet == FRU_OK && bRoom) {
         fuzz::BYTES vecData(FRU_MR_GUID_LEN);
         if (bGuid) {
@@ -73,8 +73,8 @@ int LLVMFuzzerTestOneInput(const u8 *pucData, size_t uiSize)
     for (u32 i = 0; i < UPDATES_MAX && stInput.Left() != 0U; i++) {
         Update(stInput);
     }
-    const fuzz::BYTES vecBefore = memory::Eeprom();
-    fuzz::CheckDevice(vecBefore, FRU_syncAllMultiRecords() == FRU_OK);
+    const fuzz::STATE_S stBefore = fuzz::State();
+    fuzz::CheckDevice(stBefore, FRU_syncAllMultiRecords() == FRU_OK);
     FRU_destroyMultiRecords();
     return 0;
 }

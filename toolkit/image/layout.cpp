@@ -112,10 +112,14 @@ void LayoutWalker::Areas()
         }
     }
     std::sort(vecStarts.begin(), vecStarts.end());
-    for (size_t i = 0; i < vecStarts.size(); i++) {
-        const auto [uiStart, enArea] = vecStarts[i];
+    for (const auto &stStart : vecStarts) {
+        const u32 uiStart = stStart.first;
+        const Area enArea = stStart.second;
         m_stLayout.vecAreas.push_back(enArea);
-        const u32 uiNextArea = i + 1U < vecStarts.size() ? vecStarts[i + 1U].first : m_uiStored;
+        // One that starts in the same place is no bound: it overlaps.
+        const auto itNext = std::find_if(vecStarts.begin(), vecStarts.end(),
+                                         [&](const auto &stOther) { return stOther.first > uiStart; });
+        const u32 uiNextArea = itNext != vecStarts.end() ? itNext->first : m_uiStored;
         if (enArea == Area::InternalUse) {
             InternalUse(uiStart, uiNextArea);
         } else if (enArea == Area::MultiRecord) {
