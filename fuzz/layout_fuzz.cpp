@@ -22,11 +22,13 @@ int LLVMFuzzerTestOneInput(const u8 *pucData, size_t uiSize)
     const size_t uiStored = vecBytes.size();
     const IMAGE_S stImage =
         (uiHow & 4U) != 0U ? IMAGE_S{Source::Eeprom, vecBytes, uiStored} : FileImage(vecBytes);
-    const IMAGE_LAYOUT_S stLayout = LayoutOf(stImage, bFixedSlots);
+    const bool bPass = (uiHow & 8U) != 0U;
+    const IMAGE_LAYOUT_S stLayout = bPass ? WalkImage(stImage.vecBytes, uiStored, bFixedSlots, Damage::Passed)
+                                          : LayoutOf(stImage, bFixedSlots);
     u32 uiBefore = 0;
     fuzz::BYTES vecTold(uiStored);
     for (const SPAN_S &stSpan : stLayout.vecSpans) {
-        fuzz::Require(stSpan.uiOffset >= uiBefore && stSpan.uiOffset + stSpan.uiLength <= uiStored);
+        fuzz::Require(stSpan.uiOffset >= uiBefore && size_t{stSpan.uiOffset} + stSpan.uiLength <= uiStored);
         std::fill_n(vecTold.begin() + stSpan.uiOffset, stSpan.uiLength, u8{1});
         uiBefore = stSpan.uiOffset;
     }
