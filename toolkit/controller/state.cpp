@@ -26,6 +26,29 @@ CacheState CacheStateOf(const DEVICE_S &stDevice, const std::optional<IMAGE_S> &
 
 } // namespace
 
+const std::vector<const char *> &ImageStateNames()
+{
+    static const std::vector<const char *> vecNames = {"sound", "damaged", "erased", "unreadable",
+                                                       "no record"};
+    return vecNames;
+}
+
+const std::vector<const char *> &CacheStateNames()
+{
+    static const std::vector<const char *> vecNames = {"none", "same", "differs", "not trusted", "only"};
+    return vecNames;
+}
+
+const char *ImageStateName(ImageState enState)
+{
+    return ImageStateNames()[static_cast<size_t>(enState)];
+}
+
+const char *CacheStateName(CacheState enState)
+{
+    return CacheStateNames()[static_cast<size_t>(enState)];
+}
+
 STATE_S StateOf(const DEVICE_S &stDevice)
 {
     if (!stDevice.bHasInfo) {

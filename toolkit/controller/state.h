@@ -3,6 +3,8 @@
 #ifndef TOOLKIT_CONTROLLER_STATE_H
 #define TOOLKIT_CONTROLLER_STATE_H
 
+#include <vector>
+
 #include "toolkit/controller/device.h"
 
 enum class ImageState
@@ -22,6 +24,12 @@ enum class CacheState
     NotTrusted,
     Only // the device has no other image
 };
+
+// "sound", "not trusted"; and all of them.
+const char *ImageStateName(ImageState enState);
+const char *CacheStateName(CacheState enState);
+const std::vector<const char *> &ImageStateNames();
+const std::vector<const char *> &CacheStateNames();
 
 struct STATE_S
 {

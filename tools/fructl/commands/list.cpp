@@ -11,18 +11,6 @@
 
 namespace {
 
-const char *ImageWord(ImageState enState)
-{
-    static const char *const apcWords[] = {"sound", "damaged", "erased", "unreadable", "no record"};
-    return apcWords[static_cast<size_t>(enState)];
-}
-
-const char *CacheWord(CacheState enState)
-{
-    static const char *const apcWords[] = {"none", "same", "differs", "not trusted", "only"};
-    return apcWords[static_cast<size_t>(enState)];
-}
-
 void RunList(const SESSION_S &stSession)
 {
     const std::vector<DEVICE_S> vecDevices = LoadDevices(stSession);
@@ -31,8 +19,8 @@ void RunList(const SESSION_S &stSession)
     for (const DEVICE_S &stDevice : vecDevices) {
         const FRU_DEVICE_INFO_S &stInfo = stDevice.stInfo;
         const STATE_S stState = StateOf(stDevice);
-        const std::string strImage = ImageWord(stState.enImage);
-        const std::string strCache = CacheWord(stState.enCache);
+        const std::string strImage = ImageStateName(stState.enImage);
+        const std::string strCache = CacheStateName(stState.enCache);
         Json stJson = DeviceJson(stDevice);
         stJson.update({{"bus", stInfo.ucBusNumber},
                        {"address", stInfo.ucAddress},
