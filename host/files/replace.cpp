@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 // Reading files whole, and putting new ones in their place.
+#include <atomic>
 #include <cerrno>
+#include <cstdint>
+#include <cstring>
 #include <ctime>
 #include <dirent.h>
 #include <fcntl.h>
@@ -21,11 +24,21 @@ constexpr time_t g_iTidyAgeSeconds = 60;         // a younger one may not have i
 constexpr int g_iNameTries = 16;
 constexpr size_t g_uiChunk = 65536;
 
+std::atomic<uint32_t> g_uiNames; // made without anything random
+
 std::string RandomName()
 {
     unsigned char aucRandom[12] = {};
-    // Before the kernel's source is ready there is no attacker either; O_EXCL holds all the same.
-    (void)!getrandom(aucRandom, sizeof(aucRandom), GRND_NONBLOCK);
+    if (getrandom(aucRandom, sizeof(aucRandom), GRND_NONBLOCK) != static_cast<ssize_t>(sizeof(aucRandom))) {
+        // A controller that has just started has nothing random yet: names that nobody else has will do, for
+        // O_EXCL holds all the same.
+        struct timespec stNow = {};
+        (void)clock_gettime(CLOCK_REALTIME, &stNow);
+        const uint32_t auiParts[] = {static_cast<uint32_t>(getpid()), g_uiNames++,
+                                     static_cast<uint32_t>(stNow.tv_sec ^ stNow.tv_nsec)};
+        static_assert(sizeof(auiParts) == sizeof(aucRandom));
+        (void)memcpy(aucRandom, auiParts, sizeof(auiParts));
+    }
     std::string strName = g_acTempPrefix;
     for (const unsigned char ucByte : aucRandom) {
         constexpr char acDigits[] = "0123456789abcdef";

@@ -14,6 +14,7 @@ namespace {
 std::vector<std::string> g_vecSteps;
 size_t g_uiWriteMost; // 0: as many as are asked for
 unsigned g_uiWrites;
+bool g_bNothingRandom; // as on a controller that has just started
 
 } // namespace
 
@@ -44,6 +45,15 @@ extern "C" ssize_t write(int iFd, const void *pBytes, size_t uiLength)
     return static_cast<ssize_t>(syscall(SYS_write, iFd, pBytes, uiLength));
 }
 
+extern "C" ssize_t getrandom(void *pBytes, size_t uiLength, unsigned uiFlags)
+{
+    if (g_bNothingRandom) {
+        errno = EAGAIN;
+        return -1;
+    }
+    return static_cast<ssize_t>(syscall(SYS_getrandom, pBytes, uiLength, uiFlags));
+}
+
 namespace {
 
 class Durable : public Scratch
@@ -59,6 +69,7 @@ class Durable : public Scratch
     void TearDown() override
     {
         g_uiWriteMost = 0U;
+        g_bNothingRandom = false;
         Scratch::TearDown();
     }
 };
@@ -86,6 +97,19 @@ TEST_F(Durable, ShortAndInterruptedWritesAreGoneOnWith)
     EXPECT_EQ(Read("old"), strContent);
     EXPECT_EQ(files::Copy(At("old"), At("copy")), 0);
     EXPECT_EQ(Read("copy"), strContent);
+}
+
+TEST_F(Durable, NewFilesHaveNamesOfTheirOwnBeforeTheKernelHasAnythingRandom)
+{
+    g_bNothingRandom = true;
+    files::NewFile stFirst;
+    files::NewFile stSecond;
+    EXPECT_EQ(stFirst.Open(At("first")), 0);
+    EXPECT_EQ(stSecond.Open(At("second")), 0);
+    EXPECT_NE(stFirst.TempName(), stSecond.TempName());
+    EXPECT_EQ(stSecond.Commit(), 0);
+    EXPECT_EQ(stFirst.Commit(), 0);
+    EXPECT_EQ(Names(), (std::vector<std::string>{"first", "old", "second"}));
 }
 
 } // namespace
