@@ -39,6 +39,11 @@ class Setup(InstallTest):
         for strWord in ("armhf", "arm-linux", "qemu", "clang", "openipmi", "gtest", "lintian"):
             self.assertNotIn(strWord, strAll)
 
+    def test_only_the_emulated_controller_brings_an_emulator_of_a_machine(self):
+        for strFor, bWanted in (("demo", False), ("test", False), ("target", True)):
+            _, asLines = self.setup(strFor, "--dry-run")
+            self.assertEqual("qemu-system-arm" in "\n".join(asLines).split(), bWanted, strFor)
+
     def test_what_is_done_is_told_before_it_is_done(self):
         iCode, asLines = self.setup("test")
         self.assertEqual(iCode, 0)
@@ -50,7 +55,7 @@ class Setup(InstallTest):
     def test_everything_else_is_refused_with_the_usage(self):
         done = subprocess.run([SOURCE / "scripts/setup", "everything"], capture_output=True, text=True)
         self.assertEqual(done.returncode, 2)
-        self.assertIn("usage: scripts/setup [demo|test] [--dry-run]", done.stderr)
+        self.assertIn("usage: scripts/setup [demo|test|target] [--dry-run]", done.stderr)
 
 
 if __name__ == "__main__":
