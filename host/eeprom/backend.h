@@ -12,7 +12,7 @@
  * chip, pages, pages that hold the bytes already, reading back what was written, the write-protect line,
  * progress, messages. A table moves bytes.
  *
- * How a loaded back end is added: its name goes into LOADED in registry.cpp, and a shared library
+ * How a loaded back end is added: its name goes into g_apcLoaded in registry.cpp, and a shared library
  * libbmcfruhost-<name>.so beside libbmcfruhost.so exports one C function
  *
  *     const BMCHOST_BACKEND_S *BMCHOST_GetBackend(void);

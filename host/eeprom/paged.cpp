@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "eeprom/registry.h"
+#include "eeprom/write_protect.h"
 
 namespace host {
 
@@ -32,7 +33,7 @@ class Chip
     bool Open(bool bWrite);
     // With the chip's lock held; an errno value.
     int Read(u32 uiOffset, u32 uiLength, u8 *pucBuf);
-    int WritePage(u32 uiDone, u32 uiPage);
+    int WritePage(WriteEnable *pstEnable, u32 uiDone, u32 uiPage);
     // What lies ahead of the chip's end.
     u32 Held() const
     {
@@ -48,6 +49,8 @@ class Chip
     i32 Failed(const char *pcWhat, int iError) const;
 
   private:
+    int Enable(WriteEnable *pstEnable);
+
     const SELECTION_S &m_stSelection;
     const TRANSFER_S &m_stTransfer;
     BMCHOST_BACKEND_OPEN_S m_stOpen = {};
@@ -101,7 +104,15 @@ int Chip::Read(u32 uiOffset, u32 uiLength, u8 *pucBuf)
     return 0;
 }
 
-int Chip::WritePage(u32 uiDone, u32 uiPage)
+int Chip::Enable(WriteEnable *pstEnable)
+{
+    std::string strWhy;
+    const int iError = pstEnable->Begin(&strWhy);
+    (void)BMC_Strlcpy(m_stOpen.acWhy, strWhy.c_str(), sizeof(m_stOpen.acWhy));
+    return iError;
+}
+
+int Chip::WritePage(WriteEnable *pstEnable, u32 uiDone, u32 uiPage)
 {
     const u32 uiAt = m_stTransfer.uiOffset + uiDone;
     const u8 *pucNew = m_stTransfer.pucBuf + uiDone;
@@ -110,6 +121,10 @@ int Chip::WritePage(u32 uiDone, u32 uiPage)
     int iError = Read(uiAt, uiPage, vecOld.data());
     // A page that holds the bytes already is left alone: it costs a chip's life, and time.
     if (iError != 0 || memcmp(vecOld.data(), pucNew, uiPage) == 0) {
+        return iError;
+    }
+    iError = Enable(pstEnable);
+    if (iError != 0) {
         return iError;
     }
     iError = m_stSelection.pstBackend->pfnWrite(&m_stOpen, uiAt, uiPage, pucNew);
@@ -142,38 +157,78 @@ int TakeLock(files::LockFile *pstLock, const std::string &strChip)
     return iError;
 }
 
-i32 WritePages(Chip *pstChip, files::LockFile *pstLock, const TRANSFER_S &stTransfer, u32 uiTotal)
+// A line that a killed writer has left released is asserted before anything else is done with the chip.
+void ProtectLeftOver(const std::string &strChip)
+{
+    if (!IsLeftEnabled(strChip)) {
+        return;
+    }
+    std::string strWhy;
+    const int iError = ProtectAgain(strChip, &strWhy);
+    if (iError != 0) {
+        HOST_LOG(BMC_DIAG_ERROR, "EEPROM %s: %s", strChip.c_str(),
+                 strWhy.empty() ? files::Reason(iError).c_str() : strWhy.c_str());
+    }
+}
+
+i32 WritePages(Chip *pstChip, files::LockFile *pstLock, WriteEnable *pstEnable, const TRANSFER_S &stTransfer,
+               u32 uiTotal)
 {
     u32 uiDone = 0;
     while (uiDone < uiTotal) {
         const u32 uiAt = stTransfer.uiOffset + uiDone;
         const u32 uiPage = pstChip->Page(uiAt, uiTotal - uiDone);
         int iError = pstLock->IsHeld() ? 0 : pstLock->Resume(g_uiLockPatienceMs);
-        iError = iError == 0 ? pstChip->WritePage(uiDone, uiPage) : iError;
+        iError = iError == 0 ? pstChip->WritePage(pstEnable, uiDone, uiPage) : iError;
         if (iError != 0) {
             return pstChip->Failed("writing", iError);
         }
-        pstLock->Pause(); // others may read between two pages
+        if (!pstEnable->HasLine()) {
+            pstLock
+                ->Pause(); // others may read between two pages, where they do not take the line for left over
+        }
         uiDone += uiPage;
         if (stTransfer.pfnProgress != nullptr) {
             const BMCHOST_EEPROM_PROGRESS_S stStep = {stTransfer.strChip.c_str(), uiAt, uiDone, uiTotal};
             stTransfer.pfnProgress(&stStep, stTransfer.pContext);
         }
     }
+    std::string strWhy;
+    if (pstEnable->End(&strWhy) != 0) {
+        HOST_LOG(BMC_DIAG_ERROR, "EEPROM %s: %s", stTransfer.strChip.c_str(), strWhy.c_str());
+        return g_iNoTransfer; // the bytes are there, but nobody may think that all is as before
+    }
     return static_cast<i32>(uiDone);
 }
 
-} // namespace
+// The lock that nobody has had yet; an errno value where we may not.
+int TakeFirst(files::LockFile *pstLock, const std::string &strChip)
+{
+    try {
+        return TakeLock(pstLock, strChip);
+    } catch (const std::exception &) {
+        return EACCES;
+    }
+}
 
-i32 ReadThrough(const SELECTION_S &stSelection, const TRANSFER_S &stTransfer)
+// A line left released, found by one who only reads; a guest in the root may not, and reads all the same.
+void ProtectForReader(const std::string &strChip)
+{
+    try {
+        files::LockFile stWriters;
+        if (TakeLock(&stWriters, strChip) == 0) { // else a writer is at work
+            ProtectLeftOver(strChip);
+        }
+    } catch (const std::exception &error) {
+        HOST_LOG(BMC_DIAG_WARNING, "EEPROM %s: its write-protect line may be released: %s", strChip.c_str(),
+                 error.what());
+    }
+}
+
+// With the lock of the chip, where there is one.
+i32 ReadLocked(const SELECTION_S &stSelection, const TRANSFER_S &stTransfer)
 {
     Chip stChip(stSelection, stTransfer);
-    files::LockFile stLock; // no page of a write comes in between
-    const int iLock = stLock.Share(PlaceOf(LockPath(stTransfer.strChip).c_str()), g_uiLockPatienceMs);
-    // Without a lock file nobody has written yet; without the right to it we are a guest who reads.
-    if (iLock == ETIMEDOUT) {
-        return stChip.Failed("locking for", iLock);
-    }
     if (!stChip.Open(false)) {
         return g_iNoTransfer;
     }
@@ -184,21 +239,50 @@ i32 ReadThrough(const SELECTION_S &stSelection, const TRANSFER_S &stTransfer)
     return iError == 0 ? static_cast<i32>(uiTotal) : stChip.Failed("reading", iError);
 }
 
+} // namespace
+
+i32 ReadThrough(const SELECTION_S &stSelection, const TRANSFER_S &stTransfer)
+{
+    if (IsLeftEnabled(stTransfer.strChip)) {
+        ProtectForReader(stTransfer.strChip);
+    }
+    const files::PLACE_S stPlace = PlaceOf(LockPath(stTransfer.strChip).c_str());
+    files::LockFile stLock; // no page of a write comes in between
+    int iLock = stLock.Share(stPlace, g_uiLockPatienceMs);
+    if (iLock == ENOENT) {
+        iLock = TakeFirst(&stLock, stTransfer.strChip); // a real chip answers nobody while somebody writes it
+    }
+    if (iLock == ETIMEDOUT) {
+        return Chip(stSelection, stTransfer).Failed("locking for reading", iLock);
+    }
+    // Without the right to the lock file we are a guest who reads.
+    const i32 iCount = ReadLocked(stSelection, stTransfer);
+    if (iLock != 0 && iCount > 0 && stLock.Share(stPlace, g_uiLockPatienceMs) == 0) {
+        return ReadLocked(stSelection, stTransfer); // the first writer came meanwhile
+    }
+    return iCount;
+}
+
 i32 WriteThrough(const SELECTION_S &stSelection, const TRANSFER_S &stTransfer)
 {
     Chip stChip(stSelection, stTransfer);
     files::LockFile stLock;
     const int iLock = TakeLock(&stLock, stTransfer.strChip);
     if (iLock != 0) {
-        return stChip.Failed("locking for", iLock);
+        return stChip.Failed("locking for writing", iLock);
     }
+    ProtectLeftOver(stTransfer.strChip);
     if (!stChip.Open(true)) {
         return g_iNoTransfer;
     }
     const u32 uiTotal = stChip.Held();
     u8 ucProbe = 0;
     const int iError = uiTotal == 0U ? stChip.Read(0U, 1U, &ucProbe) : 0;
-    return iError == 0 ? WritePages(&stChip, &stLock, stTransfer, uiTotal) : stChip.Failed("reading", iError);
+    if (iError != 0) {
+        return stChip.Failed("reading", iError);
+    }
+    WriteEnable stEnable(stTransfer.strChip, ReadProtectLine(stSelection.strSettings));
+    return WritePages(&stChip, &stLock, &stEnable, stTransfer, uiTotal);
 }
 
 } // namespace host

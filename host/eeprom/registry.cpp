@@ -9,6 +9,7 @@ namespace host {
 
 namespace {
 
+constexpr const BMCHOST_BACKEND_S *g_apstBuiltIn[] = {&g_stI2cBackend, &g_stKernelBackend};
 // In libraries of their own, libbmcfruhost-<name>.so.
 constexpr const char *g_apcLoaded[] = {"ipmi"};
 
@@ -48,6 +49,11 @@ const BMCHOST_BACKEND_S *FindBackend(const std::string &strName, std::string *ps
             return stLoaded.pstBackend;
         }
     }
+    for (const BMCHOST_BACKEND_S *pstBuiltIn : g_apstBuiltIn) {
+        if (strName == pstBuiltIn->pcName) {
+            return pstBuiltIn;
+        }
+    }
     *pstrWhy = "there is no back end '" + strName + "'; accepted: " + BackendNames();
     return nullptr;
 }
@@ -55,6 +61,9 @@ const BMCHOST_BACKEND_S *FindBackend(const std::string &strName, std::string *ps
 std::string BackendNames()
 {
     std::string strNames = "file";
+    for (const BMCHOST_BACKEND_S *pstBuiltIn : g_apstBuiltIn) {
+        strNames += std::string(", ") + pstBuiltIn->pcName;
+    }
     for (const char *pcLoaded : g_apcLoaded) {
         strNames += std::string(", ") + pcLoaded;
     }

@@ -11,6 +11,10 @@
 
 namespace host {
 
+// Those that are part of this library.
+extern const BMCHOST_BACKEND_S g_stKernelBackend;
+extern const BMCHOST_BACKEND_S g_stI2cBackend;
+
 // The back end of that name; null with the reason. A loaded one is loaded now.
 const BMCHOST_BACKEND_S *FindBackend(const std::string &strName, std::string *pstrWhy);
 // "file, i2c, ipmi, kernel", for messages.

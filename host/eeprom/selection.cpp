@@ -4,6 +4,8 @@
 #include <map>
 
 #include "eeprom/registry.h"
+#include "eeprom/settings.h"
+#include "eeprom/write_protect.h"
 #include "support/json_line.h"
 
 namespace host {
@@ -109,6 +111,11 @@ std::string SettingsProblem(const std::string &strSettings)
     const BMCHOST_BACKEND_S *pstBackend = FindBackend(strBackend, &strWhy);
     if (pstBackend == nullptr) {
         return strWhy;
+    }
+    try {
+        (void)ReadProtectLine(strSettings);
+    } catch (const SettingsError &error) {
+        return error.what();
     }
     char acWhy[2U * BMCHOST_BACKEND_TEXT] = "";
     if (pstBackend->pfnCheck(strSettings.c_str(), sizeof(acWhy), acWhy) == 0) {

@@ -21,11 +21,13 @@ extern "C" {
 
 /* ---- the root and what lies in it (controller's paths) ---- */
 
-#define BMCHOST_DB_FILE "/var/lib/fru/fru.db"             /* the database, made when first opened */
-#define BMCHOST_EEPROM_DIR "/eeprom"                      /* one image file for each chip */
-#define BMCHOST_EEPROM_CONF "/conf/eeproms.json"          /* chips that are no image files */
-#define BMCHOST_LOCK_DIR "/var/lock"                      /* lock files, of mode 0600 or 0660 */
-#define BMCHOST_JOURNAL_DIR "/var/lib/fru/journal"        /* one file for each write that is not finished */
+#define BMCHOST_DB_FILE "/var/lib/fru/fru.db"      /* the database, made when first opened */
+#define BMCHOST_EEPROM_DIR "/eeprom"               /* one image file for each chip */
+#define BMCHOST_EEPROM_CONF "/conf/eeproms.json"   /* chips that are no image files */
+#define BMCHOST_LOCK_DIR "/var/lock"               /* lock files, of mode 0600 or 0660 */
+#define BMCHOST_JOURNAL_DIR "/var/lib/fru/journal" /* one file for each write that is not finished */
+#define BMCHOST_WRITE_ENABLED_DIR                                                                            \
+    "/var/lib/fru/write-enabled"                          /* chips whose write-protect line is released */
 #define BMCHOST_EVENT_JOURNAL "/var/log/fru-events.jsonl" /* RPC: events and notices, one a line */
 #define BMCHOST_OPERATE_JOURNAL "/var/log/operate.jsonl"  /* operation log, one entry a line */
 #define BMCHOST_CAPABILITY_FILE "/conf/capability.ini"    /* capabilities and the OEM flag */
