@@ -12,7 +12,7 @@ namespace host {
 
 namespace {
 
-constexpr u32 g_uiReadBackMax = 4096; // a page as a back end may declare it
+constexpr u32 g_uiPageMost = 4096; // as a back end may declare it
 
 // A chip, opened for one transfer.
 class Chip
@@ -49,6 +49,8 @@ class Chip
     i32 Failed(const char *pcWhat, int iError) const;
 
   private:
+    std::string Name() const;
+    std::string Reason(int iError) const;
     int Enable(WriteEnable *pstEnable);
 
     const SELECTION_S &m_stSelection;
@@ -57,13 +59,21 @@ class Chip
     bool m_bOpen = false;
 };
 
+std::string Chip::Reason(int iError) const
+{
+    return m_stOpen.acWhy[0] == '\0' ? files::Reason(iError) : m_stOpen.acWhy;
+}
+
+std::string Chip::Name() const
+{
+    return m_stTransfer.strChip +
+           (m_stOpen.acWhere[0] == '\0' ? "" : std::string(" (") + m_stOpen.acWhere + ")");
+}
+
 i32 Chip::Failed(const char *pcWhat, int iError) const
 {
-    const std::string strWhere =
-        m_stOpen.acWhere[0] == '\0' ? "" : std::string(" (") + m_stOpen.acWhere + ")";
-    const std::string strWhy = m_stOpen.acWhy[0] == '\0' ? files::Reason(iError) : m_stOpen.acWhy;
-    HOST_LOG(BMC_DIAG_ERROR, "EEPROM %s%s: %s %u bytes at %#x: %s", m_stTransfer.strChip.c_str(),
-             strWhere.c_str(), pcWhat, m_stTransfer.uiLength, m_stTransfer.uiOffset, strWhy.c_str());
+    HOST_LOG(BMC_DIAG_ERROR, "EEPROM %s: %s %u bytes at %#x: %s", Name().c_str(), pcWhat,
+             m_stTransfer.uiLength, m_stTransfer.uiOffset, Reason(iError).c_str());
     return g_iNoTransfer;
 }
 
@@ -72,15 +82,15 @@ bool Chip::Open(bool bWrite)
     const std::string strRoot = PlaceOf("/").strBase;
     const BMCHOST_BACKEND_CHIP_S stChip = {m_stTransfer.strChip.c_str(), m_stSelection.strSettings.c_str(),
                                            strRoot.c_str(), bWrite ? 1U : 0U};
-    const int iError = m_stSelection.pstBackend->pfnOpen(&stChip, &m_stOpen);
+    int iError = m_stSelection.pstBackend->pfnOpen(&stChip, &m_stOpen);
     m_bOpen = iError == 0;
-    if (!m_bOpen) {
-        (void)Failed("opening for", iError);
-    } else if (m_stOpen.uiPage == 0U || m_stOpen.uiPage > g_uiReadBackMax) {
-        (void)Failed("opening for", EINVAL);
-        return false;
+    if (iError == 0 && (m_stOpen.uiPage == 0U || m_stOpen.uiPage > g_uiPageMost)) {
+        iError = EINVAL;
     }
-    return m_bOpen;
+    if (iError != 0) {
+        HOST_LOG(BMC_DIAG_ERROR, "EEPROM %s: %s", Name().c_str(), Reason(iError).c_str());
+    }
+    return iError == 0;
 }
 
 int Chip::Read(u32 uiOffset, u32 uiLength, u8 *pucBuf)

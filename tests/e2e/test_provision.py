@@ -46,7 +46,7 @@ class Provision(FructlTest):
         self.assertRegex(strOut, r"\n 1  psu1 +0x03 +0  bus2-addr0xa4-switch1.bin +256  psu1.hex +-\n")
         stJson = self.Json("provision", EXAMPLES / "controller.json", "--force")
         self.assertEqual((stJson["root"], stJson["written"]), (str(self.pathRoot), True))
-        self.assertEqual(stJson["devices"][0], {"id": 0, "name": "baseboard", "eeprom": str(self.Eeprom(BASEBOARD_EEPROM)), "image": "baseboard.hex",
+        self.assertEqual(stJson["devices"][0], {"id": 0, "name": "baseboard", "eeprom": str(self.Eeprom(BASEBOARD_EEPROM)), "backend": "file", "image": "baseboard.hex",
                                                 "cached": True, "storedImage": "/usr/upgrade/fru/BaseBoard.bin"})
 
     def test_a_dry_run_writes_nothing(self):

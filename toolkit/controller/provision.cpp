@@ -29,7 +29,7 @@ std::vector<FILE_CHANGE_S> FilesOf(const CONTROLLER_PLAN_S &stPlan)
 {
     std::map<std::string, Bytes> mapFiles; // devices may share a chip or a stored image
     for (const DEVICE_PLAN_S &stDevice : stPlan.vecDevices) {
-        if (stDevice.bHasEeprom && stDevice.strSettings.empty()) {
+        if (stDevice.bHasEeprom && !stDevice.IsRealChip()) {
             mapFiles[EepromPath(stDevice).substr(strlen(BMCHOST_GetRoot()))] =
                 EepromContents(stPlan, stDevice);
         }
@@ -112,8 +112,9 @@ std::vector<DEVICE_RECORDS_S> RecordsOf(const CONTROLLER_PLAN_S &stPlan)
     EntityList stEntities;
     std::vector<DEVICE_RECORDS_S> vecRecords;
     for (const DEVICE_PLAN_S &stDevice : stPlan.vecDevices) {
+        const Bytes &vecCached = stDevice.IsRealChip() ? stDevice.vecHeld : stDevice.vecImage;
         vecRecords.push_back({stDevice.stEntry, stDevice.stInfo, LocatorRecord(stDevice, stEntities),
-                              stDevice.bCached ? std::optional<Bytes>(stDevice.vecImage) : std::nullopt});
+                              stDevice.bCached ? std::optional<Bytes>(vecCached) : std::nullopt});
     }
     return vecRecords;
 }

@@ -144,7 +144,7 @@ DEVICE_PLAN_S TakeDevice(const JsonNode &stNode, const std::string &strFile)
     if (stNode.Has("recoveryImage")) {
         TakeRecovery(stNode, strFile, stDevice);
     }
-    stDevice.bCached = stNode.Flag("cached", stNode.Has("image"));
+    stDevice.bCached = stNode.Flag("cached", stNode.Has("image") || stDevice.IsRealChip());
     if (stInfo.ucDatabaseOnly != 0U && !stDevice.bCached) {
         stNode.RefuseMember("cached",
                             "a databaseOnly device that is not cached could never be read; accepted: true");
@@ -273,7 +273,7 @@ std::optional<CONF_FILE_S> EepromConf(const CONTROLLER_PLAN_S &stPlan)
 {
     Json stChips = Json::object();
     for (const DEVICE_PLAN_S &stDevice : stPlan.vecDevices) {
-        if (!stDevice.strSettings.empty()) {
+        if (stDevice.IsRealChip()) {
             stChips[ChipName(stDevice)] = Json::parse(stDevice.strSettings);
         }
     }

@@ -25,7 +25,14 @@ struct DEVICE_PLAN_S
     bool bCached;
     std::string strImage;        // where the image comes from; empty: erased
     std::vector<u8> vecImage;    // exactly the FRU's size
+    std::vector<u8> vecHeld;     // of a real chip: what it holds; empty: it has not been read
     std::vector<u8> vecRecovery; // exactly the FRU's size, or empty: no stored image
+
+    // A chip that is no image file of the root: it is read, and written only where that is asked for.
+    bool IsRealChip() const
+    {
+        return !strSettings.empty();
+    }
 };
 
 struct CONF_FILE_S

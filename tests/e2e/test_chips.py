@@ -1,0 +1,122 @@
+# SPDX-License-Identifier: Apache-2.0
+"""fructl on chips that are no image files: behind the kernel's driver, played by a directory tree."""
+import json
+import os
+import unittest
+
+from support import EXAMPLES, FructlTest, HexImage
+
+
+class Chips(FructlTest):
+    def setUp(self):
+        super().setUp()
+        self.pathSys = self.pathTemp / "sys"
+        os.environ["FRUCTL_SYS"] = str(self.pathSys)
+        self.addCleanup(os.environ.pop, "FRUCTL_SYS")
+        self.abBaseboard = HexImage(EXAMPLES / "baseboard.hex").ljust(2048, b"\xff")
+        self.pathChip = self.Lay(4, 0x50, self.abBaseboard.ljust(8192, b"\xff"))
+
+    def Lay(self, iAdapter, iAddress, abBytes):
+        pathChip = self.pathSys / f"bus/i2c/devices/{iAdapter}-{iAddress:04x}/eeprom"
+        pathChip.parent.mkdir(parents=True)
+        pathChip.write_bytes(abBytes)
+        return pathChip
+
+    def Describe(self, **dictMore):
+        """A description with the one chip."""
+        dictDevice = {"id": 0, "name": "baseboard", "componentType": 0, "instance": 0, "size": 2048, "eepromSize": 8192,
+                      "location": {"bus": 4, "address": "0x50", "backend": "kernel"}, **dictMore}
+        return self.Write("chip.json", json.dumps({"devices": [dictDevice]}).encode())
+
+    def Serial(self):
+        return self.Json("show", "baseboard")["product"]["serialNumber"]
+
+
+class ProvisionChips(Chips):
+    def test_what_a_chip_holds_is_taken_into_the_cache_and_nothing_is_written(self):
+        strOut = self.Good("provision", self.Describe()).strOut
+        self.assertRegex(strOut, r"\n 0  baseboard +0x00 +0  kernel bus4-addr0x50 +2048  \(the chip's own\) +-\n")
+        self.assertEqual(self.pathChip.read_bytes(), self.abBaseboard.ljust(8192, b"\xff"))
+        self.assertFalse((self.pathRoot / "eeprom").exists())
+        stDevice = self.Json("list")["devices"][0]
+        self.assertEqual((stDevice["image"], stDevice["cache"]), ("sound", "same"))
+
+    def test_an_image_is_written_to_a_real_chip_when_asked_for_only(self):
+        pathFile = self.Describe(image=str(EXAMPLES / "riser.hex"))
+        strOut = self.Good("provision", pathFile).strOut
+        self.assertIn("Real chips that hold something else than their images here, and keep it: baseboard (--write-images writes them)\n", strOut)
+        self.assertEqual(self.pathChip.read_bytes()[:2048], self.abBaseboard)
+        stJson = self.Json("provision", pathFile, "--force", "--write-images")
+        self.assertEqual((stJson["chipsWritten"], stJson["chipsKept"]), (["baseboard"], []))
+        self.assertEqual(stJson["devices"][0]["backend"], "kernel")
+        abRiser = HexImage(EXAMPLES / "riser.hex").ljust(2048, b"\xff")
+        self.assertEqual(self.pathChip.read_bytes(), abRiser.ljust(8192, b"\xff"))
+        self.assertEqual(self.Json("list")["devices"][0]["cache"], "same")
+        # What the chip held before is not lost.
+        self.Good("undo", "baseboard")
+        self.assertEqual(self.pathChip.read_bytes()[:2048], self.abBaseboard)
+
+    def test_an_image_that_is_not_in_order_is_not_written_to_a_real_chip(self):
+        abBad = bytearray(self.abBaseboard)
+        abBad[7] ^= 1
+        self.Write("bad.bin", bytes(abBad))
+        strErr = self.Bad(6, "provision", self.Describe(image="bad.bin"), "--write-images")
+        self.assertIn("the image bad.bin is not in order, and the chip of baseboard is a real one", strErr)
+        self.assertFalse(self.pathRoot.exists())
+
+    def test_a_chip_that_does_not_answer_is_told_before_anything_is_made(self):
+        self.pathChip.unlink()
+        strErr = self.Bad(5, "provision", self.Describe())
+        self.assertIn("the chip of baseboard cannot be read (the library says: EEPROM bus4-addr0x50 (bus 4, address 0x50): there is no bus 4", strErr)
+        self.assertIn("\"cached\": false", strErr)
+        self.Good("provision", self.Describe(cached=False))
+
+    def test_a_chip_without_its_size_is_refused(self):
+        dictDescription = json.loads(self.Describe().read_text())
+        del dictDescription["devices"][0]["eepromSize"]
+        pathFile = self.Write("chip.json", json.dumps(dictDescription).encode())
+        self.assertIn("devices[0].eepromSize: missing; a chip that is no image file has to say how many bytes it has", self.Bad(3, "provision", pathFile))
+
+    def test_a_dry_run_reads_and_writes_nothing(self):
+        self.Good("provision", self.Describe(image=str(EXAMPLES / "riser.hex")), "--write-images", "--dry-run")
+        self.assertEqual(self.pathChip.read_bytes()[:2048], self.abBaseboard)
+        self.assertFalse(self.pathRoot.exists())
+
+    def test_the_example_for_a_board(self):
+        self.Lay(20, 0x52, b"\xff" * 256)
+        strOut = self.Good("provision", EXAMPLES / "board.json").strOut
+        self.assertIn("i2c bus6-addr0xa2", strOut)
+        self.assertEqual([stDevice["image"] for stDevice in self.Json("list")["devices"]], ["sound", "erased", "unreadable"])
+
+
+class EditChips(Chips):
+    def setUp(self):
+        super().setUp()
+        self.Good("provision", self.Describe())
+
+    def test_labels_are_set_undone_and_kept(self):
+        strBefore = self.Serial()
+        self.Good("label", "set", "baseboard", "Product Serial Number=CHIP-0001")
+        self.assertEqual(self.Serial(), "CHIP-0001")
+        self.assertIn(b"CHIP-0001", self.pathChip.read_bytes())
+        self.Good("undo", "baseboard")
+        self.assertEqual(self.Serial(), strBefore)
+        self.assertEqual(self.pathChip.read_bytes()[:2048], self.abBaseboard)
+
+    def test_a_damaged_chip_is_recovered_from_its_cached_image(self):
+        self.Damage(self.pathChip, 0, b"\0" * 64)
+        self.Good("recover", "baseboard", "--from", "cache")
+        self.assertEqual(self.pathChip.read_bytes()[:2048], self.abBaseboard)
+
+    def test_a_write_protected_chip_keeps_its_bytes_and_is_told_with_bus_and_address(self):
+        self.pathChip.chmod(0o444)
+        stResult = self.Fructl("label", "set", "baseboard", "Product Serial Number=CHIP-0001")
+        self.assertNotEqual(stResult.iCode, 0)
+        self.assertIn("bus 4, address 0x50", stResult.strErr)
+        self.assertIn("write-protected", stResult.strErr)
+        self.assertEqual(self.pathChip.read_bytes()[:2048], self.abBaseboard)
+        self.assertEqual(self.Good("journal", "list").strOut.count("label set"), 0)
+
+
+if __name__ == "__main__":
+    unittest.main()
