@@ -38,6 +38,10 @@ run /usr/bin/fructl show baseboard | grep -q LH22024170042
 export PKG_CONFIG_LIBDIR=/usr/lib/$MULTIARCH/pkgconfig
 $CC -std=c99 -Werror -o consumer main.c $(pkg-config --cflags --libs bmcfru bmcfruhost)
 [ "$(run ./consumer $FRUCTL_ROOT)" = LH22024170042 ]
+for strFile in bash-completion/completions/fructl zsh/vendor-completions/_fructl fish/vendor_completions.d/fructl.fish; do
+  [ -s /usr/share/$strFile ]
+done
+dpkg -L fructl | grep -q '/man1/fructl-label.1.gz$'
 getent passwd fructl >/dev/null
 [ "$(systemctl --root=/ is-enabled fructl-serve.service)" = disabled ]
 systemd-analyze verify --man=no /lib/systemd/system/fructl-serve.service

@@ -80,7 +80,9 @@ if [ "$funcstack[1]" = _fructl ]; then _fructl "$@"; else compdef _fructl fructl
 
 constexpr const char *FISH_SCRIPT = R"(# fish completion for fructl
 function __fructl_complete
-    set -l asWords (commandline -opc) (commandline -ct)
+    # The word that is being written comes as it stands there, quotes and all.
+    set -l strWord (commandline -ct | string trim --left --chars='"\'' | string replace --all '\\' '')
+    set -l asWords (commandline -opc) "$strWord"
     for strLine in ($asWords[1] complete -- $asWords[2..-1] 2>/dev/null)
         switch $strLine
             case :files
@@ -161,7 +163,8 @@ void AddValues(SESSION_S &stSession, const Command &stTop, COMPLETION_S &stCompl
     }
 }
 
-// A word and what it is a line, with a tab between; ":files" and ":folders" where the shell's own come in too.
+// A word and what it is a line, with a tab between; ":files" and ":folders" where the shell's own come in
+// too.
 void RunQuery(SESSION_S &stSession, const Command &stTop, const std::vector<std::string> &vecWords)
 {
     COMPLETION_S stCompletion = CompletionOf(stTop.Doc(), vecWords);

@@ -113,8 +113,10 @@ void AddDiffCommand(const Command &stParent, SESSION_S &stSession)
     const Command stCommand = stParent.Add(
         "diff", "Compare two images field by field; exit 0 same, 1 different, 2 trouble",
         "fructl diff psu1 psu2\nfructl diff baseboard ./dump.bin\nfructl diff ./old.bin ./new.hex --json");
-    stCommand.AddOption("A B", pstOptions->vecTargets,
-                        "TYPE:INSTANCE, a device's name, or an image file's path with a slash");
+    stCommand
+        .AddOption("A B", pstOptions->vecTargets,
+                   "TYPE:INSTANCE, a device's name, or an image file's path with a slash")
+        .CompletedBy(Completes::DevicesAndFiles);
     stCommand.AddOption("--file", pstOptions->vecFiles, "an image file, whatever its name; behind A and B")
         .Placeholder("FILE");
     stCommand.Run([&stSession, pstOptions] { RunDiff(stSession, *pstOptions); });

@@ -15,7 +15,9 @@ std::string COMMAND_DOC_S::Synopsis() const
     std::string strOut = Path() + " [OPTIONS]";
     for (const OPTION_DOC_S &stOption : listOptions) {
         if (stOption.bWord) {
-            const std::string strWord = stOption.vecNames.front() + (stOption.bList ? "..." : "");
+            // "A B" names them one by one.
+            const bool bMore = stOption.bList && stOption.vecNames.front().find(' ') == std::string::npos;
+            const std::string strWord = stOption.vecNames.front() + (bMore ? "..." : "");
             strOut += stOption.bRequired ? " " + strWord : " [" + strWord + "]";
         }
     }

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// The command line: commands, their options, and what is run. The one place that knows the parser's library, whose
-// header is most of a command's build.
+// The command line: commands, their options, and what is run. The one place that knows the parser's library,
+// whose header is most of a command's build.
 #ifndef FRUCTL_TERMINAL_COMMAND_LINE_H
 #define FRUCTL_TERMINAL_COMMAND_LINE_H
 
@@ -52,8 +52,8 @@ class Command
         : m_pstApp(pstApp), m_pstDoc(pstDoc), m_pfnChosen(pfnChosen)
     {}
 
-    // A command of this one, with its description and, under its options, examples: one a line, each beginning
-    // with "fructl ".
+    // A command of this one, with its description and, under its options, examples: one a line, each
+    // beginning with "fructl ".
     Command Add(const char *pcName, const char *pcWhat, const char *pcExamples) const;
     // A name without dashes is a word's.
     Option AddOption(const char *pcName, std::string &strValue, const std::string &strWhat) const;
@@ -99,8 +99,8 @@ class CommandLine
 
     // Under which commands and the options of all commands are added.
     Command Top();
-    // The chosen command's action; none: help or version was printed instead. A line that cannot be understood
-    // is an Error of the class Usage, which names what is accepted.
+    // The chosen command's action; none: help or version was printed instead. A line that cannot be
+    // understood is an Error of the class Usage, which names what is accepted.
     std::function<void()> Parse(int iArgc, char **ppcArgv);
 
   private:

@@ -38,14 +38,14 @@ bool WantsColour(int iFd);
 // The text in a colour, or as it is when there is none to be.
 std::string Paint(Colour enColour, const std::string &strText);
 
-// A device's text as people see it: in a terminal that shows UTF-8 its Latin-1 letters are letters, elsewhere they
-// are escaped as everything that is no printable ASCII.
+// A device's text as people see it: in a terminal that shows UTF-8 its Latin-1 letters are letters,
+// elsewhere they are escaped as everything that is no printable ASCII.
 std::string ShownText(std::string_view strBytes);
 // UTF-8 as it is where the terminal shows it; elsewhere what is no ASCII as \uXXXX.
 std::string ShownUtf8(const std::string &strText);
 
-// A table for people, as wide as the terminal at most: there cells are broken at blanks, and where not even that
-// helps, rows become blocks of lines. Colours do not count into the widths.
+// A table for people, as wide as the terminal at most: there cells are broken at blanks, and where not even
+// that helps, rows become blocks of lines. Colours do not count into the widths.
 class Table
 {
   public:

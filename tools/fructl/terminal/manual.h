@@ -7,8 +7,8 @@
 
 #include "terminal/command_doc.h"
 
-// The page of fructl itself, or of one of its commands with those below it, for section 1. strDate is its date,
-// strVersion stands in its foot.
+// The page of fructl itself, or of one of its commands with those below it, for section 1. strDate is its
+// date, strVersion stands in its foot.
 std::string ManualPage(const COMMAND_DOC_S &stDoc, const std::string &strDate, const std::string &strVersion);
 
 // "fructl-label".

@@ -8,7 +8,8 @@
 
 namespace {
 
-// The locale's name tells it; a pipe or a file gets escapes whatever the locale, so that its bytes do not depend on it.
+// The locale's name tells it; a pipe or a file gets escapes whatever the locale, so that its bytes do not
+// depend on it.
 bool ShowsUtf8()
 {
     if (isatty(OutputFd()) != 1) {

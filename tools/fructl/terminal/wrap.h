@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-// Columns of the terminal on standard output, or what COLUMNS says; 0: it is no terminal, lines may be as long as
-// they like.
+// Columns of the terminal on standard output, or what COLUMNS says; 0: it is no terminal, lines may be as
+// long as they like.
 size_t TerminalWidth();
 
 // Columns that a text of UTF-8 fills; colours do not count.
