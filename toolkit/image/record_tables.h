@@ -13,12 +13,12 @@
 enum class Form
 {
     Unsigned,
-    Signed,
-    Flag,  // yes or no
-    Named, // a code, and what it stands for
-    Hex,   // a number that is no quantity
-    Bits,  // the numbers of the bits that are set
-    Port,  // a number, or none
+    Signed, // of 16 bits
+    Flag,   // yes or no
+    Named,  // a code, and what it stands for
+    Hex,    // a number that is no quantity
+    Bits,   // the numbers of the bits that are set
+    Port,   // a number, or none
     Guid,
     Text,
     Bytes,

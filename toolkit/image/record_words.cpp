@@ -90,11 +90,7 @@ VALUE_S Reader::NumberOf(const WORD_ROW_S &stRow, uint64_t ulRaw) const
     if (static_cast<int64_t>(ulRaw) == stRow.iNone) {
         return {"unspecified", nullptr};
     }
-    const u32 uiBits = stRow.ucWidth * 8U;
-    int64_t lValue = static_cast<int64_t>(ulRaw);
-    if (stRow.enForm == Form::Signed && ulRaw >> (uiBits - 1U) != 0U) {
-        lValue -= int64_t{1} << uiBits;
-    }
+    int64_t lValue = stRow.enForm == Form::Signed ? static_cast<int16_t>(ulRaw) : static_cast<int64_t>(ulRaw);
     lValue *= stRow.usScale * ((m_vecData[m_uiAt] & stRow.ucTenfold) != 0 ? 10 : 1);
     const UNIT_WORDS_S &stUnit = UNITS[static_cast<size_t>(stRow.enUnit)];
     return {Format("%.*f", stUnit.iDecimals, static_cast<double>(lValue) / stUnit.uiParts) + stUnit.pcShown,
@@ -328,25 +324,37 @@ std::vector<RECORD_PART_S> RecordParts(const SPAN_S &stSpan, const std::vector<u
         size_t uiNext = i;
         std::vector<std::string> vecNames;
         std::vector<std::string> vecBoth;
+        std::vector<std::pair<std::string, std::string>> vecValues;
         for (; uiNext < stWords.vecWords.size() && stWords.vecWords[uiNext].uiOffset == stFirst.uiOffset;
              uiNext++) {
             const RECORD_WORD_S &stWord = stWords.vecWords[uiNext];
             vecNames.push_back(stWord.strName);
+            vecValues.emplace_back(stWord.strName, stWord.strText);
             vecBoth.push_back(stWord.strName + " " + stWord.strText);
         }
         const bool bOne = uiNext == i + 1U;
         const bool bGroup = !stFirst.strGroup.empty();
         const std::string strNames = Join(vecNames, ", ");
-        vecParts.push_back({stSpan.uiOffset + stFirst.uiOffset, stFirst.uiLength,
+        vecParts.push_back({stSpan.uiOffset + stFirst.uiOffset,
+                            stFirst.uiLength,
                             !bGroup ? strNames
                             : bOne  ? stFirst.strGroup + ", " + strNames
                                     : stFirst.strGroup,
-                            bOne ? stFirst.strText : Join(vecBoth, ", "), !bOne && !bGroup});
+                            bOne ? stFirst.strText : Join(vecBoth, ", "),
+                            !bOne && !bGroup,
+                            {}});
+        if (vecParts.back().bNamesInText) {
+            vecParts.back().vecValues = vecValues;
+        }
         i = uiNext;
     }
     if (!stWords.vecWords.empty() && stWords.uiMore < stSpan.uiLength) {
-        vecParts.push_back({stSpan.uiOffset + stWords.uiMore, stSpan.uiLength - stWords.uiMore,
-                            "more, not decoded", "", false});
+        vecParts.push_back({stSpan.uiOffset + stWords.uiMore,
+                            stSpan.uiLength - stWords.uiMore,
+                            "more, not decoded",
+                            "",
+                            false,
+                            {}});
     }
     return vecParts;
 }

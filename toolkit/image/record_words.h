@@ -5,6 +5,7 @@
 #define TOOLKIT_IMAGE_RECORD_WORDS_H
 
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "lib_fru_types.h"
@@ -47,6 +48,8 @@ struct RECORD_PART_S
     std::string strName;
     std::string strText; // raw
     bool bNamesInText;   // the text has the names, too
+    // Of several values that share the bytes and are of no group: each with its name; else none.
+    std::vector<std::pair<std::string, std::string>> vecValues;
 
     std::string Meaning() const; // for people
 };

@@ -25,7 +25,7 @@ const std::vector<GROUP_S> &Groups()
           AddAssembleCommand}},
         {"Move whole images", {AddReadCommand, AddWriteCommand, AddEncodeCommand, AddClearCommand}},
         {"Repair and undo", {AddRecoverCommand, AddHistoryCommand, AddUndoCommand, AddJournalCommand}},
-        {"Watch and serve", {AddMonitorCommand, AddMetricsCommand, AddServeCommand}},
+        {"Watch and serve", {AddMonitorCommand, AddReportCommand, AddMetricsCommand, AddServeCommand}},
         {"Bytes, dates and flags", {AddRawCommand, AddDateCommand, AddTestResultCommand, AddFeaturesCommand}},
         {"Learn", {AddHelpCommand, AddCompletionCommand, AddManualCommand}},
     };

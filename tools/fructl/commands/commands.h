@@ -56,6 +56,7 @@ void AddReadCommand(const Command &stParent, SESSION_S &stSession);
 void AddWriteCommand(const Command &stParent, SESSION_S &stSession);
 void AddClearCommand(const Command &stParent, SESSION_S &stSession);
 void AddTestResultCommand(const Command &stParent, SESSION_S &stSession);
+void AddReportCommand(const Command &stParent, SESSION_S &stSession);
 void AddMetricsCommand(const Command &stParent, SESSION_S &stSession);
 void AddFeaturesCommand(const Command &stParent, SESSION_S &stSession);
 void AddDateCommand(const Command &stParent, SESSION_S &stSession);
