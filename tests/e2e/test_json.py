@@ -82,6 +82,7 @@ class Schema(FructlTest):
             (["journal", "list"], []), (["journal", "discard"], ["1"]),
             (["assemble"], ["psu2", "board-product-name=FB2", "--force"]),
             (["metrics"], ["-o", self.pathTemp / "fru.prom"]),
+            (["report"], ["-o", self.pathTemp / "inventory.html"]),
             (["raw", "info"], ["baseboard"]), (["raw", "read"], ["baseboard", "--count", "8"]), (["raw", "read"], ["--id", "200"]),
             (["raw", "write"], ["riser", "--offset", "0", "--bytes", "01"]),
             (["date"], ["2024-05-17"]), (["date"], ["ff", "ff", "ff"]), (["date"], ["00", "00", "00"]),
