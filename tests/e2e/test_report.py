@@ -130,6 +130,14 @@ class Report(ReportTest):
         # What still can be read is told: also in the table of all.
         self.assertIn("MB2241700137", stPage.dictTexts["td"])
 
+    def test_one_bad_record_does_not_hide_those_behind_it(self):
+        abRecords = bytearray(Records([(3, b"\x02first"), (3, b"\x02second"), (3, b"\x02third")]))
+        abRecords[6] ^= 1
+        stPage = self.Parsed(self.Write("records.bin", Image({5: abRecords}) + b"\xff" * 8))
+        for strText in ("second", "third"):
+            self.assertIn(strText, stPage.dictTexts["td"])
+        self.assertTrue(any("checksum" in strItem for strItem in stPage.dictTexts["li"]))
+
     def test_a_file_that_is_there_is_not_replaced_unasked(self):
         pathPage = self.Write("there.html", b"mine")
         pathImage = self.Write("empty.bin", b"\xff" * 64)

@@ -46,7 +46,7 @@ std::string INVENTORY_S::Name() const
 
 INVENTORY_S TakeInventory(const TARGET_S &stTarget)
 {
-    INVENTORY_S stInventory = {stTarget, {ImageState::Unreadable, CacheState::None}, {}, {}, {}, ""};
+    INVENTORY_S stInventory = {stTarget, {ImageState::Unreadable, CacheState::None}, {}, {}, {}, {}, ""};
     try {
         stInventory.optImage = ReadTarget(stTarget);
     } catch (const Error &stError) {
@@ -55,6 +55,8 @@ INVENTORY_S TakeInventory(const TARGET_S &stTarget)
     if (stInventory.optImage.has_value()) {
         const VERDICT_S stVerdict = VerdictOn(*stInventory.optImage, stTarget.HasFixedSlots());
         stInventory.stLayout = stVerdict.stLayout;
+        stInventory.stSeen = WalkImage(stInventory.optImage->vecBytes, stInventory.optImage->uiStored,
+                                       stTarget.HasFixedSlots(), Damage::Passed);
         stInventory.strFailure = stVerdict.strRefusal;
         Record stRecord;
         if (DecodeImage(*stInventory.optImage, stTarget.HasFixedSlots(), stRecord) == FRU_OK) {

@@ -19,6 +19,7 @@ struct INVENTORY_S
     STATE_S stState;                        // of a file: its image's, and no cache
     std::optional<IMAGE_S> optImage;        // nothing: it cannot be read
     IMAGE_LAYOUT_S stLayout;                // of that image
+    IMAGE_LAYOUT_S stSeen;                  // the same past damage: all that still can be read of it
     std::optional<RECORD_VIEW_S> optRecord; // nothing: it is refused, or a hardware block
     std::string strFailure; // why there is no image, the library refuses it, or the cached one is another
 

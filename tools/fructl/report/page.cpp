@@ -43,7 +43,7 @@ std::string Badge(const INVENTORY_S &stDevice)
 std::string Identity(const INVENTORY_S &stDevice, Field enField)
 {
     for (const Area enArea : {Area::Product, Area::Board, Area::Chassis}) {
-        for (const SPAN_S &stSpan : stDevice.stLayout.vecSpans) {
+        for (const SPAN_S &stSpan : stDevice.stSeen.vecSpans) {
             if (stSpan.stField == FIELD_ID_S{enArea, enField} && !stSpan.strText.empty()) {
                 return stSpan.strText;
             }
@@ -108,7 +108,7 @@ std::string FindingsHtml(const INVENTORY_S &stDevice, const std::vector<PIECE_S>
     if (!stDevice.strFailure.empty()) {
         strItems += Element("li", "wrong", HtmlText(stDevice.strFailure)) + "\n";
     }
-    for (const FINDING_S &stFinding : stDevice.stLayout.vecFindings) {
+    for (const FINDING_S &stFinding : stDevice.stSeen.vecFindings) {
         strItems += Format("<li data-s=\"%zu\" tabindex=\"0\" class=\"%s\">",
                            PieceAt(vecPieces, stFinding.uiOffset), stFinding.bWarning ? "warning" : "wrong") +
                     HtmlText(FindingText(stFinding)) + (stFinding.bWarning ? " (a warning only)" : "") +
@@ -277,13 +277,13 @@ std::string LegendHtml(const std::vector<PIECE_S> &vecPieces)
 std::string DeviceHtml(const INVENTORY_S &stDevice, size_t uiIndex)
 {
     const std::vector<PIECE_S> vecPieces = stDevice.optImage.has_value()
-                                               ? PiecesOf(*stDevice.optImage, stDevice.stLayout)
+                                               ? PiecesOf(*stDevice.optImage, stDevice.stSeen)
                                                : std::vector<PIECE_S>();
     std::string strOut = Format("<section class=\"device\" id=\"device-%zu\">\n", uiIndex) +
                          Element("h2", "", HtmlText(stDevice.Name()) + " " + Badge(stDevice)) + "\n" +
                          WhereHtml(stDevice) + FindingsHtml(stDevice, vecPieces);
     if (!vecPieces.empty()) {
-        MapHtml stMap(*stDevice.optImage, stDevice.stLayout, vecPieces);
+        MapHtml stMap(*stDevice.optImage, stDevice.stSeen, vecPieces);
         strOut += Element("div", "columns",
                           "\n" + FieldsHtml(vecPieces) +
                               Element("div", "map",
