@@ -49,7 +49,7 @@ class Attempt
 {
   public:
     Attempt(const I2C_CHIP_S &stChip, int iFd)
-        : m_stChip(stChip), m_iFd(iFd), m_uiBegin(I2cBus().pfnNowUs()),
+        : m_iFd(iFd), m_uiBegin(I2cBus().pfnNowUs()),
           // A clone may need longer than its data sheet says, and a busy machine comes late.
           m_uiPatienceUs(stChip.uiWriteTimeMs * 2000U + 5000U)
     {}
@@ -108,7 +108,6 @@ class Attempt
         }
     }
 
-    const I2C_CHIP_S &m_stChip;
     int m_iFd;
     u32 m_uiBegin;
     u32 m_uiPatienceUs;
