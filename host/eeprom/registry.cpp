@@ -3,7 +3,9 @@
 #include "eeprom/registry.h"
 
 #include <algorithm>
+#include <cstring>
 #include <dlfcn.h>
+#include <unistd.h>
 
 namespace host {
 
@@ -19,10 +21,25 @@ struct LOADED_S
     std::string strWhy;
 };
 
+// Beside this library in the build directory, in a folder beside it when installed.
+void *Open(const std::string &strLibrary)
+{
+    Dl_info stSelf = {};
+    if (dladdr(reinterpret_cast<const void *>(&BMCHOST_CheckEepromSettings), &stSelf) != 0 &&
+        stSelf.dli_fname != nullptr && strchr(stSelf.dli_fname, '/') != nullptr) {
+        const std::string strSelf = stSelf.dli_fname;
+        const std::string strInstalled = strSelf.substr(0U, strSelf.rfind('/')) + "/bmcfru/" + strLibrary;
+        if (access(strInstalled.c_str(), R_OK) == 0) {
+            return dlopen(strInstalled.c_str(), RTLD_NOW | RTLD_LOCAL);
+        }
+    }
+    return dlopen(strLibrary.c_str(), RTLD_NOW | RTLD_LOCAL);
+}
+
 LOADED_S Load(const std::string &strName)
 {
     const std::string strLibrary = "libbmcfruhost-" + strName + ".so";
-    void *pLibrary = dlopen(strLibrary.c_str(), RTLD_NOW | RTLD_LOCAL);
+    void *pLibrary = Open(strLibrary);
     if (pLibrary == nullptr) {
         const char *pcError = dlerror();
         return {nullptr, "the library of the back end '" + strName + "' cannot be loaded: " +

@@ -189,6 +189,14 @@ u32 BMCHOST_GetEepromPath(u8 ucType, const void *pLocation, size_t uiSize, char 
  */
 u32 BMCHOST_CheckEepromSettings(const char *pcSettings, size_t uiSize, char *pcWhy);
 
+/*
+ * Asks a chip that need not stand in the configuration how many bytes it has, by its settings, an object as above of
+ * a back end that is not "file": 0, or an errno value with a clause in pcWhy: ENXIO nobody answers, EACCES its
+ * controller does not let the user in, EHOSTUNREACH no answer from its controller, EINVAL settings, others as
+ * they come.
+ */
+u32 BMCHOST_AskEeprom(const char *pcSettings, u32 *puiCapacity, size_t uiSize, char *pcWhy);
+
 /* One page of a write is done. The pointers live for the call only. */
 typedef struct
 {

@@ -17,6 +17,7 @@ struct CONTROLLER_S
     std::string strRoot;                                    // empty: $FRUCTL_ROOT, else ~/.local/state/fructl
     std::string strCommandLine;                             // who works there, for the lock file
     std::function<void(const std::string &strLine)> fnWarn; // of what is no failure; may be empty
+    bool bNumbersAreIDs = false;                            // a device named by a number is a FRU device ID
     bool bForeignRoot = false;                              // also write to somebody else's directory
     unsigned uiWaitMs = 10000;                              // for other commands to be done
     mutable std::shared_ptr<ReadLock> pstReadLock;          // since RequireController()

@@ -152,6 +152,9 @@ DEVICE_S ResolveDevice(const CONTROLLER_S &stController, const TARGET_OPTIONS_S 
         return FindByID(stController, stOptions.strDeviceID);
     }
     const std::string &strTarget = stOptions.strTarget;
+    if (stController.bNumbersAreIDs && ParseNumber(strTarget, 255U).has_value()) {
+        return FindByID(stController, strTarget);
+    }
     const std::optional<COMPONENT_S> optComponent = ParseComponent(strTarget);
     if (optComponent.has_value()) {
         return FindDevice(stController, "device " + strTarget, [&](const DEVICE_S &stDevice) {

@@ -7,6 +7,7 @@
 #include <cstring>
 #include <unistd.h>
 
+#include "commands/bmc.h"
 #include "commands/commands.h"
 #include "commands/session.h"
 #include "files/files.h"
@@ -25,18 +26,23 @@ constexpr const char *EXAMPLES = "fructl provision examples/controller.json  mak
                                  "fructl list  its devices\n"
                                  "fructl show baseboard  one device, decoded\n"
                                  "fructl show examples/psu1.hex  the same for an image file\n"
+                                 "fructl --bmc bmc7 -U admin -f secret show 0  FRU 0 of another machine's "
+                                 "management controller\n"
                                  "fructl help label set  what a command takes";
 
 void AddSections(const Command &stTop)
 {
     stTop.AddSection(
         "", "A DEVICE is TYPE:INSTANCE (such as 0x30:0), a device's name or, where it is only read, an "
-            "image file: a path with a slash, or --file FILE. With --json a failure is an object on "
+            "image file: a path with a slash, or --file FILE. With --bmc it is a FRU device ID of that "
+            "controller, or a name that list shows. With --json a failure is an object on "
             "standard output too, as the member \"error\".");
     stTop.AddSection(
         "Environment", "",
         {{"FRUCTL_ROOT", "the controller's directory, where no --root names it"},
          {"HOME", "where it is looked for else: ~/.local/state/fructl"},
+         {"XDG_STATE_HOME", "where --bmc keeps what it knows of controllers; else ~/.local/state"},
+         {"IPMI_PASSWORD", "the password for --bmc and for devices behind other controllers"},
          {"NO_COLOR", "if it is not empty: no colours, unless --color asks for them"},
          {"COLUMNS", "how wide tables and helps are; else as wide as the terminal"},
          {"LC_ALL, LC_CTYPE, LANG", "a UTF-8 terminal shows letters beyond ASCII, others get \\xNN"}});
@@ -72,7 +78,8 @@ void AddGlobalOptions(const Command &stTop, SESSION_S &stSession, unsigned &uiWa
         .Placeholder("auto|always|never");
     stTop
         .AddOption("--wait", uiWaitSeconds,
-                   "wait so long for other commands on the same controller (default 10)")
+                   "wait so long for other commands on the same controller, and for what --bmc asks "
+                   "(default 10)")
         .UpTo(86400U)
         .Placeholder("SECONDS");
 }
@@ -87,7 +94,7 @@ void ShowLibraryOutput(const SESSION_S &stSession)
 }
 
 // The controller, with what is told of it while a command runs on stderr.
-void Open(SESSION_S &stSession)
+void Open(SESSION_S &stSession, const BMC_OPTIONS_S &stBmc)
 {
     KeepDiagnostics([&stSession](const DIAGNOSTIC_S &stDiagnostic) {
         if (stSession.bVerbose) {
@@ -98,7 +105,7 @@ void Open(SESSION_S &stSession)
     stSession.fnWarn = [](const std::string &strLine) {
         fprintf(stderr, "fructl: warning: %s\n", strLine.c_str());
     };
-    OpenController(stSession);
+    OpenNamedController(stSession, stBmc);
 }
 
 // What has to hold where the options cannot be parsed, too.
@@ -139,6 +146,7 @@ int Run(int iArgc, char **ppcArgv)
                        "Shows, checks and edits the FRU inventory of a server's management controller.",
                        EXAMPLES, "fructl " FRUCTL_VERSION);
     unsigned uiWaitSeconds = stSession.uiWaitMs / 1000U;
+    BMC_OPTIONS_S stBmc;
     AddGlobalOptions(stLine.Top(), stSession, uiWaitSeconds);
     AddSections(stLine.Top());
     AddCommands(stLine.Top(), stSession);
@@ -148,7 +156,7 @@ int Run(int iArgc, char **ppcArgv)
             return static_cast<int>(ExitCode::Done);
         }
         stSession.uiWaitMs = uiWaitSeconds * 1000U;
-        Open(stSession);
+        Open(stSession, stBmc);
         SeparateLibraryOutput();
         fnRun();
         ShowLibraryOutput(stSession);

@@ -140,8 +140,9 @@ struct Session::STATE_S
         // A connection that was given up answers what it still owes without itself.
         if (pstCon != nullptr && pstItem->msg.data_len > 0U) {
             const u8 *pucData = pstItem->msg.data;
-            pstState->stAnswer = {
-                true, false, pucData[0], {pucData + 1, pucData + pstItem->msg.data_len}, ""};
+            pstState->stAnswer.bCame = true;
+            pstState->stAnswer.ucCompletion = pucData[0];
+            pstState->stAnswer.vecData.assign(pucData + 1, pucData + pstItem->msg.data_len);
         }
         pstState->bAnswered = true;
         return IPMI_MSG_ITEM_NOT_USED;

@@ -2,6 +2,7 @@
 // fructl provision: makes a controller from its description, as its FRU service would.
 #include "toolkit/controller/provision.h"
 #include "bmcfru_host.h"
+#include "commands/bmc.h"
 #include "commands/commands.h"
 #include "terminal/console.h"
 #include "terminal/json_out.h"
@@ -117,6 +118,7 @@ void ReportPlan(const SESSION_S &stSession, const OPTIONS_S &stOptions, const CO
 
 void RunProvision(const SESSION_S &stSession, const OPTIONS_S &stOptions)
 {
+    RequireDesk(stSession, "provision");
     CONTROLLER_PLAN_S stPlan = ReadPlan(stOptions.strFile);
     if (stOptions.bWriteImages) {
         RequireSoundImages(stPlan);

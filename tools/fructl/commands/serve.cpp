@@ -10,6 +10,7 @@
 #include <sys/random.h>
 #include <sys/signalfd.h>
 
+#include "commands/bmc.h"
 #include "commands/commands.h"
 #include "commands/endpoint.h"
 #include "commands/simulator.h"
@@ -193,6 +194,7 @@ std::function<void()> Mender(const SESSION_S &stSession)
 
 void RunServe(const SESSION_S &stSession, const SERVE_S &stOptions)
 {
+    RequireDesk(stSession, "serve");
     RequireController(stSession);
     stSession.GoOnForLong();
     RequireOwnRoot(stSession);
