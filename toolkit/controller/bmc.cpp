@@ -211,10 +211,10 @@ void OpenBmc(CONTROLLER_S &stController, const BMC_S &stBmc, bool bAnew)
     if (bKnown && !bAnew && !ExistingIDs(stController).empty()) {
         return;
     }
+    const CONTROLLER_PLAN_S stPlan = Discover(stController, stBmc);
     const RootLock stLock(stController);
     const std::vector<u8> vecOldIDs = ExistingIDs(stController);
-    if (!vecOldIDs.empty() && !bAnew) {
-        return; // somebody else was faster
+    if (vecOldIDs.empty() || bAnew) { // else somebody was faster
+        Provision(stLock, stPlan, vecOldIDs);
     }
-    Provision(stLock, Discover(stController, stBmc), vecOldIDs);
 }

@@ -4,7 +4,7 @@
 
 #include <cerrno>
 #include <cstdio>
-#include <cstring>
+#include <cstdlib>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -58,11 +58,24 @@ std::mutex &Lock()
     return g_mtxLock;
 }
 
-// By everything that a login is made of.
+// By everything that a login is made of. Never destroyed: see CloseAtExit().
 std::map<std::string, std::shared_ptr<CONTROLLER_S>> &Controllers()
 {
-    static std::map<std::string, std::shared_ptr<CONTROLLER_S>> g_mapControllers;
-    return g_mapControllers;
+    static auto *g_pmapControllers = new std::map<std::string, std::shared_ptr<CONTROLLER_S>>;
+    return *g_pmapControllers;
+}
+
+// A controller has few sessions, so none is left open. Called when one is: what is registered last runs first, and
+// the library that signs the goodbye tidies up at exit too.
+void CloseAtExit()
+{
+    static const int g_iRegistered = atexit([] {
+        const std::unique_lock<std::mutex> lock(Lock(), std::try_to_lock);
+        if (lock.owns_lock()) {
+            Controllers().clear();
+        }
+    });
+    (void)g_iRegistered;
 }
 
 std::shared_ptr<CONTROLLER_S> ControllerOf(const SETTINGS_S &stSettings)
@@ -140,6 +153,7 @@ int Open(const BMCHOST_BACKEND_CHIP_S *pstChip, BMCHOST_BACKEND_OPEN_S *pstOpen)
         if (stResult.enOutcome != Outcome::Done) {
             return ErrorOf(stResult, pstOpen);
         }
+        CloseAtExit();
         pstOpen->uiCapacity = stArea.uiSize;
         pstOpen->uiPage = g_uiPage;
         pstOpen->pHandle = upChip.release();
