@@ -13,7 +13,7 @@
  * progress, messages. A table moves bytes.
  *
  * How a loaded back end is added: its name goes into g_apcLoaded in registry.cpp, and a shared library
- * libbmcfruhost-<name>.so beside libbmcfruhost.so exports one C function
+ * libbmcfruhost-<name>.so, beside libbmcfruhost.so or in the folder bmcfru there, exports one C function
  *
  *     const BMCHOST_BACKEND_S *BMCHOST_GetBackend(void);
  *

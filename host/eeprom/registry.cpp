@@ -42,8 +42,10 @@ LOADED_S Load(const std::string &strName)
     void *pLibrary = Open(strLibrary);
     if (pLibrary == nullptr) {
         const char *pcError = dlerror();
-        return {nullptr, "the library of the back end '" + strName + "' cannot be loaded: " +
-                             (pcError == nullptr ? strLibrary : std::string(pcError))};
+        return {nullptr, "the library of the back end '" + strName +
+                             "' cannot be loaded, which Debian has in "
+                             "the package libbmcfruhost-" +
+                             strName + ": " + (pcError == nullptr ? strLibrary : std::string(pcError))};
     }
     const auto pfnEntry = reinterpret_cast<BMCHOST_BACKEND_ENTRY_F>(dlsym(pLibrary, BMCHOST_BACKEND_ENTRY));
     const BMCHOST_BACKEND_S *pstBackend = pfnEntry == nullptr ? nullptr : pfnEntry();

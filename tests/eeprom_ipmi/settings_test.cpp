@@ -45,11 +45,11 @@ TEST(IpmiSettings, EverythingThatCanBeSaidIsTaken)
 {
     const SETTINGS_S stSettings = Right(
         R"({"backend": "ipmi", "bus": 1, "address": 160, "switchLevel": 0, "size": 256, "host": "::1", "port": 9623,
-            "user": "admin", "passwordFile": "secret", "privilege": "operator", "cipherSuite": 8, "fru": 254,
+            "user": "admin", "passwordFile": "/secret", "privilege": "operator", "cipherSuite": 8, "fru": 254,
             "chunk": 16, "timeoutSeconds": 3})");
     EXPECT_EQ(stSettings.stLogin.uiPort, 9623U);
     EXPECT_EQ(stSettings.stLogin.strUser, "admin");
-    EXPECT_EQ(stSettings.strPasswordFile, "secret");
+    EXPECT_EQ(stSettings.strPasswordFile, "/secret");
     EXPECT_EQ(stSettings.stLogin.uiPrivilege, 3U);
     EXPECT_EQ(stSettings.stLogin.uiSuite, 8U);
     EXPECT_EQ(stSettings.uiChunk, 16U);
@@ -76,6 +76,8 @@ TEST(IpmiSettings, WhatIsWrongIsNamedWithWhatIsAccepted)
          "privilege is refused; accepted: user, operator or administrator"},
         {R"({"host": "h", "fru": 1, "cipherSuite": 0})", "cipherSuite is refused; accepted: 2, 3, 7 or 8"},
         {R"({"host": "h", "fru": 1, "cipherSuite": 17})", "cipherSuite is refused; accepted: 2, 3, 7 or 8"},
+        {R"({"host": "h", "fru": 1, "passwordFile": "secret"})",
+         "passwordFile is refused; accepted: an absolute path"},
         {R"({"host": "h", "fru": 1, "chunk": 0})", "chunk is refused; accepted: 1 to 240"},
         {R"({"host": "h", "fru": 1, "password": "x"})",
          "password is unknown; accepted: host, port, user, passwordFile, privilege, cipherSuite, fru, chunk, "
@@ -93,18 +95,15 @@ TEST(IpmiSettings, ThePasswordIsTheFirstLineOfItsFile)
     std::filesystem::create_directories(pathRoot);
     std::ofstream(pathRoot / "secret") << "pass word\r\nsecond line\n";
     std::ofstream(pathRoot / "long") << std::string(21, 'x') << "\n";
-    SETTINGS_S stSettings = Right(R"({"host": "h", "fru": 1, "passwordFile": "secret"})");
-    EXPECT_EQ(TakePassword(pathRoot.c_str(), &stSettings), "");
-    EXPECT_EQ(stSettings.stLogin.strPassword, "pass word");
+    SETTINGS_S stSettings = Right(R"({"host": "h", "fru": 1})");
     stSettings.strPasswordFile = (pathRoot / "secret").string();
-    EXPECT_EQ(TakePassword("/nowhere", &stSettings), "");
-    stSettings.strPasswordFile = "long";
-    EXPECT_EQ(TakePassword(pathRoot.c_str(), &stSettings),
-              "the password has more than the 20 bytes that IPMI takes");
-    stSettings.strPasswordFile = "absent";
-    EXPECT_EQ(TakePassword(pathRoot.c_str(), &stSettings), "the password cannot be read from " +
-                                                               (pathRoot / "absent").string() +
-                                                               ": No such file or directory");
+    EXPECT_EQ(TakePassword(&stSettings), "");
+    EXPECT_EQ(stSettings.stLogin.strPassword, "pass word");
+    stSettings.strPasswordFile = (pathRoot / "long").string();
+    EXPECT_EQ(TakePassword(&stSettings), "the password has more than the 20 bytes that IPMI takes");
+    stSettings.strPasswordFile = (pathRoot / "absent").string();
+    EXPECT_EQ(TakePassword(&stSettings), "the password cannot be read from " +
+                                             (pathRoot / "absent").string() + ": No such file or directory");
     std::filesystem::remove_all(pathRoot);
 }
 
@@ -112,10 +111,10 @@ TEST(IpmiSettings, WithoutAFileTheEnvironmentHasThePassword)
 {
     SETTINGS_S stSettings = Right(R"({"host": "h", "fru": 1})");
     ASSERT_EQ(setenv("IPMI_PASSWORD", "from outside", 1), 0);
-    EXPECT_EQ(TakePassword("/", &stSettings), "");
+    EXPECT_EQ(TakePassword(&stSettings), "");
     EXPECT_EQ(stSettings.stLogin.strPassword, "from outside");
     ASSERT_EQ(unsetenv("IPMI_PASSWORD"), 0);
-    EXPECT_EQ(TakePassword("/", &stSettings),
+    EXPECT_EQ(TakePassword(&stSettings),
               "no password for h; accepted: a file that \"passwordFile\" names, or the environment's "
               "IPMI_PASSWORD");
 }
@@ -124,7 +123,7 @@ TEST(IpmiSettings, ThisMachinesOwnControllerAsksForNoPassword)
 {
     SETTINGS_S stSettings = Right(R"({"host": "/dev/ipmi0", "fru": 0})");
     EXPECT_TRUE(stSettings.stLogin.IsLocal());
-    EXPECT_EQ(TakePassword("/", &stSettings), "");
+    EXPECT_EQ(TakePassword(&stSettings), "");
 }
 
 } // namespace

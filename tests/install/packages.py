@@ -35,6 +35,9 @@ EXAMPLES=/usr/share/doc/bmcfru/examples
 [ -d $EXAMPLES ] || EXAMPLES=$SOURCE_EXAMPLES
 run /usr/bin/fructl provision $EXAMPLES/controller.json >/dev/null
 run /usr/bin/fructl show baseboard | grep -q LH22024170042
+# Loaded or not, it says which: nobody listens there.
+IPMI_PASSWORD=x run /usr/bin/fructl --bmc 127.0.0.1 --port 9 --wait 1 list 2>bmc.log && exit 1
+grep -q "$BMC_SAYS" bmc.log || { cat bmc.log; exit 1; }
 export PKG_CONFIG_LIBDIR=/usr/lib/$MULTIARCH/pkgconfig
 $CC -std=c99 -Werror -o consumer main.c $(pkg-config --cflags --libs bmcfru bmcfruhost)
 [ "$(run ./consumer $FRUCTL_ROOT)" = LH22024170042 ]
@@ -84,8 +87,9 @@ def trial(strArch):
         done = subprocess.run(
             ["unshare", "-m", "sh", "-c", OUTSIDE, "outside", strLayer, pathPackages, ROOT / "tests/install/consumer/main.c",
              strArch, "" if bNative else "qemu-arm", "gcc" if bNative else f"{strMultiarch}-gcc", strMultiarch],
-            env={**os.environ, "INSIDE": INSIDE, "NAMES": " ".join(NAMES), "DOC": "bmcfru-doc" if bNative else "",
-                 "EXPOSURE": EXPOSURE_MAX, "SOURCE_EXAMPLES": str(ROOT / "examples")},
+            env={**os.environ, "INSIDE": INSIDE, "NAMES": " ".join(NAMES), "DOC": "bmcfru-doc libbmcfruhost-ipmi" if bNative else "",
+                 "EXPOSURE": EXPOSURE_MAX, "SOURCE_EXAMPLES": str(ROOT / "examples"),
+                 "BMC_SAYS": "does not answer" if bNative else "cannot be loaded"},
             capture_output=True, text=True)
     asTraces = [s for s in done.stdout.splitlines() if s.startswith(("left: ", "removed: ")) and
                 not s.split(": ", 1)[1].startswith(BOOKS)]

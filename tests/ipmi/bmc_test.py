@@ -231,11 +231,11 @@ class ARootsDevice(BmcCase):
     def Fructl(self, *lstArgs):
         return bench.Run([bench.STR_FRUCTL, '--root', self.strRoot, *lstArgs])
 
-    def Provision(self, **mapMore):
+    def Provision(self, bCached=True, **mapMore):
         strPlan = os.path.join(self.strHome, 'plan.json')
         with open(strPlan, 'w', encoding='utf-8') as stFile:
             json.dump({'devices': [{'id': 7, 'name': 'far', 'componentType': 3, 'instance': 0, 'size': 256, 'eepromSize': 256,
-                                    'location': {**self.dictLocation, **mapMore}}]}, stFile)
+                                    'cached': bCached, 'location': {**self.dictLocation, **mapMore}}]}, stFile)
         return self.Fructl('provision', '--force', strPlan)
 
     def test_is_read_and_written_in_chunks_of_five_bytes(self):
@@ -256,7 +256,7 @@ class ARootsDevice(BmcCase):
             self.assertIn(strWords, stDone.stderr)
 
     def test_a_fru_that_is_not_there_does_not_answer(self):
-        self.assertEqual(self.Provision(fru=99).returncode, 0)
+        self.assertEqual(self.Provision(bCached=False, fru=99).returncode, 0)
         stDone = self.Fructl('show', 'far')
         self.assertEqual(stDone.returncode, 5, stDone)
         self.assertIn('completion code 0xcb, there is none', stDone.stderr)
@@ -317,7 +317,7 @@ class SimulatorsOwnFru(BmcCase):
         strCommands = os.path.join(self.strHome, 'sim.emu')
         with open(strLan, 'w', encoding='utf-8') as stFile:
             stFile.write('name "sim"\nset_working_mc 0x20\n  startlan 1\n    addr 127.0.0.1 %d\n'
-                         '    guid a123456789abcdefa123456789abcdef\n    priv_limit admin\n
+                         '    guid a123456789abcdefa123456789abcdef\n    priv_limit admin\n'
                          '    allowed_auths_admin md5\n  endlan\n  user 2 true "admin" "s3cret" admin 10 md5\n' % self.iPort)
         with open(strCommands, 'w', encoding='utf-8') as stFile:
             stFile.write('mc_setbmc 0x20\nmc_add 0x20 0x20 no-device-sdrs 0x23 9 8 0x9f 0x1291 0xf02 persist_sdr\n'

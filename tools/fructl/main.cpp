@@ -148,6 +148,7 @@ int Run(int iArgc, char **ppcArgv)
     unsigned uiWaitSeconds = stSession.uiWaitMs / 1000U;
     BMC_OPTIONS_S stBmc;
     AddGlobalOptions(stLine.Top(), stSession, uiWaitSeconds);
+    AddBmcOptions(stLine.Top(), stBmc);
     AddSections(stLine.Top());
     AddCommands(stLine.Top(), stSession);
     try {

@@ -139,7 +139,7 @@ int Open(const BMCHOST_BACKEND_CHIP_S *pstChip, BMCHOST_BACKEND_OPEN_S *pstOpen)
         SETTINGS_S stSettings;
         std::string strWhy = ReadSettings(pstChip->pcSettings, &stSettings);
         if (strWhy.empty()) {
-            strWhy = TakePassword(pstChip->pcRoot, &stSettings);
+            strWhy = TakePassword(&stSettings);
         }
         if (!strWhy.empty()) {
             Tell(pstOpen->acWhy, sizeof(pstOpen->acWhy), strWhy);

@@ -167,6 +167,9 @@ std::string ReadSettings(const char *pcSettings, SETTINGS_S *pstSettings)
     stLogin.uiSuite = SuiteOf(&stReader);
     stLogin.uiPatienceMs = stReader.Number("timeoutSeconds", 1U, 60U, 10U) * 1000U;
     pstSettings->strPasswordFile = stReader.Text("passwordFile", 4095U, "");
+    if (!pstSettings->strPasswordFile.empty() && pstSettings->strPasswordFile[0] != '/') {
+        stReader.Refuse("passwordFile", "is refused; accepted: an absolute path");
+    }
     if (!json.contains("fru")) {
         stReader.Refuse("fru", "is missing; accepted: the FRU device ID on that controller, 0 to 254");
     }
@@ -175,7 +178,7 @@ std::string ReadSettings(const char *pcSettings, SETTINGS_S *pstSettings)
     return stReader.Why();
 }
 
-std::string TakePassword(const char *pcRoot, SETTINGS_S *pstSettings)
+std::string TakePassword(SETTINGS_S *pstSettings)
 {
     if (pstSettings->stLogin.IsLocal()) {
         return "";
@@ -189,12 +192,9 @@ std::string TakePassword(const char *pcRoot, SETTINGS_S *pstSettings)
         }
         strPassword = pcPassword;
     } else {
-        const bool bAbsolute = pstSettings->strPasswordFile[0] == '/';
-        const std::string strPath = bAbsolute ? pstSettings->strPasswordFile
-                                              : std::string(pcRoot) + "/" + pstSettings->strPasswordFile;
-        const std::string strWhy = FirstLine(strPath, &strPassword);
+        const std::string strWhy = FirstLine(pstSettings->strPasswordFile, &strPassword);
         if (!strWhy.empty()) {
-            return "the password cannot be read from " + strPath + ": " + strWhy;
+            return "the password cannot be read from " + pstSettings->strPasswordFile + ": " + strWhy;
         }
     }
     if (strPassword.size() > g_uiPasswordMax) {

@@ -33,9 +33,8 @@ struct SETTINGS_S
 // Empty, or what is wrong and what would be accepted. The password is not looked for.
 std::string ReadSettings(const char *pcSettings, SETTINGS_S *pstSettings);
 
-// The password, from its file (a relative path counts from the root) or from the environment. Empty, or why there is
-// none.
-std::string TakePassword(const char *pcRoot, SETTINGS_S *pstSettings);
+// The password, from its file or from the environment. Empty, or why there is none.
+std::string TakePassword(SETTINGS_S *pstSettings);
 
 } // namespace ipmi
 
