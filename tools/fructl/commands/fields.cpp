@@ -62,7 +62,7 @@ void PrintFields(const SHOWN_S &stShown, const std::vector<SLOT_S> &vecSlots,
         Paint(Colour::Bold, stShown.stTarget.Title()) + stShown.HeadingText() + ", custom fields\n";
     for (const SLOT_S &stSlot : vecSlots) {
         strOut += Format("  %-14s ", stSlot.pcName) +
-                  (stSlot.strText.empty() ? Paint(Colour::Dim, "-") : EscapeText(stSlot.strText)) + "\n";
+                  (stSlot.strText.empty() ? Paint(Colour::Dim, "-") : ShownText(stSlot.strText)) + "\n";
     }
     for (const JOINED_S &stArea : vecJoined) {
         // The library has escaped quotes, backslashes and line ends already; only other bytes are left.

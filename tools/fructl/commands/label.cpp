@@ -115,7 +115,7 @@ void PrintLabels(const SESSION_S &stSession, const std::optional<DEVICE_S> &optD
             stJson["value"] = ValueJson(stLabel, optValue);
             strValue = !optValue.has_value() ? "(" + WhyNoValue(*optView, stLabel) + ")"
                        : optValue->empty()   ? "-"
-                                             : EscapeText(*optValue);
+                                             : ShownText(*optValue);
             enColour = optValue.has_value() && !optValue->empty() ? Colour::Cyan : Colour::Dim;
         }
         stList.push_back(stJson);
@@ -264,7 +264,7 @@ std::string StepsText(const LABEL_PLAN_S &stPlan)
         uiWidth = std::max(uiWidth, stStep.stRequest.stLabel.strName.size());
     }
     const auto fnShown = [](const std::optional<std::string> &optText) {
-        return !optText.has_value() ? "(none)" : optText->empty() ? "-" : EscapeText(*optText);
+        return !optText.has_value() ? "(none)" : optText->empty() ? "-" : ShownText(*optText);
     };
     std::string strOut;
     for (const LABEL_STEP_S &stStep : stPlan.vecSteps) {
@@ -360,6 +360,14 @@ void AddLabelCommand(const Command &stParent, SESSION_S &stSession)
         "fructl label list\nfructl label list baseboard\nfructl label list --id 1 --json", {stDevice},
         *pstList);
     AddSourceOption(stListCommand, pstList->stSource);
+    stListCommand.AddSection(
+        "Columns", "",
+        {{"LABEL", "its name, as 'label get' and 'label set' take it"},
+         {"AREA", "where its field is: an area of the image, or the hardware block"},
+         {"LENGTH", "how many characters a value may have, on this device"},
+         {"NONE", "whether the value NONE is accepted, which stands for an absent text"},
+         {"ACCEPTS", "what kind of value"},
+         {"VALUE", "what the image has; -: an empty text; in brackets: why there is none"}});
     stListCommand.Run([&stSession, pstList] { RunList(stSession, *pstList); });
     const auto pstGet = std::make_shared<LABEL_OPTIONS_S>();
     const Command stGetCommand =

@@ -53,5 +53,15 @@ void AddListCommand(const Command &stParent, SESSION_S &stSession)
 {
     const Command stCommand = stParent.Add("list", "List the devices and the state of their images",
                                            "fructl list\nfructl --root /tmp/lab list --json");
+    stCommand.AddSection(
+        "Columns", "",
+        {{"ID", "FRU device ID, as --id and IPMI clients take it"},
+         {"TYPE, INST", "component type and instance: 0x30:0 names the device, too"},
+         {"BUS, ADDR", "where its EEPROM is; the address has 8 bits"},
+         {"SIZE", "bytes of its image"},
+         {"IMAGE", "in the EEPROM: sound, damaged, erased (every byte 0xff), unreadable (the chip "
+                   "does not answer), or no record (the controller does not know where it is)"},
+         {"CACHE", "the cached image: same, differs, none, not trusted (its flag is not set), or "
+                   "only (the device has no EEPROM)"}});
     stCommand.Run([&stSession] { RunList(stSession); });
 }

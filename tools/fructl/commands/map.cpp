@@ -3,6 +3,7 @@
 #include "commands/commands.h"
 #include "terminal/console.h"
 #include "terminal/json_out.h"
+#include "terminal/wrap.h"
 #include "toolkit/base/json.h"
 #include "toolkit/base/text.h"
 #include "toolkit/controller/device_json.h"
@@ -20,6 +21,7 @@ namespace {
 constexpr size_t BYTES_PER_LINE = 16U;
 constexpr size_t HEX_WIDTH = 3U * BYTES_PER_LINE + 1U;
 constexpr size_t UNITS_PER_LINE = 64U;
+constexpr size_t INDENT = 2U;
 
 struct AREA_STYLE_S
 {
@@ -72,13 +74,20 @@ std::string Legend(const std::vector<SPAN_S> &vecSpans)
                                Format(" %s %zu", AreaName(enArea), auiBytes[i]));
         }
     }
-    return "  One letter is 8 bytes. Bytes in each area: " + Join(vecParts, ", ") + "\n";
+    const size_t uiWidth = TerminalWidth();
+    std::string strOut;
+    for (const std::string &strLine :
+         WrapText("One letter is 8 bytes. Bytes in each area: " + Join(vecParts, ", "),
+                  uiWidth > INDENT ? uiWidth - INDENT : uiWidth)) {
+        strOut += std::string(INDENT, ' ') + strLine + "\n";
+    }
+    return strOut;
 }
 
 std::string Meaning(const SPAN_S &stSpan)
 {
     std::string strOut = FieldName(stSpan.stField);
-    strOut += stSpan.strText.empty() ? "" : ": " + EscapeText(stSpan.strText);
+    strOut += stSpan.strText.empty() ? "" : ": " + ShownText(stSpan.strText);
     strOut += stSpan.stNote.IsTold() ? Paint(Colour::Dim, " (" + NoteText(stSpan.stNote) + ")") : "";
     strOut += stSpan.strProblem.empty() ? "" : "  " + Paint(Colour::Red, "<- " + stSpan.strProblem);
     return strOut;

@@ -44,7 +44,7 @@ std::string Heading(Area enArea)
 
 std::string Row(const FIELD_ID_S &stField, const std::string &strText, const Notes &mapNotes)
 {
-    const std::string strShown = strText.empty() ? Paint(Colour::Dim, "-") : EscapeText(strText);
+    const std::string strShown = strText.empty() ? Paint(Colour::Dim, "-") : ShownText(strText);
     const auto itNote = mapNotes.find(stField);
     const std::string strNote =
         itNote == mapNotes.end() ? "" : Paint(Colour::Dim, "  (" + NoteText(itNote->second) + ")");

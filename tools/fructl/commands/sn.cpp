@@ -75,7 +75,7 @@ void RunSn(const SESSION_S &stSession, bool bDirect)
         uiAsked++;
         uiFailed += stAnswer.uiStatus == FRU_OK ? 0U : 1U;
         stTable.Row({stSerial.pcWhat, stSerial.pcWhere,
-                     bText ? EscapeText(stAnswer.strText) : "(" + stAnswer.strWhy + ")"},
+                     bText ? ShownText(stAnswer.strText) : "(" + stAnswer.strWhy + ")"},
                     {Colour::None, Colour::Dim,
                      stAnswer.uiStatus != FRU_OK ? Colour::Red
                      : bText                     ? Colour::Green

@@ -9,7 +9,7 @@ namespace {
 std::string Side(const char *pcMark, Colour enColour, const std::optional<std::string> &optText)
 {
     return optText.has_value()
-               ? "    " + Paint(enColour, pcMark + EscapeText(optText->empty() ? "-" : *optText)) + "\n"
+               ? "    " + Paint(enColour, pcMark + ShownText(optText->empty() ? "-" : *optText)) + "\n"
                : "";
 }
 
