@@ -5,7 +5,7 @@ import shutil
 import subprocess
 import unittest
 
-from support import COMMAND, FructlTest, Run
+from support import COMMAND, FructlTest, Image, Run, Texts
 from terminal_support import Terminal
 
 
@@ -122,6 +122,29 @@ class Colour(FructlTest):
             self.assertNotIn("\x1b[", stTerminal.All()[0])
         with Terminal([*COMMAND, "--root", str(self.pathRoot), "list"]) as stTerminal:
             self.assertIn("\x1b[", stTerminal.All()[0])
+
+
+class Letters(FructlTest):
+    """A field with letters of Latin-1, a control of Latin-1's, and a backslash."""
+
+    def setUp(self):
+        super().setUp()
+        self.ProvisionImage(Image({3: b"\x00\x00\x00\x00" + Texts("M\xfcller", "a\\b\x85", "", "", "")}))
+
+    def Shown(self, *asArguments, **dictEnvironment):
+        with Terminal([*COMMAND, "--root", str(self.pathRoot), "--color", "never", *asArguments], 120, **dictEnvironment) as stTerminal:
+            return stTerminal.All()[0]
+
+    def test_a_terminal_of_utf_8_shows_them(self):
+        for asArguments in (["show", "dev"], ["map", "dev"], ["label", "list", "dev"]):
+            strOut = self.Shown(*asArguments)
+            self.assertIn("M\xfcller", strOut, asArguments)
+            self.assertIn("a\\\\b\\x85", strOut, asArguments)
+
+    def test_elsewhere_they_are_escaped(self):
+        self.assertIn("M\\xfcller", self.Shown("show", "dev", LC_ALL="C"))
+        self.assertIn("M\\xfcller", self.Good("show", "dev").strOut)
+        self.assertIn("M\\xfcller", Run("--root", self.pathRoot, "show", "dev", LC_ALL="C.UTF-8").strOut)
 
 
 class Manual(FructlTest):
