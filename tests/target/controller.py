@@ -14,8 +14,8 @@ BUS = 8  # with two chips of the board's own, at 0x50 and 0x51
 OFFSET = 256  # of the FRU images in the chips, as on many a board
 KERNEL_ADDRESSES = (0x54, 0x55)
 RAW_ADDRESSES = (0x56, 0x57)
-PAGE = 32
-RAW = {"addressBytes": 2, "pageSize": PAGE, "writeTimeMs": 10}
+FILLER = bytes(range(251))  # in the chips, so that it is seen when something writes beside an image
+RAW = {"addressBytes": 2, "pageSize": 32, "writeTimeMs": 5}
 
 
 def Image(strName):
@@ -56,11 +56,11 @@ class Device:
                 "image": f"{self.strName}.bin",
                 "recoveryImage": {"path": f"/usr/upgrade/fru/{self.strName}.bin", "file": f"{self.strName}.bin"}}
 
-    def Contents(self, stMachine):
+    def Contents(self, stMachine, strRoot=ROOT):
         """The whole chip, from this machine's file where there is one."""
         if self.stChip:
             return self.stChip.Bytes()
-        return stMachine.Bytes(f"{ROOT}/eeprom/bus{BUS}-addr{self.iAddress << 1:#04x}.bin")
+        return stMachine.Bytes(f"{strRoot}/eeprom/bus{BUS}-addr{self.iAddress << 1:#04x}.bin")
 
 
 class World:
@@ -79,7 +79,7 @@ class World:
         dictFiles = {f"/examples/{pathFile.relative_to(SOURCE / 'examples')}": pathFile.read_bytes()
                      for pathFile in (SOURCE / "examples").rglob("*") if pathFile.is_file()}
         dictFiles.update({str(pathFile): pathFile.read_bytes() for pathFile in (pathBuild / "locales").rglob("*") if pathFile.is_file()})
-        initrd.Make(self.stPackages, pathBuild, ["fructl", *self.listTests], dictFiles, self.pathInitrd)
+        initrd.Make(self.stPackages, pathBuild, ["fructl", "target_chips", *self.listTests], dictFiles, self.pathInitrd)
         self.pathLog = self.pathWork / "console.log"
         self.pathLog.unlink(missing_ok=True)
         self.Fresh()
@@ -91,7 +91,7 @@ class World:
         self.dictChips = {iAddress: Chip(self.pathWork / f"chip-{iAddress:02x}.bin", BUS, iAddress)
                           for iAddress in (*KERNEL_ADDRESSES, *RAW_ADDRESSES)}
         for stChip in self.dictChips.values():
-            stChip.Fill(b"")
+            stChip.Fill(FILLER)
 
     def Boot(self):
         stMachine = Machine(self.stPackages, self.pathInitrd, self.pathDisk, self.dictChips.values(), self.pathLog)
@@ -99,24 +99,26 @@ class World:
             stMachine.Good(f"echo 24c64 {iAddress:#x} > /sys/bus/i2c/devices/i2c-{BUS}/new_device")
         return stMachine
 
-    def Devices(self, listBackends):
+    def Devices(self, listBackends, bPrefix=True):
         """A baseboard and a power supply for each back end; only one of them can be the baseboard of component type 0."""
         dictAddresses = {"kernel": KERNEL_ADDRESSES, "i2c": RAW_ADDRESSES, "file": (0x52, 0x53)}
         listDevices = []
         for strBackend in listBackends:
             for iAddress, strImage in zip(dictAddresses[strBackend], ("baseboard.hex", "psu1.hex")):
                 iId = len(listDevices)
-                listDevices.append(Device(iId, f"{strBackend}-{strImage.removesuffix('.hex')}", strBackend, 0 if iId == 0 else 0x20 + iId,
-                                          iAddress, self.dictChips.get(iAddress), strImage))
+                strName = (f"{strBackend}-" if bPrefix else "") + strImage.removesuffix(".hex")
+                listDevices.append(Device(iId, strName, strBackend, 0 if iId == 0 else 0x20 + iId, iAddress, self.dictChips.get(iAddress),
+                                          strImage))
         return listDevices
 
 
-def Provision(stMachine, listDevices, *asOptions):
-    """A controller with these devices, and the answer of the command."""
+def Provision(stMachine, listDevices, strRoot=ROOT):
+    """A controller with these devices, their images in their chips."""
     for stDevice in listDevices:
         stMachine.Put(f"/tmp/described/{stDevice.strName}.bin", stDevice.abImage)
     stMachine.Put("/tmp/described/controller.json", json.dumps({"devices": [stDevice.Described() for stDevice in listDevices]}).encode())
-    return stMachine.Run(Fructl("provision", "/tmp/described/controller.json", *asOptions))
+    asOptions = ["--write-images"] if any(stDevice.stChip for stDevice in listDevices) else []
+    stMachine.Good(Fructl("provision", "/tmp/described/controller.json", *asOptions, strRoot=strRoot))
 
 
 def Quoted(strWord):

@@ -15,7 +15,6 @@ QEMU = "qemu-system-arm"
 HANG_SECONDS = 1800
 BOARD = "rainier-bmc"
 DISK_BYTES = 64 << 20
-PAGE = 32
 CHIP_BYTES = 8192
 
 
@@ -48,11 +47,9 @@ class Chip:
         self.pathFile = pathFile
         self.iBus = iBus
         self.iAddress = iAddress
-        if not pathFile.exists():
-            self.Fill(b"")
 
-    def Fill(self, abBytes, iOffset=0):
-        self.pathFile.write_bytes((b"\xff" * iOffset + abBytes).ljust(CHIP_BYTES, b"\xff"))
+    def Fill(self, abPattern):
+        self.pathFile.write_bytes((abPattern * CHIP_BYTES)[:CHIP_BYTES])
 
     def Bytes(self):
         return self.pathFile.read_bytes()

@@ -20,7 +20,6 @@ class PowerCuts:
         self.stWorld = stWorld
         self.stReport = stReport
         self.listDevices = stWorld.Devices(listBackends)
-        self.asOptions = ["--write-images"] if listBackends != ["file"] else []
         self.iCuts = iCuts
         self.uiSeed = uiSeed
         self.stRandom = random.Random(uiSeed)
@@ -127,9 +126,7 @@ class PowerCuts:
 
     def Run(self):
         with self.stWorld.Boot() as stMachine:
-            stAnswer = controller.Provision(stMachine, self.listDevices, *self.asOptions)
-            if stAnswer.iCode != 0:
-                raise AssertionError(f"provision: {stAnswer.strErr}")
+            controller.Provision(stMachine, self.listDevices)
             self.Learn(stMachine)
             for iCut in range(self.iCuts):
                 self.Cut(stMachine)

@@ -5,7 +5,9 @@ import pathlib
 import sys
 import time
 
+from commands import Commands
 from controller import World
+from cost import Cost
 from machine import MachineError
 from packages import CannotRun
 from power_cuts import PowerCuts
@@ -60,6 +62,10 @@ def main():
                 stReport.Note(f"booted in {stMachine.fBoot:.1f} s, kernel {stWorld.stPackages.strKernel}")
                 if 1 in setParts:
                     Programs(stWorld, stMachine, stReport, stArguments.quick).Run()
+                if 2 in setParts:
+                    Commands(stWorld, stMachine, stReport).Run()
+                if 4 in setParts:
+                    Cost(stWorld, stMachine, stReport).Run()
         if 3 in setParts:
             stWorld.Fresh()
             stCuts = PowerCuts(stWorld, stReport, stArguments.backends.split(","), stArguments.cuts, stArguments.seed)
