@@ -14,7 +14,7 @@ class Commands:
         self.stWorld = stWorld
         self.stMachine = stMachine
         self.stReport = stReport
-        self.dictDevices = {strBackend: stWorld.Devices([strBackend], bPrefix=False) for strBackend in ("file", *BACKENDS)}
+        self.dictDevices = {strBackend: stWorld.Devices([strBackend], bMany=False) for strBackend in ("file", *BACKENDS)}
         self.dictBefore = {iAddress: stChip.Bytes() for iAddress, stChip in stWorld.dictChips.items()}
 
     def Images(self, strBackend):

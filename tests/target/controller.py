@@ -73,6 +73,7 @@ class World:
         self.fnSay = fnSay
         self.stPackages = Packages(self.pathWork / "packages", fnSay)
         self.pathInitrd = self.pathWork / "initrd.cpio"
+        self.pathSmallInitrd = self.pathWork / "initrd-fructl.cpio"
         self.listTests = sorted(pathFile.name for pathFile in pathBuild.iterdir()
                                 if pathFile.name.startswith(("unit_", "contract", "thread_", "examples_test")) and pathFile.is_file()
                                 and pathFile.read_bytes()[:4] == b"\x7fELF")
@@ -80,6 +81,7 @@ class World:
                      for pathFile in (SOURCE / "examples").rglob("*") if pathFile.is_file()}
         dictFiles.update({str(pathFile): pathFile.read_bytes() for pathFile in (pathBuild / "locales").rglob("*") if pathFile.is_file()})
         initrd.Make(self.stPackages, pathBuild, ["fructl", "target_chips", *self.listTests], dictFiles, self.pathInitrd)
+        initrd.Make(self.stPackages, pathBuild, ["fructl"], {}, self.pathSmallInitrd)
         self.pathLog = self.pathWork / "console.log"
         self.pathLog.unlink(missing_ok=True)
         self.Fresh()
@@ -93,20 +95,23 @@ class World:
         for stChip in self.dictChips.values():
             stChip.Fill(FILLER)
 
-    def Boot(self):
-        stMachine = Machine(self.stPackages, self.pathInitrd, self.pathDisk, self.dictChips.values(), self.pathLog)
+    def Boot(self, bSmall=False):
+        """The machine, running; bSmall: without the test programs, which is faster."""
+        pathInitrd = self.pathSmallInitrd if bSmall else self.pathInitrd
+        stMachine = Machine(self.stPackages, pathInitrd, self.pathDisk, self.dictChips.values(), self.pathLog)
         for iAddress in KERNEL_ADDRESSES:
             stMachine.Good(f"echo 24c64 {iAddress:#x} > /sys/bus/i2c/devices/i2c-{BUS}/new_device")
         return stMachine
 
-    def Devices(self, listBackends, bPrefix=True):
+    def Devices(self, listBackends, bMany=True):
         """A baseboard and a power supply for each back end; only one of them can be the baseboard of component type 0."""
         dictAddresses = {"kernel": KERNEL_ADDRESSES, "i2c": RAW_ADDRESSES, "file": (0x52, 0x53)}
         listDevices = []
         for strBackend in listBackends:
             for iAddress, strImage in zip(dictAddresses[strBackend], ("baseboard.hex", "psu1.hex")):
                 iId = len(listDevices)
-                strName = (f"{strBackend}-" if bPrefix else "") + strImage.removesuffix(".hex")
+                strName = strImage.removesuffix(".hex") + (f"-{strBackend}" if bMany else "")
+                strName = strName.replace("baseboard-", "board-")  # names have an end
                 listDevices.append(Device(iId, strName, strBackend, 0 if iId == 0 else 0x20 + iId, iAddress, self.dictChips.get(iAddress),
                                           strImage))
         return listDevices

@@ -5,7 +5,7 @@ import re
 from controller import Fructl, Provision
 
 TRACING = "/sys/kernel/tracing"
-# A chip on a board: nine bits a byte at 100 kHz, and its write cycle after each page.
+# A chip on a board: nine bits a byte at 100 kHz, and its write cycle after each write.
 BIT_SECONDS = 1e-5
 CYCLE_SECONDS = 0.005
 ROUNDS = 5
@@ -16,7 +16,7 @@ class Bus:
     """What the trace points tell of the transfers."""
 
     def __init__(self, strTrace):
-        self.iTransfers = self.iRefused = self.iBytes = self.iPages = 0
+        self.iTransfers = self.iRefused = self.iBytes = self.iCycles = 0
         self.fSeconds = self.fWireSeconds = 0.0
         fBegin = None
         for stFound in MESSAGE.finditer(strTrace):
@@ -29,11 +29,11 @@ class Bus:
                 continue
             fBegin = fNow if fBegin is None else fBegin
             iLength = int(stFound.group(4))
-            bPage = stFound.group(2) == "write" and iLength > 2
-            self.iPages += bPage
+            bCycle = stFound.group(2) == "write" and iLength > 2
+            self.iCycles += bCycle
             self.iBytes += iLength
             # With the address, and the condition that begins or ends it.
-            self.fWireSeconds += (9 * (iLength + 1) + 2) * BIT_SECONDS + (CYCLE_SECONDS if bPage else 0.0)
+            self.fWireSeconds += (9 * (iLength + 1) + 2) * BIT_SECONDS + (CYCLE_SECONDS if bCycle else 0.0)
 
 
 class Cost:
@@ -44,7 +44,7 @@ class Cost:
 
     def One(self, strBackend):
         strRoot = f"/data/cost-{strBackend}"
-        (stDevice, _) = listDevices = self.stWorld.Devices([strBackend], bPrefix=False)
+        (stDevice, _) = listDevices = self.stWorld.Devices([strBackend], bMany=False)
         Provision(self.stMachine, listDevices, strRoot)
         listSeconds = []
         for iRound in range(ROUNDS):
@@ -63,9 +63,9 @@ class Cost:
         if strBackend != "file":
             if stBus.iTransfers == 0:
                 raise AssertionError("the kernel saw no transfer")
-            strSaid += (f"; bus: {stBus.iTransfers} transfers ({stBus.iRefused} not answered) with {stBus.iBytes} bytes, {stBus.iPages} pages "
-                        f"written, {stBus.fSeconds * 1000:.0f} ms ({100 * stBus.fSeconds / fSeconds:.0f} %); on a wire of 100 kHz with "
-                        f"write cycles of 5 ms that is {stBus.fWireSeconds * 1000:.0f} ms")
+            strSaid += (f"; bus: {stBus.iTransfers} transfers ({stBus.iRefused} not answered) with {stBus.iBytes} bytes, {stBus.iCycles} "
+                        f"write cycles, {stBus.fSeconds * 1000:.0f} ms ({100 * stBus.fSeconds / fSeconds:.0f} %); on a wire of 100 kHz with "
+                        f"cycles of 5 ms that is {stBus.fWireSeconds * 1000:.0f} ms")
         return strSaid
 
     def Run(self):

@@ -64,7 +64,7 @@ class PowerCuts:
         """Has the machine write, and kills it; the device whose write was not done yet, and the value it was to have."""
         stMachine.Begin(self.Script())
         stNow = None
-        for _ in range(self.stRandom.randint(1, 2 * len(self.listDevices) - 1)):
+        for _ in range(self.stRandom.randint(1, 4)):
             if stNow:
                 stMachine.Until(b"#DONE ")
                 self.Done(stMachine.Line())
@@ -118,21 +118,21 @@ class PowerCuts:
 
     def MendingCut(self):
         """Once more in the middle of the first command after the cut."""
-        with self.stWorld.Boot() as stMachine:
+        with self.stWorld.Boot(bSmall=True) as stMachine:
             stMachine.Begin(Fructl("list"))
             time.sleep(self.stRandom.uniform(0.0, self.fTook / 2))
             stMachine.Kill()
         self.iTwice += 1
 
     def Run(self):
-        with self.stWorld.Boot() as stMachine:
+        with self.stWorld.Boot(bSmall=True) as stMachine:
             controller.Provision(stMachine, self.listDevices)
             self.Learn(stMachine)
             for iCut in range(self.iCuts):
                 self.Cut(stMachine)
                 if self.stRandom.random() < 0.15:
                     self.MendingCut()
-                stMachine = self.stWorld.Boot()
+                stMachine = self.stWorld.Boot(bSmall=True)
                 self.fBoots += stMachine.fBoot
                 self.Look(stMachine, f"cut {iCut + 1} (seed {self.uiSeed})")
                 if (iCut + 1) % 10 == 0:
