@@ -121,7 +121,8 @@ TEST(IpmiSettings, WithoutAFileTheEnvironmentHasThePassword)
 
 TEST(IpmiSettings, ThisMachinesOwnControllerAsksForNoPassword)
 {
-    SETTINGS_S stSettings = Right(R"({"host": "/dev/ipmi0", "fru": 0})");
+    SETTINGS_S stSettings = Right(R"({"host": "/dev/ipmi12", "fru": 0})");
+    EXPECT_EQ(stSettings.stLogin.uiDevice, 12U);
     EXPECT_TRUE(stSettings.stLogin.IsLocal());
     EXPECT_EQ(TakePassword(&stSettings), "");
 }

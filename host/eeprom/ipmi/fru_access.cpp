@@ -228,7 +228,7 @@ RESULT_S FruAccess::ReadWhole(u8 ucFru, const AREA_S &stArea, u32 uiOffset, std:
         std::vector<u8> vecRequest = Request(ucFru, stArea, uiOffset + uiDone, 1U);
         vecRequest[g_uiHead] = static_cast<u8>(uiCount / uiUnit);
         ANSWER_S stAnswer;
-        const RESULT_S stResult = Ask(g_ucReadData, vecRequest, &stAnswer);
+        RESULT_S stResult = Ask(g_ucReadData, vecRequest, &stAnswer);
         if (stResult.enOutcome != Outcome::Done) {
             return stResult;
         }
@@ -263,7 +263,7 @@ RESULT_S FruAccess::WriteWhole(u8 ucFru, const AREA_S &stArea, u32 uiOffset, con
         std::vector<u8> vecRequest = Request(ucFru, stArea, uiOffset + uiDone, uiCount);
         std::copy_n(vecBytes.begin() + uiDone, uiCount, vecRequest.begin() + g_uiHead);
         ANSWER_S stAnswer;
-        const RESULT_S stResult = Ask(g_ucWriteData, vecRequest, &stAnswer);
+        RESULT_S stResult = Ask(g_ucWriteData, vecRequest, &stAnswer);
         if (stResult.enOutcome != Outcome::Done) {
             return stResult;
         }

@@ -4,8 +4,6 @@
 #include <algorithm>
 #include <cerrno>
 #include <chrono>
-#include <cstdlib>
-#include <cstring>
 #include <sys/types.h>
 #include <unistd.h>
 
@@ -214,8 +212,7 @@ void Fill(const LOGIN_S &stLogin, const SUITE_S &stSuite, PARAMETERS_S *pstParam
 int Connect(const LOGIN_S &stLogin, ipmi_con_t **ppstCon)
 {
     if (stLogin.IsLocal()) {
-        const int iNumber = atoi(strpbrk(stLogin.strHost.c_str(), "0123456789"));
-        return ipmi_smi_setup_con(iNumber, Handler(), nullptr, ppstCon);
+        return ipmi_smi_setup_con(static_cast<int>(stLogin.uiDevice), Handler(), nullptr, ppstCon);
     }
     const SUITE_S *pstSuite = SuiteOf(stLogin.uiSuite);
     if (pstSuite == nullptr) {
@@ -355,7 +352,7 @@ ANSWER_S Session::Exchange(u8 ucNetFn, u8 ucCommand, const std::vector<u8> &vecD
     (void)pstState->RunUntil(milliseconds(m_stLogin.uiPatienceMs),
                              [&] { return pstState->bAnswered || pstState->iError != 0; });
     const bool bLate = Clock::now() - stBegin > g_stLateTime;
-    const ANSWER_S stAnswer = pstState->stAnswer;
+    ANSWER_S stAnswer = pstState->stAnswer;
     if (!stAnswer.bCame || pstState->iError != 0 || (stAnswer.ucCompletion == IPMI_TIMEOUT_CC && bLate)) {
         return BrokenOff("broke off: no answer any more");
     }

@@ -62,7 +62,7 @@ class Reader
             return pcDefault;
         }
         const JSON &json = m_json.at(pcName);
-        const std::string strText = json.is_string() ? json.get<std::string>() : "";
+        std::string strText = json.is_string() ? json.get<std::string>() : "";
         const bool bControl = std::any_of(strText.begin(), strText.end(),
                                           [](char c) { return static_cast<unsigned char>(c) < 0x20U; });
         if (!json.is_string() || strText.size() > uiMax || bControl) {
@@ -107,12 +107,12 @@ u32 SuiteOf(Reader *pstReader)
     return uiSuite;
 }
 
-std::string HostOf(Reader *pstReader, const JSON &json)
+void TakeHost(Reader *pstReader, const JSON &json, LOGIN_S *pstLogin)
 {
     if (!json.contains("host")) {
         pstReader->Refuse("host", "is missing; accepted: a name, an address or /dev/ipmi0");
     }
-    std::string strHost = pstReader->Text("host", g_uiHostMax, "");
+    const std::string strHost = pstReader->Text("host", g_uiHostMax, "");
     const bool bDevice = strHost.rfind(g_acDevice, 0U) == 0U;
     const std::string strNumber = bDevice ? strHost.substr(strlen(g_acDevice)) : "";
     if (strHost.empty() || (!bDevice && strHost.find_first_of("/ ") != std::string::npos) ||
@@ -120,16 +120,19 @@ std::string HostOf(Reader *pstReader, const JSON &json)
                      strNumber.find_first_not_of("0123456789") != std::string::npos))) {
         pstReader->Refuse("host", "is refused; accepted: a name, an address or /dev/ipmi0");
     }
-    return strHost;
+    pstLogin->strHost = strHost;
+    for (const char cDigit : strNumber) {
+        pstLogin->uiDevice = pstLogin->uiDevice * 10U + (static_cast<u32>(cDigit) - '0');
+    }
 }
 
-// The file's first line; empty with errno set.
+// The file's first line. Empty, or why there is none.
 std::string FirstLine(const std::string &strPath, std::string *pstrLine)
 {
     const int iFd = open(strPath.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY);
     char acText[256] = "";
     const ssize_t iRead = iFd < 0 ? -1 : read(iFd, acText, sizeof(acText));
-    const std::string strWhy = iRead < 0 ? strerror(errno) : "";
+    std::string strWhy = iRead < 0 ? strerror(errno) : "";
     if (iFd >= 0) {
         (void)close(iFd);
     }
@@ -160,7 +163,7 @@ std::string ReadSettings(const char *pcSettings, SETTINGS_S *pstSettings)
         }
     }
     LOGIN_S &stLogin = pstSettings->stLogin;
-    stLogin.strHost = HostOf(&stReader, json);
+    TakeHost(&stReader, json, &stLogin);
     stLogin.uiPort = stReader.Number("port", 1U, 65535U, 623U);
     stLogin.strUser = stReader.Text("user", g_uiUserMax, "");
     stLogin.uiPrivilege = PrivilegeOf(&stReader);
