@@ -14,7 +14,7 @@ struct LOGIN_S
     std::string strHost; // a name, an address, or /dev/ipmi<N>
     std::string strUser;
     std::string strPassword;
-    u32 uiDevice = 0;    // N of /dev/ipmi<N>
+    u32 uiDevice = 0; // N of /dev/ipmi<N>
     u32 uiPort = 0;
     u32 uiPrivilege = 0; // 2 user, 3 operator, 4 administrator
     u32 uiSuite = 0;     // cipher suite
