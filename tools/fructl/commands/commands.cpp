@@ -21,7 +21,7 @@ const std::vector<GROUP_S> &Groups()
           AddPsnCommand}},
         {"Check", {AddVerifyCommand}},
         {"Edit fields",
-         {AddLabelCommand, AddMrCommand, AddHwCommand, AddOemCommand, AddHostNameCommand,
+         {AddEditCommand, AddLabelCommand, AddMrCommand, AddHwCommand, AddOemCommand, AddHostNameCommand,
           AddAssembleCommand}},
         {"Move whole images", {AddReadCommand, AddWriteCommand, AddEncodeCommand, AddClearCommand}},
         {"Repair and undo", {AddRecoverCommand, AddHistoryCommand, AddUndoCommand, AddJournalCommand}},

@@ -48,6 +48,7 @@ void AddVerifyCommand(const Command &stParent, SESSION_S &stSession);
 void AddMapCommand(const Command &stParent, SESSION_S &stSession);
 void AddRecoverCommand(const Command &stParent, SESSION_S &stSession);
 void AddLabelCommand(const Command &stParent, SESSION_S &stSession);
+void AddEditCommand(const Command &stParent, SESSION_S &stSession);
 void AddEncodeCommand(const Command &stParent, SESSION_S &stSession);
 void AddDiffCommand(const Command &stParent, SESSION_S &stSession);
 void AddRawCommand(const Command &stParent, SESSION_S &stSession);

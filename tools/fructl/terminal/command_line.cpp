@@ -115,6 +115,12 @@ Option &Option::Words(int iMin, int iMax)
     return *this;
 }
 
+Option &Option::Repeated()
+{
+    m_pstOption->allow_extra_args(false);
+    return *this;
+}
+
 Option &Option::OneOf(const std::vector<std::string> &vecAccepted)
 {
     m_pstDoc->vecAccepted = vecAccepted;

@@ -31,6 +31,8 @@ class Option
     Option &ShowDefault();
     // For a list: how many words it takes.
     Option &Words(int iMin, int iMax);
+    // For a list: one word each time that the option is named.
+    Option &Repeated();
     Option &OneOf(const std::vector<std::string> &vecAccepted);
     Option &UpTo(unsigned uiMax);
     // What a shell completes it by, where its placeholder does not tell.
