@@ -31,7 +31,7 @@ class Losses(LabelTest):
         self.ProvisionImage(Image({3: bytes(4) + b"\x20" + bytes(32) + Texts("", "", "", "")}))
         self.assertEqual(self.Bad(3, "label", "set", "dev", "Board Serial Number", "AB", "--force"),
                          "dev (0x20:0): no image can be made with the new 'Board Serial Number': the manufacturer of its board info area would be stored as "
-                         "64 characters, and a length byte counts only to 63")
+                         "64 characters, and a length byte counts only to 63; 'fructl edit' leaves it as it is")
 
     def test_a_text_with_a_nul_inside(self):
         self.ProvisionImage(Image({3: bytes(4) + b"\xc4ab\x00c" + Texts("", "", "", "")}))

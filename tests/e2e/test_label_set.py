@@ -44,7 +44,8 @@ class Set(LabelTest):
         self.Provision()
         strOut = self.Good("label", "set", "riser", "Product Asset Tag", "SLOT-2").strOut
         self.assertEqual(strOut, "Set riser FRU successfully, riser Product Asset Tag: SLOT-2.\n  Product Asset Tag  (none) -> SLOT-2\n"
-                                 "  note: a product info area is added\n")
+                                 "  note: a product info area is added\n"
+                                 "  note: 'fructl edit' changes a field and nothing of this\n")
         dictShown = self.Device("riser")
         self.assertEqual(dictShown["product"], {"language": "English", "languageCode": 0, "manufacturer": "", "productName": "", "partNumber": "", "version": "",
                                                 "serialNumber": "", "assetTag": "SLOT-2", "fruFileId": "", "customFields": []})

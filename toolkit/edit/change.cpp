@@ -30,8 +30,10 @@ std::string WhyNotEncoded(const RECORD_VIEW_S &stView)
         for (const auto &[stField, strText] : vecTexts) {
             if (strText.size() > FRU_FIELD_MAX_TEXT) {
                 return "the " + FieldName(stField) + " of its " + AreaName(stArea.enArea) +
-                       Format(" would be stored as %zu characters, and a length byte counts only to %u",
-                              strText.size(), FRU_FIELD_MAX_TEXT);
+                       Format(
+                           " would be stored as %zu characters, and a length byte counts only to %u; 'fructl edit' "
+                           "leaves it as it is",
+                           strText.size(), FRU_FIELD_MAX_TEXT);
             }
         }
     }

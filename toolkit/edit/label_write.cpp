@@ -206,6 +206,9 @@ LABEL_PLAN_S PlanLabels(const DEVICE_S &stDevice, const std::vector<LABEL_REQUES
         return IsLabelField(vecRequests, stField);
     });
     stPlan.vecNotes.insert(stPlan.vecNotes.end(), stRewrite.vecNotes.begin(), stRewrite.vecNotes.end());
+    if (!stRewrite.vecNotes.empty()) {
+        stPlan.vecNotes.emplace_back("'fructl edit' changes a field and nothing of this");
+    }
     stPlan.vecLosses = stRewrite.vecLosses;
     return stPlan;
 }

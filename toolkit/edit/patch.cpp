@@ -183,7 +183,7 @@ std::vector<u8> BaseOf(const IMAGE_S &stImage, std::vector<std::string> &vecNote
 }
 
 PATCH_S PlanPatch(const TARGET_S &stTarget, const IMAGE_S &stBefore, const std::vector<u8> &vecAfter,
-                  std::vector<std::string> vecNotes)
+                  std::vector<std::string> vecNotes, bool bAny)
 {
     PATCH_S stPatch = {stTarget, {}, vecAfter, {}, {}, std::move(vecNotes), false, std::nullopt};
     stPatch.vecBefore.assign(stBefore.vecBytes.begin(),
@@ -192,7 +192,9 @@ PATCH_S PlanPatch(const TARGET_S &stTarget, const IMAGE_S &stBefore, const std::
     const bool bDevice = stTarget.optDevice.has_value();
     const VERDICT_S stVerdict = VerdictOn(
         bDevice ? IMAGE_S{stBefore.enSource, vecAfter, vecAfter.size()} : FileImage(vecAfter), bFixedSlots);
-    RequireNoWorse(stTarget, VerdictOn(stBefore, bFixedSlots), stVerdict);
+    if (!bAny) {
+        RequireNoWorse(stTarget, VerdictOn(stBefore, bFixedSlots), stVerdict);
+    }
     stPatch.bSound = stVerdict.IsGood();
     stPatch.vecFields =
         CompareContents(ContentsOf(stPatch.vecBefore, bFixedSlots), ContentsOf(vecAfter, bFixedSlots));

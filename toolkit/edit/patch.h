@@ -37,9 +37,9 @@ ROOM_S RoomOf(const TARGET_S &stTarget, const IMAGE_S &stImage, u32 uiFileSize =
 // a note says so.
 std::vector<u8> BaseOf(const IMAGE_S &stImage, std::vector<std::string> &vecNotes);
 
-// Fails when the new image would verify worse than the old one.
+// Fails when the new image would verify worse than the old one, unless bAny: a repair may bring more to light.
 PATCH_S PlanPatch(const TARGET_S &stTarget, const IMAGE_S &stBefore, const std::vector<u8> &vecAfter,
-                  std::vector<std::string> vecNotes);
+                  std::vector<std::string> vecNotes, bool bAny = false);
 
 // What the operation log and the listeners of events are told of.
 struct OPERATION_S

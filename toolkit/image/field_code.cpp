@@ -63,7 +63,15 @@ std::optional<std::vector<u8>> BcdPlus(const std::string &strValue)
     return vecData;
 }
 
-std::optional<std::vector<u8>> Data(const std::string &strValue, Encoding enEncoding, bool bWide)
+// How many bytes a character of a text has, and which comes first. Of Latin-1 the other is zero.
+enum class Width
+{
+    One,
+    TwoLowFirst,
+    TwoHighFirst
+};
+
+std::optional<std::vector<u8>> Data(const std::string &strValue, Encoding enEncoding, Width enWidth)
 {
     switch (enEncoding) {
     case Encoding::Binary:
@@ -77,22 +85,26 @@ std::optional<std::vector<u8>> Data(const std::string &strValue, Encoding enEnco
     }
     std::vector<u8> vecData;
     for (const char cChar : strValue) {
+        if (enWidth == Width::TwoHighFirst) {
+            vecData.push_back(0U);
+        }
         vecData.push_back(static_cast<u8>(cChar));
-        if (bWide) {
+        if (enWidth == Width::TwoLowFirst) {
             vecData.push_back(0U);
         }
     }
     return vecData;
 }
 
-// Two bytes a character, the least significant first: every other byte of Latin-1 is zero then.
-bool IsWide(const std::vector<u8> &vecField)
+Width WidthOf(const std::vector<u8> &vecField)
 {
-    bool bWide = vecField.size() > 1U && vecField.size() % 2U == 1U;
-    for (size_t i = 2U; i < vecField.size(); i += 2U) {
-        bWide = bWide && vecField[i] == 0U;
+    bool bLowFirst = vecField.size() > 1U && vecField.size() % 2U == 1U;
+    bool bHighFirst = bLowFirst;
+    for (size_t i = 1U; i < vecField.size(); i += 2U) {
+        bHighFirst = bHighFirst && vecField[i] == 0U;
+        bLowFirst = bLowFirst && vecField[i + 1U] == 0U;
     }
-    return bWide;
+    return bLowFirst ? Width::TwoLowFirst : bHighFirst ? Width::TwoHighFirst : Width::One;
 }
 
 std::string WithoutFilling(std::string strText)
@@ -152,11 +164,11 @@ std::vector<u8> FieldBytes(const std::vector<u8> &vecOld, const std::string &str
     // An empty field has a type, too, but that of an empty binary field says nothing of what is to come.
     Encoding enEncoding =
         stStyle.optAs.value_or(bOldEmpty && enOld == Encoding::Binary ? Encoding::Text : enOld);
-    const bool bWide = stStyle.bWide && enOld == Encoding::Text && IsWide(vecOld);
-    std::optional<std::vector<u8>> optData = Data(strValue, enEncoding, bWide);
+    const Width enWidth = stStyle.bWide && enOld == Encoding::Text ? WidthOf(vecOld) : Width::One;
+    std::optional<std::vector<u8>> optData = Data(strValue, enEncoding, enWidth);
     if (!optData.has_value() && bOldEmpty && !stStyle.optAs.has_value()) {
         enEncoding = Encoding::Text;
-        optData = Data(strValue, enEncoding, false);
+        optData = Data(strValue, enEncoding, Width::One);
     }
     const ENCODING_WORDS_S &stWords = WordsOf(enEncoding);
     const std::string strTakes = std::string(", which takes ") + stWords.pcTakes;

@@ -224,3 +224,16 @@ const char *NumberKey(Field enField)
 {
     return WordsOf(enField).pcNumberKey;
 }
+
+std::string FieldPath(const FIELD_ID_S &stField)
+{
+    const std::string strArea = AreaKey(stField.enArea);
+    if (stField.enField == Field::Custom) {
+        return strArea + Format(".custom[%u]", stField.uiIndex);
+    }
+    if (stField.enArea == Area::MultiRecord) {
+        return strArea + Format("[%u]", stField.uiIndex);
+    }
+    const char *pcKey = FieldKey(stField.enField);
+    return pcKey == nullptr ? strArea : strArea + "." + pcKey;
+}

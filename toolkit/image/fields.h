@@ -137,6 +137,8 @@ std::string FieldName(const FIELD_ID_S &stField);
 // Names for programs: "chassis", "partNumber".
 const char *AreaKey(Area enArea);
 const char *FieldKey(Field enField);
+// "product.custom[2]", as 'edit' takes it: of a field of an area, a MultiRecord, or the internal use area.
+std::string FieldPath(const FIELD_ID_S &stField);
 // Of a field whose text stands for a number, the number's own ("languageCode"); else null.
 const char *NumberKey(Field enField);
 

@@ -6,6 +6,7 @@
 #include "toolkit/base/text.h"
 #include "toolkit/image/checksum.h"
 #include "toolkit/image/erased.h"
+#include "toolkit/image/foreign.h"
 #include "toolkit/image/hardware_block.h"
 #include "toolkit/image/layout_walker.h"
 
@@ -137,8 +138,9 @@ IMAGE_LAYOUT_S LayoutWalker::Walk()
     };
     m_stLayout.bErased =
         std::all_of(m_vecImage.begin(), m_vecImage.end(), [](u8 ucByte) { return ucByte == ERASED; });
-    if (m_stLayout.bErased) {
-        Finding(0U, Area::Header, "erased: every byte is 0xff");
+    const std::string strForeign = ForeignName(m_vecImage, m_uiStored);
+    if (!strForeign.empty()) {
+        Finding(0U, Area::Header, strForeign);
     } else if (Header()) {
         Areas();
     }

@@ -123,6 +123,21 @@ TEST(FieldEdit, ANewValueTakesTheOldFieldsEncoding)
     EXPECT_NE(Refusal(vecImage, {"product.custom[0]=xyz"}).find("binary"), std::string::npos);
 }
 
+TEST(FieldEdit, ATextOfTwoBytesACharacterStaysOneInItsLanguage)
+{
+    const BYTES vecLowFirst = image::Field(3U, {'A', 0U, 'B', 0U});
+    const BYTES vecHighFirst = image::Field(3U, {0U, 'A', 0U, 'B'});
+    std::vector<BYTES> vecFields = image::Texts({"", "", "", "", "", "", ""});
+    vecFields[0] = vecLowFirst;
+    vecFields[1] = vecHighFirst;
+    const BYTES vecImage = Image({{Area::Product, image::ProductArea(88U, vecFields)}});
+    EXPECT_EQ(Edited(vecImage, {"product.manufacturer=AB", "product.productName=AB"}), vecImage);
+    const BYTES vecAfter = Edited(vecImage, {"product.manufacturer=XYZ", "product.productName=Q"});
+    EXPECT_EQ(TextOf(vecAfter, {Area::Product, Field::Manufacturer}).substr(0U, 6U),
+              std::string("X\0Y\0Z\0", 6U));
+    EXPECT_EQ(TextOf(vecAfter, {Area::Product, Field::ProductName}).substr(0U, 2U), std::string("\0Q", 2U));
+}
+
 TEST(FieldEdit, AnEncodingCanBeChosen)
 {
     const BYTES vecImage = Image({{Area::Product, Product()}});

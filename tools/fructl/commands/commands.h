@@ -40,12 +40,34 @@ struct SHOWN_S
 };
 SHOWN_S ReadShown(TARGET_S stTarget, const SOURCE_OPTION_S &stOption);
 
+// Where in a file or a device an image begins.
+struct OFFSET_OPTION_S
+{
+    std::string strOffset;
+
+    std::optional<u32> Chosen() const;
+};
+void AddOffsetOption(const Command &stCommand, OFFSET_OPTION_S &stOption);
+
+// The image that begins there. Without an offset and where none begins at the first byte of a file, the first one
+// that stands in it, which is told.
+struct LOCATED_S
+{
+    IMAGE_S stImage;
+    u32 uiOffset = 0;
+};
+LOCATED_S PartFrom(const IMAGE_S &stWhole, u32 uiOffset);
+LOCATED_S LocateImage(const SESSION_S &stSession, const TARGET_S &stTarget, const IMAGE_S &stWhole,
+                      const OFFSET_OPTION_S &stOption);
+
 // Each adds one command; they stand in their file.
 void AddProvisionCommand(const Command &stParent, SESSION_S &stSession);
 void AddListCommand(const Command &stParent, SESSION_S &stSession);
 void AddShowCommand(const Command &stParent, SESSION_S &stSession);
 void AddVerifyCommand(const Command &stParent, SESSION_S &stSession);
 void AddMapCommand(const Command &stParent, SESSION_S &stSession);
+void AddRepairCommand(const Command &stParent, SESSION_S &stSession);
+void AddTransplantCommand(const Command &stParent, SESSION_S &stSession);
 void AddRecoverCommand(const Command &stParent, SESSION_S &stSession);
 void AddLabelCommand(const Command &stParent, SESSION_S &stSession);
 void AddEditCommand(const Command &stParent, SESSION_S &stSession);

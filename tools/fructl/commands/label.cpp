@@ -303,7 +303,8 @@ void RunSet(const SESSION_S &stSession, const LABEL_OPTIONS_S &stOptions)
     if (!stPlan.vecLosses.empty() && !stOptions.bForce) {
         FailRefused("refused, for the library writes the whole image of " + stDevice.Title() +
                     " anew and would lose: " + Join(stPlan.vecLosses, "; ") +
-                    "; --dry-run shows every byte, --force writes");
+                    "; 'fructl edit' changes one field and keeps all this; --dry-run shows every byte, "
+                    "--force writes");
     }
     std::string strAftermath;
     const std::vector<std::string> vecSentences =

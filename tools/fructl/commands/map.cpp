@@ -176,16 +176,23 @@ struct MAP_S
 {
     TARGET_OPTIONS_S stTarget;
     SOURCE_OPTION_S stSource;
+    OFFSET_OPTION_S stOffset;
 };
 
 // Bytes are shown whatever they are; that the other image of a device is another one is for 'verify' to tell.
 void RunMap(const SESSION_S &stSession, const MAP_S &stOptions)
 {
     const TARGET_S stTarget = ResolveTarget(stSession, stOptions.stTarget);
-    const IMAGE_S stImage = ReadShown(stTarget, stOptions.stSource.Chosen());
+    const IMAGE_S stWhole = ReadShown(stTarget, stOptions.stSource.Chosen());
+    const LOCATED_S stLocated = LocateImage(stSession, stTarget, stWhole, stOptions.stOffset);
+    const IMAGE_S &stImage = stLocated.stImage;
     const IMAGE_LAYOUT_S stLayout = LayoutOf(stImage, stTarget.HasFixedSlots());
     if (stSession.bJson) {
-        PrintJson(MapJson(stTarget, stImage, stLayout));
+        Json stJson = MapJson(stTarget, stImage, stLayout);
+        if (stLocated.uiOffset != 0U) {
+            stJson["imageOffset"] = stLocated.uiOffset;
+        }
+        PrintJson(stJson);
         return;
     }
     std::string strOut = Paint(Colour::Bold, stTarget.Title()) +
@@ -217,5 +224,6 @@ void AddMapCommand(const Command &stParent, SESSION_S &stSession)
                      "fructl map baseboard\nfructl map ./dump.bin\nfructl map examples/psu1.hex --json");
     AddTargetOptions(stCommand, pstOptions->stTarget, true);
     AddSourceOption(stCommand, pstOptions->stSource);
+    AddOffsetOption(stCommand, pstOptions->stOffset);
     stCommand.Run([&stSession, pstOptions] { RunMap(stSession, *pstOptions); });
 }

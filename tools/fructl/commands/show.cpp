@@ -4,6 +4,7 @@
 
 #include "commands/commands.h"
 #include "commands/record_text.h"
+#include "commands/show_lenient.h"
 #include "terminal/console.h"
 #include "terminal/json_out.h"
 #include "toolkit/base/json.h"
@@ -105,11 +106,19 @@ struct SHOW_S
 {
     TARGET_OPTIONS_S stTarget;
     SOURCE_OPTION_S stSource;
+    OFFSET_OPTION_S stOffset;
+    bool bLenient = false;
 };
 
 void RunShow(const SESSION_S &stSession, const SHOW_S &stOptions)
 {
-    const SHOWN_S stShown = ReadShown(ResolveTarget(stSession, stOptions.stTarget), stOptions.stSource);
+    SHOWN_S stShown = ReadShown(ResolveTarget(stSession, stOptions.stTarget), stOptions.stSource);
+    const LOCATED_S stLocated = LocateImage(stSession, stShown.stTarget, stShown.stImage, stOptions.stOffset);
+    stShown.stImage = stLocated.stImage;
+    if (stOptions.bLenient) {
+        ShowLeniently(stSession, stShown, stLocated.uiOffset);
+        return;
+    }
     Record stRecord;
     DecodeShown(stShown.stTarget, stShown.stImage, stRecord);
     const RECORD_VIEW_S stView = ViewRecord(*stRecord.Data());
@@ -117,6 +126,9 @@ void RunShow(const SESSION_S &stSession, const SHOW_S &stOptions)
         Json stJson = TargetJson(stShown.stTarget);
         if (stShown.stTarget.optDevice.has_value()) {
             stJson.update(stShown.SourceJson());
+        }
+        if (stLocated.uiOffset != 0U) {
+            stJson["offset"] = stLocated.uiOffset;
         }
         stJson.update(RecordJson(stView));
         PrintJson(stJson);
@@ -140,8 +152,12 @@ void AddShowCommand(const Command &stParent, SESSION_S &stSession)
     const Command stCommand =
         stParent.Add("show", "Show a device or an image file, decoded",
                      "fructl show baseboard\nfructl show 0x30:0\nfructl show --id 1 --json\n"
-                     "fructl show psu1 --source cache\nfructl show ./dump.bin");
+                     "fructl show psu1 --source cache\nfructl show ./dump.bin\n"
+                     "fructl show psu1 --lenient");
     AddTargetOptions(stCommand, pstOptions->stTarget, true);
     AddSourceOption(stCommand, pstOptions->stSource);
+    AddOffsetOption(stCommand, pstOptions->stOffset);
+    stCommand.AddFlag("--lenient", pstOptions->bLenient,
+                      "what a damaged image still says: each field with its doubts");
     stCommand.Run([&stSession, pstOptions] { RunShow(stSession, *pstOptions); });
 }

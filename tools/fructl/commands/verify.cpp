@@ -12,6 +12,7 @@
 #include "toolkit/controller/target.h"
 #include "toolkit/controller/verdict.h"
 #include "toolkit/image/fields.h"
+#include "toolkit/image/foreign.h"
 #include "toolkit/image/image.h"
 #include "toolkit/image/layout.h"
 #include "toolkit/image/layout_json.h"
@@ -52,13 +53,32 @@ CHECK_S Unreadable(const TARGET_S &stTarget, Source enSource, const std::string 
     return stCheck;
 }
 
+// Where the image does not begin with the first byte, but one does further on.
+void TellOfOthers(const IMAGE_S &stImage, CHECK_S &stCheck)
+{
+    if (stCheck.IsGood() || BeginsWithHeader(stImage.vecBytes, stImage.uiStored)) {
+        return;
+    }
+    const std::vector<u32> vecFound = FindImages(stImage.vecBytes, stImage.uiStored);
+    if (!vecFound.empty()) {
+        stCheck.strFailure =
+            Format("no FRU image begins at byte 0, but one does at byte 0x%04x: --offset 0x%x checks it",
+                   vecFound.front(), vecFound.front());
+    }
+}
+
 // The EEPROM's image, and the cached one where it is served to readers and is another.
-void CheckTarget(const TARGET_S &stTarget, std::vector<CHECK_S> &vecChecks)
+void CheckTarget(const TARGET_S &stTarget, std::optional<u32> optOffset, std::vector<CHECK_S> &vecChecks)
 {
     std::optional<IMAGE_S> optImage;
     try {
         optImage = ReadTarget(stTarget);
+        if (optOffset.has_value()) {
+            vecChecks.push_back(CheckImage(stTarget, PartFrom(*optImage, *optOffset).stImage));
+            return;
+        }
         vecChecks.push_back(CheckImage(stTarget, *optImage));
+        TellOfOthers(*optImage, vecChecks.back());
     } catch (const Error &stError) {
         vecChecks.push_back(Unreadable(
             stTarget, stTarget.optDevice.has_value() ? Source::Eeprom : Source::File, stError.what()));
@@ -132,19 +152,21 @@ struct VERIFY_S
     std::vector<std::string> vecTargets;
     std::vector<std::string> vecFiles;
     std::string strDeviceID;
+    OFFSET_OPTION_S stOffset;
 };
 
 void RunVerify(SESSION_S &stSession, const VERIFY_S &stOptions)
 {
+    const std::optional<u32> optOffset = stOptions.stOffset.Chosen();
     std::vector<CHECK_S> vecChecks;
     for (const std::string &strTarget : stOptions.vecTargets) {
-        CheckTarget(ResolveTarget(stSession, {strTarget, "", ""}), vecChecks);
+        CheckTarget(ResolveTarget(stSession, {strTarget, "", ""}), optOffset, vecChecks);
     }
     for (const std::string &strFile : stOptions.vecFiles) {
-        CheckTarget(ResolveTarget(stSession, {"", "", strFile}), vecChecks);
+        CheckTarget(ResolveTarget(stSession, {"", "", strFile}), optOffset, vecChecks);
     }
     if (!stOptions.strDeviceID.empty()) {
-        CheckTarget(ResolveTarget(stSession, {"", stOptions.strDeviceID, ""}), vecChecks);
+        CheckTarget(ResolveTarget(stSession, {"", stOptions.strDeviceID, ""}), optOffset, vecChecks);
     }
     if (vecChecks.empty()) {
         const std::vector<DEVICE_S> vecDevices = LoadDevices(stSession);
@@ -153,7 +175,7 @@ void RunVerify(SESSION_S &stSession, const VERIFY_S &stOptions)
                  "the controller in " + stSession.strRoot + " has no devices; nothing was checked");
         }
         for (const DEVICE_S &stDevice : vecDevices) {
-            CheckTarget({stDevice, ""}, vecChecks);
+            CheckTarget({stDevice, ""}, optOffset, vecChecks);
         }
     }
     PrintChecks(stSession, vecChecks);
@@ -184,5 +206,6 @@ void AddVerifyCommand(const Command &stParent, SESSION_S &stSession)
         .Placeholder("FILE");
     stCommand.AddOption("--id", pstOptions->strDeviceID, "a device by its FRU device ID, 0 to 255")
         .Placeholder("N");
+    AddOffsetOption(stCommand, pstOptions->stOffset);
     stCommand.Run([&stSession, pstOptions] { RunVerify(stSession, *pstOptions); });
 }
