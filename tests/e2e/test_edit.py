@@ -1,6 +1,8 @@
 # SPDX-License-Identifier: Apache-2.0
 """fructl edit: one field changes, every other byte stays; planned, logged, told and undone as a label is."""
 import json
+import re
+import shlex
 import unittest
 
 from support import CORPUS_IMAGES, EXAMPLES, NO_CORPUS, FructlTest, Run
@@ -109,6 +111,17 @@ class EditTest(FructlTest):
         dictPlan = self.Json("edit", "dev", "product.serialNumber=SN-2")
         self.assertEqual(len(dictPlan["fields"]), 1)
         self.assertEqual(sum(len(st["new"].split()) for st in dictPlan["bytes"]), 2)
+
+    def test_the_examples_of_the_help_work(self):
+        for strName in ("dump.bin", "old-board.bin"):
+            self.Good("read", "baseboard", "-o", self.pathTemp / strName)
+        (self.pathTemp / "examples").symlink_to(EXAMPLES)
+        for strCommand in ("edit", "repair", "transplant"):
+            listExamples = re.findall(rf"^  (fructl {strCommand} .*)$", Run(strCommand, "--help").strOut, re.MULTILINE)
+            self.assertGreaterEqual(len(listExamples), 2)
+            for strExample in listExamples:
+                stResult = Run("--root", self.pathRoot, *shlex.split(strExample)[1:], strCwd=self.pathTemp)
+                self.assertEqual((stResult.iCode, stResult.strErr), (0, ""), strExample)
 
     @unittest.skipUnless(CORPUS_IMAGES, NO_CORPUS)
     def test_every_real_image_takes_a_new_field(self):

@@ -181,7 +181,7 @@ class Show(FructlTest):
         self.Provision()
         self.assertEqual(self.Bad(6, "show", self.Write("wrong.bin", Image(b"\xc0" * 5, b"", b"\x02" + bytes(7)))),
                          f"cannot decode {self.pathTemp}/wrong.bin: 0x29000002 (the common header is invalid); "
-                         "byte 0x0000  common header: format version: 0x02; only version 1 is known; 'fructl verify' tells all")
+                         "byte 0x0000  common header: format version: 0x02; only version 1 is known; 'fructl verify' tells all, 'show --lenient' what is left")
         for iCode, strName, abBytes, strWhy in [(6, "empty.bin", b"", "the image file {} is empty"), (6, "short.bin", b"\x01\x00", "cannot decode {}: 0x29000002"),
                                                 (3, "huge.bin", bytes(1024 * 1024 + 1), "cannot read {}: larger than 1 MiB, which no FRU image is")]:
             pathFile = self.Write(strName, abBytes)

@@ -73,7 +73,7 @@ class Sources(FructlTest):
 
     def test_a_damaged_chip_is_told(self):
         self.Damage(self.Eeprom(PSU1_EEPROM), 7, b"\x00")
-        self.assertIn("'fructl verify' tells all; --source cache shows the cached image", self.Bad(DAMAGED, "show", "psu1"))
+        self.assertIn("'fructl verify' tells all, 'show --lenient' what is left; --source cache shows the cached image", self.Bad(DAMAGED, "show", "psu1"))
 
     def test_a_chip_that_does_not_answer_is_told_and_the_cache_shown_when_asked_for(self):
         (self.pathRoot / "eeprom" / PSU1_EEPROM.replace(".bin", ".fault")).write_text("absent")

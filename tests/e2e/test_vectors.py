@@ -10,7 +10,7 @@ from support import EMULATOR, SOURCE, FructlTest
 
 # How verify tells each kind, in its own words.
 WORDS = {
-    "erased": r"^erased: every byte is 0xff", "cutShort": r"cut short", "version": r"format version: 0x\w\w; only version 1 is known",
+    "erased": r"^erased: every byte is 0xff", "cutShort": r"cut short", "version": r"format version: 0x\w\w; only version 1 is known|^blank: every byte is 0x00",
     "checksum": r"checksum: 0x\w\w is wrong", "offsetBeyondImage": r"starts at 0x\w+, but the image ends at", "areaTooShort": r"too short for its fields|the area ends before it",
     "areaTooLong": r"area length: the area ends at 0x\w+, the image at", "fieldTooLong": r"bytes long by its length byte 0x\w\w, but the area ends at",
     "noEndMark": r"no end mark 0xc1", "chassisType": r"is not a chassis type", "overlap": r"overlaps the", "recordHeaderChecksum": r"header checksum 0x\w\w is wrong",

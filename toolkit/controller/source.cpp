@@ -80,8 +80,9 @@ std::string OtherSource(const TARGET_S &stTarget, Source enSource)
     }
     for (const FINDING_S &stFinding : stLayout.vecFindings) {
         if (!stFinding.bWarning) {
-            Fail(ErrorClass::Damaged,
-                 strStatus + "; " + FindingText(stFinding) + "; 'fructl verify' tells all" + strMore);
+            Fail(ErrorClass::Damaged, strStatus + "; " + FindingText(stFinding) +
+                                          "; 'fructl verify' tells all, 'show --lenient' what is left" +
+                                          strMore);
         }
     }
     FailLibrary(ErrorClass::Damaged, strStatus, strHint + strMore);

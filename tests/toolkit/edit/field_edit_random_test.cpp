@@ -237,6 +237,13 @@ std::pair<std::string, BYTES> NewValue(Chance &stChance, const BYTES &vecOld)
         }
         return {std::string(uiLength / 3U * 4U, '!'), image::Field(2U, vecData)};
     }
+    if (vecOld.size() > 2U && vecOld[1] == 0U && vecOld[2] != 0U) { // two bytes a character
+        BYTES vecData;
+        for (u32 i = 0; i < uiLength / 2U; i++) {
+            image::operator+=(vecData, {0U, 'w'});
+        }
+        return {std::string(uiLength / 2U, 'w'), image::Field(3U, vecData)};
+    }
     return {std::string(uiLength, 'w'), image::Text(std::string(uiLength, 'w'))};
 }
 

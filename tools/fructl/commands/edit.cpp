@@ -112,7 +112,7 @@ void AddEditCommand(const Command &stParent, SESSION_S &stSession)
         "edit", "Change fields by their names, and leave every other byte as it was",
         "fructl edit psu1 board.serialNumber=LH0042 --dry-run\n"
         "fructl edit psu1 product.assetTag=RACK7 product.custom[+]=line-3\n"
-        "fructl edit psu1 board.mfgDate=\"2024-03-18 09:30:00\" --remove product.custom[0]\n"
+        "fructl edit baseboard board.mfgDate=\"2024-03-18 09:30:00\" --remove product.custom[0] -n\n"
         "fructl edit psu2 multiRecord[+]=0xc0:5a3100 -n\n"
         "fructl edit examples/riser.hex --add-area chassis chassis.serialNumber=C-7 --size 512 -o -");
     stCommand
