@@ -52,6 +52,8 @@ class Schema(FructlTest):
     def Runs(self):
         """Command lines by the command that they are of; each is run in this order, on the example's controller."""
         pathRecord = self.Write("psu.json", self.Good("show", "psu1", "--json").strOut.encode())
+        self.Good("read", "psu1", "-o", self.pathTemp / "whole.bin")
+        pathDump = self.Write("dump.bin", bytes([0xA5]) * 64 + (self.pathTemp / "whole.bin").read_bytes())
         pathImage, pathOther = self.pathTemp / "psu.bin", self.pathTemp / "other.bin"
         return [
             (["provision"], [EXAMPLES / "controller.json", "--force", "--dry-run"]),
@@ -67,6 +69,10 @@ class Schema(FructlTest):
             (["label", "set"], ["psu1", "Product Asset Tag=RACK7", "-n"]), (["label", "set"], ["psu1", "Product Asset Tag=RACK7"]),
             (["label", "set"], ["psu1", "Product Asset Tag=RACK7"]), (["label", "set"], ["psu1", "Mfg.Date=never"]),
             (["label", "set"], ["baseboard", "Product Serial Number=LH22024170043"]), (["psn"], []),
+            (["edit"], ["psu1", "product.serialNumber=P-9", "-n"]), (["edit"], ["psu1", "product.serialNumber=P-9"]),
+            (["edit"], [EXAMPLES / "psu1.hex", "product.custom[+]=ab", "--size", "1024", "-n"]), (["edit"], ["psu1", "product.nothing=1"]),
+            (["repair"], ["psu1"]), (["repair"], [EXAMPLES / "psu1.hex", "-n"]), (["show"], ["psu1", "--lenient"]), (["show"], [pathDump]), (["map"], [pathDump]),
+            (["transplant"], [EXAMPLES / "baseboard.hex", "baseboard", "-n"]), (["transplant"], ["nonsense", "baseboard"]),
             (["mr", "list"], []), (["mr", "add"], ["system-name=rack7", "-n"]), (["mr", "add"], ["system-name=rack7"]),
             (["mr", "check"], []), (["mr", "guid"], ["1b4c2e8f-7a5d-4c3b-9e60-0a1b2c3d4e5f"]),
             (["hw", "show"], ["bmc-card-hw"]), (["hw", "set"], ["bmc-card-hw", "--bytes", "01 02 03 04 05 06 07", "-n"]),
