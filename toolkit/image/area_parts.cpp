@@ -12,7 +12,6 @@
 namespace {
 
 constexpr u32 DATE_BYTES = 3U;
-constexpr size_t FRAME_BYTES = 2U; // end mark and checksum
 constexpr size_t LENGTH_MAX = 0xFFU * FRU_AREA_UNIT;
 constexpr u8 EMPTY_TEXT = 0xC0U;
 
