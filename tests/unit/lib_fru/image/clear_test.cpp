@@ -213,6 +213,25 @@ TEST(Clear, AWriteOf203BytesIsNothingSpecial)
         LINES{Line(4, 4, "FRU write CountToRead != CountReturned, CountToRead[0x40] CountReturned[0xcb].")});
 }
 
+TEST(Clear, AnAnswerOfNoBytesIsShortAndNoFailureOfTheDevice)
+{
+    Start();
+    fake::SetEepromResult(1, 0);
+    FRU_CLEAR_PARA_S stPara = Para();
+    EXPECT_EQ(Clear(stPara), 0x29000004U);
+    EXPECT_EQ(fake::Messages(),
+              LINES{Line(4, 4, "FRU CountToRead != CountReturn, CountToRead[0x40] CountReturned[0].")});
+    ExpectFailed(stPara);
+    Start();
+    fake::SetEepromResult(2, 0);
+    stPara = Para();
+    EXPECT_EQ(Clear(stPara), 0x29000005U);
+    EXPECT_EQ(
+        fake::Messages(),
+        LINES{Line(4, 4, "FRU write CountToRead != CountReturned, CountToRead[0x40] CountReturned[0].")});
+    ExpectFailed(stPara);
+}
+
 TEST(Clear, ACacheThatCannotBeStoredFailsNothing)
 {
     Start();
@@ -252,6 +271,9 @@ TEST(Clear, TheBaseboardLosesItsSerialNumberAndIsAnnounced)
     EXPECT_FALSE(fake::RpcRequests()[0].bWantsAnswer);
     EXPECT_EQ(fake::Calls("MRPC")[1].rfind(g_acEvent, 0), 0U);
     EXPECT_EQ(fake::Messages().back(), Line(4, 6, "Clear FRU data successfully! FRUDeviceID:0."));
+    for (const std::string &strMessage : fake::Messages()) {
+        EXPECT_EQ(strMessage.find("failed"), std::string::npos) << strMessage;
+    }
     EXPECT_EQ(device::Cached(0), BYTES(64, 0xFF));
 }
 
