@@ -80,7 +80,7 @@ def AddPrograms(stArchive, pathBuild, listPrograms, pathScratch):
     """The programs and the build's libraries in one folder, the system's libraries in /lib."""
     listOpen = [pathBuild / strProgram for strProgram in listPrograms]
     # Loaded when they are wanted, so nobody names them as needed.
-    listOpen += sorted(pathBuild.glob("libbmcfruhost*.so.[0-9]"))
+    listOpen += sorted(pathBuild.glob("libbmcfruhost.so.[0-9]"))
     setDone = set()
     while listOpen:
         pathFile = listOpen.pop()
