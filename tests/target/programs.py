@@ -5,7 +5,7 @@ import re
 from controller import BUS, KERNEL_ADDRESSES, RAW_ADDRESSES
 
 # Minutes under an emulator, and nothing in them depends on the machine; the contract is run for the chips alone.
-LONG = ("unit_lib_fru_write", "unit_locale", "unit_lib_fru_analyzer", "unit_lib_fru", "examples_test")
+LONG = ("unit_lib_fru_write", "unit_locale", "unit_lib_fru_analyzer", "unit_lib_fru", "examples_test", "thread_desk")
 CHIPS = "*Eeprom*:*Chip*-*AKilledWrite*"
 # Of the contract, what no real chip of 8 KiB can play: other capacities, protection by a pin; and kills by the hundred.
 REAL = "*-*ShortAtTheEnd*:*NeverGrows*:*AKilledWrite*"
