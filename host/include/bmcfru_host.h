@@ -197,6 +197,19 @@ u32 BMCHOST_CheckEepromSettings(const char *pcSettings, size_t uiSize, char *pcW
  */
 u32 BMCHOST_AskEeprom(const char *pcSettings, u32 *puiCapacity, size_t uiSize, char *pcWhy);
 
+#define BMCHOST_I2C_FIRST 0x50U /* the addresses of EEPROMs on the wire */
+#define BMCHOST_I2C_PROBED 8U   /* so many, from there on */
+#define BMCHOST_I2C_SILENT 0U   /* nobody answers */
+#define BMCHOST_I2C_ANSWERS 1U  /* something does; what it is nobody knows */
+#define BMCHOST_I2C_DRIVER 2U   /* a driver of the kernel has the address: it was not asked */
+
+/*
+ * Asks the addresses of EEPROMs on /dev/i2c-<uiBus> for one byte each, without sending one. pucFound of
+ * BMCHOST_I2C_PROBED bytes receives what is there. Even so there are chips that take a read amiss: it is not for a
+ * bus that nobody knows. 0, or not 0 with the reason in pcWhy.
+ */
+u32 BMCHOST_ProbeI2c(u32 uiBus, u8 *pucFound, size_t uiSize, char *pcWhy);
+
 /* One page of a write is done. The pointers live for the call only. */
 typedef struct
 {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // Raw transfers with the common chips: geometry, pages, the write cycle, and what a bus does to them.
 #include "bmc_eeprom.h"
+#include "bmcfru_host.h"
 #include "chip_root.h"
 #include "controller.h"
 #include "simulated_bus.h"
@@ -206,6 +207,32 @@ TEST_F(I2c, AnAdapterWithShortMessagesIsReadInShortMessages)
     EXPECT_EQ(Read(100, 300, &vecRead), 300);
     const BYTES vecWhole = Numbered(8192);
     EXPECT_EQ(vecRead, BYTES(vecWhole.begin() + 100, vecWhole.begin() + 400));
+}
+
+TEST_F(I2c, ProbingAsksForAByteAndSendsNone)
+{
+    chips::SIMULATED_CHIP_S &stChip = Lay24c64();
+    chips::LaySimulated(3, 0x53, 1, 8, Numbered(256)).bHasDriver = true;
+    u8 aucFound[BMCHOST_I2C_PROBED] = {};
+    char acWhy[256] = "";
+    EXPECT_EQ(BMCHOST_ProbeI2c(3, aucFound, sizeof(acWhy), acWhy), 0U) << acWhy;
+    const BYTES vecWanted = {BMCHOST_I2C_ANSWERS, 0, 0, BMCHOST_I2C_DRIVER, 0, 0, 0, 0};
+    EXPECT_EQ(BYTES(aucFound, aucFound + sizeof(aucFound)), vecWanted);
+    EXPECT_EQ(stChip.uiPointer, 1U); // it went on by the byte that was read, and was not set
+    EXPECT_EQ(stChip.uiWrites, 0U);
+    EXPECT_EQ(chips::FindSimulated(3, 0x53)->uiPointer, 0U);
+}
+
+TEST_F(I2c, ProbingABusThatIsNotThereOrHangsFails)
+{
+    u8 aucFound[BMCHOST_I2C_PROBED] = {};
+    char acWhy[256] = "";
+    EXPECT_NE(BMCHOST_ProbeI2c(9, aucFound, sizeof(acWhy), acWhy), 0U);
+    EXPECT_STREQ(acWhy, "/dev/i2c-9: No such file or directory");
+    Lay24c64().bHangs = true;
+    EXPECT_NE(BMCHOST_ProbeI2c(3, aucFound, sizeof(acWhy), acWhy), 0U);
+    EXPECT_STREQ(acWhy, "the bus hangs");
+    EXPECT_NE(BMCHOST_ProbeI2c(3, nullptr, sizeof(acWhy), acWhy), 0U);
 }
 
 // What reading with the wrong number of address bytes does to a chip, and that the settings do not allow it.

@@ -4,7 +4,7 @@ import json
 import os
 import unittest
 
-from support import EXAMPLES, FructlTest, HexImage
+from support import EXAMPLES, FructlTest, HexImage, Run
 
 
 class Chips(FructlTest):
@@ -116,6 +116,84 @@ class EditChips(Chips):
         self.assertIn("write-protected", stResult.strErr)
         self.assertEqual(self.pathChip.read_bytes()[:2048], self.abBaseboard)
         self.assertEqual(self.Good("journal", "list").strOut.count("label set"), 0)
+
+
+class Scan(Chips):
+    def setUp(self):
+        super().setUp()
+        (self.pathChip.parent / "name").write_text("24c64\n")
+        pathBus = self.pathSys / "bus/i2c/devices/i2c-4"
+        pathBus.mkdir()
+        (pathBus / "name").write_text("1e78a200.i2c-bus\n")
+        (self.pathSys / "bus/nvmem/devices/4-00500").mkdir(parents=True)
+
+    def Scanned(self):
+        return self.Json("scan")["chips"]
+
+    def test_chips_are_told_with_bus_address_size_and_image(self):
+        self.assertEqual(self.Scanned(), [
+            {"bus": 4, "address": 0x50, "busName": "1e78a200.i2c-bus", "kind": "24c64", "driver": "", "nvmem": "4-00500", "size": 8192,
+             "erased": False, "problem": "",
+             "images": [{"offset": 0, "size": self.Scanned()[0]["images"][0]["size"], "says": self.Says(), "sound": True, "problem": ""}]}])
+        iEnd = self.Scanned()[0]["images"][0]["size"]
+        self.assertEqual(self.abBaseboard[iEnd:], b"\xff" * (2048 - iEnd))
+        self.assertNotEqual(self.abBaseboard[iEnd - 1:iEnd], b"")
+        self.assertRegex(self.Good("scan").strOut, r"\n +4  0x50 +24c64  4-00500 +8192 +0x0  sound +\S")
+
+    def Says(self):
+        stProduct = Run("--json", "show", EXAMPLES / "baseboard.hex").Json()["product"]
+        return ", ".join(stProduct[strName] for strName in ("manufacturer", "productName", "serialNumber") if stProduct[strName])
+
+    def test_images_at_usual_offsets_are_found(self):
+        abRiser = HexImage(EXAMPLES / "riser.hex")
+        self.pathChip.write_bytes((b"\x00" * 256 + abRiser).ljust(1024, b"\xff") + self.abBaseboard.ljust(7168, b"\xff"))
+        self.assertEqual([(stImage["offset"], stImage["sound"]) for stImage in self.Scanned()[0]["images"]], [(0x100, True), (0x400, True)])
+
+    def test_a_damaged_image_is_told_with_what_is_wrong(self):
+        self.Damage(self.pathChip, 60, b"\x00\x00\x00\x00")
+        stImage = self.Scanned()[0]["images"][0]
+        self.assertFalse(stImage["sound"])
+        self.assertTrue(stImage["problem"].startswith("byte 0x"), stImage)
+        self.assertIn("damaged", self.Good("scan").strOut)
+
+    def test_erased_chips_and_others_are_told_apart(self):
+        self.pathChip.write_bytes(b"\xff" * 8192)
+        self.Lay(4, 0x51, b"MAC 00:11".ljust(256, b"\0"))
+        self.assertEqual([(stChip["erased"], stChip["images"]) for stChip in self.Scanned()], [(True, []), (False, [])])
+        self.assertRegex(self.Good("scan").strOut, r"erased.*\n.*no image")
+
+    def test_a_machine_without_chips_says_so(self):
+        os.environ["FRUCTL_SYS"] = str(self.pathTemp / "nothing")
+        self.assertEqual(self.Scanned(), [])
+        self.assertIn("knows no EEPROM", self.Good("scan").strOut)
+        self.assertIn("there is nothing to describe", self.Bad(4, "scan", "--describe"))
+
+    def test_what_is_described_is_what_provision_takes(self):
+        pathMux = self.pathSys / "bus/i2c/devices/i2c-20"
+        pathMux.mkdir(parents=True)
+        (pathMux / "name").write_text("i2c-5-mux (chan_id 1)\n")
+        self.Lay(20, 0x52, HexImage(EXAMPLES / "psu1.hex").ljust(256, b"\xff"))
+        self.Lay(6, 0x51, b"\xff" * 256)
+        self.Lay(6, 0x53, b"something else".ljust(256, b"\0"))
+        strDescription = self.Good("scan", "--describe").strOut
+        listDevices = json.loads(strDescription)["devices"]
+        self.assertEqual([stDevice["name"] for stDevice in listDevices], ["baseboard", "fru1", "fru2"])
+        self.assertEqual(listDevices[2]["location"], {"bus": 5, "address": "0x52", "switchLevel": 2, "backend": "kernel", "adapter": 20})
+        self.Good("provision", self.Write("described.json", strDescription.encode()))
+        self.assertEqual([stDevice["image"] for stDevice in self.Json("list")["devices"]], ["sound", "erased", "sound"])
+        self.Good("label", "set", "fru2", "Product Serial Number=PSU-0001")
+        self.assertIn(b"PSU-0001", (self.pathSys / "bus/i2c/devices/20-0052/eeprom").read_bytes())
+
+    def test_probing_warns_first_and_needs_a_bus(self):
+        os.environ["FRUCTL_DEV"] = str(self.pathTemp)
+        self.addCleanup(os.environ.pop, "FRUCTL_DEV")
+        stResult = self.Fructl("scan", "--probe", "3")
+        self.assertEqual(stResult.iCode, 5, stResult.strErr)
+        listLines = stResult.strErr.splitlines()
+        self.assertIn("bus 3 is asked at the addresses 0x50 to 0x57", listLines[0])
+        self.assertIn(f"bus 3 cannot be asked: {self.pathTemp}/i2c-3: No such file or directory", listLines[1])
+        self.assertIn("--probe x is no bus; accepted: the N of /dev/i2c-N", self.Bad(2, "scan", "--probe", "x"))
+        self.assertIn("exclude each other", self.Bad(2, "scan", "--probe", "3", "--describe"))
 
 
 if __name__ == "__main__":

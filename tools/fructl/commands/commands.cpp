@@ -18,7 +18,7 @@ const std::vector<GROUP_S> &Groups()
         {"Begin", {AddProvisionCommand}},
         {"Look",
          {AddListCommand, AddShowCommand, AddMapCommand, AddDiffCommand, AddFieldsCommand, AddSnCommand,
-          AddPsnCommand}},
+          AddPsnCommand, AddScanCommand}},
         {"Check", {AddVerifyCommand}},
         {"Edit fields",
          {AddEditCommand, AddLabelCommand, AddMrCommand, AddHwCommand, AddOemCommand, AddHostNameCommand,
