@@ -55,6 +55,11 @@ class Schema(FructlTest):
         self.Good("read", "psu1", "-o", self.pathTemp / "whole.bin")
         pathDump = self.Write("dump.bin", bytes([0xA5]) * 64 + (self.pathTemp / "whole.bin").read_bytes())
         pathImage, pathOther = self.pathTemp / "psu.bin", self.pathTemp / "other.bin"
+        pathChip = self.pathTemp / "sys/bus/i2c/devices/4-0050/eeprom"
+        pathChip.parent.mkdir(parents=True)
+        pathChip.write_bytes(self.Eeprom("bus3-addr0xa2.bin").read_bytes())
+        os.environ["FRUCTL_SYS"] = str(self.pathTemp / "sys")
+        self.addCleanup(os.environ.pop, "FRUCTL_SYS")
         return [
             (["provision"], [EXAMPLES / "controller.json", "--force", "--dry-run"]),
             (["list"], []),
@@ -63,7 +68,7 @@ class Schema(FructlTest):
             (["verify"], []), (["verify"], [EXAMPLES / "psu1.hex"]),
             (["diff"], ["psu1", "psu2"]), (["diff"], ["psu1", EXAMPLES / "psu1.hex"]), (["diff"], ["psu1", "nonsense"]),
             (["fields"], ["baseboard"]), (["fields"], [EXAMPLES / "psu1.hex"]),
-            (["sn"], []), (["psn"], []),
+            (["sn"], []), (["psn"], []), (["scan"], []), (["scan"], ["--describe"]),
             (["label", "list"], []), (["label", "list"], ["baseboard"]), (["label", "list"], ["bmc-card-hw"]),
             (["label", "get"], ["psu1", "Product Serial Number"]), (["label", "get"], ["psu1", "Product Serial Numbr"]),
             (["label", "set"], ["psu1", "Product Asset Tag=RACK7", "-n"]), (["label", "set"], ["psu1", "Product Asset Tag=RACK7"]),
