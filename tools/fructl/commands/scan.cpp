@@ -169,6 +169,15 @@ void AddScanCommand(const Command &stParent, SESSION_S &stSession)
             "has are skipped. Never on a bus whose chips you do not know")
         .Placeholder("BUS");
     stCommand.AddSection(
+        "Columns", "",
+        {{"BUS, ADDRESS", "Linux's number of the bus, and the seven bits of the wire"},
+         {"KIND", "the chip as the device tree or new_device names it"},
+         {"NVMEM", "the kernel's other name for its contents, in /sys/bus/nvmem/devices"},
+         {"OFFSET", "where the image begins in the chip"},
+         {"IMAGE", "sound, damaged, or of a chip without one: erased (0xff where images usually begin), no "
+                   "image, unreadable"},
+         {"SAYS", "manufacturer, product and serial number, or what is wrong"}});
+    stCommand.AddSection(
         "Another tree than /sys",
         "$FRUCTL_SYS names the directory that is looked through in the place of /sys, and $FRUCTL_DEV "
         "that in the place of /dev: for tests, and for containers that have them elsewhere.");
