@@ -3,6 +3,9 @@
 
 #include <cerrno>
 #include <fcntl.h>
+#include <map>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include "toolkit/base/error.h"
 #include "toolkit/base/text.h"
@@ -64,6 +67,65 @@ std::vector<u8> ReadFileBytes(const files::PLACE_S &stPlace)
     }
     Require(iError == EISDIR ? EINVAL : iError, "read", stPlace); // whatever it is, it is no file
     return {strContent.begin(), strContent.end()};
+}
+
+bool IsStream(const std::string &strPath)
+{
+    struct stat stStat = {};
+    if (strPath == STANDARD_INPUT) {
+        return true;
+    }
+    const bool bThere = stat(strPath.c_str(), &stStat) == 0;
+    const bool bDescriptor = strPath == "/dev/stdin" || strPath.rfind("/dev/fd/", 0) == 0 ||
+                             strPath.rfind("/proc/self/fd/", 0) == 0;
+    return bThere && !S_ISDIR(stStat.st_mode) && !S_ISBLK(stStat.st_mode) &&
+           (bDescriptor || !S_ISREG(stStat.st_mode));
+}
+
+std::string NamedFileTitle(const std::string &strPath)
+{
+    return strPath == STANDARD_INPUT ? "standard input" : EscapeText(strPath);
+}
+
+namespace {
+
+std::vector<u8> DrainStream(const std::string &strPath)
+{
+    const bool bStandard = strPath == STANDARD_INPUT;
+    const files::Fd stStream(bStandard ? dup(STDIN_FILENO)
+                                       : open(strPath.c_str(), O_RDONLY | O_NOCTTY | O_CLOEXEC));
+    Require(stStream ? 0 : errno, "read", NamedFileTitle(strPath));
+    if (isatty(stStream.Get()) == 1) {
+        FailUsage(NamedFileTitle(strPath) +
+                  " is a terminal, which gives no such bytes; accepted: a file, or a pipe in front of -");
+    }
+    std::vector<u8> vecBytes;
+    u8 aucChunk[4096];
+    while (vecBytes.size() <= IMAGE_FILE_MAX) {
+        const ssize_t iRead = read(stStream.Get(), aucChunk, sizeof(aucChunk));
+        if (iRead < 0 && errno == EINTR) {
+            continue;
+        }
+        Require(iRead < 0 ? errno : 0, "read", NamedFileTitle(strPath));
+        if (iRead == 0) {
+            return vecBytes;
+        }
+        vecBytes.insert(vecBytes.end(), aucChunk, aucChunk + iRead);
+    }
+    FailRefused("cannot read " + NamedFileTitle(strPath) + ": larger than 1 MiB, which no FRU image is");
+}
+
+} // namespace
+
+std::vector<u8> ReadNamedFile(const std::string &strPath)
+{
+    static std::map<std::string, std::vector<u8>> mapStreams;
+    const auto itStream = mapStreams.find(strPath);
+    if (itStream != mapStreams.end()) {
+        return itStream->second;
+    }
+    return IsStream(strPath) ? mapStreams.emplace(strPath, DrainStream(strPath)).first->second
+                             : ReadFileBytes(strPath);
 }
 
 void MakeParentDirectory(const files::PLACE_S &stPlace)

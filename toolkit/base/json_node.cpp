@@ -27,12 +27,13 @@ std::string Shown(const json &stValue)
 
 json ParseJsonFile(const std::string &strFile)
 {
-    const std::vector<u8> vecBytes = ReadFileBytes(strFile);
+    const std::vector<u8> vecBytes = ReadNamedFile(strFile);
+    const std::string strTitle = NamedFileTitle(strFile);
     std::vector<std::set<std::string>> vecSeen;
     const auto fnCheck = [&](int iDepth, json::parse_event_t enEvent, json &stValue) {
         if (iDepth > JSON_DEPTH_MAX) {
             FailRefused(
-                EscapeText(strFile) +
+                strTitle +
                 Format(": objects and arrays stand in each other more than %d deep; accepted: up to %d",
                        JSON_DEPTH_MAX, JSON_DEPTH_MAX));
         }
@@ -42,7 +43,7 @@ json ParseJsonFile(const std::string &strFile)
             vecSeen.pop_back();
         } else if (enEvent == json::parse_event_t::key &&
                    !vecSeen.back().insert(stValue.get<std::string>()).second) {
-            FailRefused(strFile + ": the member " + Shown(stValue) +
+            FailRefused(strTitle + ": the member " + Shown(stValue) +
                         " stands twice in one object; accepted: each member once");
         }
         return true;
@@ -52,7 +53,7 @@ json ParseJsonFile(const std::string &strFile)
     } catch (const json::parse_error &stError) {
         std::string strWhat = stError.what();
         strWhat.erase(0, std::min(strWhat.size(), strWhat.find("] ") + 2U)); // the library's own numbering
-        FailRefused(strFile + ": not JSON: " + EscapeText(strWhat));
+        FailRefused(strTitle + ": not JSON: " + EscapeText(strWhat));
     }
 }
 

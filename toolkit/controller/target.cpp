@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 
 #include "toolkit/base/error.h"
+#include "toolkit/base/file.h"
 #include "toolkit/base/name_value.h"
 #include "toolkit/base/near.h"
 #include "toolkit/base/text.h"
@@ -17,7 +18,7 @@ constexpr const char *ACCEPTED =
 bool IsFile(const std::string &strPath)
 {
     struct stat stStat = {};
-    return stat(strPath.c_str(), &stStat) == 0 && S_ISREG(stStat.st_mode);
+    return IsStream(strPath) || (stat(strPath.c_str(), &stStat) == 0 && S_ISREG(stStat.st_mode));
 }
 
 struct COMPONENT_S
@@ -116,7 +117,7 @@ TARGET_S NamedFile(const std::string &strFile)
 
 std::string TARGET_S::Title() const
 {
-    return optDevice.has_value() ? optDevice->Title() : EscapeText(strFile);
+    return optDevice.has_value() ? optDevice->Title() : NamedFileTitle(strFile);
 }
 
 bool TARGET_S::HasFixedSlots() const
@@ -128,7 +129,8 @@ TARGET_S ResolveTarget(const CONTROLLER_S &stController, const TARGET_OPTIONS_S 
 {
     CheckOptions(stOptions);
     const std::string &strTarget = stOptions.strTarget;
-    if (!stOptions.strFile.empty() || strTarget.find('/') != std::string::npos) {
+    if (!stOptions.strFile.empty() || strTarget.find('/') != std::string::npos ||
+        strTarget == STANDARD_INPUT) {
         return NamedFile(stOptions.strFile.empty() ? strTarget : stOptions.strFile);
     }
     try {

@@ -5,6 +5,7 @@
 
 #include "lib_fru.h"
 #include "toolkit/base/error.h"
+#include "toolkit/base/file.h"
 #include "toolkit/base/text.h"
 #include "toolkit/controller/cause.h"
 #include "toolkit/controller/controller.h"
@@ -170,7 +171,9 @@ std::vector<CANDIDATE_S> Candidates(const CONTROLLER_S &stController, const DEVI
         return {Cached(stDevice)};
     }
     if (!strFrom.empty()) {
-        CANDIDATE_S stCandidate = {strFrom, "the file " + EscapeText(strFrom), ReadImageFile(strFrom), ""};
+        CANDIDATE_S stCandidate = {strFrom,
+                                   (strFrom == STANDARD_INPUT ? "" : "the file ") + NamedFileTitle(strFrom),
+                                   ReadImageFile(strFrom), ""};
         Judge(stDevice, stCandidate);
         return {stCandidate};
     }

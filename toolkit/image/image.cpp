@@ -2,6 +2,7 @@
 #include "toolkit/image/image.h"
 
 #include "toolkit/base/error.h"
+#include "toolkit/base/file.h"
 #include "toolkit/base/text.h"
 #include "toolkit/image/erased.h"
 #include "toolkit/image/fields.h"
@@ -59,7 +60,7 @@ IMAGE_S ReadImage(const std::string &strFile)
 {
     const std::vector<u8> vecBytes = ReadImageFile(strFile);
     if (vecBytes.empty()) {
-        Fail(ErrorClass::Damaged, "the image file " + EscapeText(strFile) + " is empty");
+        Fail(ErrorClass::Damaged, "the image file " + NamedFileTitle(strFile) + " is empty");
     }
     return FileImage(vecBytes);
 }

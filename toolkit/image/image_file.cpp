@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "toolkit/image/image_file.h"
 
+#include <algorithm>
 #include <filesystem>
 
 #include "toolkit/base/error.h"
@@ -87,11 +88,19 @@ std::vector<u8> ParseHexText(const std::string &strText, const std::string &strN
     return vecBytes;
 }
 
+// A FRU image begins with a byte that is no text, so what is text through and through is hex.
+static bool IsHexText(const std::vector<u8> &vecBytes)
+{
+    return !vecBytes.empty() && std::all_of(vecBytes.begin(), vecBytes.end(), [](u8 ucByte) {
+        return (ucByte >= 0x20U && ucByte < 0x7FU) || ucByte == '\n' || ucByte == '\r' || ucByte == '\t';
+    });
+}
+
 std::vector<u8> ReadImageFile(const std::string &strPath)
 {
-    std::vector<u8> vecBytes = ReadFileBytes(strPath);
-    if (std::filesystem::path(strPath).extension() == ".hex") {
-        return ParseHexText(std::string(vecBytes.begin(), vecBytes.end()), strPath);
+    std::vector<u8> vecBytes = ReadNamedFile(strPath);
+    if (IsStream(strPath) ? IsHexText(vecBytes) : std::filesystem::path(strPath).extension() == ".hex") {
+        return ParseHexText(std::string(vecBytes.begin(), vecBytes.end()), NamedFileTitle(strPath));
     }
     return vecBytes;
 }

@@ -8,7 +8,8 @@
 
 #include "lib_fru_types.h"
 
-// The image that a file holds: readable hex when the name ends in ".hex", else the bytes as they are.
+// The image that a file holds: readable hex when the name ends in ".hex", else the bytes as they are. A stream
+// ("-", a pipe) has no such name: what is nothing but text there is readable hex.
 std::vector<u8> ReadImageFile(const std::string &strPath);
 
 // Readable hex to bytes; strName stands in front of the line number in the error.

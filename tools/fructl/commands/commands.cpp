@@ -51,7 +51,7 @@ void AddTargetOptions(const Command &stCommand, TARGET_OPTIONS_S &stOptions, boo
     stCommand.AddOption(
         bFiles ? "DEVICE|FILE" : "DEVICE", stOptions.strTarget,
         bFiles ? "TYPE:INSTANCE (such as 0x30:0), a device's name, or an image file's path with a slash "
-                 "(*.hex: readable hex)"
+                 "(*.hex: readable hex; -: standard input)"
                : "TYPE:INSTANCE (such as 0x30:0) or a device's name");
     stCommand.AddOption("--id", stOptions.strDeviceID, "the device by its FRU device ID instead, 0 to 255")
         .Placeholder("N");

@@ -37,7 +37,7 @@ void RunEncode(const SESSION_S &stSession, const ENCODE_S &stOptions)
     }
     const nlohmann::json stParsed = ParseJsonFile(stOptions.strDocument);
     Record stRecord;
-    BuildRecord(JsonNode(stParsed, stOptions.strDocument, ""), stRecord, stOptions.bWrap);
+    BuildRecord(JsonNode(stParsed, NamedFileTitle(stOptions.strDocument), ""), stRecord, stOptions.bWrap);
     const std::vector<u8> vecImage = MakeImageFile(stRecord, stOptions.strDocument, stOptions.strSize);
     if (bOutput) {
         Print(std::string(vecImage.begin(), vecImage.end())); // and nothing else
@@ -68,8 +68,11 @@ void AddEncodeCommand(const Command &stParent, SESSION_S &stSession)
     const Command stCommand = stParent.Add(
         "encode", "Make an image file from what 'show --json' printed",
         "fructl --json show baseboard > board.json\n"
-        "fructl encode board.json -o board.bin --size 2048\nfructl encode board.json -o board.hex");
-    stCommand.AddOption("FILE", pstOptions->strDocument, "the record as JSON, as 'show --json' prints it")
+        "fructl encode board.json -o board.bin --size 2048\nfructl encode board.json -o board.hex\n"
+        "fructl show psu1 --json | fructl encode - -o -");
+    stCommand
+        .AddOption("FILE", pstOptions->strDocument,
+                   "the record as JSON, as 'show --json' prints it; -: standard input")
         .Required();
     stCommand
         .AddOption("-o,--output", pstOptions->strOutput,

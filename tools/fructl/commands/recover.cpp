@@ -7,6 +7,7 @@
 #include "terminal/changes.h"
 #include "terminal/console.h"
 #include "terminal/json_out.h"
+#include "toolkit/base/file.h"
 #include "toolkit/base/text.h"
 #include "toolkit/controller/device.h"
 #include "toolkit/controller/device_json.h"
@@ -59,6 +60,9 @@ void Report(const SESSION_S &stSession, const DEVICE_S &stDevice, const RECOVERY
 
 void RunRecover(const SESSION_S &stSession, const RECOVER_S &stOptions)
 {
+    if (IsStream(stOptions.strFrom)) {
+        (void)ReadNamedFile(stOptions.strFrom); // it may take its time: before the controller is locked
+    }
     const DEVICE_S stDevice = ResolveDevice(stSession, stOptions.stTarget);
     std::optional<RootLock> optLock;
     if (!stOptions.bDryRun) {
@@ -82,9 +86,10 @@ void AddRecoverCommand(const Command &stParent, SESSION_S &stSession)
         "fructl recover --id 1 --from ./psu1.bin --json");
     AddTargetOptions(stCommand, pstOptions->stTarget, false);
     stCommand
-        .AddOption("--from", pstOptions->strFrom,
-                   "stored, history, cache or an image file; without it the first of the three that is in "
-                   "order")
+        .AddOption(
+            "--from", pstOptions->strFrom,
+            "stored, history, cache or an image file (-: standard input); without it the first of the three that is in "
+            "order")
         .Placeholder("SOURCE");
     stCommand.AddFlag("-n,--dry-run", pstOptions->bDryRun,
                       "tell what would be taken and what would change, and write nothing");

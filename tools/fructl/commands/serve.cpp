@@ -53,7 +53,7 @@ bool IsWord(const std::string &strText, size_t uiMax)
 
 std::string ReadPassword(const std::string &strFile)
 {
-    const std::vector<u8> vecBytes = ReadFileBytes(strFile);
+    const std::vector<u8> vecBytes = ReadNamedFile(strFile);
     const std::string strText(vecBytes.begin(), vecBytes.end());
     std::string strPassword = strText.substr(0U, strText.find_first_of("\r\n"));
     if (!IsWord(strPassword, PASSWORD_MAX)) {

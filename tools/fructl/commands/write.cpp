@@ -1,9 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
 // fructl write: an image file onto a device.
-#include <iostream>
-#include <iterator>
-#include <unistd.h>
-
 #include "commands/commands.h"
 #include "commands/image_plan.h"
 #include "terminal/changes.h"
@@ -21,8 +17,6 @@
 
 namespace {
 
-constexpr const char *STANDARD_INPUT = "-";
-
 struct WRITE_S
 {
     TARGET_OPTIONS_S stTarget;
@@ -30,22 +24,6 @@ struct WRITE_S
     bool bForce = false;
     bool bDryRun = false;
 };
-
-std::vector<u8> TakePipedImage()
-{
-    if (isatty(STDIN_FILENO) == 1) {
-        FailUsage("an image is bytes that no terminal gives; accepted: a file, or a pipe in front of -");
-    }
-    std::vector<u8> vecBytes;
-    char acBuffer[4096];
-    while (std::cin.read(acBuffer, sizeof(acBuffer)) || std::cin.gcount() > 0) {
-        vecBytes.insert(vecBytes.end(), acBuffer, acBuffer + std::cin.gcount());
-        if (vecBytes.size() > IMAGE_FILE_MAX) {
-            break; // it fits nowhere, however long it is
-        }
-    }
-    return vecBytes;
-}
 
 void Report(const SESSION_S &stSession, const WRITE_S &stOptions, const IMAGE_PLAN_S &stPlan,
             const std::string &strSentence)
@@ -71,10 +49,11 @@ void Report(const SESSION_S &stSession, const WRITE_S &stOptions, const IMAGE_PL
 void RunWrite(const SESSION_S &stSession, const WRITE_S &stOptions)
 {
     // A pipe may take its time: it is read before the controller is.
-    const bool bPipe = stOptions.strFile == STANDARD_INPUT;
-    const std::vector<u8> vecPiped = bPipe ? TakePipedImage() : std::vector<u8>();
+    if (IsStream(stOptions.strFile)) {
+        (void)ReadNamedFile(stOptions.strFile);
+    }
     const DEVICE_S stDevice = ResolveDevice(stSession, stOptions.stTarget);
-    const std::vector<u8> vecImage = bPipe ? vecPiped : ReadImageFile(stOptions.strFile);
+    const std::vector<u8> vecImage = ReadImageFile(stOptions.strFile);
     std::optional<RootLock> optLock;
     if (!stOptions.bDryRun) {
         optLock.emplace(stSession);
