@@ -89,8 +89,9 @@ class Get(LabelTest):
 
     def test_usage(self):
         self.Provision()
+        self.assertIn("there is no label 'a'", self.Bad(3, "label", "get", "--id", "1", "a", "b"))
         for asArguments, strLine in [(["get"], "no device is named"), (["get", "psu1"], "no label is named; 'fructl label list' tells their names"),
-                                     (["get", "--id", "1", "a", "b"], "'b' is one word too many; accepted: one label's name"),
+                                     (["get", "--id", "1", "Mfg.Date", "--all"], "labels are named, and --all asks for all; accepted: one of them"),
                                      (["list", "--id", "1", "psu1"], "'psu1' is one word too many; accepted: one device"),
                                      (["set"], "no device is named"), (["set", "psu1"], "no label is named; accepted: NAME VALUE, or NAME=VALUE once or several"),
                                      (["set", "psu1", "Product Version"], "'Product Version' is not NAME=VALUE; accepted: NAME VALUE"),

@@ -85,7 +85,7 @@ class Refusals(LabelTest):
     def test_an_image_that_would_not_fit_or_not_be_readable_is_refused(self):
         abImage = Image({3: bytes(4) + Texts("maker", "name", "serial", "part", "file"), 4: b"\x00" + Texts("", "", "", "", "", "", "")})
         self.ProvisionImage(abImage, size=len(abImage) + 8)
-        self.assertEqual(self.Bad(3, "label", "set", "dev", "Board Serial Number", "x" * 40),
+        self.assertEqual(self.Bad(3, "label", "set", "dev", "Board Serial Number", "xy" * 20),
                          "dev (0x20:0): no image can be made with the new 'Board Serial Number': it would take 96 bytes, and the FRU has 72")
         # An area that would end with the FRU's last byte is written by the library, but no more read.
         self.assertEqual(self.Bad(3, "label", "set", "dev", "Product Version", "12345"),

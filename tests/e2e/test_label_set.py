@@ -76,7 +76,7 @@ class Set(LabelTest):
             ("Product Version", "-1", "-1"), ("Product Version", " ~", " ~"),
         ]:
             with self.subTest(strName, value=strValue):
-                stJson = self.Json("label", "set", "baseboard", strName, strValue)
+                stJson = self.Json("label", "set", "baseboard", strName, strValue, "--force")  # some look like placeholders
                 self.assertEqual(stJson["labels"][0]["new"], strRead)
                 self.assertEqual(stJson["notes"], [f"{strName} will read as '{strRead}'"] if strRead != strValue else [])
                 self.assertEqual(self.Good("label", "get", "baseboard", strName).strOut, strRead + "\n")

@@ -23,6 +23,7 @@
 #include "toolkit/image/image.h"
 #include "toolkit/image/mfg_date.h"
 #include "toolkit/image/record.h"
+#include "toolkit/image/role.h"
 
 namespace {
 
@@ -137,6 +138,25 @@ LABEL_REQUEST_S MakeRequest(const LABEL_S &stLabel, const std::string &strValue)
     return {stLabel, stLabel.enAccepts == Accepts::Date ? LabelDate(strValue) : strValue};
 }
 
+bool IsNone(const LABEL_REQUEST_S &stRequest)
+{
+    return stRequest.stLabel.bNoneAllowed && stRequest.strValue.compare(0, 4U, "NONE") == 0;
+}
+
+void RequireNoPlaceholders(const std::vector<LABEL_REQUEST_S> &vecRequests, bool bForce)
+{
+    for (const LABEL_REQUEST_S &stRequest : vecRequests) {
+        const Role enRole = RoleOf(stRequest.stLabel.stField, true);
+        const bool bAsked = enRole != Role::Other && !IsNone(stRequest) && !bForce;
+        const std::string strWhy = bAsked ? WhyPlaceholder(stRequest.strValue, TextKindOf(enRole)) : "";
+        if (!strWhy.empty()) {
+            FailRefused("'" + EscapeText(stRequest.strValue) + "' is refused for '" +
+                        stRequest.stLabel.strName + "': it looks like a placeholder: " + strWhy +
+                        "; --force writes it");
+        }
+    }
+}
+
 bool LABEL_PLAN_S::IsUnchanged() const
 {
     return std::all_of(vecSteps.begin(), vecSteps.end(),
@@ -190,6 +210,12 @@ LABEL_PLAN_S PlanLabels(const DEVICE_S &stDevice, const std::vector<LABEL_REQUES
         if (stPlan.vecSteps.back().strNew != stRequest.strValue) {
             stPlan.vecNotes.push_back(stRequest.stLabel.strName + " will read as '" +
                                       EscapeText(stPlan.vecSteps.back().strNew) + "'");
+        }
+        const Role enRole = RoleOf(stRequest.stLabel.stField, true);
+        const std::string strBlanks =
+            enRole == Role::Other ? "" : WhyBlanks(stStep.strNew, TextKindOf(enRole));
+        if (!strBlanks.empty()) {
+            stPlan.vecNotes.push_back(stRequest.stLabel.strName + ": " + strBlanks);
         }
         if (stRequest.strValue.size() == 1U && !stRequest.stLabel.IsNumber()) {
             stPlan.vecNotes.push_back(stRequest.stLabel.strName +

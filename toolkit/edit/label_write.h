@@ -25,6 +25,12 @@ struct LABEL_REQUEST_S
 // A request in the library's words: "now" and "unspecified" for dates become such.
 LABEL_REQUEST_S MakeRequest(const LABEL_S &stLabel, const std::string &strValue);
 
+// NONE, where that stands for an absent value.
+bool IsNone(const LABEL_REQUEST_S &stRequest);
+
+// Fails for a value that only holds a place ("To be filled by O.E.M.", "0000000000"); bForce: takes it.
+void RequireNoPlaceholders(const std::vector<LABEL_REQUEST_S> &vecRequests, bool bForce);
+
 // One label's write.
 struct LABEL_STEP_S
 {

@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "commands/commands.h"
+#include "commands/label_batch.h"
 #include "terminal/changes.h"
 #include "terminal/console.h"
 #include "terminal/json_out.h"
@@ -33,6 +34,8 @@ struct LABEL_OPTIONS_S
     SOURCE_OPTION_S stSource;
     bool bDryRun = false;
     bool bForce = false;
+    bool bAll = false;
+    LABEL_BATCH_S stBatch;
 };
 
 // The device, and the words behind it: with --id none of the words is a device.
@@ -175,37 +178,64 @@ void RunList(const SESSION_S &stSession, const LABEL_OPTIONS_S &stOptions)
     stShown.RequireSame();
 }
 
+// The labels that are asked for: those named, or with --all those that the device takes and its image has.
+std::vector<LABEL_S> AskedLabels(const DEVICE_S &stDevice, const RECORD_VIEW_S &stView,
+                                 const std::vector<std::string> &vecNames)
+{
+    std::vector<LABEL_S> vecAsked;
+    for (const std::string &strName : vecNames) {
+        vecAsked.push_back(FindLabel(strName));
+        const LABEL_S &stLabel = vecAsked.back();
+        if (!stLabel.IsStored()) {
+            FailRefused(
+                "the label '" + stLabel.strName +
+                "' is kept in the hardware FRU block, not in the FRU image; 'fructl hw show' reads it");
+        }
+        if (!LabelValue(stView, stLabel).has_value()) {
+            FailRefused(stDevice.Title() + " has no '" + stLabel.strName + "': its image has " +
+                        WhyNoValue(stView, stLabel));
+        }
+    }
+    for (const LABEL_S &stLabel : Labels()) {
+        if (vecNames.empty() && IsAccepted(stDevice, stLabel) && LabelValue(stView, stLabel).has_value()) {
+            vecAsked.push_back(stLabel);
+        }
+    }
+    return vecAsked;
+}
+
 void RunGet(const SESSION_S &stSession, const LABEL_OPTIONS_S &stOptions)
 {
     std::vector<std::string> vecRest;
     const DEVICE_S stDevice = TakeDevice(stSession, stOptions, vecRest);
-    if (vecRest.size() != 1U) {
+    if (vecRest.empty() != stOptions.bAll) {
         FailUsage(vecRest.empty()
-                      ? "no label is named; 'fructl label list' tells their names"
-                      : "'" + EscapeText(vecRest[1]) + "' is one word too many; accepted: one label's name");
+                      ? "no label is named; 'fructl label list' tells their names, --all asks for all"
+                      : "labels are named, and --all asks for all; accepted: one of them");
     }
-    const LABEL_S &stLabel = FindLabel(vecRest.front());
-    if (!stLabel.IsStored()) {
-        FailRefused("the label '" + stLabel.strName +
-                    "' is kept in the hardware FRU block, not in the FRU image; 'fructl hw show' reads it");
+    for (const std::string &strName : vecRest) {
+        (void)FindLabel(strName); // before anything is read
     }
     const SHOWN_S stShown = ReadShown({stDevice, ""}, stOptions.stSource);
     Record stRecord;
     DecodeShown(stShown.stTarget, stShown.stImage, stRecord);
     const RECORD_VIEW_S stView = ViewRecord(*stRecord.Data());
-    const std::optional<std::string> optValue = LabelValue(stView, stLabel);
-    if (!optValue.has_value()) {
-        FailRefused(stDevice.Title() + " has no '" + stLabel.strName + "': its image has " +
-                    WhyNoValue(stView, stLabel));
+    const bool bOne = vecRest.size() == 1U;
+    Json stList = Json::array();
+    std::string strOut;
+    for (const LABEL_S &stLabel : AskedLabels(stDevice, stView, vecRest)) {
+        const std::string strValue = LabelValue(stView, stLabel).value_or("");
+        stList.push_back(LabelJson(stLabel, MaxLength(stLabel, stDevice.stEntry.ucComponentType)));
+        stList.back()["value"] = ValueJson(stLabel, strValue);
+        strOut += (bOne ? "" : stLabel.strName + "=") + EscapeText(strValue) + "\n";
     }
     if (stSession.bJson) {
         Json stJson = {{"device", DeviceJson(stDevice)}};
         stJson.update(stShown.SourceJson());
-        stJson.update(LabelJson(stLabel, MaxLength(stLabel, stDevice.stEntry.ucComponentType)));
-        stJson["value"] = ValueJson(stLabel, optValue);
+        stJson.update(bOne ? stList.front() : Json{{"labels", stList}});
         PrintJson(stJson);
     } else {
-        Print(EscapeText(*optValue) + "\n");
+        Print(strOut);
     }
     stShown.RequireSame();
 }
@@ -282,12 +312,31 @@ std::string StepsText(const LABEL_PLAN_S &stPlan)
     return strOut;
 }
 
+void RunTable(const SESSION_S &stSession, const LABEL_OPTIONS_S &stOptions)
+{
+    LABEL_BATCH_S stBatch = stOptions.stBatch;
+    const bool bDevice = stOptions.astOptions[0].IsGiven();
+    if (stOptions.astOptions[1].IsGiven() || !stOptions.strDeviceID.empty()) {
+        FailUsage(
+            "with --from the labels stand in the table; accepted: a device for rows that name none, and no more words");
+    }
+    stBatch.stBatch.strDevice = bDevice ? stOptions.astrWords[0] : "";
+    stBatch.stBatch.bForce = stOptions.bForce;
+    stBatch.stBatch.bDryRun = stOptions.bDryRun;
+    RunLabelBatch(stSession, stBatch);
+}
+
 void RunSet(const SESSION_S &stSession, const LABEL_OPTIONS_S &stOptions)
 {
+    if (stOptions.stBatch.IsGiven()) {
+        RunTable(stSession, stOptions);
+        return;
+    }
     std::vector<std::string> vecRest;
     const DEVICE_S stDevice = TakeDevice(stSession, stOptions, vecRest);
     const std::vector<LABEL_REQUEST_S> vecRequests = ParseRequests(vecRest);
     CheckRequests(stDevice, vecRequests);
+    RequireNoPlaceholders(vecRequests, stOptions.bForce);
     if (stOptions.bDryRun) {
         const LABEL_PLAN_S stPlan = PlanLabels(stDevice, vecRequests);
         if (stSession.bJson) {
@@ -371,17 +420,22 @@ void AddLabelCommand(const Command &stParent, SESSION_S &stSession)
          {"VALUE", "what the image has; -: an empty text; in brackets: why there is none"}});
     stListCommand.Run([&stSession, pstList] { RunList(stSession, *pstList); });
     const auto pstGet = std::make_shared<LABEL_OPTIONS_S>();
-    const Command stGetCommand =
-        AddVerb(stLabel, "get", "One label's value",
-                "fructl label get baseboard \"Board Serial Number\"\nfructl label get --id 1 Mfg.Date",
-                {stDevice, {"NAME", "the label's name, as 'fructl label list' tells it"}}, *pstGet);
+    const Command stGetCommand = AddVerb(
+        stLabel, "get", "One label's value, or several as NAME=VALUE",
+        "fructl label get baseboard \"Board Serial Number\"\nfructl label get --id 1 Mfg.Date\n"
+        "fructl label get psu1 \"Product Serial Number\" Mfg.Date\nfructl label get psu1 --all",
+        {stDevice, {"NAME", "the label's name, as 'fructl label list' tells it; and more of them"}}, *pstGet);
+    stGetCommand.AddOption("MORE", pstGet->vecMore, "more names");
+    stGetCommand.AddFlag("--all", pstGet->bAll, "every label that the device takes and its image has");
     AddSourceOption(stGetCommand, pstGet->stSource);
     stGetCommand.Run([&stSession, pstGet] { RunGet(stSession, *pstGet); });
     const auto pstSet = std::make_shared<LABEL_OPTIONS_S>();
     const Command stSetCommand = AddVerb(
         stLabel, "set", "Write labels; all are checked before the first is written",
         "fructl label set baseboard \"Product Serial Number\" LH22024170042\n"
-        "fructl label set psu1 \"Product Asset Tag=RACK7\" \"Board Part Number=LHPS800-A2\" --dry-run",
+        "fructl label set psu1 \"Product Asset Tag=RACK7\" \"Board Part Number=LHPS800-A2\" --dry-run\n"
+        "fructl label set --from examples/labels.csv --dry-run\n"
+        "fructl label set --from examples/labels.csv --results done.csv --keep-going",
         {stDevice,
          {"NAME", "the label's name; or NAME=VALUE, and more of them behind it"},
          {"VALUE", "its value, when NAME has none"}},
@@ -389,7 +443,9 @@ void AddLabelCommand(const Command &stParent, SESSION_S &stSession)
     stSetCommand.AddOption("MORE", pstSet->vecMore, "NAME=VALUE");
     stSetCommand.AddFlag("-n,--dry-run", pstSet->bDryRun,
                          "show old and new and the bytes that would change, and write nothing");
-    stSetCommand.AddFlag("--force", pstSet->bForce,
-                         "write even when something beside the labels would be lost");
+    stSetCommand.AddFlag(
+        "--force", pstSet->bForce,
+        "write even when something beside the labels would be lost, and placeholders and doubles");
+    AddLabelBatchOptions(stSetCommand, pstSet->stBatch);
     stSetCommand.Run([&stSession, pstSet] { RunSet(stSession, *pstSet); });
 }
