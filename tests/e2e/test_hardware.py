@@ -186,11 +186,19 @@ management card   board area of type 0x30, direct    BC1240800720
         self.assertIn("(0x29000001 ", self.Fructl("sn").strOut)
 
     def test_a_damaged_image_has_no_serial_number_on_the_direct_path(self):
-        # Which is no failure there; the other path reads the cached image.
+        # Its status tells of no failure there, but there is one; the other path reads the cached image.
         self.Damage(self.Eeprom(BASEBOARD_EEPROM), 0, b"\x00")
-        stJson = self.Json("sn")
+        stResult = self.Fructl("--json", "sn")
+        self.assertEqual((stResult.iCode, stResult.strErr), (1, "fructl: 2 of 7 serial numbers could not be read\n"))
+        stJson = stResult.Json()
         self.assertEqual((stJson["product"]["text"], stJson["productDirect"]["text"], stJson["productDirect"]["status"]), ("LH22024170042", "", 0))
         self.assertIn("the image could not be decoded (the library says: ", stJson["productDirect"]["why"])
+
+    def test_blanks_that_nobody_sees_are_pointed_out(self):
+        self.Good("label", "set", "baseboard", "Product Serial Number", "LH220 ")
+        self.assertIn("\nproduct           product area of 0x00:0             LH220   <- it ends with a blank\n", self.Good("sn").strOut)
+        self.assertEqual(self.Json("sn")["product"], {"text": "LH220 ", "status": 0, "why": "it ends with a blank"})
+        self.assertIn("ProductSerialNumber  LH220   <- it ends with a blank\n", self.Good("psn").strOut)
 
     def test_a_field_that_is_empty(self):
         (self.pathRoot / XML).write_text('<hardware><FRU componentType="0" offset="0" size="256" selector="1" deviceName="bus3-addr0xa2"/></hardware>')

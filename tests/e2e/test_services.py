@@ -153,6 +153,22 @@ class SmallServices(ServicesTest):
             self.assertEqual([c for c in strOut if c != "\n" and not c.isprintable()], [])
 
 
+class DryRuns(FructlTest):
+    def test_raw_write_and_features_say_what_they_would_do(self):
+        self.Provision()
+        dictTree = self.Tree()
+        self.assertEqual(self.Good("raw", "write", "psu1", "--offset", "0x90", "--bytes", "00ff", "-n").strOut.split("\n")[0], "nothing was written; this would be")
+        stJson = self.Json("raw", "write", "psu1", "--offset", "0", "--bytes", "0102", "--dry-run")
+        self.assertEqual((stJson["dryRun"], stJson["bytes"]), (True, [{"offset": 1, "old": "00", "new": "02"}]))
+        self.assertIn("the bytes would end at 0x0101, and the FRU has 256 bytes", self.Bad(3, "raw", "write", "psu1", "--offset", "255", "--bytes", "0102", "-n"))
+        self.assertIn("there is no FRU device ID 77", self.Bad(4, "raw", "write", "--id", "77", "--offset", "0", "--bytes", "01", "-n"))
+        pathBlock = self.Write("block.bin", bytes(1334))
+        self.assertEqual(self.Good("features", "--update", pathBlock, "-n").strOut, "nothing was handed over; without --dry-run: 1334 bytes to the feature service\n")
+        self.Bad(3, "features", "--update", self.Write("short.bin", bytes(10)), "-n")
+        self.Bad(2, "features", "-n")
+        self.assertEqual({strPath for strPath, value in self.Tree().items() if dictTree.get(strPath) != value}, set())
+
+
 class Date(unittest.TestCase):
     def test_there_and_back(self):
         for strDate, strBytes in (("1996-01-01", "00 00 00"), ("1996-01-01 00:01:59", "01 00 00"), ("2024-05-17", "80 b9 e3"),

@@ -11,7 +11,7 @@ import unittest
 
 from support import BASEBOARD_EEPROM, COMMAND, EXAMPLES, Environment, FructlTest, HANG_SECONDS, Run, SOURCE
 
-COMMANDS = ["provision", "list", "show", "verify", "map", "diff", "label", "encode", "recover", "raw", "mr", "hw", "sn", "psn", "oem", "host-name", "assemble", "fields", "metrics", "report"]
+COMMANDS = ["provision", "list", "show", "verify", "map", "diff", "label", "encode", "recover", "raw", "mr", "hw", "sn", "psn", "oem", "host-name", "assemble", "fields", "metrics", "report", "lint"]
 
 
 class Help(unittest.TestCase):

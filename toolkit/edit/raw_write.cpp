@@ -5,8 +5,10 @@
 
 #include "lib_fru.h"
 #include "toolkit/base/error.h"
+#include "toolkit/base/text.h"
 #include "toolkit/controller/device.h"
 #include "toolkit/controller/diagnostics.h"
+#include "toolkit/controller/source.h"
 #include "toolkit/edit/change.h"
 #include "toolkit/edit/transaction.h"
 
@@ -42,6 +44,27 @@ void Patch(std::optional<PART_S> &optPart, const std::vector<u8> &vecRequest)
 }
 
 } // namespace
+
+std::vector<BYTE_RUN_S> PlanRaw(const CONTROLLER_S &stController, const std::vector<u8> &vecRequest)
+{
+    const std::optional<DEVICE_S> optDevice = FindDevice(stController, vecRequest[0]);
+    if (!optDevice.has_value()) {
+        Fail(ErrorClass::NotFound,
+             Format("there is no FRU device ID %u, and nothing would be written", vecRequest[0]));
+    }
+    const std::vector<u8> vecBefore = ReadTarget({*optDevice, ""}).vecBytes;
+    const size_t uiOffset = vecRequest[1] | static_cast<size_t>(vecRequest[2]) << 8U;
+    const size_t uiEnd = uiOffset + vecRequest.size() - FRU_WRITE_REQ_HEADER_LEN;
+    if (uiEnd > vecBefore.size()) {
+        FailRefused(
+            Format("the bytes would end at 0x%04zx, and the FRU has %zu bytes; nothing would be written",
+                   uiEnd, vecBefore.size()));
+    }
+    std::vector<u8> vecAfter = vecBefore;
+    std::copy(vecRequest.begin() + FRU_WRITE_REQ_HEADER_LEN, vecRequest.end(),
+              vecAfter.begin() + static_cast<std::ptrdiff_t>(uiOffset));
+    return CompareBytes(vecBefore, vecAfter);
+}
 
 RAW_ANSWER_S WriteRaw(const RootLock &stLock, const std::vector<u8> &vecRequest)
 {

@@ -19,7 +19,7 @@ const std::vector<GROUP_S> &Groups()
         {"Look",
          {AddListCommand, AddShowCommand, AddMapCommand, AddDiffCommand, AddFieldsCommand, AddSnCommand,
           AddPsnCommand, AddScanCommand}},
-        {"Check", {AddVerifyCommand}},
+        {"Check", {AddVerifyCommand, AddLintCommand}},
         {"Edit fields",
          {AddEditCommand, AddLabelCommand, AddMrCommand, AddHwCommand, AddOemCommand, AddHostNameCommand,
           AddAssembleCommand}},

@@ -63,6 +63,7 @@ LOCATED_S LocateImage(const SESSION_S &stSession, const TARGET_S &stTarget, cons
 // Each adds one command; they stand in their file.
 void AddProvisionCommand(const Command &stParent, SESSION_S &stSession);
 void AddScanCommand(const Command &stParent, SESSION_S &stSession);
+void AddLintCommand(const Command &stParent, SESSION_S &stSession);
 void AddListCommand(const Command &stParent, SESSION_S &stSession);
 void AddShowCommand(const Command &stParent, SESSION_S &stSession);
 void AddVerifyCommand(const Command &stParent, SESSION_S &stSession);

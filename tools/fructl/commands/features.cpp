@@ -34,13 +34,22 @@ std::vector<bool> SplitSentences(std::string strText)
     return vecResults;
 }
 
-void Update(const SESSION_S &stSession, const std::string &strFile)
+void Update(const SESSION_S &stSession, const std::string &strFile, bool bDryRun)
 {
     const std::vector<u8> vecBlock = ReadImageFile(strFile);
     FRU_FEATURE_UPDATE_S stBlock = {};
     if (vecBlock.size() != sizeof(stBlock.aucData)) {
         FailRefused(Format("%s has %zu bytes; accepted: a feature block of exactly %zu",
                            EscapeText(strFile).c_str(), vecBlock.size(), sizeof(stBlock.aucData)));
+    }
+    if (bDryRun) {
+        if (stSession.bJson) {
+            PrintJson({{"updated", false}, {"dryRun", true}, {"bytes", vecBlock.size()}});
+        } else {
+            Print(Format("nothing was handed over; without --dry-run: %zu bytes to the feature service\n",
+                         vecBlock.size()));
+        }
+        return;
     }
     (void)memcpy(stBlock.aucData, vecBlock.data(), sizeof(stBlock.aucData));
     const RootLock stLock(stSession);
@@ -80,17 +89,22 @@ void List(const SESSION_S &stSession)
 void AddFeaturesCommand(const Command &stParent, SESSION_S &stSession)
 {
     const auto pstFile = std::make_shared<std::string>();
+    const auto pbDryRun = std::make_shared<bool>(false);
     const Command stCommand =
         stParent.Add("features", "Show the FRU feature list, or hand over a feature update",
-                     "fructl features\nfructl features --update block.bin");
+                     "fructl features\nfructl features --update block.bin --dry-run");
     stCommand.AddOption("--update", *pstFile, "a file of 1334 bytes for the feature service")
         .Placeholder("FILE");
-    stCommand.Run([&stSession, pstFile] {
+    stCommand.AddFlag("-n,--dry-run", *pbDryRun, "with --update: check the file, hand nothing over");
+    stCommand.Run([&stSession, pstFile, pbDryRun] {
         RequireController(stSession);
+        if (pstFile->empty() && *pbDryRun) {
+            FailUsage("--dry-run says what --update would do; accepted: both, or neither");
+        }
         if (pstFile->empty()) {
             List(stSession);
         } else {
-            Update(stSession, *pstFile);
+            Update(stSession, *pstFile, *pbDryRun);
         }
     });
 }

@@ -51,17 +51,22 @@ void RunList(const SESSION_S &stSession)
     }
 }
 
-void RunDiscard(const SESSION_S &stSession, const std::string &strNumber)
+void RunDiscard(const SESSION_S &stSession, const std::string &strNumber, bool bDryRun)
 {
     const u32 uiNumber = NumberOption("NUMBER", strNumber, NUMBER_MAX);
     const RootLock stLock(stSession);
     for (const JOURNAL_ENTRY_S &stEntry : ReadJournal()) {
         if (stEntry.uiNumber == uiNumber) {
-            RemoveJournal(uiNumber);
+            if (!bDryRun) {
+                RemoveJournal(uiNumber);
+            }
             Print(stSession.bJson ? ""
-                                  : Format("entry %u is given up; ", uiNumber) + WhatStays(stEntry) + "\n");
+                                  : Format(bDryRun ? "nothing was written; entry %u would be given up; "
+                                                   : "entry %u is given up; ",
+                                           uiNumber) +
+                                        WhatStays(stEntry) + "\n");
             if (stSession.bJson) {
-                PrintJson({{"discarded", uiNumber}});
+                PrintJson({{"discarded", uiNumber}, {"dryRun", bDryRun}});
             }
             return;
         }
@@ -85,5 +90,7 @@ void AddJournalCommand(const Command &stParent, SESSION_S &stSession)
     const Command stDiscard =
         stJournal.Add("discard", "Give an entry up: its device stays as it is", "fructl journal discard 1");
     stDiscard.AddOption("NUMBER", *pstrNumber, "as 'fructl journal list' tells it").Required();
-    stDiscard.Run([&stSession, pstrNumber] { RunDiscard(stSession, *pstrNumber); });
+    const auto pbDryRun = std::make_shared<bool>(false);
+    stDiscard.AddFlag("-n,--dry-run", *pbDryRun, "say what would be given up, and write nothing");
+    stDiscard.Run([&stSession, pstrNumber, pbDryRun] { RunDiscard(stSession, *pstrNumber, *pbDryRun); });
 }

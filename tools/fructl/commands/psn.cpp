@@ -5,6 +5,7 @@
 #include "terminal/json_out.h"
 #include "toolkit/base/error.h"
 #include "toolkit/base/json.h"
+#include "toolkit/base/placeholder.h"
 #include "toolkit/base/text.h"
 #include "toolkit/controller/controller.h"
 #include "toolkit/controller/serial_file.h"
@@ -16,7 +17,9 @@ std::string PsnText(const std::string &strBytes)
     if (strBytes.find_first_not_of('\0') == std::string::npos && !strBytes.empty()) {
         return Format("(cleared: %zu zero bytes)", strBytes.size());
     }
-    return strBytes.empty() ? "(empty)" : EscapeText(strBytes);
+    const std::string strBlanks = WhyBlanks(strBytes, TextKind::Number);
+    return strBytes.empty() ? "(empty)"
+                            : EscapeText(strBytes) + (strBlanks.empty() ? "" : "  <- " + strBlanks);
 }
 
 void RunPsn(const SESSION_S &stSession)

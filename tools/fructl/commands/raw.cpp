@@ -3,6 +3,7 @@
 
 #include "commands/commands.h"
 #include "lib_fru.h"
+#include "terminal/changes.h"
 #include "terminal/console.h"
 #include "terminal/json_out.h"
 #include "toolkit/base/error.h"
@@ -35,6 +36,7 @@ struct RAW_WRITE_S
     TARGET_OPTIONS_S stTarget;
     std::string strOffset;
     std::vector<std::string> vecBytes;
+    bool bDryRun = false;
 };
 
 std::vector<u8> HexOption(const std::string &strText)
@@ -88,6 +90,18 @@ void RunWrite(const SESSION_S &stSession, const RAW_WRITE_S &stOptions)
     vecRequest[1] = static_cast<u8>(uiOffset);
     vecRequest[2] = static_cast<u8>(uiOffset >> 8U);
     std::copy(vecData.begin(), vecData.end(), vecRequest.begin() + FRU_WRITE_REQ_HEADER_LEN);
+    if (stOptions.bDryRun) {
+        const std::vector<BYTE_RUN_S> vecRuns = PlanRaw(stSession, vecRequest);
+        if (stSession.bJson) {
+            PrintJson({{"command", "Write FRU Data"},
+                       {"dryRun", true},
+                       {"request", HexBytes(vecRequest)},
+                       {"bytes", ByteChangesJson(vecRuns)}});
+        } else {
+            Print("nothing was written; this would be\n" + ByteChangesText(vecRuns));
+        }
+        return;
+    }
     const RootLock stLock(stSession);
     const RAW_ANSWER_S stAnswer = WriteRaw(stLock, vecRequest);
     ReportExchange(stSession, "Write FRU Data", vecRequest, stAnswer.vecResponse, stAnswer.strHint);
@@ -99,7 +113,7 @@ void AddWrite(const Command &stRaw, SESSION_S &stSession)
     const Command stCommand =
         stRaw.Add("write", "Write FRU Data: bytes as they are, nothing is checked or recomputed",
                   "fructl raw write baseboard --offset 0x20 --bytes \"c4 54 45 53 54\"\n"
-                  "fructl raw write --id 2 --offset 0 --bytes 01");
+                  "fructl raw write --id 2 --offset 0 --bytes 01 --dry-run");
     AddTargetOptions(stCommand, pstWrite->stTarget, false);
     stCommand.AddOption("--offset", pstWrite->strOffset, "first byte, 0 to 0xffff")
         .Placeholder("N")
@@ -107,6 +121,8 @@ void AddWrite(const Command &stRaw, SESSION_S &stSession)
     stCommand.AddOption("--bytes", pstWrite->vecBytes, "up to 255 bytes in hex, blanks between them or not")
         .Placeholder("HEX")
         .Required();
+    stCommand.AddFlag("-n,--dry-run", pstWrite->bDryRun,
+                      "show the bytes that would change, and write nothing");
     stCommand.Run([&stSession, pstWrite] { RunWrite(stSession, *pstWrite); });
 }
 

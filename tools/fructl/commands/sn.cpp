@@ -6,6 +6,7 @@
 #include "terminal/json_out.h"
 #include "toolkit/base/error.h"
 #include "toolkit/base/json.h"
+#include "toolkit/base/placeholder.h"
 #include "toolkit/base/text.h"
 #include "toolkit/controller/controller.h"
 #include "toolkit/controller/diagnostics.h"
@@ -40,23 +41,34 @@ struct ANSWER_S
 {
     std::string strText; // raw
     u32 uiStatus;
-    std::string
-        strWhy; // with a status of 0 too: an image that does not decode is no failure of the direct path
+    bool bFailed;       // also with a status of 0: the direct path tells so when an image does not decode
+    std::string strWhy; // there is none, or what is odd about it
 };
 
 ANSWER_S Ask(const SERIAL_S &stSerial)
 {
     char acText[SERIAL_SIZE] = "";
     ClearDiagnostics();
-    ANSWER_S stAnswer = {"", stSerial.pfnGet(sizeof(acText), acText), ""};
+    ANSWER_S stAnswer = {"", stSerial.pfnGet(sizeof(acText), acText), false, ""};
     stAnswer.strText = acText;
+    const std::string strHint = stAnswer.strText.empty() ? DiagnosticHint() : "";
+    stAnswer.bFailed = stAnswer.uiStatus != FRU_OK || !strHint.empty();
     if (stAnswer.uiStatus != FRU_OK) {
         stAnswer.strWhy = StatusText(stAnswer.uiStatus) + DiagnosticHint();
     } else if (stAnswer.strText.empty()) {
-        stAnswer.strWhy = DiagnosticHint().empty() ? "the field is empty, or the image has no such area"
-                                                   : "the image could not be decoded" + DiagnosticHint();
+        stAnswer.strWhy = strHint.empty() ? "the field is empty, or the image has no such area"
+                                          : "the image could not be decoded" + strHint;
+    } else {
+        stAnswer.strWhy = WhyBlanks(stAnswer.strText, TextKind::Number);
     }
     return stAnswer;
+}
+
+// What nobody sees: "  <- it ends with a blank".
+std::string BlanksText(const std::string &strText)
+{
+    const std::string strBlanks = WhyBlanks(strText, TextKind::Number);
+    return strBlanks.empty() ? "" : "  <- " + strBlanks;
 }
 
 void RunSn(const SESSION_S &stSession, bool bDirect)
@@ -73,13 +85,14 @@ void RunSn(const SESSION_S &stSession, bool bDirect)
         const ANSWER_S stAnswer = Ask(stSerial);
         const bool bText = !stAnswer.strText.empty();
         uiAsked++;
-        uiFailed += stAnswer.uiStatus == FRU_OK ? 0U : 1U;
+        uiFailed += stAnswer.bFailed ? 1U : 0U;
         stTable.Row({stSerial.pcWhat, stSerial.pcWhere,
-                     bText ? ShownText(stAnswer.strText) : "(" + stAnswer.strWhy + ")"},
+                     bText ? ShownText(stAnswer.strText) + BlanksText(stAnswer.strText)
+                           : "(" + stAnswer.strWhy + ")"},
                     {Colour::None, Colour::Dim,
-                     stAnswer.uiStatus != FRU_OK ? Colour::Red
-                     : bText                     ? Colour::Green
-                                                 : Colour::Yellow});
+                     stAnswer.bFailed ? Colour::Red
+                     : bText          ? Colour::Green
+                                      : Colour::Yellow});
         stJson[stSerial.pcKey] = {{"text", Latin1ToUtf8(stAnswer.strText)}, {"status", stAnswer.uiStatus}};
         if (!stAnswer.strWhy.empty()) {
             stJson[stSerial.pcKey]["why"] = stAnswer.strWhy;
