@@ -92,7 +92,7 @@ class Shell(FructlTest):
         return stProcess.stdout.split("\n")[:-1]
 
     def test_bash_is_offered_words_devices_labels_and_values(self):
-        self.assertEqual(self.Bash("li"), ["list"])
+        self.assertEqual(self.Bash("lis"), ["list"])
         self.assertEqual(self.Bash("clear", "p"), ["psu1", "psu2"])
         self.assertEqual(self.Bash("label", "get", "psu1", "Product\\ S"), ["Product Serial Number"])
         self.assertEqual(self.Bash("label", "get", "psu1", '"Product S'), ["Product Serial Number"])
@@ -132,7 +132,7 @@ class Shell(FructlTest):
                                        env={**os.environ, **self.dictEnvironment})
             self.assertEqual((stProcess.returncode, stProcess.stderr), (0, ""))
             return [strOffered.partition("\t")[0].replace("\\ ", " ") for strOffered in stProcess.stdout.splitlines()]
-        self.assertEqual(Offered("fructl li"), ["list"])
+        self.assertEqual(Offered("fructl lis"), ["list"])
         self.assertEqual(Offered("fructl clear psu"), ["psu1", "psu2"])
         self.assertEqual(Offered('fructl label get psu1 "Product S'), ["Product Serial Number"])
         self.assertEqual(Offered("fructl map --source c"), ["cache"])

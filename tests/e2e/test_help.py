@@ -53,7 +53,7 @@ class Help(unittest.TestCase):
 class Guesses(FructlTest):
     def test_what_may_have_been_meant_is_named(self):
         for asArguments, strExpected in [
-            (["lst"], "there is no command 'lst'; did you mean 'list'?; accepted: provision, list, "),
+            (["lst"], "there is no command 'lst'; did you mean 'list' or 'lint'?; accepted: provision, list, "),
             (["label", "gett"], "there is no command 'gett'; did you mean 'get'?; accepted: list, get, set"),
             (["help", "labl"], "there is no command 'labl'; did you mean 'label'?; accepted: "),
             (["help", "list", "x"], "there is no command 'x' of 'fructl list'; accepted: nothing behind list"),

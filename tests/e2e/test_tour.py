@@ -18,7 +18,8 @@ def TourCommands():
     for strBlock in re.findall(r"^```\n(.*?)^```", strTour, re.M | re.S):
         for strLine in strBlock.splitlines():
             strCommand = re.sub(r"\s+#.*", "", strLine)
-            if strCommand.startswith("fructl ") and not strCommand.startswith(ENDLESS):
+            # What asks another machine needs that machine.
+            if strCommand.startswith("fructl ") and not strCommand.startswith(ENDLESS) and "--bmc" not in strCommand:
                 yield strCommand
 
 
