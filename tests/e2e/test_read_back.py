@@ -38,7 +38,7 @@ class MultiRecords(MultiRecordTest):
         abBefore = self.Chip()
         for asMore in ([], ["--dry-run"], ["--force"]):
             self.assertIn("would read back differently: its MultiRecords take 2295 bytes, and an image is made with at most 2040",
-                          self.Bad(3, "label", "set", "baseboard", "Product Serial Number", "S" * 60, *asMore))
+                          self.Bad(3, "label", "set", "baseboard", "Product Serial Number", "SN" * 30, *asMore))
         self.AssertUntouched(abBefore)
 
     def test_an_encoded_file_is_not_made(self):
