@@ -3,7 +3,7 @@
 import json
 
 import controller
-from controller import OFFSET, Fructl, Provision
+from controller import BUS, KERNEL_ADDRESSES, OFFSET, RAW_ADDRESSES, Fructl, Provision
 
 BACKENDS = ("kernel", "i2c")
 SERIAL = "TARGET-0815"
@@ -87,6 +87,47 @@ class Commands:
         self.Good(strBackend, "verify")
         return self.Good(strBackend, "journal", "list")
 
+    # ---- what this machine's kernel knows: nothing of it writes ----
+
+    def Scanned(self):
+        dictChips = {(dictChip["bus"], dictChip["address"]): dictChip for dictChip in json.loads(self.stMachine.Good("fructl --json scan"))["chips"]}
+        for iAddress in KERNEL_ADDRESSES:
+            dictChip = dictChips[BUS, iAddress]
+            listImages = [(dictImage["offset"], dictImage["sound"]) for dictImage in dictChip["images"]]
+            if dictChip["size"] != 8192 or listImages != [(OFFSET, True)]:
+                raise AssertionError(f"a sound image was expected at {OFFSET}: {dictChip}")
+        listRaw = [iAddress for iAddress in RAW_ADDRESSES if (BUS, iAddress) in dictChips]
+        if listRaw:
+            raise AssertionError(f"no driver has the chips at {listRaw}")
+        return f"{len(dictChips)} chips"
+
+    def Described(self):
+        """Provisioned from what scan describes: the chips stay as they are, and their images are in the cache."""
+        self.stMachine.Good("fructl scan --describe > /tmp/described.json")
+        self.stMachine.Good(Fructl("provision", "/tmp/described.json", strRoot="/data/scanned"))
+        dictList = json.loads(self.stMachine.Good(Fructl("--json", "list", strRoot="/data/scanned")))
+        listOurs = [dictDevice for dictDevice in dictList["devices"] if dictDevice["location"]["bus"] == BUS]
+        if len(listOurs) < len(KERNEL_ADDRESSES) or any(dictDevice["cache"] != "same" for dictDevice in listOurs):
+            raise AssertionError(str(dictList))
+        return f"{len(dictList['devices'])} devices"
+
+    def Probed(self):
+        stAnswer = self.stMachine.Run(f"fructl --json scan --probe {BUS}")
+        dictFound = {dictChip["address"]: dictChip["found"] for dictChip in json.loads(stAnswer.strOut)["found"]}
+        dictWanted = {**dict.fromkeys(KERNEL_ADDRESSES, "driver"), **dict.fromkeys(RAW_ADDRESSES, "answers")}
+        if dictFound != {**dictFound, **dictWanted} or not stAnswer.strErr:
+            raise AssertionError(f"{dictFound} {stAnswer.strErr}")
+
+    def Looks(self):
+        for strName, fnLook in (("scan", self.Scanned), ("scan --describe, provision", self.Described), ("scan --probe", self.Probed)):
+            def Look(fnWhich=fnLook):
+                dictBefore = {iAddress: stChip.Bytes() for iAddress, stChip in self.stWorld.dictChips.items()}
+                strSaid = fnWhich()
+                if dictBefore != {iAddress: stChip.Bytes() for iAddress, stChip in self.stWorld.dictChips.items()}:
+                    raise AssertionError("a chip was written to")
+                return strSaid
+            self.stReport.Check(strName, Look)
+
     def Run(self):
         listSteps = [("provision", self.Provisioned), ("show", self.Shown), ("read", self.ReadOff), ("label set", self.LabelSet),
                      ("mr add", self.RecordsAdded), ("write", self.Written), ("recover", self.Recovered), ("undo", self.Undone)]
@@ -98,3 +139,4 @@ class Commands:
                     if strWhich != "file" and dictSaid[strWhich] != dictSaid.get("file"):
                         raise AssertionError(f"not as over an image file: {dictSaid[strWhich]}\n{dictSaid.get('file')}"[:4000])
                 self.stReport.Check(f"{strStep} over {strBackend}", Step)
+        self.Looks()
