@@ -106,7 +106,7 @@ class Commands:
         self.stMachine.Good("fructl scan --describe > /tmp/described.json")
         self.stMachine.Good(Fructl("provision", "/tmp/described.json", strRoot="/data/scanned"))
         dictList = json.loads(self.stMachine.Good(Fructl("--json", "list", strRoot="/data/scanned")))
-        listOurs = [dictDevice for dictDevice in dictList["devices"] if dictDevice["location"]["bus"] == BUS]
+        listOurs = [dictDevice for dictDevice in dictList["devices"] if dictDevice["bus"] == BUS]
         if len(listOurs) < len(KERNEL_ADDRESSES) or any(dictDevice["cache"] != "same" for dictDevice in listOurs):
             raise AssertionError(str(dictList))
         return f"{len(dictList['devices'])} devices"
