@@ -273,7 +273,7 @@ class BrokenWire(BmcCase):
     def test_a_write_that_breaks_off_is_old_or_new_at_the_next_command(self):
         iLimit = [1 << 30]
         stWire = WIRE(self, self.iPort, lambda iPacket: iPacket > iLimit[0])
-        lstSerials = ['A' * 20, 'B' * 20]
+        lstSerials = ['A' * 19 + '1', 'B' * 19 + '2']
         self.Good('label', 'set', '0', 'Board Serial Number=' + lstSerials[0], iPort=stWire.iPort)
         iBefore = stWire.iPackets
         self.Good('label', 'set', '0', 'Board Serial Number=' + lstSerials[1], iPort=stWire.iPort)
