@@ -141,6 +141,15 @@ class Letters(FructlTest):
             self.assertIn("M\xfcller", strOut, asArguments)
             self.assertIn("a\\\\b\\x85", strOut, asArguments)
 
+    def test_two_bytes_a_character_are_readable(self):
+        # German: the format has two bytes a character there. Readers of one byte end such a text at its first zero byte.
+        shutil.rmtree(self.pathRoot)
+        self.ProvisionImage(Image({3: b"\x1e\x00\x00\x00" + Texts("M\x00\xfc\x00l\x00", "", "", "", "")}))
+        for strCommand in ("map", "show"):
+            self.assertIn("(two bytes a character: M\xfcl)", self.Shown(strCommand, "dev"))
+            self.assertIn("(two bytes a character: M\\xc3\\xbcl)", self.Good(strCommand, "dev").strOut)
+        self.assertIn("two bytes a character: M\xfcl", [dictSpan.get("note") for dictSpan in self.Json("map", "dev")["spans"]])
+
     def test_elsewhere_they_are_escaped(self):
         self.assertIn("M\\xfcller", self.Shown("show", "dev", LC_ALL="C"))
         self.assertIn("M\\xfcller", self.Good("show", "dev").strOut)

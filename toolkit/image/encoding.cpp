@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "toolkit/image/encoding.h"
 
+#include <algorithm>
+
 #include "toolkit/base/text.h"
 
 namespace {
@@ -46,7 +48,64 @@ FIELD_TEXT_S BinaryText(const u8 *pucData, u32 uiLength)
     return {strText, {Note::Binary}};
 }
 
+bool IsEnglish(u8 ucLanguage)
+{
+    return ucLanguage == 0U || ucLanguage == 25U;
+}
+
+bool IsControl(u32 uiCharacter)
+{
+    return uiCharacter < 0x20U || (uiCharacter >= 0x7FU && uiCharacter < 0xA0U);
+}
+
+// No control, and nothing that stands for no character.
+bool IsCharacter(u32 uiCharacter)
+{
+    const bool bHalf = uiCharacter >= 0xD800U && uiCharacter < 0xE000U;
+    return !IsControl(uiCharacter) && !bHalf && (uiCharacter & 0xFFFEU) != 0xFFFEU;
+}
+
+std::string Utf8Of(u32 uiCharacter)
+{
+    std::string strOut;
+    if (uiCharacter < 0x80U) {
+        return std::string(1U, static_cast<char>(uiCharacter));
+    }
+    const u32 uiMore = uiCharacter < 0x800U ? 1U : uiCharacter < 0x10000U ? 2U : 3U;
+    constexpr u32 LEADS[] = {0U, 0xC0U, 0xE0U, 0xF0U};
+    strOut += static_cast<char>(LEADS[uiMore] | uiCharacter >> (6U * uiMore));
+    for (u32 i = uiMore; i > 0U; i--) {
+        strOut += static_cast<char>(0x80U | ((uiCharacter >> (6U * (i - 1U))) & 0x3FU));
+    }
+    return strOut;
+}
+
 } // namespace
+
+std::optional<std::string> UnicodeText(u8 ucTypeLength, u8 ucLanguage, const u8 *pucData, u32 uiLength)
+{
+    const bool bLetters =
+        std::all_of(pucData, pucData + uiLength, [](u8 ucByte) { return !IsControl(ucByte); });
+    if (EncodingOf(ucTypeLength) != Encoding::Text || IsEnglish(ucLanguage) || uiLength % 2U != 0U ||
+        bLetters) {
+        return std::nullopt;
+    }
+    std::string strOut;
+    for (u32 i = 0; i < uiLength; i += 2U) {
+        u32 uiCharacter = pucData[i] | static_cast<u32>(pucData[i + 1U]) << 8U;
+        if (uiCharacter >= 0xD800U && uiCharacter < 0xDC00U && i + 4U <= uiLength) {
+            const u32 uiLow = pucData[i + 2U] | static_cast<u32>(pucData[i + 3U]) << 8U;
+            const bool bPair = uiLow >= 0xDC00U && uiLow < 0xE000U;
+            uiCharacter = bPair ? 0x10000U + ((uiCharacter & 0x3FFU) << 10U) + (uiLow & 0x3FFU) : uiCharacter;
+            i += bPair ? 2U : 0U;
+        }
+        if (!IsCharacter(uiCharacter)) {
+            return std::nullopt;
+        }
+        strOut += Utf8Of(uiCharacter);
+    }
+    return strOut;
+}
 
 Encoding EncodingOf(u8 ucTypeLength)
 {
@@ -74,6 +133,8 @@ std::string NoteText(const NOTE_S &stNote)
         return "BCD plus " + stNote.strDetail + ", decoded as an empty text";
     case Note::SixBitAscii:
         return "6-bit ASCII";
+    case Note::Unicode:
+        return "two bytes a character: " + stNote.strDetail;
     case Note::ZeroByte:
         return "readers end it at its first zero byte";
     case Note::OtherDate:

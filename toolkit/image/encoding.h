@@ -3,6 +3,7 @@
 #ifndef TOOLKIT_IMAGE_ENCODING_H
 #define TOOLKIT_IMAGE_ENCODING_H
 
+#include <optional>
 #include <string>
 
 #include "lib_fru_types.h"
@@ -26,6 +27,7 @@ enum class Note
     BcdPlus, // told by nobody: readers take it for an empty text
     SixBitAscii,
     ZeroByte,       // readers end the text there
+    Unicode,        // two bytes a character, which readers take for letters of one byte
     OtherDate,      // its detail: what it would be after another round of the counter
     OneValue,       // every byte the same, in no area
     DifferentValues // in no area either
@@ -34,7 +36,7 @@ enum class Note
 struct NOTE_S
 {
     Note enNote = Note::None;
-    std::string strDetail = {}; // the digits of BcdPlus, the byte of OneValue
+    std::string strDetail = {}; // the digits of BcdPlus, the byte of OneValue, Unicode's text
 
     bool IsTold() const
     {
@@ -52,6 +54,11 @@ struct FIELD_TEXT_S
     std::string strText; // as every reader decodes it
     NOTE_S stNote;
 };
+
+// What a text field says in an area of another language than English, where the format has two bytes a character, the
+// lower one first: UTF-8. Nothing where it cannot be meant so: letters of one byte alone, as most write whatever the
+// language, or no valid characters.
+std::optional<std::string> UnicodeText(u8 ucTypeLength, u8 ucLanguage, const u8 *pucData, u32 uiLength);
 
 // The field whose type/length byte is ucTypeLength and whose uiLength data bytes lie at pucData.
 FIELD_TEXT_S FieldText(u8 ucTypeLength, const u8 *pucData, u32 uiLength);

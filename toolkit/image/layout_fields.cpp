@@ -20,7 +20,11 @@ u32 LayoutWalker::TextField(const FIELD_ID_S &stField, u32 uiOffset, u32 uiEnd, 
         *pbGood = false;
         return uiEnd;
     }
-    const FIELD_TEXT_S stText = FieldText(ucTypeLength, &m_vecImage[uiOffset] + 1, uiLength);
+    FIELD_TEXT_S stText = FieldText(ucTypeLength, &m_vecImage[uiOffset] + 1, uiLength);
+    if (const std::optional<std::string> optText =
+            UnicodeText(ucTypeLength, m_ucLanguage, &m_vecImage[uiOffset] + 1, uiLength)) {
+        stText.stNote = {Note::Unicode, *optText};
+    }
     Span(uiOffset, 1U + uiLength, stField, stText.strText, "", stText.stNote);
     return uiOffset + 1U + uiLength;
 }
@@ -44,6 +48,7 @@ void LayoutWalker::InternalUse(u32 uiStart, u32 uiNextArea)
         return;
     }
     bool bGood = true;
+    m_ucLanguage = 0;
     const u32 uiAfter = TextField({Area::InternalUse, Field::Data}, uiStart + 1U, m_uiStored, &bGood);
     SPAN_S &stData = m_stLayout.vecSpans.back();
     if (uiAfter > uiNextArea) {
@@ -66,6 +71,7 @@ u32 LayoutWalker::InfoPrefix(const AREA_ROW_S &stArea, u32 uiStart, u32 uiEnd)
 {
     u32 uiOffset = uiStart + 2U;
     u32 uiPrefix = 0;
+    m_ucLanguage = 0;
     for (const FIELD_ROW_S &stRow : stArea.vecFields) {
         uiPrefix += stRow.enKind == Kind::Text ? 0U : stRow.enKind == Kind::MfgDate ? MFG_DATE_BYTES : 1U;
     }
@@ -85,6 +91,7 @@ u32 LayoutWalker::InfoPrefix(const AREA_ROW_S &stArea, u32 uiStart, u32 uiEnd)
                 return 0U;
             }
         } else if (stRow.enKind == Kind::Language) {
+            m_ucLanguage = *pucBytes;
             Span(uiOffset++, 1U, stField, LanguageName(*pucBytes));
         } else if (stRow.enKind == Kind::MfgDate) {
             const std::string strOther = OtherMfgDateText(MfgDateMinutes(pucBytes));

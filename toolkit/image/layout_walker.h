@@ -49,7 +49,8 @@ class LayoutWalker
     const u32 m_uiLength; // what the decoder is given: an area must end before it does
     const u32 m_uiStored; // the image's own bytes: nothing of it lies behind them
     const bool m_bFixedSlots;
-    const bool m_bPass; // what no reader takes is told of and passed, not the end of the walk
+    const bool m_bPass;  // what no reader takes is told of and passed, not the end of the walk
+    u8 m_ucLanguage = 0; // of the area that is walked; English where it has none
     IMAGE_LAYOUT_S m_stLayout;
 };
 

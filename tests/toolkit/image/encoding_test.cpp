@@ -13,6 +13,36 @@ FIELD_TEXT_S Decode(u8 ucType, const std::vector<u8> &vecData)
     return FieldText(static_cast<u8>(u32{ucType} << 6U | uiLength), vecData.data(), uiLength);
 }
 
+std::optional<std::string> Unicode(u8 ucLanguage, const std::vector<u8> &vecData, u8 ucType = 3U)
+{
+    const u32 uiLength = static_cast<u32>(vecData.size());
+    return UnicodeText(static_cast<u8>(u32{ucType} << 6U | uiLength), ucLanguage, vecData.data(), uiLength);
+}
+
+TEST(Encoding, TwoBytesACharacterWhereTheLanguageIsNotEnglish)
+{
+    constexpr u8 GERMAN = 30U;
+    const std::vector<u8> vecLetters = {'M', 0, 0xFC, 0, 'l', 0};
+    EXPECT_EQ(Unicode(GERMAN, vecLetters), "M\xC3\xBCl");
+    EXPECT_EQ(Unicode(GERMAN, {0x44, 0x30, 0x02, 0x30}), "\xE3\x81\x84\xE3\x80\x82");
+    EXPECT_EQ(Unicode(GERMAN, {0x3D, 0xD8, 0x00, 0xDE}), "\xF0\x9F\x98\x80");
+    EXPECT_EQ(Unicode(0U, vecLetters), std::nullopt);
+    EXPECT_EQ(Unicode(25U, vecLetters), std::nullopt);
+    EXPECT_EQ(Unicode(GERMAN, vecLetters, 0U), std::nullopt);
+}
+
+TEST(Encoding, WhatCannotBeTwoBytesACharacterIsNotTakenForIt)
+{
+    constexpr u8 GERMAN = 30U;
+    EXPECT_EQ(Unicode(GERMAN, {'A', 'B', 'C', 'D'}), std::nullopt); // as most write, whatever the language
+    EXPECT_EQ(Unicode(GERMAN, {'G', 'r', 0xF6, 0xDF, 'e', '1'}), std::nullopt);
+    EXPECT_EQ(Unicode(GERMAN, {'M', 0, 0xFC}), std::nullopt);
+    EXPECT_EQ(Unicode(GERMAN, {'M', 0, 0, 0}), std::nullopt);
+    EXPECT_EQ(Unicode(GERMAN, {0x3D, 0xD8}), std::nullopt);
+    EXPECT_EQ(Unicode(GERMAN, {0xFF, 0xFF}), std::nullopt);
+    EXPECT_EQ(Unicode(GERMAN, {}), std::nullopt);
+}
+
 TEST(Encoding, PlainTextHasNoNote)
 {
     const FIELD_TEXT_S stText = Decode(3U, {'A', 'B'});

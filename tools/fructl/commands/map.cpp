@@ -88,7 +88,8 @@ std::string Meaning(const SPAN_S &stSpan)
 {
     std::string strOut = FieldName(stSpan.stField);
     strOut += stSpan.strText.empty() ? "" : ": " + ShownText(stSpan.strText);
-    strOut += stSpan.stNote.IsTold() ? Paint(Colour::Dim, " (" + NoteText(stSpan.stNote) + ")") : "";
+    strOut +=
+        stSpan.stNote.IsTold() ? Paint(Colour::Dim, " (" + ShownUtf8(NoteText(stSpan.stNote)) + ")") : "";
     strOut += stSpan.strProblem.empty() ? "" : "  " + Paint(Colour::Red, "<- " + stSpan.strProblem);
     return strOut;
 }

@@ -48,7 +48,7 @@ std::string Row(const FIELD_ID_S &stField, const std::string &strText, const Not
     const std::string strShown = strText.empty() ? Paint(Colour::Dim, "-") : ShownText(strText);
     const auto itNote = mapNotes.find(stField);
     const std::string strNote =
-        itNote == mapNotes.end() ? "" : Paint(Colour::Dim, "  (" + NoteText(itNote->second) + ")");
+        itNote == mapNotes.end() ? "" : Paint(Colour::Dim, "  (" + ShownUtf8(NoteText(itNote->second)) + ")");
     return Format("  %-19s ", FieldName(stField).c_str()) + strShown + strNote + "\n";
 }
 
