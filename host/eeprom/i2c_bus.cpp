@@ -3,6 +3,7 @@
 
 #include <atomic>
 #include <cerrno>
+#include <cstring>
 #include <ctime>
 #include <fcntl.h>
 #include <linux/i2c-dev.h>
@@ -66,8 +67,10 @@ int RequireI2cFunctions(int iFd, bool *pbEnough)
 
 int ClaimI2cAddress(int iFd, u32 uiAddress)
 {
-    void *pAddress =
-        reinterpret_cast<void *>(static_cast<uintptr_t>(uiAddress)); // ioctl takes it as a number
+    // ioctl takes it as a number in the place of a pointer.
+    const uintptr_t uiNumber = uiAddress;
+    void *pAddress = nullptr;
+    (void)memcpy(&pAddress, &uiNumber, sizeof(pAddress));
     return I2cBus().pfnControl(iFd, I2C_SLAVE, pAddress) < 0 ? errno : 0;
 }
 

@@ -3,6 +3,7 @@
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
+#include <memory>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -96,7 +97,7 @@ int OpenFile(const PLACED_S &stPlaced, bool bWrite, BMCHOST_BACKEND_OPEN_S *pstO
                          " bytes there, the description one of " + std::to_string(stPlaced.uiSize));
         return EINVAL;
     }
-    pstOpen->pHandle = reinterpret_cast<void *>(static_cast<intptr_t>(stFile.Release()));
+    pstOpen->pHandle = std::make_unique<int>(stFile.Release()).release();
     pstOpen->uiCapacity = stPlaced.uiSize;
     pstOpen->uiPage = stPlaced.uiPage;
     return 0;
@@ -114,7 +115,7 @@ int Open(const BMCHOST_BACKEND_CHIP_S *pstChip, BMCHOST_BACKEND_OPEN_S *pstOpen)
 
 int FileOf(const BMCHOST_BACKEND_OPEN_S *pstOpen)
 {
-    return static_cast<int>(reinterpret_cast<intptr_t>(pstOpen->pHandle));
+    return *static_cast<const int *>(pstOpen->pHandle);
 }
 
 // What the driver says when the chip does not.
@@ -153,7 +154,8 @@ int WriteBytes(BMCHOST_BACKEND_OPEN_S *pstOpen, u32 uiOffset, u32 uiLength, cons
 
 void Close(BMCHOST_BACKEND_OPEN_S *pstOpen)
 {
-    (void)close(FileOf(pstOpen));
+    const std::unique_ptr<int> upFile(static_cast<int *>(pstOpen->pHandle));
+    (void)close(*upFile);
 }
 
 } // namespace
