@@ -152,9 +152,13 @@ void AddValues(SESSION_S &stSession, const Command &stTop, COMPLETION_S &stCompl
         for (size_t i = 0; i < stCompletion.vecGiven.size() && pstDoc != nullptr; i++) {
             pstDoc = pstDoc->Find(stCompletion.vecGiven[i]);
         }
-        for (const std::string &strName :
-             pstDoc == nullptr ? std::vector<std::string>() : pstDoc->CommandNames()) {
-            stCompletion.vecRows.emplace_back(strName, pstDoc->Find(strName)->strWhat);
+        if (pstDoc == nullptr) {
+            break; // no such command: the line may still become one
+        }
+        for (const COMMAND_DOC_S &stCommand : pstDoc->listCommands) {
+            if (!stCommand.bHidden) {
+                stCompletion.vecRows.emplace_back(stCommand.strName, stCommand.strWhat);
+            }
         }
         break;
     }
