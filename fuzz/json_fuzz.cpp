@@ -43,15 +43,19 @@ void Hex(const std::string &strText)
     }
 }
 
-// "name=value"; names are told apart whole.
+// "name=value"; names are told apart whole, but for case and what stands between their words.
 void NameValues(const std::string &strText)
 {
     static const std::vector<SETTABLE_S> TABLE = {{"system-name", "System Name"}, {"serial", "Serial"}};
     try {
         const std::vector<NAME_VALUE_S> vecValues = ParseNameValues({strText}, TABLE);
         fuzz::Require(vecValues.size() == 1U && vecValues[0].uiIndex < TABLE.size());
-        const std::string strName = TABLE[vecValues[0].uiIndex].pcName;
-        fuzz::Require(strText.compare(0, strName.size() + 1U, strName + "=") == 0);
+        std::string strName = strText.substr(0, strText.find('='));
+        for (char &cChar : strName) {
+            const bool bUpper = cChar >= 'A' && cChar <= 'Z';
+            cChar = (cChar == ' ' || cChar == '_') ? '-' : bUpper ? static_cast<char>(cChar + 0x20) : cChar;
+        }
+        fuzz::Require(strName == TABLE[vecValues[0].uiIndex].pcName);
     } catch (const Error &) {
         return;
     }

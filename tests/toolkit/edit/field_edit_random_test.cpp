@@ -367,8 +367,8 @@ TEST(FieldEditRandom, TheSameValueChangesNoByte)
 TEST(FieldEditRandom, ImagesOfRealBoardsKeepEverythingElse)
 {
     const std::string strFolder = BMCFRU_CORPUS_DIR;
-    if (strFolder.empty()) {
-        GTEST_SKIP() << "no images in BMCFRU_CORPUS_DIR";
+    if (!std::filesystem::is_directory(strFolder)) {
+        GTEST_SKIP() << "no images in BMCFRU_CORPUS_DIR, which is '" BMCFRU_CORPUS_DIR "'";
     }
     int iEdits = 0;
     for (const auto &stEntry : std::filesystem::directory_iterator(strFolder)) {
