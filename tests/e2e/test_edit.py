@@ -81,6 +81,11 @@ class EditTest(FructlTest):
         self.Good("edit", pathFile, "board.serialNumber=FILE-1", "-o", self.pathTemp / "other.bin")
         self.assertEqual(self.Json("show", self.pathTemp / "other.bin")["board"]["serialNumber"], "FILE-1")
         self.assertNotEqual(self.Json("show", pathFile)["board"]["serialNumber"], "FILE-1")
+        self.assertEqual(self.Bad(REFUSED, "edit", pathFile, "board.serialNumber=FILE-3", "-o", self.pathTemp / "other.bin"),
+                         f"{self.pathTemp / 'other.bin'} is there already; --force replaces it")
+        self.assertIn("is no file", self.Bad(REFUSED, "edit", pathFile, "board.serialNumber=FILE-3", "-o", self.pathTemp))
+        self.Good("edit", pathFile, "board.serialNumber=FILE-3", "-o", self.pathTemp / "other.bin", "--force")
+        self.assertEqual(self.Json("show", self.pathTemp / "other.bin")["board"]["serialNumber"], "FILE-3")
         self.Good("edit", pathFile, "board.serialNumber=FILE-2")
         self.assertEqual(self.Json("show", pathFile)["board"]["serialNumber"], "FILE-2")
         pathHex = self.pathTemp / "note.hex"
@@ -129,7 +134,7 @@ class EditTest(FructlTest):
             with self.subTest(pathImage.name):
                 strArea = next(st for st in ("board", "product", "chassis") if st in Run("--json", "show", "--lenient", pathImage).strOut)
                 pathNew = self.pathTemp / "new.bin"
-                stResult = Run("--json", "edit", pathImage, f"{strArea}.custom[+]=new one", "-o", pathNew, "--size", pathImage.stat().st_size + 32)
+                stResult = Run("--json", "edit", pathImage, f"{strArea}.custom[+]=new one", "-o", pathNew, "--force", "--size", pathImage.stat().st_size + 32)
                 self.assertEqual((stResult.iCode, stResult.strErr), (0, ""))
                 self.assertEqual(len(stResult.Json()["fields"]), 1)
                 self.assertLessEqual(Run("verify", pathNew).iCode, Run("verify", pathImage).iCode)

@@ -60,7 +60,7 @@ class Output(EncodeTest):
         pathFile = self.Write("file", b"")
         self.assertIn("cannot create the directory", self.Bad(3, "encode", pathDocument, "-o", pathFile / "x.bin"))
         (self.pathTemp / "directory.bin").mkdir()
-        self.assertIn("directory.bin: Is a directory", self.Bad(3, "encode", pathDocument, "-o", self.pathTemp / "directory.bin", "--force"))
+        self.assertIn("directory.bin is no file and stays as it is", self.Bad(3, "encode", pathDocument, "-o", self.pathTemp / "directory.bin", "--force"))
         self.assertEqual(sorted(os.listdir(self.pathTemp)), ["directory.bin", "file", "record.json"])
 
     def test_needs_no_controller(self):
@@ -131,7 +131,7 @@ class Streams(EncodeTest):
         pathSocket = self.pathTemp / "s"
         with socket.socket(socket.AF_UNIX) as stSocket:
             stSocket.bind(str(pathSocket))
-            self.assertIn("not a regular file", self.Bad(3, "encode", self.Document({}), "-o", pathSocket, "--force"))
+            self.assertIn("is no file and stays as it is", self.Bad(3, "encode", self.Document({}), "-o", pathSocket, "--force"))
         self.assertTrue(stat.S_ISSOCK(os.lstat(pathSocket).st_mode))
 
 

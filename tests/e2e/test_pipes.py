@@ -17,9 +17,9 @@ class Pipes(FructlTest):
         self.Provision()
         self.abPsu = self.Eeprom(PSU_EEPROM).read_bytes()[:256]
 
-    def Piped(self, abInput, *asArguments, bText=True):
+    def Piped(self, abInput, *asArguments, bText=True, strCwd=None):
         stProcess = subprocess.run([*COMMAND, "--root", str(self.pathRoot), *map(str, asArguments)], input=abInput, capture_output=True,
-                                   env=Environment(), timeout=HANG_SECONDS)
+                                   env=Environment(), timeout=HANG_SECONDS, cwd=strCwd)
         stResult = Result(stProcess)
         stResult.strErr = stProcess.stderr.decode()
         stResult.strOut = stProcess.stdout.decode() if bText else stProcess.stdout
@@ -87,6 +87,19 @@ class Pipes(FructlTest):
         stDone = self.Piped(abImage, "recover", "baseboard", "--from", "-")
         self.assertEqual((stDone.iCode, stDone.strOut), (0, "baseboard (0x00:0) was damaged and is restored from standard input\n"))
         self.Good("verify", "baseboard")
+
+    def test_a_stream_is_edited_into_another_place_only(self):
+        for asCommand in (["edit", "-", "board.serialNumber=PIPE-1"], ["repair", "-"]):
+            stDone = self.Piped(self.abPsu, *asCommand, strCwd=self.pathTemp)
+            self.assertEqual((stDone.iCode, stDone.strErr),
+                             (2, "fructl: an image from standard input has no place to go back to; accepted: -o FILE, -o - or --dry-run\n"))
+        self.assertFalse((self.pathTemp / "-").exists())
+        self.assertEqual(self.Piped(self.abPsu, "edit", "-", "board.serialNumber=PIPE-1", "-n").iCode, 0)
+        abEdited = self.Piped(self.abPsu, "edit", "-", "board.serialNumber=PIPE-1", "-o", "-", bText=False).strOut
+        self.assertEqual(json.loads(self.Piped(abEdited, "--json", "show", "-").strOut)["board"]["serialNumber"], "PIPE-1")
+        pathNew = self.pathTemp / "new.bin"
+        self.assertEqual(self.Piped(self.abPsu, "edit", "-", "board.serialNumber=PIPE-1", "-o", pathNew).iCode, 0)
+        self.assertEqual(pathNew.read_bytes(), abEdited)
 
     def test_what_is_no_image_is_told(self):
         self.assertEqual(self.Piped(b"", "show", "-").strErr, "fructl: the image file standard input is empty\n")

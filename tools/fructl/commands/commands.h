@@ -40,6 +40,19 @@ struct SHOWN_S
 };
 SHOWN_S ReadShown(TARGET_S stTarget, const SOURCE_OPTION_S &stOption);
 
+// The file that a command makes.
+struct OUTPUT_OPTION_S
+{
+    std::string strFile;
+    bool bForce = false;
+
+    // Whether it is standard output, asked before anything is read. Fails where that is for JSON already, for a file
+    // that is there, and for what is no file.
+    bool IsPipe(const SESSION_S &stSession) const;
+};
+// -o and --force.
+Option AddOutputOption(const Command &stCommand, OUTPUT_OPTION_S &stOption, const std::string &strHelp);
+
 // Where in a file or a device an image begins.
 struct OFFSET_OPTION_S
 {

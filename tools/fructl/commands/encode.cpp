@@ -19,22 +19,14 @@ namespace {
 struct ENCODE_S
 {
     std::string strDocument;
-    std::string strOutput;
+    OUTPUT_OPTION_S stOutput;
     std::string strSize;
-    bool bForce = false;
     bool bWrap = false;
 };
 
 void RunEncode(const SESSION_S &stSession, const ENCODE_S &stOptions)
 {
-    const bool bOutput = IsStandardOutput(stOptions.strOutput);
-    if (bOutput && stSession.bJson) {
-        FailUsage("-o " + EscapeText(stOptions.strOutput) +
-                  " and --json both want standard output; accepted: one of them");
-    }
-    if (!bOutput && !stOptions.bForce && KindOf(stOptions.strOutput) == PathKind::File) {
-        FailRefused(EscapeText(stOptions.strOutput) + " is there already; --force replaces it");
-    }
+    const bool bOutput = stOptions.stOutput.IsPipe(stSession);
     const nlohmann::json stParsed = ParseJsonFile(stOptions.strDocument);
     Record stRecord;
     BuildRecord(JsonNode(stParsed, NamedFileTitle(stOptions.strDocument), ""), stRecord, stOptions.bWrap);
@@ -43,7 +35,7 @@ void RunEncode(const SESSION_S &stSession, const ENCODE_S &stOptions)
         Print(std::string(vecImage.begin(), vecImage.end())); // and nothing else
         return;
     }
-    WriteImageFile(stOptions.strOutput, vecImage);
+    WriteImageFile(stOptions.stOutput.strFile, vecImage);
     const RECORD_VIEW_S stView = ViewRecord(*stRecord.Data());
     std::vector<std::string> vecParts = {"header"};
     for (const AREA_VIEW_S &stArea : stView.vecAreas) {
@@ -53,9 +45,9 @@ void RunEncode(const SESSION_S &stSession, const ENCODE_S &stOptions)
         vecParts.push_back(Count(stView.vecMultiRecords.size(), "MultiRecord"));
     }
     if (stSession.bJson) {
-        PrintJson({{"file", stOptions.strOutput}, {"size", vecImage.size()}, {"contents", vecParts}});
+        PrintJson({{"file", stOptions.stOutput.strFile}, {"size", vecImage.size()}, {"contents", vecParts}});
     } else {
-        Print(Paint(Colour::Green, EscapeText(stOptions.strOutput)) +
+        Print(Paint(Colour::Green, EscapeText(stOptions.stOutput.strFile)) +
               Format(": %zu bytes: ", vecImage.size()) + Join(vecParts, ", ") + "\n");
     }
 }
@@ -74,14 +66,11 @@ void AddEncodeCommand(const Command &stParent, SESSION_S &stSession)
         .AddOption("FILE", pstOptions->strDocument,
                    "the record as JSON, as 'show --json' prints it; -: standard input")
         .Required();
-    stCommand
-        .AddOption("-o,--output", pstOptions->strOutput,
-                   "the image file to make (*.hex: readable hex; -: standard output)")
-        .Placeholder("FILE")
+    AddOutputOption(stCommand, pstOptions->stOutput,
+                    "the image file to make (*.hex: readable hex; -: standard output)")
         .Required();
     stCommand.AddOption("--size", pstOptions->strSize, "bytes of the image, filled up with 0xff")
         .Placeholder("N");
-    stCommand.AddFlag("--force", pstOptions->bForce, "replace a file that is there");
     stCommand.AddFlag("--wrap", pstOptions->bWrap,
                       "a manufacturing date beyond 2027-11-24, too: its count starts again at 0");
     stCommand.Run([&stSession, pstOptions] { RunEncode(stSession, *pstOptions); });

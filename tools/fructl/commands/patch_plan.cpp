@@ -5,6 +5,7 @@
 #include "terminal/console.h"
 #include "terminal/json_out.h"
 #include "toolkit/base/error.h"
+#include "toolkit/base/file.h"
 #include "toolkit/base/text.h"
 #include "toolkit/controller/device_json.h"
 #include "toolkit/controller/source.h"
@@ -49,7 +50,7 @@ void Report(const SESSION_S &stSession, const PATCH_OPTIONS_S &stOptions, const 
         Json stJson = PlanJson(stPatch, vecSentences, stOptions.bDryRun);
         stJson.update(stWork.stJson);
         PrintJson(stJson);
-    } else if (stPatch.IsUnchanged() && stOptions.strOutput.empty()) {
+    } else if (stPatch.IsUnchanged() && stOptions.stOutput.strFile.empty()) {
         std::string strNotes;
         for (const std::string &strNote : stPatch.vecNotes) {
             strNotes += "  " + Paint(Colour::Yellow, "note:") + " " + strNote + "\n";
@@ -65,7 +66,7 @@ void Report(const SESSION_S &stSession, const PATCH_OPTIONS_S &stOptions, const 
         }
         if (vecSentences.empty()) {
             const std::string strFile =
-                stOptions.strOutput.empty() ? strTitle : EscapeText(stOptions.strOutput);
+                stOptions.stOutput.strFile.empty() ? strTitle : EscapeText(stOptions.stOutput.strFile);
             strOut = Paint(Colour::Green, strFile) + Format(": %zu bytes written\n", stPatch.vecAfter.size());
         }
         Print(strOut + PlanText(stPatch));
@@ -76,10 +77,8 @@ void Report(const SESSION_S &stSession, const PATCH_OPTIONS_S &stOptions, const 
 
 void AddPatchOptions(const Command &stCommand, PATCH_OPTIONS_S &stOptions)
 {
-    stCommand
-        .AddOption("-o,--output", stOptions.strOutput,
-                   "of a file: write the new image here (*.hex: readable hex; -: standard output)")
-        .Placeholder("FILE");
+    AddOutputOption(stCommand, stOptions.stOutput,
+                    "of a file: write the new image here (*.hex: readable hex; -: standard output)");
     stCommand.AddFlag("-n,--dry-run", stOptions.bDryRun,
                       "show the fields and bytes that would change, and write nothing");
 }
@@ -88,15 +87,15 @@ void RunPatch(const SESSION_S &stSession, const TARGET_S &stTarget, const PATCH_
               const std::function<PATCH_WORK_S(const IMAGE_S &stImage)> &fnPlan)
 {
     const bool bDevice = stTarget.optDevice.has_value();
-    if (bDevice && !stOptions.strOutput.empty()) {
+    if (bDevice && !stOptions.stOutput.strFile.empty()) {
         FailUsage("-o says where the image of a file goes, and " + stTarget.Title() +
                   " is a device; 'fructl read' makes a file of it");
     }
-    const bool bPipe = IsStandardOutput(stOptions.strOutput);
-    if (bPipe && stSession.bJson) {
-        FailUsage("-o " + EscapeText(stOptions.strOutput) +
-                  " and --json both want standard output; accepted: one of them");
+    if (!bDevice && stOptions.stOutput.strFile.empty() && !stOptions.bDryRun && IsStream(stTarget.strFile)) {
+        FailUsage("an image from " + NamedFileTitle(stTarget.strFile) +
+                  " has no place to go back to; accepted: -o FILE, -o - or --dry-run");
     }
+    const bool bPipe = !stOptions.stOutput.strFile.empty() && stOptions.stOutput.IsPipe(stSession);
     std::optional<RootLock> optLock;
     if (bDevice && !stOptions.bDryRun) {
         optLock.emplace(stSession);
@@ -111,8 +110,8 @@ void RunPatch(const SESSION_S &stSession, const TARGET_S &stTarget, const PATCH_
     if (optLock.has_value() && !stWork.stPatch.IsUnchanged()) {
         stPatched = WritePatchedDevice(*optLock, stWork.stPatch, stWork.vecOperations);
     } else if (!bDevice && !stOptions.bDryRun &&
-               (!stWork.stPatch.IsUnchanged() || !stOptions.strOutput.empty())) {
-        WritePatchedFile(stWork.stPatch, stOptions.strOutput);
+               (!stWork.stPatch.IsUnchanged() || !stOptions.stOutput.strFile.empty())) {
+        WritePatchedFile(stWork.stPatch, stOptions.stOutput.strFile);
     }
     Report(stSession, stOptions, stWork, stPatched.vecSentences);
     if (!stPatched.strAftermath.empty()) {

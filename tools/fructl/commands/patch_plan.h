@@ -7,17 +7,16 @@
 #include <string>
 #include <vector>
 
-#include "commands/session.h"
-#include "terminal/command_line.h"
+#include "commands/commands.h"
 #include "toolkit/base/json.h"
 #include "toolkit/edit/patch.h"
 
 struct PATCH_OPTIONS_S
 {
-    std::string strOutput; // of a file: the new image goes here
+    OUTPUT_OPTION_S stOutput; // of a file: the new image goes here
     bool bDryRun = false;
 };
-// -o and --dry-run.
+// -o, --force and --dry-run.
 void AddPatchOptions(const Command &stCommand, PATCH_OPTIONS_S &stOptions);
 
 // What is planned from the target's image, and what the operation log is told of it.

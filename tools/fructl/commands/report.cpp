@@ -19,8 +19,7 @@ struct REPORT_S
     std::vector<std::string> vecTargets;
     std::vector<std::string> vecFiles;
     std::string strDeviceID;
-    std::string strOutput;
-    bool bForce = false;
+    OUTPUT_OPTION_S stOutput;
 };
 
 std::vector<INVENTORY_S> Inventory(const SESSION_S &stSession, const REPORT_S &stOptions)
@@ -40,14 +39,7 @@ std::vector<INVENTORY_S> Inventory(const SESSION_S &stSession, const REPORT_S &s
 
 void RunReport(const SESSION_S &stSession, const REPORT_S &stOptions)
 {
-    const bool bOutput = IsStandardOutput(stOptions.strOutput);
-    if (bOutput && stSession.bJson) {
-        FailUsage("-o " + EscapeText(stOptions.strOutput) +
-                  " and --json both want standard output; accepted: one of them");
-    }
-    if (!bOutput && !stOptions.bForce && KindOf(stOptions.strOutput) == PathKind::File) {
-        FailRefused(EscapeText(stOptions.strOutput) + " is there already; --force replaces it");
-    }
+    const bool bOutput = stOptions.stOutput.IsPipe(stSession);
     const std::vector<INVENTORY_S> vecInventory = Inventory(stSession, stOptions);
     if (vecInventory.empty()) {
         Fail(ErrorClass::NotFound, "the controller in " + stSession.strRoot + " has no devices to report");
@@ -64,19 +56,19 @@ void RunReport(const SESSION_S &stSession, const REPORT_S &stOptions)
         Print(strPage);
         return;
     }
-    WriteFileBytes(stOptions.strOutput, {strPage.begin(), strPage.end()});
+    WriteFileBytes(stOptions.stOutput.strFile, {strPage.begin(), strPage.end()});
     size_t uiWrong = 0;
     for (const INVENTORY_S &stOne : vecInventory) {
         uiWrong += stOne.IsGood() ? 0U : 1U;
     }
     if (stSession.bJson) {
-        PrintJson({{"file", stOptions.strOutput},
+        PrintJson({{"file", stOptions.stOutput.strFile},
                    {"size", strPage.size()},
                    {"devices", vecInventory.size()},
                    {"notInOrder", uiWrong}});
         return;
     }
-    Print(Paint(Colour::Green, EscapeText(stOptions.strOutput)) + ": " + EscapeText(strOf) + ", " +
+    Print(Paint(Colour::Green, EscapeText(stOptions.stOutput.strFile)) + ": " + EscapeText(strOf) + ", " +
           (uiWrong == 0U ? "all in order" : Paint(Colour::Red, Format("%zu not in order", uiWrong))) + "\n");
 }
 
@@ -94,11 +86,8 @@ void AddReportCommand(const Command &stParent, SESSION_S &stSession)
         .Placeholder("FILE");
     stCommand.AddOption("--id", pstOptions->strDeviceID, "a device by its FRU device ID, 0 to 255")
         .Placeholder("N");
-    stCommand
-        .AddOption("-o,--output", pstOptions->strOutput,
-                   "the page to make: one file, which needs no other and no network (-: standard output)")
-        .Placeholder("FILE")
+    AddOutputOption(stCommand, pstOptions->stOutput,
+                    "the page to make: one file, which needs no other and no network (-: standard output)")
         .Required();
-    stCommand.AddFlag("--force", pstOptions->bForce, "replace a file that is there");
     stCommand.Run([&stSession, pstOptions] { RunReport(stSession, *pstOptions); });
 }
