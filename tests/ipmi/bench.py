@@ -1,5 +1,6 @@
 # SPDX-License-Identifier: Apache-2.0
 """What the IPMI tests share: images built byte by byte, controllers made with fructl, the service, and its clients."""
+import atexit
 import ctypes
 import json
 import os
@@ -19,6 +20,11 @@ LIBC = ctypes.CDLL(None)
 SKIPPED = 77  # CTest's SKIP_RETURN_CODE for these tests
 STR_FRUCTL = ''
 STR_BUILD = ''
+# Where everything is built with sanitizers: what programs that were not load ahead, and the directory of the reports.
+STR_PRELOAD = os.environ.get('BMCFRU_SANITIZER_PRELOAD', '')
+STR_REPORTS = ''
+# What a program of others gets that loads what was built so; its own leaks are its own.
+OPTIONS_OF_OTHERS = {'LD_PRELOAD': STR_PRELOAD, 'ASAN_OPTIONS': 'detect_leaks=0'} if STR_PRELOAD else {}
 
 
 def Main(bService=True):
@@ -30,12 +36,50 @@ def Main(bService=True):
     if strReason:
         print('skipped: ' + strReason)
         sys.exit(SKIPPED)
-    unittest.main(verbosity=2, warnings='ignore')  # python3-pyipmi leaves its sockets open
+    if STR_PRELOAD:
+        _Sanitize()
+    stProgram = unittest.main(verbosity=2, warnings='ignore', exit=False)  # python3-pyipmi leaves its sockets open
+    CheckReports()
+    sys.exit(not stProgram.result.wasSuccessful())
+
+
+def _Sanitize():
+    """Puts a simulator with the sanitizers' runtime ahead of Debian's, and has every program report to STR_REPORTS."""
+    global STR_REPORTS
+    strBase = tempfile.mkdtemp(prefix='bmcfru_sanitized_')
+    atexit.register(shutil.rmtree, strBase, True)
+    os.chmod(strBase, 0o755)
+    STR_REPORTS = os.path.join(strBase, 'reports')
+    os.mkdir(STR_REPORTS)
+    os.chmod(STR_REPORTS, 0o777)  # where root tests, somebody else serves
+    strOptions = 'log_path=%s/report' % STR_REPORTS
+    strWrapper = os.path.join(strBase, 'ipmi_sim')
+    with open(strWrapper, 'w', encoding='utf-8') as stFile:
+        stFile.write('#!/bin/sh\nASAN_OPTIONS=%s LD_PRELOAD="%s" exec %s "$@"\n' % (strOptions, STR_PRELOAD, shutil.which('ipmi_sim')))
+    os.chmod(strWrapper, 0o755)
+    os.environ.update({'PATH': strBase + ':' + os.environ['PATH'], 'ASAN_OPTIONS': strOptions})
+
+
+def _OwnReport(strReport):
+    """The report without what programs of others leak by themselves."""
+    if 'LeakSanitizer' not in strReport:
+        return strReport
+    return '\n\n'.join(strBlock for strBlock in strReport.split('\n\n') if ' leak of ' in strBlock and STR_BUILD + '/' in strBlock)
+
+
+def CheckReports():
+    """Fails with what the sanitizers have found since the last look."""
+    lstReports = []
+    for strName in sorted(os.listdir(STR_REPORTS)) if STR_REPORTS else []:
+        with open(os.path.join(STR_REPORTS, strName), encoding='utf-8', errors='replace') as stFile:
+            lstReports.append(_OwnReport(stFile.read()))
+        os.unlink(os.path.join(STR_REPORTS, strName))
+    assert not any(lstReports), '\n'.join(lstReports)
 
 
 def _MissingTool():
     if not os.path.exists(os.path.join(STR_BUILD, 'libbmcfru_ipmi_sim.so')):
-        return 'the simulator module is built without sanitizers for this machine only, and needs libopenipmi-dev'
+        return 'the simulator module is built for this machine only, and needs libopenipmi-dev'
     for strTool in ('ipmi_sim', 'ipmitool', 'ipmi-fru'):
         if shutil.which(strTool) is None:
             return strTool + ' is not installed; scripts/setup installs it'
@@ -136,6 +180,7 @@ class CONTROLLER:
     def __init__(self, stCase, lstDevices):
         self.strBase = tempfile.mkdtemp(prefix='bmcfru_ipmi_')
         os.chmod(self.strBase, 0o755)  # where root tests, somebody else serves
+        stCase.addCleanup(CheckReports)  # after every service's end
         stCase.addCleanup(shutil.rmtree, self.strBase, True)
         self.strRoot = os.path.join(self.strBase, "a controller's root")
         self.lstDevices = lstDevices
@@ -161,7 +206,7 @@ class CONTROLLER:
         """Calls an exported function with whole numbers, in a process of its own."""
         strCode = 'import ctypes, sys; sys.exit(ctypes.CDLL(sys.argv[1])[sys.argv[2]](*map(int, sys.argv[3:])) != 0)'
         stDone = Run([sys.executable, '-c', strCode, os.path.join(STR_BUILD, 'libbmcfru.so'), strFunction,
-                      *map(str, lstNumbers)], env={**os.environ, 'FRUCTL_ROOT': self.strRoot})
+                      *map(str, lstNumbers)], env={**os.environ, **OPTIONS_OF_OTHERS, 'FRUCTL_ROOT': self.strRoot})
         assert stDone.returncode == 0, (strFunction, stDone)
 
     def ChipPath(self, stDevice):
@@ -258,9 +303,11 @@ class SERVICE:
         self.stProcess = subprocess.Popen(
             [STR_FRUCTL, '--root', stController.strRoot, '--json', 'serve', '--port', str(self.iPort), *lstArgs],
             stdout=subprocess.PIPE, stderr=subprocess.PIPE, stdin=subprocess.DEVNULL, text=True, preexec_fn=DieWithParent)
-        stCase.addCleanup(self.Stop, signal.SIGKILL)
+        # Whoever is killed cannot tell what he has leaked.
+        stCase.addCleanup(self.Stop, signal.SIGTERM if STR_REPORTS else signal.SIGKILL)
         self.mapFacts = json.loads(self._Announcement())
         self.iSimulator = self.mapFacts['pid']
+        stCase.assertTrue(not STR_PRELOAD or self._IsSanitized())
         self.strPassword = self.mapFacts.get('password', '')  # made for this service alone
 
     def _Announcement(self):
@@ -276,6 +323,10 @@ class SERVICE:
                 raise AssertionError('no announcement but %r, %r' % (strText, self.stProcess.communicate()[1]))
             strText += abRead.decode()
         return strText
+
+    def _IsSanitized(self):
+        with open('/proc/%d/maps' % self.iSimulator, encoding='utf-8') as stFile:
+            return 'libclang_rt.asan' in stFile.read()
 
     def Stop(self, iSignal=signal.SIGTERM):
         """Exit code and what it said on stderr."""
