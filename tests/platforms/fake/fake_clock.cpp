@@ -79,7 +79,7 @@ int __wrap_clock_gettime(clockid_t iClock, struct timespec *pstTime)
 
 int __wrap_sem_init(sem_t *pstSem, int iShared, unsigned uiValue)
 {
-    if (fake::Fault(fake::KIND_E::CLOCK)) {
+    if (fake::Fault(fake::KIND_E::SEMAPHORE)) {
         errno = ENOSYS;
         return -1;
     }
@@ -95,8 +95,8 @@ int __wrap_sem_timedwait(sem_t *pstSem, const struct timespec *pstDeadline)
         fake::State().vecWaits.push_back(iWait);
         optPatienceMs = fake::State().optPatienceMs;
     }
-    if (fake::Fault(fake::KIND_E::CLOCK)) {
-        errno = ETIMEDOUT;
+    if (const auto optFault = fake::Fault(fake::KIND_E::SEMAPHORE)) {
+        errno = *optFault == fake::HOW_E::LATE ? ETIMEDOUT : EINTR;
         return -1;
     }
     // The deadline is the test's time; the kernel waits in its own.

@@ -109,23 +109,30 @@ class AT_TEST_END : public testing::EmptyTestEventListener
 
 std::string FaultText(const FAULT_S &stFault)
 {
-    return std::string("with ") + KindName(stFault.eKind) + " call " + std::to_string(stFault.uiNth) +
-           (stFault.eHow == HOW_E::SHORT ? " short" : " failing") +
-           (stFault.bFromThenOn ? " from then on" : " once");
+    return std::string("with ") + KindName(stFault.eKind) + " call " + std::to_string(stFault.uiNth) + " " +
+           HowName(stFault.eHow) + (stFault.bFromThenOn ? " from then on" : " once");
 }
 
-void RunOnce(const std::function<void()> &fnSetup, const std::function<void()> &fnRun,
-             const std::function<void(const FAULT_S *)> &fnCheck, const FAULT_S *pstFault)
+// The ways in which a platform call of a kind can fail.
+std::vector<HOW_E> WaysOf(KIND_E eKind)
+{
+    switch (eKind) {
+    case KIND_E::EEPROM:
+        return {HOW_E::FAIL, HOW_E::SHORT, HOW_E::TORN};
+    case KIND_E::FILE_CALL:
+        return {HOW_E::FAIL, HOW_E::SHORT};
+    case KIND_E::SEMAPHORE:
+        return {HOW_E::FAIL, HOW_E::LATE};
+    default:
+        return {HOW_E::FAIL};
+    }
+}
+
+// One run of a sweep.
+void ExpectNothingLeft(const SCENARIO_S &stScenario, const FAULT_S *pstFault, COUNTS *paCounts = nullptr)
 {
     SCOPED_TRACE(pstFault == nullptr ? "without a fault" : FaultText(*pstFault));
-    Reset();
-    const u32 uiBefore = LiveAllocations();
-    fnSetup();
-    Arm(pstFault == nullptr ? FAULT_S{KIND_E::ALLOC, 0, false} : *pstFault);
-    fnRun();
-    Disarm();
-    fnCheck(pstFault);
-    EXPECT_EQ(LiveAllocations(), uiBefore) << "buffers left behind";
+    EXPECT_EQ(Play(stScenario, pstFault, paCounts), 0) << "buffers left behind";
 }
 
 } // namespace
@@ -201,9 +208,18 @@ void Journal(const char *pcFormat, ...)
 
 const char *KindName(KIND_E eKind)
 {
-    static const char *const g_apcNames[g_iKinds] = {"ALLOC",      "DB",  "EEPROM",     "FILE",   "RPC",
-                                                     "OPERATELOG", "INI", "CAPABILITY", "HWDESC", "CLOCK"};
+    static const char *const g_apcNames[g_iKinds] = {"ALLOC",  "DB",         "EEPROM",   "FILE",
+                                                     "RPC",    "OPERATELOG", "INI",      "CAPABILITY",
+                                                     "HWDESC", "CLOCK",      "SEMAPHORE"};
     return g_apcNames[static_cast<int>(eKind)];
+}
+
+const char *HowName(HOW_E eHow)
+{
+    return eHow == HOW_E::FAIL    ? "failing"
+           : eHow == HOW_E::SHORT ? "short"
+           : eHow == HOW_E::TORN  ? "torn"
+                                  : "late";
 }
 
 void Arm(const FAULT_S &stFault)
@@ -234,31 +250,46 @@ std::optional<HOW_E> Fault(KIND_E eKind)
     return bHit ? std::optional<HOW_E>(g_optFault->eHow) : std::nullopt;
 }
 
+std::vector<FAULT_S> FaultsOf(const COUNTS &aCounts)
+{
+    std::vector<FAULT_S> vecFaults;
+    for (size_t i = 0; i < aCounts.size(); ++i) {
+        const KIND_E eKind = static_cast<KIND_E>(i);
+        for (u32 n = 1; n <= aCounts[i]; ++n) {
+            for (const bool bFromThenOn : {false, true}) {
+                for (const HOW_E eHow : WaysOf(eKind)) {
+                    vecFaults.push_back({eKind, n, bFromThenOn, eHow});
+                }
+            }
+        }
+    }
+    return vecFaults;
+}
+
+i32 Play(const SCENARIO_S &stScenario, const FAULT_S *pstFault, COUNTS *paCounts)
+{
+    Reset();
+    const u32 uiBefore = LiveAllocations();
+    stScenario.fnSetup();
+    Arm(pstFault == nullptr ? FAULT_S{KIND_E::ALLOC, 0, false} : *pstFault);
+    stScenario.fnRun();
+    for (size_t i = 0; paCounts != nullptr && i < paCounts->size(); ++i) {
+        (*paCounts)[i] = Count(static_cast<KIND_E>(i));
+    }
+    Disarm();
+    stScenario.fnCheck(pstFault);
+    return static_cast<i32>(LiveAllocations()) - static_cast<i32>(uiBefore);
+}
+
 void Sweep(const std::function<void()> &fnSetup, const std::function<void()> &fnRun,
            const std::function<void(const FAULT_S *)> &fnCheck)
 {
-    std::array<u32, g_iKinds> aCounts{};
-    RunOnce(
-        fnSetup,
-        [&] {
-            fnRun();
-            for (int i = 0; i < g_iKinds; ++i) {
-                aCounts[static_cast<size_t>(i)] = Count(static_cast<KIND_E>(i));
-            }
-        },
-        fnCheck, nullptr);
-    for (int i = 0; i < g_iKinds && !testing::Test::HasFatalFailure(); ++i) {
-        const KIND_E eKind = static_cast<KIND_E>(i);
-        const bool bShort = eKind == KIND_E::EEPROM || eKind == KIND_E::FILE_CALL;
-        for (u32 n = 1; n <= aCounts[static_cast<size_t>(i)]; ++n) {
-            for (const bool bFromThenOn : {false, true}) {
-                for (const HOW_E eHow : {HOW_E::FAIL, HOW_E::SHORT}) {
-                    if (eHow == HOW_E::FAIL || bShort) {
-                        const FAULT_S stFault{eKind, n, bFromThenOn, eHow};
-                        RunOnce(fnSetup, fnRun, fnCheck, &stFault);
-                    }
-                }
-            }
+    const SCENARIO_S stScenario{fnSetup, fnRun, fnCheck};
+    COUNTS aCounts{};
+    ExpectNothingLeft(stScenario, nullptr, &aCounts);
+    for (const FAULT_S &stFault : FaultsOf(aCounts)) {
+        if (stFault.eHow != HOW_E::TORN && !testing::Test::HasFatalFailure()) {
+            ExpectNothingLeft(stScenario, &stFault);
         }
     }
 }

@@ -7,6 +7,7 @@
 #ifndef TESTS_FAKE_PLATFORM_H
 #define TESTS_FAKE_PLATFORM_H
 
+#include <array>
 #include <cstdint>
 #include <functional>
 #include <map>
@@ -81,16 +82,20 @@ enum class KIND_E
     INI,        // BRIDGE_IniLoadFile, BRIDGE_IniSaveFile, BRIDGE_IniSetStr
     CAPABILITY, // CAP_GetCommonCapabilityWithName
     HWDESC,     // HW_NewNameSpace, HW_LoadXml, HW_GetObjectList
-    CLOCK,      // clock_gettime, sem_init, sem_timedwait, BMC_TimeStampToIsoTime
+    CLOCK,      // clock_gettime, BMC_TimeStampToIsoTime
+    SEMAPHORE,  // sem_init, sem_timedwait (interrupted, or too late)
 };
-constexpr int g_iKinds = 10;
+constexpr int g_iKinds = 11;
 const char *KindName(KIND_E eKind);
 
 enum class HOW_E
 {
     FAIL,
     SHORT, // EEPROM and fread/fwrite: half of the bytes
+    TORN,  // EEPROM: half of the bytes are through, and the call fails
+    LATE,  // semaphores: not had before the deadline
 };
+const char *HowName(HOW_E eHow);
 
 struct FAULT_S
 {
@@ -109,10 +114,26 @@ u32 Count(KIND_E eKind);
 // Buffers that malloc and its like gave out and nobody has freed yet.
 u32 LiveAllocations();
 
-// Runs a scenario without a fault, then with the n-th call of each kind failing, once and from then on, for
-// every n that the scenario reaches, and the EEPROM and file calls also answering short. fnSetup runs after
-// Reset(), fnRun is the call under test, fnCheck looks at the outcome (null: no fault). Whatever fails, no
-// buffer may be left behind when fnCheck has returned.
+using COUNTS = std::array<u32, g_iKinds>;
+
+// Every fault that a scenario can meet which made so many calls of each kind: each call of a kind failing, in every way
+// that its platform call has, once and from then on.
+std::vector<FAULT_S> FaultsOf(const COUNTS &aCounts);
+
+// A scenario: fnSetup runs after Reset(), fnRun is the call under test, fnCheck looks at the outcome (null: no fault).
+struct SCENARIO_S
+{
+    std::function<void()> fnSetup;
+    std::function<void()> fnRun;
+    std::function<void(const FAULT_S *)> fnCheck;
+};
+
+// Plays it once with that fault (null: none). Returns how many buffers were left behind when fnCheck had returned, and
+// what fnRun called.
+i32 Play(const SCENARIO_S &stScenario, const FAULT_S *pstFault, COUNTS *paCounts = nullptr);
+
+// Plays a scenario without a fault, then with every fault of FaultsOf() but torn transfers. Whatever fails, no buffer may be
+// left behind.
 void Sweep(const std::function<void()> &fnSetup, const std::function<void()> &fnRun,
            const std::function<void(const FAULT_S *)> &fnCheck);
 

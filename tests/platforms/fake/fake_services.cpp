@@ -155,7 +155,7 @@ i32 ReadWriteEEPROM(u8 ucType, const void *pLocation, u8 *pucBuf, u32 uiOffset, 
         fake::BYTES &vecChip = itChip->second;
         const size_t uiLeft = uiOffset < vecChip.size() ? vecChip.size() - uiOffset : 0U;
         size_t uiDone = std::min<size_t>(uiLength, uiLeft);
-        uiDone = optFault == HOW_E::SHORT ? uiDone / 2U : uiDone;
+        uiDone = optFault ? uiDone / 2U : uiDone;
         if (ucDirection == BMC_EEPROM_READ) {
             std::copy_n(vecChip.begin() + static_cast<std::ptrdiff_t>(uiLeft == 0U ? 0U : uiOffset), uiDone,
                         pucBuf);
@@ -163,7 +163,7 @@ i32 ReadWriteEEPROM(u8 ucType, const void *pLocation, u8 *pucBuf, u32 uiOffset, 
             std::copy_n(pucBuf, uiDone,
                         vecChip.begin() + static_cast<std::ptrdiff_t>(uiLeft == 0U ? 0U : uiOffset));
         }
-        iResult = static_cast<i32>(uiDone);
+        iResult = optFault == HOW_E::TORN ? -1 : static_cast<i32>(uiDone);
     }
     const auto itForced = State().mapEepromResult.find(uiCall);
     iResult = itForced == State().mapEepromResult.end() ? iResult : itForced->second;

@@ -47,7 +47,8 @@ void CheckDevice(const SCENARIO_S &stScenario, const fake::FAULT_S *pstFault)
 
 void CheckOutcome(const SCENARIO_S &stScenario, u32 uiRet, const fake::FAULT_S *pstFault)
 {
-    const bool bClockFault = pstFault != nullptr && pstFault->eKind == fake::KIND_E::CLOCK;
+    const bool bClockFault = pstFault != nullptr && (pstFault->eKind == fake::KIND_E::CLOCK ||
+                                                     pstFault->eKind == fake::KIND_E::SEMAPHORE);
     if (pstFault == nullptr) {
         EXPECT_EQ(uiRet, 0U);
         EXPECT_EQ(Chip(), SmallImage(stScenario.vecMerged));

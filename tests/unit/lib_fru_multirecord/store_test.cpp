@@ -23,9 +23,9 @@ TEST_F(Store, InitAgainChangesNothing)
 {
     PutQueued(Record(3, 2, DataOf(2, "name")));
     ASSERT_EQ(FRU_waitInnerSem(5), 0U);
-    const u32 uiCalls = fake::Count(fake::KIND_E::CLOCK);
+    const u32 uiCalls = fake::Count(fake::KIND_E::SEMAPHORE);
     EXPECT_EQ(FRU_initMultiRecords(), 0U);
-    EXPECT_EQ(fake::Count(fake::KIND_E::CLOCK), uiCalls); // no sem_init
+    EXPECT_EQ(fake::Count(fake::KIND_E::SEMAPHORE), uiCalls); // no sem_init
     EXPECT_EQ(SemValue(), 0);
     EXPECT_EQ(QueuedCount(), 1U);
     (void)sem_post(&g_stInnerMRStore.stSem);
@@ -33,7 +33,7 @@ TEST_F(Store, InitAgainChangesNothing)
 
 TEST_F(Store, InitWithoutASemaphoreFailsAndCanBeTriedAgain)
 {
-    fake::Arm({fake::KIND_E::CLOCK, 1, false});
+    fake::Arm({fake::KIND_E::SEMAPHORE, 1, false});
     EXPECT_EQ(FRU_initMultiRecords(), g_uiFailed);
     EXPECT_EQ(fake::Messages(), LINES{Message("Failed to create sem for FRU MultiRecords")});
     EXPECT_TRUE(IsStoreZero());
@@ -116,6 +116,7 @@ TEST_F(Store, DestroyOfAStoreNeverInitialisedOnlySaysSo)
     FRU_destroyMultiRecords();
     EXPECT_EQ(fake::Messages(), LINES{Message("MultiRecords is not inited!")});
     EXPECT_EQ(fake::Count(fake::KIND_E::CLOCK), 0U);
+    EXPECT_EQ(fake::Count(fake::KIND_E::SEMAPHORE), 0U);
     EXPECT_TRUE(IsStoreZero());
 }
 
@@ -168,10 +169,12 @@ TEST_F(Store, DestroyLeavesTheLockToThoseWhoStillWaitOnIt)
     EXPECT_EQ(QueuedCount(), 0U);
     EXPECT_EQ(g_stInnerMRStore.apstRecords[0], nullptr);
     // The waiting user gets the lock and initialises the store anew, without another semaphore.
-    const u32 uiCalls = fake::Count(fake::KIND_E::CLOCK);
+    const u32 uiClocks = fake::Count(fake::KIND_E::CLOCK);
+    const u32 uiSemaphores = fake::Count(fake::KIND_E::SEMAPHORE);
     EXPECT_EQ(FRU_waitInnerSem(5), 0U);
     EXPECT_EQ(FRU_initMultiRecords(), 0U);
-    EXPECT_EQ(fake::Count(fake::KIND_E::CLOCK), uiCalls + 2U); // clock_gettime and sem_timedwait
+    EXPECT_EQ(fake::Count(fake::KIND_E::CLOCK), uiClocks + 1U);
+    EXPECT_EQ(fake::Count(fake::KIND_E::SEMAPHORE), uiSemaphores + 1U); // sem_timedwait
     EXPECT_EQ(g_stInnerMRStore.ucInited, 1U);
     (void)sem_post(&g_stInnerMRStore.stSem);
     FRU_quitInnerStore();

@@ -156,7 +156,7 @@ TEST_F(StuckHolder, AmidItsMergeOthersQueueBehindItAndTheStoreStaysSound)
 TEST_F(StuckHolder, InItsFailureToInitialiseNobodyElseWaits)
 {
     PutMainFru(Image({}));
-    fake::Arm({fake::KIND_E::CLOCK, 1, false});
+    fake::Arm({fake::KIND_E::SEMAPHORE, 1, false});
     STUCK_UPDATE updateStuck("Failed to create sem for FRU MultiRecords");
     EXPECT_TRUE(ComesBack(updateStuck, [] { EXPECT_EQ(mr::Update(1, "url"), 0U); }));
     EXPECT_EQ(Chip(), Image({Record(3, 2, DataOf(1, "url"))}));

@@ -61,7 +61,7 @@ TEST_F(Sync, AnEmptyStoreTouchesNoDevice)
 TEST_F(Sync, WithoutASemaphoreItFails)
 {
     PutMainFru(Image({}));
-    fake::Arm({fake::KIND_E::CLOCK, 1, true});
+    fake::Arm({fake::KIND_E::SEMAPHORE, 1, true});
     EXPECT_EQ(FRU_syncAllMultiRecords(), g_uiFailed);
     EXPECT_EQ(fake::Messages(), LINES{Message("Failed to create sem for FRU MultiRecords")});
     EXPECT_EQ(fake::Calls(), LINES{});

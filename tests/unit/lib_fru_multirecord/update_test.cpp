@@ -271,7 +271,7 @@ TEST_F(Update_, ATimeOutIsOnlyLoggedAndTheMergeRunsAllTheSame)
 
 TEST_F(Update_, WithoutASemaphoreTheMergeFailsToo)
 {
-    fake::Arm({fake::KIND_E::CLOCK, 1, true});
+    fake::Arm({fake::KIND_E::SEMAPHORE, 1, true});
     EXPECT_EQ(mr::Update(2, "name"), g_uiFailed);
     EXPECT_EQ(fake::Messages(), MessageLines({"Failed to create sem for FRU MultiRecords",
                                               "Failed to create sem for FRU MultiRecords", g_acSyncFailed}));
@@ -282,7 +282,7 @@ TEST_F(Update_, WithoutASemaphoreTheMergeFailsToo)
 TEST_F(Update_, TheMergeAloneDecidesTheResult)
 {
     PutMainFru(Image({}));
-    fake::Arm({fake::KIND_E::CLOCK, 1, false}); // the update's sem_init
+    fake::Arm({fake::KIND_E::SEMAPHORE, 1, false}); // the update's sem_init
     EXPECT_EQ(mr::Update(2, "name"), 0U);
     EXPECT_EQ(fake::Messages(), LINES{Message("Failed to create sem for FRU MultiRecords")});
     fake::Reset();
