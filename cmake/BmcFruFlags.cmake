@@ -9,6 +9,15 @@ endif()
 # GCC says by a note that 7.1 once passed some structures differently on ARM; nothing here spans compilers of that age.
 target_compile_options(bmcfru_warnings INTERFACE $<$<CXX_COMPILER_ID:GNU>:-Wno-psabi>)
 
+# Controllers of both kinds exist, and nothing here may depend on it.
+set(BMCFRU_CHAR "" CACHE STRING "signed or unsigned: what char is, whatever the compiler makes of it; empty: the compiler's own")
+if(BMCFRU_CHAR)
+  if(NOT BMCFRU_CHAR MATCHES "^(un)?signed$")
+    message(FATAL_ERROR "BMCFRU_CHAR is signed, unsigned or empty")
+  endif()
+  add_compile_options(-f${BMCFRU_CHAR}-char)
+endif()
+
 set(BMCFRU_SANITIZE "" CACHE STRING "sanitizers for every target, e.g. address,undefined")
 if(BMCFRU_SANITIZE)
   # Line tables are all that the sanitizers' reports need.
