@@ -13,12 +13,12 @@
 #include "files/files.h"
 #include "terminal/command_line.h"
 #include "terminal/console.h"
-#include "terminal/failure.h"
 #include "terminal/json_out.h"
 #include "toolkit/base/error.h"
 #include "toolkit/base/text.h"
 #include "toolkit/controller/controller.h"
 #include "toolkit/controller/diagnostics.h"
+#include "toolkit/task/failure.h"
 
 namespace {
 

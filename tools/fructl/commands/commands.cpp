@@ -79,28 +79,5 @@ std::optional<Source> SOURCE_OPTION_S::Chosen() const
 
 SHOWN_S ReadShown(TARGET_S stTarget, const SOURCE_OPTION_S &stOption)
 {
-    SHOWN_S stShown = {stTarget, ReadShown(stTarget, stOption.Chosen()), std::nullopt};
-    stShown.optDiffer = WhySourcesDiffer(stTarget);
-    return stShown;
-}
-
-Json SHOWN_S::SourceJson() const
-{
-    Json stJson = {{"source", SourceName(stImage.enSource)}};
-    if (stTarget.optDevice.has_value()) {
-        stJson["sourcesDiffer"] = optDiffer.has_value();
-    }
-    return stJson;
-}
-
-std::string SHOWN_S::HeadingText() const
-{
-    return stImage.enSource == Source::Cache ? ", cached image" : "";
-}
-
-void SHOWN_S::RequireSame() const
-{
-    if (optDiffer.has_value()) {
-        Fail(ErrorClass::Damaged, *optDiffer);
-    }
+    return TakeShown(stTarget, stOption.Chosen());
 }

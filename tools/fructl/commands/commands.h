@@ -9,6 +9,8 @@
 #include "toolkit/base/json.h"
 #include "toolkit/controller/source.h"
 #include "toolkit/controller/target.h"
+#include "toolkit/image/image_part.h"
+#include "toolkit/task/shown.h"
 
 // Adds every command of the table.
 void AddCommands(const Command &stTop, SESSION_S &stSession);
@@ -25,19 +27,7 @@ struct SOURCE_OPTION_S
 };
 void AddSourceOption(const Command &stCommand, SOURCE_OPTION_S &stOption);
 
-// The image that was chosen, and what a command adds to what it shows of it.
-struct SHOWN_S
-{
-    TARGET_S stTarget;
-    IMAGE_S stImage;
-    std::optional<std::string> optDiffer; // the device's other image is another one
-
-    Json SourceJson() const; // {"source"}, with "sourcesDiffer" where a device has two images
-    // ", cached image" where it is no EEPROM's, for headings.
-    std::string HeadingText() const;
-    // Fails as damage when the two images differ; asked when everything is printed.
-    void RequireSame() const;
-};
+// The image of a target that was chosen.
 SHOWN_S ReadShown(TARGET_S stTarget, const SOURCE_OPTION_S &stOption);
 
 // The file that a command makes.
@@ -64,12 +54,6 @@ void AddOffsetOption(const Command &stCommand, OFFSET_OPTION_S &stOption);
 
 // The image that begins there. Without an offset and where none begins at the first byte of a file, the first one
 // that stands in it, which is told.
-struct LOCATED_S
-{
-    IMAGE_S stImage;
-    u32 uiOffset = 0;
-};
-LOCATED_S PartFrom(const IMAGE_S &stWhole, u32 uiOffset);
 LOCATED_S LocateImage(const SESSION_S &stSession, const TARGET_S &stTarget, const IMAGE_S &stWhole,
                       const OFFSET_OPTION_S &stOption);
 

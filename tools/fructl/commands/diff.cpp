@@ -12,6 +12,7 @@
 #include "toolkit/controller/source.h"
 #include "toolkit/controller/target.h"
 #include "toolkit/image/differences.h"
+#include "toolkit/image/differences_json.h"
 #include "toolkit/image/image.h"
 #include "toolkit/image/record.h"
 

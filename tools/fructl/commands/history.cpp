@@ -9,13 +9,8 @@
 #include "terminal/json_out.h"
 #include "toolkit/base/error.h"
 #include "toolkit/base/text.h"
-#include "toolkit/controller/device_json.h"
-#include "toolkit/controller/journal.h"
-#include "toolkit/controller/root_lock.h"
 #include "toolkit/controller/target.h"
-#include "toolkit/edit/image_write.h"
-#include "toolkit/edit/undo.h"
-#include "toolkit/image/layout.h"
+#include "toolkit/task/image_task.h"
 
 namespace {
 
@@ -28,37 +23,20 @@ struct UNDO_OPTIONS_S
     bool bDryRun = false;
 };
 
-// In short what an image is.
-std::string Verdict(const DEVICE_S &stDevice, const PAST_IMAGE_S &stPast)
-{
-    const std::optional<Bytes> &optBytes = stDevice.IsDatabaseOnly() ? stPast.optCache : stPast.optEeprom;
-    if (!optBytes.has_value()) {
-        return "none";
-    }
-    const IMAGE_LAYOUT_S stLayout = WalkImage(*optBytes, optBytes->size(), stDevice.HasFixedSlots());
-    return stLayout.bErased ? "erased" : stLayout.IsSound() ? "good" : "damaged";
-}
-
 void RunHistory(const SESSION_S &stSession, const TARGET_OPTIONS_S &stOptions)
 {
     const DEVICE_S stDevice = ResolveDevice(stSession, stOptions);
-    Table stTable({">NUMBER", "KEPT", "IMAGE", "BEFORE"});
-    Json stImages = Json::array();
-    for (const PAST_IMAGE_S &stPast : ReadHistory(stSession, stDevice)) {
-        stTable.Row(
-            {Format("%u", stPast.uiNumber), stPast.strTime, Verdict(stDevice, stPast), stPast.strCommand});
-        stImages.push_back({{"number", stPast.uiNumber},
-                            {"time", stPast.strTime},
-                            {"image", Verdict(stDevice, stPast)},
-                            {"command", stPast.strCommand}});
-    }
+    const std::vector<PAST_IMAGE_S> vecPast = ReadHistory(stSession, stDevice);
     if (stSession.bJson) {
-        PrintJson({{"device", DeviceJson(stDevice)}, {"images", stImages}});
-    } else if (stImages.empty()) {
-        Print(stDevice.Title() + " has not been written yet\n");
-    } else {
-        Print(stTable.Text());
+        PrintJson(HistoryJson(stDevice, vecPast));
+        return;
     }
+    Table stTable({">NUMBER", "KEPT", "IMAGE", "BEFORE"});
+    for (const PAST_IMAGE_S &stPast : vecPast) {
+        stTable.Row({Format("%u", stPast.uiNumber), stPast.strTime, PastImageName(stDevice, stPast),
+                     stPast.strCommand});
+    }
+    Print(vecPast.empty() ? stDevice.Title() + " has not been written yet\n" : stTable.Text());
 }
 
 void RunUndo(const SESSION_S &stSession, const UNDO_OPTIONS_S &stOptions)
@@ -68,29 +46,18 @@ void RunUndo(const SESSION_S &stSession, const UNDO_OPTIONS_S &stOptions)
     if (!stOptions.strNumber.empty()) {
         optNumber = NumberOption("--to", stOptions.strNumber, NUMBER_MAX);
     }
-    std::optional<RootLock> optLock;
-    if (!stOptions.bDryRun) {
-        optLock.emplace(stSession);
-    }
-    const PAST_IMAGE_S stPast = ChoosePast(stDevice, ReadHistory(stSession, stDevice), optNumber);
-    const CHANGE_S stChange = PlanUndo(stDevice, stPast);
-    const IMAGE_PLAN_S stShown = PlanImage(stDevice, stChange.Home().vecAfter);
-    if (optLock.has_value()) {
-        WriteUndo(*optLock, stChange);
-    }
+    const UNDONE_S stUndone = UndoDevice(stSession, stDevice, optNumber, stOptions.bDryRun);
     if (stSession.bJson) {
-        Json stJson = {{"device", DeviceJson(stDevice)}, {"dryRun", stOptions.bDryRun},
-                       {"number", stPast.uiNumber},      {"image", Verdict(stDevice, stPast)},
-                       {"time", stPast.strTime},         {"command", stPast.strCommand}};
-        stJson.update(ImagePlanJson(stShown));
-        PrintJson(stJson);
+        PrintJson(stUndone.ToJson());
         return;
     }
+    const PAST_IMAGE_S &stPast = stUndone.stPast;
     Print((stOptions.bDryRun ? "would put back" : Paint(Colour::Green, stDevice.Title()) + " holds") +
           Format(" image %u (%s), as it was on %s before: ", stPast.uiNumber,
-                 Verdict(stDevice, stPast).c_str(), stPast.strTime.c_str()) +
+                 PastImageName(stDevice, stPast).c_str(), stPast.strTime.c_str()) +
           stPast.strCommand + (stOptions.bDryRun ? "; nothing was written\n" : "\n") +
-          ImagePlanText(stShown) + (stOptions.bDryRun ? ByteChangesText(stShown.vecBytes) : ""));
+          ImagePlanText(stUndone.stPlan) +
+          (stOptions.bDryRun ? ByteChangesText(stUndone.stPlan.vecBytes) : ""));
 }
 
 } // namespace

@@ -13,12 +13,3 @@ std::string ImagePlanText(const IMAGE_PLAN_S &stPlan)
     }
     return strOut;
 }
-
-Json ImagePlanJson(const IMAGE_PLAN_S &stPlan)
-{
-    return {{"unchanged", stPlan.IsUnchanged()},
-            {"sound", stPlan.stVerdict.IsGood()},
-            {"fields", FieldChangesJson(stPlan.vecFields, "old", "new")},
-            {"bytes", ByteChangesJson(stPlan.vecBytes)},
-            {"notes", stPlan.vecNotes}};
-}

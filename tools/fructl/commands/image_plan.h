@@ -5,13 +5,9 @@
 
 #include <string>
 
-#include "toolkit/base/json.h"
 #include "toolkit/edit/image_write.h"
 
 // The fields that change, old and new, and the notes.
 std::string ImagePlanText(const IMAGE_PLAN_S &stPlan);
-
-// {"unchanged", "sound", "fields": [...], "bytes": [...], "notes": [...]}
-Json ImagePlanJson(const IMAGE_PLAN_S &stPlan);
 
 #endif

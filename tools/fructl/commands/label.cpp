@@ -9,18 +9,13 @@
 #include "terminal/json_out.h"
 #include "terminal/progress.h"
 #include "toolkit/base/error.h"
-#include "toolkit/base/json.h"
 #include "toolkit/base/text.h"
 #include "toolkit/controller/device.h"
-#include "toolkit/controller/device_json.h"
-#include "toolkit/controller/root_lock.h"
-#include "toolkit/controller/source.h"
 #include "toolkit/controller/target.h"
 #include "toolkit/edit/label_write.h"
 #include "toolkit/edit/labels.h"
 #include "toolkit/image/fields.h"
-#include "toolkit/image/mfg_date.h"
-#include "toolkit/image/record.h"
+#include "toolkit/task/label_task.h"
 
 namespace {
 
@@ -57,32 +52,6 @@ DEVICE_S TakeDevice(const SESSION_S &stSession, const LABEL_OPTIONS_S &stOptions
     return ResolveDevice(stSession, stTarget);
 }
 
-const char *AreaOf(const LABEL_S &stLabel)
-{
-    return stLabel.IsStored() ? AreaKey(stLabel.stField.enArea) : "hardware";
-}
-
-Json LabelJson(const LABEL_S &stLabel, u32 uiMaxLen)
-{
-    Json stJson = {{"id", stLabel.uiID},
-                   {"name", stLabel.strName},
-                   {"area", AreaOf(stLabel)},
-                   {"field", stLabel.IsStored() ? Json(FieldName(stLabel.stField)) : Json(nullptr)},
-                   {"minLength", stLabel.uiMinLen},
-                   {"maxLength", uiMaxLen},
-                   {"noneAllowed", stLabel.bNoneAllowed},
-                   {"accepts", AcceptsText(stLabel.enAccepts)}};
-    stJson["powerSupplyField"] = stLabel.optPsuField.has_value() ? Json(*stLabel.optPsuField) : Json(nullptr);
-    return stJson;
-}
-
-// null: the image has no such field, or its date is unspecified.
-Json ValueJson(const LABEL_S &stLabel, const std::optional<std::string> &optValue)
-{
-    const bool bUnspecified = stLabel.enAccepts == Accepts::Date && optValue == MFG_DATE_UNSPECIFIED;
-    return optValue.has_value() && !bUnspecified ? Json(Latin1ToUtf8(*optValue)) : Json(nullptr);
-}
-
 std::string SharedNamesText(const std::vector<LABEL_S> &vecLabels)
 {
     std::vector<std::string> vecNames;
@@ -97,56 +66,42 @@ std::string SharedNamesText(const std::vector<LABEL_S> &vecLabels)
                                   "area's fields, on power supplies as well.\n";
 }
 
-void PrintLabels(const SESSION_S &stSession, const std::optional<DEVICE_S> &optDevice,
-                 const std::vector<LABEL_S> &vecLabels, const std::optional<RECORD_VIEW_S> &optView,
-                 const SHOWN_S *pstShown)
+void PrintLabels(const SESSION_S &stSession, const LABEL_LIST_S &stList)
 {
+    if (stSession.bJson) {
+        PrintJson(stList.ToJson());
+        return;
+    }
     std::vector<const char *> vecHeadings = {"LABEL", "AREA", "LENGTH", "NONE", "ACCEPTS"};
-    if (optView.has_value()) {
+    if (stList.optView.has_value()) {
         vecHeadings.push_back("VALUE");
     }
     Table stTable(vecHeadings);
-    Json stList = Json::array();
-    const u8 ucType = optDevice.has_value() ? optDevice->stEntry.ucComponentType : 0xFFU;
-    for (const LABEL_S &stLabel : vecLabels) {
-        const u32 uiMaxLen = MaxLength(stLabel, ucType);
-        Json stJson = LabelJson(stLabel, uiMaxLen);
+    const u8 ucType = stList.optDevice.has_value() ? stList.optDevice->stEntry.ucComponentType : 0xFFU;
+    for (const LABEL_S &stLabel : stList.vecLabels) {
         std::string strValue;
         Colour enColour = Colour::Cyan;
-        if (optView.has_value()) {
-            const std::optional<std::string> optValue = LabelValue(*optView, stLabel);
-            stJson["value"] = ValueJson(stLabel, optValue);
-            strValue = !optValue.has_value() ? "(" + WhyNoValue(*optView, stLabel) + ")"
+        if (stList.optView.has_value()) {
+            const std::optional<std::string> optValue = LabelValue(*stList.optView, stLabel);
+            strValue = !optValue.has_value() ? "(" + WhyNoValue(*stList.optView, stLabel) + ")"
                        : optValue->empty()   ? "-"
                                              : ShownText(*optValue);
             enColour = optValue.has_value() && !optValue->empty() ? Colour::Cyan : Colour::Dim;
         }
-        stList.push_back(stJson);
-        stTable.Row({stLabel.strName, AreaOf(stLabel), Format("%u-%u", stLabel.uiMinLen, uiMaxLen),
+        stTable.Row({stLabel.strName, AreaOf(stLabel),
+                     Format("%u-%u", stLabel.uiMinLen, MaxLength(stLabel, ucType)),
                      stLabel.bNoneAllowed ? "yes" : "no", AcceptsText(stLabel.enAccepts), strValue},
                     {Colour::None, Colour::Dim, Colour::None, Colour::None, Colour::None, enColour});
     }
-    if (!stSession.bJson) {
-        const std::string strHeading = pstShown == nullptr ? "" : pstShown->HeadingText();
-        Print((strHeading.empty() ? "" : optDevice->Title() + strHeading + "\n") + stTable.Text() +
-              SharedNamesText(vecLabels));
-        return;
-    }
-    Json stJson = Json::object();
-    if (optDevice.has_value()) {
-        stJson = {{"device", DeviceJson(*optDevice)}, {"fieldFlag", optDevice->stInfo.ucFieldFlag}};
-    }
-    if (pstShown != nullptr) {
-        stJson.update(pstShown->SourceJson());
-    }
-    stJson["labels"] = stList;
-    PrintJson(stJson);
+    const std::string strHeading = stList.optShown.has_value() ? stList.optShown->HeadingText() : "";
+    Print((strHeading.empty() ? "" : stList.optDevice->Title() + strHeading + "\n") + stTable.Text() +
+          SharedNamesText(stList.vecLabels));
 }
 
 void RunList(const SESSION_S &stSession, const LABEL_OPTIONS_S &stOptions)
 {
     if (!stOptions.astOptions[0].IsGiven() && stOptions.strDeviceID.empty()) {
-        PrintLabels(stSession, std::nullopt, Labels(), std::nullopt, nullptr);
+        PrintLabels(stSession, ListLabels());
         return;
     }
     std::vector<std::string> vecRest;
@@ -154,54 +109,17 @@ void RunList(const SESSION_S &stSession, const LABEL_OPTIONS_S &stOptions)
     if (!vecRest.empty()) {
         FailUsage("'" + EscapeText(vecRest.front()) + "' is one word too many; accepted: one device");
     }
-    std::vector<LABEL_S> vecAccepted;
-    for (const LABEL_S &stLabel : Labels()) {
-        if (IsAccepted(stDevice, stLabel)) {
-            vecAccepted.push_back(stLabel);
-        }
-    }
-    if (vecAccepted.empty() && !stSession.bJson) {
+    const LABEL_LIST_S stList = ListLabels(stDevice, stOptions.stSource.Chosen());
+    if (stList.vecLabels.empty() && !stSession.bJson) {
         Print(stDevice.Title() +
               Format(" takes no labels: its field flag is %u\n", u32{stDevice.stInfo.ucFieldFlag}));
         return;
     }
-    Record stRecord;
-    SHOWN_S stShown;
-    try {
-        stShown = ReadShown({stDevice, ""}, stOptions.stSource);
-        DecodeShown(stShown.stTarget, stShown.stImage, stRecord);
-    } catch (const Error &) {
-        PrintLabels(stSession, stDevice, vecAccepted, std::nullopt, nullptr);
-        throw; // the names are known all the same, the values are not
+    PrintLabels(stSession, stList);
+    if (stList.optWhyNot.has_value()) {
+        throw Error(*stList.optWhyNot);
     }
-    PrintLabels(stSession, stDevice, vecAccepted, ViewRecord(*stRecord.Data()), &stShown);
-    stShown.RequireSame();
-}
-
-// The labels that are asked for: those named, or with --all those that the device takes and its image has.
-std::vector<LABEL_S> AskedLabels(const DEVICE_S &stDevice, const RECORD_VIEW_S &stView,
-                                 const std::vector<std::string> &vecNames)
-{
-    std::vector<LABEL_S> vecAsked;
-    for (const std::string &strName : vecNames) {
-        vecAsked.push_back(FindLabel(strName));
-        const LABEL_S &stLabel = vecAsked.back();
-        if (!stLabel.IsStored()) {
-            FailRefused(
-                "the label '" + stLabel.strName +
-                "' is kept in the hardware FRU block, not in the FRU image; 'fructl hw show' reads it");
-        }
-        if (!LabelValue(stView, stLabel).has_value()) {
-            FailRefused(stDevice.Title() + " has no '" + stLabel.strName + "': its image has " +
-                        WhyNoValue(stView, stLabel));
-        }
-    }
-    for (const LABEL_S &stLabel : Labels()) {
-        if (vecNames.empty() && IsAccepted(stDevice, stLabel) && LabelValue(stView, stLabel).has_value()) {
-            vecAsked.push_back(stLabel);
-        }
-    }
-    return vecAsked;
+    stList.optShown->RequireSame();
 }
 
 void RunGet(const SESSION_S &stSession, const LABEL_OPTIONS_S &stOptions)
@@ -213,31 +131,17 @@ void RunGet(const SESSION_S &stSession, const LABEL_OPTIONS_S &stOptions)
                       ? "no label is named; 'fructl label list' tells their names, --all asks for all"
                       : "labels are named, and --all asks for all; accepted: one of them");
     }
-    for (const std::string &strName : vecRest) {
-        (void)FindLabel(strName); // before anything is read
-    }
-    const SHOWN_S stShown = ReadShown({stDevice, ""}, stOptions.stSource);
-    Record stRecord;
-    DecodeShown(stShown.stTarget, stShown.stImage, stRecord);
-    const RECORD_VIEW_S stView = ViewRecord(*stRecord.Data());
-    const bool bOne = vecRest.size() == 1U;
-    Json stList = Json::array();
-    std::string strOut;
-    for (const LABEL_S &stLabel : AskedLabels(stDevice, stView, vecRest)) {
-        const std::string strValue = LabelValue(stView, stLabel).value_or("");
-        stList.push_back(LabelJson(stLabel, MaxLength(stLabel, stDevice.stEntry.ucComponentType)));
-        stList.back()["value"] = ValueJson(stLabel, strValue);
-        strOut += (bOne ? "" : stLabel.strName + "=") + EscapeText(strValue) + "\n";
-    }
+    const LABEL_VALUES_S stValues = GetLabels(stDevice, vecRest, stOptions.stSource.Chosen());
     if (stSession.bJson) {
-        Json stJson = {{"device", DeviceJson(stDevice)}};
-        stJson.update(stShown.SourceJson());
-        stJson.update(bOne ? stList.front() : Json{{"labels", stList}});
-        PrintJson(stJson);
+        PrintJson(stValues.ToJson());
     } else {
+        std::string strOut;
+        for (const auto &[stLabel, strValue] : stValues.vecValues) {
+            strOut += (stValues.bOne ? "" : stLabel.strName + "=") + EscapeText(strValue) + "\n";
+        }
         Print(strOut);
     }
-    stShown.RequireSame();
+    stValues.stShown.RequireSame();
 }
 
 // "NAME VALUE", or any number of "NAME=VALUE".
@@ -260,31 +164,6 @@ std::vector<LABEL_REQUEST_S> ParseRequests(const std::vector<std::string> &vecWo
             MakeRequest(FindLabel(strWord.substr(0, uiEquals)), strWord.substr(uiEquals + 1U)));
     }
     return vecRequests;
-}
-
-Json PlanJson(const DEVICE_S &stDevice, const LABEL_PLAN_S &stPlan, bool bDryRun,
-              const std::vector<std::string> &vecSentences)
-{
-    Json stLabels = Json::array();
-    for (size_t i = 0; i < stPlan.vecSteps.size(); i++) {
-        const LABEL_STEP_S &stStep = stPlan.vecSteps[i];
-        const LABEL_S &stLabel = stStep.stRequest.stLabel;
-        Json stJson = {{"id", stLabel.uiID},
-                       {"name", stLabel.strName},
-                       {"old", ValueJson(stLabel, stStep.optOld)},
-                       {"new", ValueJson(stLabel, stStep.strNew)},
-                       {"unchanged", stStep.bUnchanged}};
-        if (!bDryRun && !stStep.bUnchanged) {
-            stJson["operationLog"] = Latin1ToUtf8(vecSentences[i]);
-        }
-        stLabels.push_back(stJson);
-    }
-    return {{"device", DeviceJson(stDevice)},
-            {"dryRun", bDryRun},
-            {"labels", stLabels},
-            {"bytes", ByteChangesJson(stPlan.vecChanges)},
-            {"notes", stPlan.vecNotes},
-            {"losses", stPlan.vecLosses}};
 }
 
 std::string StepsText(const LABEL_PLAN_S &stPlan)
@@ -334,41 +213,23 @@ void RunSet(const SESSION_S &stSession, const LABEL_OPTIONS_S &stOptions)
     }
     std::vector<std::string> vecRest;
     const DEVICE_S stDevice = TakeDevice(stSession, stOptions, vecRest);
-    const std::vector<LABEL_REQUEST_S> vecRequests = ParseRequests(vecRest);
-    CheckRequests(stDevice, vecRequests);
-    RequireNoPlaceholders(vecRequests, stOptions.bForce);
-    if (stOptions.bDryRun) {
-        const LABEL_PLAN_S stPlan = PlanLabels(stDevice, vecRequests);
-        if (stSession.bJson) {
-            PrintJson(PlanJson(stDevice, stPlan, true, {}));
-        } else {
-            Print(stDevice.Title() + ": nothing was written; this would be\n" + StepsText(stPlan) +
-                  ByteChangesText(stPlan.vecChanges));
-        }
-        return;
-    }
-    const RootLock stLock(stSession);
-    const LABEL_PLAN_S stPlan = PlanLabels(stDevice, vecRequests);
-    if (!stPlan.vecLosses.empty() && !stOptions.bForce) {
-        FailRefused("refused, for the library writes the whole image of " + stDevice.Title() +
-                    " anew and would lose: " + Join(stPlan.vecLosses, "; ") +
-                    "; 'fructl edit' changes one field and keeps all this; --dry-run shows every byte, "
-                    "--force writes");
-    }
-    std::string strAftermath;
-    const std::vector<std::string> vecSentences =
-        WriteLabels(stLock, stDevice, stPlan, strAftermath, TerminalProgress());
+    const LABELS_SET_S stSet = SetLabels(stSession, stDevice, ParseRequests(vecRest), stOptions.bDryRun,
+                                         stOptions.bForce, TerminalProgress());
+    const LABEL_PLAN_S &stPlan = stSet.stPlan;
     if (stSession.bJson) {
-        PrintJson(PlanJson(stDevice, stPlan, false, vecSentences));
+        PrintJson(stSet.ToJson());
+    } else if (stSet.bDryRun) {
+        Print(stDevice.Title() + ": nothing was written; this would be\n" + StepsText(stPlan) +
+              ByteChangesText(stPlan.vecChanges));
     } else {
-        for (const std::string &strSentence : vecSentences) {
+        for (const std::string &strSentence : stSet.vecSentences) {
             Print(strSentence.empty() ? "" : Paint(Colour::Green, EscapeText(strSentence)) + "\n");
         }
         Print(stPlan.IsUnchanged() ? stDevice.Title() + " is unchanged; nothing was written\n" : "");
         Print(StepsText(stPlan));
     }
-    if (!strAftermath.empty()) {
-        Fail(strAftermath);
+    if (!stSet.strAftermath.empty()) {
+        Fail(stSet.strAftermath);
     }
 }
 

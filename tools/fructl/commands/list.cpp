@@ -1,50 +1,36 @@
 // SPDX-License-Identifier: Apache-2.0
 // fructl list: the controller's devices and the state of their images.
+#include "toolkit/task/list.h"
 #include "commands/commands.h"
 #include "terminal/console.h"
 #include "terminal/json_out.h"
-#include "toolkit/base/json.h"
 #include "toolkit/base/text.h"
-#include "toolkit/controller/device.h"
-#include "toolkit/controller/device_json.h"
-#include "toolkit/controller/state.h"
 
 namespace {
 
 void RunList(const SESSION_S &stSession)
 {
-    const std::vector<DEVICE_S> vecDevices = LoadDevices(stSession);
+    const std::vector<LISTED_S> vecListed = ListDevices(stSession);
+    if (stSession.bJson) {
+        PrintJson(ListJson(vecListed));
+        return;
+    }
     Table stTable({">ID", "NAME", ">TYPE", ">INST", ">BUS", ">ADDR", ">SIZE", "IMAGE", "CACHE"});
-    Json stList = Json::array();
-    for (const DEVICE_S &stDevice : vecDevices) {
+    for (const LISTED_S &stListed : vecListed) {
+        const DEVICE_S &stDevice = stListed.stDevice;
         const FRU_DEVICE_INFO_S &stInfo = stDevice.stInfo;
-        const STATE_S stState = StateOf(stDevice);
-        const std::string strImage = ImageStateName(stState.enImage);
-        const std::string strCache = CacheStateName(stState.enCache);
-        Json stJson = DeviceJson(stDevice);
-        stJson.update({{"bus", stInfo.ucBusNumber},
-                       {"address", stInfo.ucAddress},
-                       {"switchLevel", stInfo.ucSwitchLevel},
-                       {"startOffset", u16{stInfo.usStartOffset}},
-                       {"size", u16{stInfo.usSize}},
-                       {"databaseOnly", stDevice.IsDatabaseOnly()},
-                       {"image", strImage},
-                       {"cache", strCache}});
-        stList.push_back(stJson);
+        const STATE_S &stState = stListed.stState;
         stTable.Row({Format("%u", stDevice.stEntry.ucDeviceID), EscapeText(stDevice.strName),
                      Format("0x%02x", stDevice.stEntry.ucComponentType),
                      Format("%u", stDevice.stEntry.ucInstance), Format("%u", stInfo.ucBusNumber),
-                     Format("0x%02x", stInfo.ucAddress), Format("%u", stInfo.usSize), strImage, strCache},
+                     Format("0x%02x", stInfo.ucAddress), Format("%u", stInfo.usSize),
+                     ImageStateName(stState.enImage), CacheStateName(stState.enCache)},
                     {Colour::None, Colour::Cyan, Colour::None, Colour::None, Colour::None, Colour::None,
                      Colour::None, stState.enImage == ImageState::Sound ? Colour::Green : Colour::Red,
                      stState.enCache == CacheState::Differs ? Colour::Yellow : Colour::Dim});
     }
-    if (stSession.bJson) {
-        PrintJson({{"devices", stList}});
-    } else {
-        Print(vecDevices.empty() ? "the controller in " + EscapeText(stSession.strRoot) + " has no devices\n"
-                                 : stTable.Text());
-    }
+    Print(vecListed.empty() ? "the controller in " + EscapeText(stSession.strRoot) + " has no devices\n"
+                            : stTable.Text());
 }
 
 } // namespace

@@ -6,15 +6,14 @@
 #include "terminal/wrap.h"
 #include "toolkit/base/json.h"
 #include "toolkit/base/text.h"
-#include "toolkit/controller/device_json.h"
 #include "toolkit/controller/source.h"
 #include "toolkit/controller/target.h"
 #include "toolkit/image/encoding.h"
 #include "toolkit/image/fields.h"
 #include "toolkit/image/image.h"
 #include "toolkit/image/layout.h"
-#include "toolkit/image/layout_json.h"
 #include "toolkit/image/record_words.h"
+#include "toolkit/task/shown.h"
 
 namespace {
 
@@ -142,37 +141,6 @@ std::string SpanText(const SPAN_S &stSpan, const std::vector<u8> &vecBytes)
                             : PartsText(stSpan, vecParts, vecBytes);
 }
 
-Json MapJson(const TARGET_S &stTarget, const IMAGE_S &stImage, const IMAGE_LAYOUT_S &stLayout)
-{
-    Json stJson = TargetJson(stTarget);
-    stJson["source"] = SourceName(stImage.enSource);
-    stJson["size"] = stImage.uiStored;
-    stJson.update(FindingsJson(stLayout));
-    stJson["spans"] = Json::array();
-    for (const SPAN_S &stSpan : stLayout.vecSpans) {
-        Json stOut = {{"offset", stSpan.uiOffset},
-                      {"length", stSpan.uiLength},
-                      {"area", AreaKey(stSpan.stField.enArea)},
-                      {"field", FieldName(stSpan.stField)},
-                      {"text", Latin1ToUtf8(stSpan.strText)},
-                      {"bytes", HexBytes(&stImage.vecBytes[stSpan.uiOffset], stSpan.uiLength)}};
-        if (stSpan.stNote.IsTold()) {
-            stOut["note"] = NoteText(stSpan.stNote);
-        }
-        if (!stSpan.strProblem.empty()) {
-            stOut["problem"] = stSpan.strProblem;
-        }
-        for (const RECORD_PART_S &stPart : RecordParts(stSpan, stImage.vecBytes)) {
-            stOut["parts"].push_back({{"offset", stPart.uiOffset},
-                                      {"length", stPart.uiLength},
-                                      {"field", stPart.strName},
-                                      {"text", Latin1ToUtf8(stPart.strText)}});
-        }
-        stJson["spans"].push_back(stOut);
-    }
-    return stJson;
-}
-
 struct MAP_S
 {
     TARGET_OPTIONS_S stTarget;
@@ -189,7 +157,7 @@ void RunMap(const SESSION_S &stSession, const MAP_S &stOptions)
     const IMAGE_S &stImage = stLocated.stImage;
     const IMAGE_LAYOUT_S stLayout = LayoutOf(stImage, stTarget.HasFixedSlots());
     if (stSession.bJson) {
-        Json stJson = MapJson(stTarget, stImage, stLayout);
+        Json stJson = MapShownJson(stTarget, stImage);
         if (stLocated.uiOffset != 0U) {
             stJson["imageOffset"] = stLocated.uiOffset;
         }

@@ -3,14 +3,7 @@
 #include "commands/commands.h"
 #include "toolkit/base/error.h"
 #include "toolkit/base/text.h"
-#include "toolkit/image/erased.h"
 #include "toolkit/image/foreign.h"
-
-namespace {
-
-constexpr size_t BEHIND = 8U; // bytes of 0xff behind a file's, as in a larger EEPROM
-
-} // namespace
 
 std::optional<u32> OFFSET_OPTION_S::Chosen() const
 {
@@ -30,20 +23,6 @@ void AddOffsetOption(const Command &stCommand, OFFSET_OPTION_S &stOption)
         .AddOption("--offset", stOption.strOffset,
                    "the image begins at this byte; without it at the first, or where one is found in a file")
         .Placeholder("N");
-}
-
-LOCATED_S PartFrom(const IMAGE_S &stWhole, u32 uiOffset)
-{
-    if (uiOffset >= stWhole.uiStored) {
-        FailUsage(Format("--offset 0x%x lies behind the image's %zu bytes", uiOffset, stWhole.uiStored));
-    }
-    LOCATED_S stLocated = {{stWhole.enSource, {}, stWhole.uiStored - uiOffset}, uiOffset};
-    std::vector<u8> &vecBytes = stLocated.stImage.vecBytes;
-    vecBytes.assign(stWhole.vecBytes.begin() + uiOffset, stWhole.vecBytes.end());
-    if (stWhole.enSource == Source::File) {
-        vecBytes.resize(stLocated.stImage.uiStored + BEHIND, ERASED);
-    }
-    return stLocated;
 }
 
 LOCATED_S LocateImage(const SESSION_S &stSession, const TARGET_S &stTarget, const IMAGE_S &stWhole,

@@ -9,6 +9,7 @@
 #include "toolkit/base/text.h"
 #include "toolkit/controller/device_json.h"
 #include "toolkit/controller/source.h"
+#include "toolkit/image/differences_json.h"
 
 namespace {
 

@@ -12,6 +12,7 @@
 #include "toolkit/controller/root_lock.h"
 #include "toolkit/controller/target.h"
 #include "toolkit/edit/raw_write.h"
+#include "toolkit/image/differences_json.h"
 #include "toolkit/image/names.h"
 
 // fructl raw: the IPMI FRU commands, bytes in and bytes out.

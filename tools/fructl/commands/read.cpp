@@ -9,11 +9,9 @@
 #include "toolkit/base/file.h"
 #include "toolkit/base/text.h"
 #include "toolkit/controller/device.h"
-#include "toolkit/controller/device_json.h"
-#include "toolkit/controller/source.h"
 #include "toolkit/controller/target.h"
-#include "toolkit/controller/verdict.h"
 #include "toolkit/edit/encode.h"
+#include "toolkit/task/image_task.h"
 
 namespace {
 
@@ -31,26 +29,20 @@ void RunRead(const SESSION_S &stSession, const READ_S &stOptions)
     if (bOutput && isatty(STDOUT_FILENO) == 1) {
         FailUsage("an image is bytes that no terminal shows; accepted: a file, or a pipe behind -o -");
     }
-    const Source enSource = stOptions.stSource.Chosen().value_or(HomeOf(stDevice));
-    const IMAGE_S stImage = ReadShown({stDevice, ""}, enSource);
-    const VERDICT_S stVerdict = VerdictOn(stImage, stDevice.HasFixedSlots());
+    const IMAGE_READ_S stRead = ReadDevice(stDevice, stOptions.stSource.Chosen());
+    const std::vector<u8> &vecBytes = stRead.stImage.vecBytes;
+    const std::string &strFile = stOptions.stOutput.strFile;
     if (bOutput) {
-        Print(std::string(stImage.vecBytes.begin(), stImage.vecBytes.end())); // and nothing else
+        Print(std::string(vecBytes.begin(), vecBytes.end())); // and nothing else
     } else {
-        WriteImageFile(stOptions.stOutput.strFile, stImage.vecBytes);
+        WriteImageFile(strFile, vecBytes);
     }
-    if (!stVerdict.IsGood()) {
-        stSession.Warn(stDevice.Title() + ": the image is not in order: " + stVerdict.Why());
-    }
+    stRead.WarnOfDamage(stSession);
     if (stSession.bJson) {
-        PrintJson({{"device", DeviceJson(stDevice)},
-                   {"source", SourceName(enSource)},
-                   {"file", stOptions.stOutput.strFile},
-                   {"size", stImage.vecBytes.size()},
-                   {"sound", stVerdict.IsGood()}});
+        PrintJson(stRead.ToJson(strFile));
     } else if (!bOutput) {
-        Print(Paint(Colour::Green, EscapeText(stOptions.stOutput.strFile)) +
-              Format(": %zu bytes from the %s of ", stImage.vecBytes.size(), SourceName(enSource)) +
+        Print(Paint(Colour::Green, EscapeText(strFile)) +
+              Format(": %zu bytes from the %s of ", vecBytes.size(), SourceName(stRead.stImage.enSource)) +
               stDevice.Title() + "\n");
     }
 }

@@ -8,12 +8,9 @@
 #include "terminal/console.h"
 #include "terminal/json_out.h"
 #include "toolkit/base/file.h"
-#include "toolkit/base/text.h"
 #include "toolkit/controller/device.h"
-#include "toolkit/controller/device_json.h"
-#include "toolkit/controller/root_lock.h"
 #include "toolkit/controller/target.h"
-#include "toolkit/edit/recover.h"
+#include "toolkit/task/image_task.h"
 
 namespace {
 
@@ -24,38 +21,17 @@ struct RECOVER_S
     bool bDryRun = false;
 };
 
-// The one line, behind the device's title.
-std::string Line(const RECOVERY_S &stRecovery, bool bDryRun)
+void Report(const SESSION_S &stSession, const RECOVERED_S &stRecovered)
 {
-    if (stRecovery.strDamage.empty()) {
-        return "was fine; nothing was written";
-    }
-    return bDryRun ? "is damaged: " + stRecovery.strDamage +
-                         "; nothing was written; it would be restored from " + stRecovery.strSource
-                   : "was damaged and is restored from " + stRecovery.strSource;
-}
-
-void Report(const SESSION_S &stSession, const DEVICE_S &stDevice, const RECOVERY_S &stRecovery, bool bDryRun)
-{
-    const std::string strLine = Line(stRecovery, bDryRun);
-    if (!stSession.bJson) {
-        Print(Paint(Colour::Green, stDevice.Title()) + " " + strLine + "\n");
-        if (bDryRun && stRecovery.optPlan.has_value()) {
-            Print(ImagePlanText(*stRecovery.optPlan) + ByteChangesText(stRecovery.optPlan->vecBytes));
-        }
+    if (stSession.bJson) {
+        PrintJson(stRecovered.ToJson());
         return;
     }
-    Json stJson = {{"device", DeviceJson(stDevice)},
-                   {"outcome", stRecovery.strDamage.empty() ? "fine"
-                               : bDryRun                    ? "damaged"
-                                                            : "restored"},
-                   {"storedImage", stDevice.ImagePath()},
-                   {"text", strLine}};
-    if (stRecovery.optPlan.has_value()) {
-        stJson.update({{"dryRun", bDryRun}, {"damage", stRecovery.strDamage}, {"from", stRecovery.strFrom}});
-        stJson.update(ImagePlanJson(*stRecovery.optPlan));
+    Print(Paint(Colour::Green, stRecovered.stDevice.Title()) + " " + stRecovered.Line() + "\n");
+    const std::optional<IMAGE_PLAN_S> &optPlan = stRecovered.stRecovery.optPlan;
+    if (stRecovered.bDryRun && optPlan.has_value()) {
+        Print(ImagePlanText(*optPlan) + ByteChangesText(optPlan->vecBytes));
     }
-    PrintJson(stJson);
 }
 
 void RunRecover(const SESSION_S &stSession, const RECOVER_S &stOptions)
@@ -64,15 +40,7 @@ void RunRecover(const SESSION_S &stSession, const RECOVER_S &stOptions)
         (void)ReadNamedFile(stOptions.strFrom); // it may take its time: before the controller is locked
     }
     const DEVICE_S stDevice = ResolveDevice(stSession, stOptions.stTarget);
-    std::optional<RootLock> optLock;
-    if (!stOptions.bDryRun) {
-        optLock.emplace(stSession);
-    }
-    const RECOVERY_S stRecovery = PlanRecovery(stSession, stDevice, stOptions.strFrom);
-    if (optLock.has_value() && stRecovery.optPlan.has_value()) {
-        WriteRecovery(*optLock, stDevice, stRecovery);
-    }
-    Report(stSession, stDevice, stRecovery, stOptions.bDryRun);
+    Report(stSession, RecoverDevice(stSession, stDevice, stOptions.strFrom, stOptions.bDryRun));
 }
 
 } // namespace

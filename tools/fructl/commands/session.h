@@ -3,8 +3,8 @@
 #ifndef FRUCTL_COMMANDS_SESSION_H
 #define FRUCTL_COMMANDS_SESSION_H
 
-#include "terminal/failure.h"
 #include "toolkit/controller/controller.h"
+#include "toolkit/task/failure.h"
 
 struct SESSION_S : CONTROLLER_S
 {

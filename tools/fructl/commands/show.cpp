@@ -7,9 +7,7 @@
 #include "commands/show_lenient.h"
 #include "terminal/console.h"
 #include "terminal/json_out.h"
-#include "toolkit/base/json.h"
 #include "toolkit/base/text.h"
-#include "toolkit/controller/device_json.h"
 #include "toolkit/controller/source.h"
 #include "toolkit/controller/target.h"
 #include "toolkit/image/encoding.h"
@@ -17,7 +15,6 @@
 #include "toolkit/image/image.h"
 #include "toolkit/image/layout.h"
 #include "toolkit/image/record.h"
-#include "toolkit/image/record_json.h"
 
 namespace {
 
@@ -123,15 +120,7 @@ void RunShow(const SESSION_S &stSession, const SHOW_S &stOptions)
     DecodeShown(stShown.stTarget, stShown.stImage, stRecord);
     const RECORD_VIEW_S stView = ViewRecord(*stRecord.Data());
     if (stSession.bJson) {
-        Json stJson = TargetJson(stShown.stTarget);
-        if (stShown.stTarget.optDevice.has_value()) {
-            stJson.update(stShown.SourceJson());
-        }
-        if (stLocated.uiOffset != 0U) {
-            stJson["offset"] = stLocated.uiOffset;
-        }
-        stJson.update(RecordJson(stView));
-        PrintJson(stJson);
+        PrintJson(ShownJson(stShown, stLocated.uiOffset, stView));
         stShown.RequireSame();
         return;
     }

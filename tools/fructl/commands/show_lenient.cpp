@@ -3,11 +3,10 @@
 
 #include "terminal/console.h"
 #include "terminal/json_out.h"
-#include "toolkit/base/error.h"
 #include "toolkit/base/text.h"
-#include "toolkit/controller/device_json.h"
 #include "toolkit/image/encoding.h"
 #include "toolkit/image/lenient.h"
+#include "toolkit/task/shown.h"
 
 namespace {
 
@@ -38,54 +37,13 @@ std::string AreaText(const LENIENT_AREA_S &stArea)
     return strOut;
 }
 
-Json FieldJson(const LENIENT_FIELD_S &stField)
-{
-    Json stJson = {{"name", FieldPath(stField.stField)},
-                   {"offset", stField.uiOffset},
-                   {"text", Latin1ToUtf8(stField.strText)},
-                   {"good", stField.strDoubt.empty()}};
-    if (!stField.strDoubt.empty()) {
-        stJson["doubt"] = stField.strDoubt;
-    }
-    if (stField.stNote.IsTold()) {
-        stJson["note"] = NoteText(stField.stNote);
-    }
-    return stJson;
-}
-
-Json ViewJson(const SHOWN_S &stShown, const LENIENT_VIEW_S &stView, u32 uiOffset)
-{
-    Json stJson = TargetJson(stShown.stTarget);
-    if (stShown.stTarget.optDevice.has_value()) {
-        stJson.update(stShown.SourceJson());
-    }
-    stJson["offset"] = uiOffset;
-    stJson["good"] = stView.uiGood;
-    stJson["doubtful"] = stView.uiDoubtful;
-    stJson["remarks"] = stView.vecRemarks;
-    stJson["areas"] = Json::array();
-    for (const LENIENT_AREA_S &stArea : stView.vecAreas) {
-        Json stFields = Json::array();
-        for (const LENIENT_FIELD_S &stField : stArea.vecFields) {
-            stFields.push_back(FieldJson(stField));
-        }
-        stJson["areas"].push_back(
-            {{"area", AreaKey(stArea.enArea)}, {"fields", stFields}, {"remarks", stArea.vecRemarks}});
-    }
-    return stJson;
-}
-
 } // namespace
 
 void ShowLeniently(const SESSION_S &stSession, const SHOWN_S &stShown, u32 uiOffset)
 {
-    const LENIENT_VIEW_S stView = ViewLeniently(stShown.stImage, stShown.stTarget.HasFixedSlots());
-    if (stView.uiGood + stView.uiDoubtful == 0U) {
-        Fail(ErrorClass::Damaged, stShown.stTarget.Title() + " holds no field that could be shown" +
-                                      (stView.vecRemarks.empty() ? "" : ": " + stView.vecRemarks.front()));
-    }
+    const LENIENT_VIEW_S stView = TakeLenient(stShown.stTarget, stShown.stImage);
     if (stSession.bJson) {
-        PrintJson(ViewJson(stShown, stView, uiOffset));
+        PrintJson(LenientShownJson(stShown, uiOffset, stView));
         stShown.RequireSame();
         return;
     }

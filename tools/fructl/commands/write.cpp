@@ -7,13 +7,10 @@
 #include "terminal/json_out.h"
 #include "toolkit/base/error.h"
 #include "toolkit/base/file.h"
-#include "toolkit/base/text.h"
 #include "toolkit/controller/device.h"
-#include "toolkit/controller/device_json.h"
-#include "toolkit/controller/root_lock.h"
 #include "toolkit/controller/target.h"
-#include "toolkit/edit/image_write.h"
 #include "toolkit/image/image_file.h"
+#include "toolkit/task/image_task.h"
 
 namespace {
 
@@ -25,24 +22,19 @@ struct WRITE_S
     bool bDryRun = false;
 };
 
-void Report(const SESSION_S &stSession, const WRITE_S &stOptions, const IMAGE_PLAN_S &stPlan,
-            const std::string &strSentence)
+void Report(const SESSION_S &stSession, const IMAGE_WRITTEN_S &stWritten)
 {
-    const DEVICE_S &stDevice = stPlan.stChange.stDevice;
+    const IMAGE_PLAN_S &stPlan = stWritten.stPlan;
+    const std::string strTitle = stPlan.stChange.stDevice.Title();
     if (stSession.bJson) {
-        Json stJson = {{"device", DeviceJson(stDevice)}, {"dryRun", stOptions.bDryRun}};
-        stJson.update(ImagePlanJson(stPlan));
-        if (!strSentence.empty()) {
-            stJson["operationLog"] = strSentence;
-        }
-        PrintJson(stJson);
+        PrintJson(stWritten.ToJson());
     } else if (stPlan.IsUnchanged()) {
-        Print(stDevice.Title() + " is unchanged: it holds this image already; nothing was written\n");
-    } else if (stOptions.bDryRun) {
-        Print(stDevice.Title() + ": nothing was written; this would be\n" + ImagePlanText(stPlan) +
+        Print(strTitle + " is unchanged: it holds this image already; nothing was written\n");
+    } else if (stWritten.bDryRun) {
+        Print(strTitle + ": nothing was written; this would be\n" + ImagePlanText(stPlan) +
               ByteChangesText(stPlan.vecBytes));
     } else {
-        Print(Paint(Colour::Green, strSentence) + "\n" + ImagePlanText(stPlan));
+        Print(Paint(Colour::Green, stWritten.strSentence) + "\n" + ImagePlanText(stPlan));
     }
 }
 
@@ -54,24 +46,7 @@ void RunWrite(const SESSION_S &stSession, const WRITE_S &stOptions)
     }
     const DEVICE_S stDevice = ResolveDevice(stSession, stOptions.stTarget);
     const std::vector<u8> vecImage = ReadImageFile(stOptions.strFile);
-    std::optional<RootLock> optLock;
-    if (!stOptions.bDryRun) {
-        optLock.emplace(stSession);
-    }
-    const IMAGE_PLAN_S stPlan = PlanImage(stDevice, vecImage);
-    if (!stPlan.stVerdict.IsGood()) {
-        const std::string strWhy = "the image is not in order: " + stPlan.stVerdict.Why();
-        if (!stOptions.bForce) {
-            Fail(ErrorClass::Damaged,
-                 "refused, for " + strWhy + "; --force writes it to " + stDevice.Title() + " all the same");
-        }
-        stSession.Warn(strWhy);
-    }
-    std::string strSentence;
-    if (optLock.has_value() && !stPlan.IsUnchanged()) {
-        strSentence = WriteImage(*optLock, stPlan, "written");
-    }
-    Report(stSession, stOptions, stPlan, strSentence);
+    Report(stSession, WriteDevice(stSession, stDevice, vecImage, stOptions.bDryRun, stOptions.bForce));
 }
 
 } // namespace

@@ -13,11 +13,6 @@ std::string Side(const char *pcMark, Colour enColour, const std::optional<std::s
                : "";
 }
 
-Json TextJson(const std::optional<std::string> &optText)
-{
-    return optText.has_value() ? Json(Latin1ToUtf8(*optText)) : Json(nullptr);
-}
-
 } // namespace
 
 std::string FieldChangesText(const std::vector<DIFFERENCE_S> &vecDifferences)
@@ -34,19 +29,6 @@ std::string FieldChangesText(const std::vector<DIFFERENCE_S> &vecDifferences)
         pstBefore = &stDifference;
     }
     return strOut;
-}
-
-Json FieldChangesJson(const std::vector<DIFFERENCE_S> &vecDifferences, const char *pcLeft,
-                      const char *pcRight)
-{
-    Json stList = Json::array();
-    for (const DIFFERENCE_S &stDifference : vecDifferences) {
-        stList.push_back({{"area", AreaKey(stDifference.stField.enArea)},
-                          {"field", FieldName(stDifference.stField)},
-                          {pcLeft, TextJson(stDifference.optLeft)},
-                          {pcRight, TextJson(stDifference.optRight)}});
-    }
-    return stList;
 }
 
 std::string ByteChangesText(const std::vector<BYTE_RUN_S> &vecRuns)
@@ -66,14 +48,4 @@ std::string ByteChangesText(const std::vector<BYTE_RUN_S> &vecRuns)
     return "  " +
            (uiCount == 0U ? std::string("no byte would change") : Count(uiCount, "byte") + " would change") +
            "\n" + strRows;
-}
-
-Json ByteChangesJson(const std::vector<BYTE_RUN_S> &vecRuns)
-{
-    Json stBytes = Json::array();
-    for (const BYTE_RUN_S &stRun : vecRuns) {
-        stBytes.push_back(
-            {{"offset", stRun.uiOffset}, {"old", HexBytes(stRun.vecOld)}, {"new", HexBytes(stRun.vecNew)}});
-    }
-    return stBytes;
 }

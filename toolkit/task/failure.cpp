@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "terminal/failure.h"
+#include "toolkit/task/failure.h"
 
 #include "toolkit/base/text.h"
 #include "toolkit/controller/device_json.h"

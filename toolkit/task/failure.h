@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // How a command ends: its exit code, and a failure as programs read it.
-#ifndef FRUCTL_TERMINAL_FAILURE_H
-#define FRUCTL_TERMINAL_FAILURE_H
+#ifndef TOOLKIT_TASK_FAILURE_H
+#define TOOLKIT_TASK_FAILURE_H
 
 #include <string>
 #include <utility>
