@@ -28,7 +28,11 @@ std::string Shown(const json &stValue)
 json ParseJsonFile(const std::string &strFile)
 {
     const std::vector<u8> vecBytes = ReadNamedFile(strFile);
-    const std::string strTitle = NamedFileTitle(strFile);
+    return ParseJsonDocument({vecBytes.begin(), vecBytes.end()}, NamedFileTitle(strFile));
+}
+
+json ParseJsonDocument(const std::string &strText, const std::string &strTitle)
+{
     std::vector<std::set<std::string>> vecSeen;
     const auto fnCheck = [&](int iDepth, json::parse_event_t enEvent, json &stValue) {
         if (iDepth > JSON_DEPTH_MAX) {
@@ -49,7 +53,7 @@ json ParseJsonFile(const std::string &strFile)
         return true;
     };
     try {
-        return json::parse(vecBytes.begin(), vecBytes.end(), fnCheck);
+        return json::parse(strText, fnCheck);
     } catch (const json::parse_error &stError) {
         std::string strWhat = stError.what();
         strWhat.erase(0, std::min(strWhat.size(), strWhat.find("] ") + 2U)); // the library's own numbering

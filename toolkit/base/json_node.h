@@ -14,6 +14,8 @@
 
 // The file's JSON; members that stand twice in one object are refused.
 nlohmann::json ParseJsonFile(const std::string &strFile);
+// The same for a text in memory; strTitle goes in front of every complaint.
+nlohmann::json ParseJsonDocument(const std::string &strText, const std::string &strTitle);
 
 class JsonNode
 {

@@ -10,7 +10,7 @@ namespace {
 
 constexpr u32 SEVERITY_WARNING = 4U;
 
-std::vector<std::string> g_vecDiagnostics;
+thread_local std::vector<std::string> g_vecDiagnostics; // a sink is called on the thread that logs
 std::function<void(const DIAGNOSTIC_S &stDiagnostic)> g_fnEach;
 
 void TakeDiagnostic(const BMCHOST_DIAG_S *pstDiag, void * /*pContext*/)
