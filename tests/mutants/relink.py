@@ -26,6 +26,9 @@ class Tests:
         """What decides the meaning of a file: folders, macros, language."""
         return [strWord for strWord in shlex.split(self.dictCommands[strFile]) if re.match(r"-(I|D|f|std)", strWord)]
 
+    def Compiler(self, strFile):
+        return next(strWord for strWord in shlex.split(self.dictCommands[strFile]) if not strWord.endswith("ccache"))
+
     def Object(self, strFile):
         return re.search(r" -o (\S+)", self.dictCommands[strFile]).group(1)
 

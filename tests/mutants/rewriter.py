@@ -2,6 +2,8 @@
 """Finds the places of a source file where one operator, constant, branch or call can be changed, and rewrites the file so that
 each change is made or not at run time. Lines stay where they are: messages carry their numbers."""
 import dataclasses
+import hashlib
+import pathlib
 import re
 
 from clang import cindex
@@ -11,6 +13,7 @@ OPERATORS = {
     "+": ["-"], "-": ["+"], "*": ["/"], "/": ["*"], "%": ["*"], "&": ["|"], "|": ["&"], "^": ["&"], "<<": [">>"], ">>": ["<<"]}
 ASSIGNMENTS = {"+=": "-=", "-=": "+=", "|=": "&=", "&=": "|=", "<<=": ">>=", ">>=": "<<=", "*=": "/=", "^=": "&="}
 KIND = cindex.CursorKind
+TOOL = pathlib.Path(__file__).read_text(encoding="utf-8")
 WHOLE = {cindex.TypeKind.CHAR_U, cindex.TypeKind.UCHAR, cindex.TypeKind.USHORT, cindex.TypeKind.UINT, cindex.TypeKind.ULONG,
          cindex.TypeKind.CHAR_S, cindex.TypeKind.SCHAR, cindex.TypeKind.SHORT, cindex.TypeKind.INT, cindex.TypeKind.LONG,
          cindex.TypeKind.LONGLONG, cindex.TypeKind.ULONGLONG, cindex.TypeKind.ENUM}
@@ -27,6 +30,7 @@ class Mutant:
     iLine: int
     strFunction: str
     strChange: str
+    strDigest: str  # of the function as it is
     strKey: str = ""
 
 
@@ -43,9 +47,11 @@ class Rewriter:
         self.listMutants = []
         self.listInsertions = []
         self.setStatements = set()  # a macro of two statements is one
+        self.setConstants = set()
         self.iNext = iFirst
         self.setSkipped = setSkipped
         self.strFunction = ""
+        self.strDigest = ""
         for stCursor in stUnit.cursor.get_children():
             if stCursor.kind == KIND.MACRO_INSTANTIATION and self._IsHere(stCursor):
                 self.listMacros.append(self._Range(stCursor))
@@ -94,7 +100,7 @@ class Rewriter:
         iLine = stCursor.extent.start.line
         if (iLine, strChange) in self.setSkipped:
             return 0
-        self.listMutants.append(Mutant(self.iNext, self.strName, iLine, self.strFunction, strChange))
+        self.listMutants.append(Mutant(self.iNext, self.strName, iLine, self.strFunction, strChange, self.strDigest))
         self.iNext += 1
         return self.iNext - 1
 
@@ -126,6 +132,7 @@ class Rewriter:
         if stCursor.kind in FUNCTIONS:
             if stCursor.is_definition() and "constexpr" not in self._Source(self._Range(stCursor)).split("(")[0]:
                 self.strFunction = stCursor.spelling
+                self.strDigest = hashlib.sha256((TOOL + self._Source(self._Range(stCursor))).encode()).hexdigest()[:16]
                 for stChild in stCursor.get_children():
                     if stChild.kind == KIND.COMPOUND_STMT and self._IsPlain(self._Range(stChild)):
                         self._Visit(stChild)
@@ -212,6 +219,8 @@ class Rewriter:
 
     def _Constant(self, stCursor, tRange):
         strText = self._Source(tRange)
+        if strText == "__LINE__" or tRange in self.setConstants:
+            return  # where a message comes from changes with every edit; a macro's number and its conversion are one place
         bConstant = stCursor.kind == KIND.INTEGER_LITERAL or re.fullmatch(r"[A-Z][A-Z0-9_]+", strText) is not None
         if stCursor.kind == KIND.DECL_REF_EXPR and not bConstant:
             stMeant = stCursor.referenced
@@ -219,4 +228,5 @@ class Rewriter:
                 stMeant.kind == KIND.VAR_DECL and stMeant.type.is_const_qualified() and stMeant.semantic_parent.kind != KIND.FUNCTION_DECL
                 and stMeant.type.get_canonical().kind in WHOLE and strText.startswith("g_")))
         if bConstant and stCursor.type.get_canonical().kind in WHOLE and re.fullmatch(r"[\w:]+", strText):
+            self.setConstants.add(tRange)
             self._Alternatives(stCursor, [(f"{strText} + 1", f"static_cast<decltype({strText})>(static_cast<long>({strText}) + 1)")], tRange)

@@ -53,6 +53,17 @@ inline void Put(u8 ucDeviceID, u8 ucComponentType, u8 ucInstance, const fake::BY
     fake::Eeprom(g_ucBus, g_ucAddress) = vecImage;
 }
 
+// The same with a header that does not hold, and a stored image that a recovery would write over it.
+inline void PutDamaged(u8 ucDeviceID, u8 ucComponentType, u8 ucInstance, const fake::BYTES &vecImage)
+{
+    Put(ucDeviceID, ucComponentType, ucInstance, vecImage);
+    FRU_DEVICE_INFO_S stInfo = Info(ucDeviceID, static_cast<u16>(vecImage.size()));
+    (void)strcpy(stInfo.acImageFilePath, "/opt/fru/board.bin");
+    PutInfo(stInfo);
+    fake::WriteFile("/opt/fru/board.bin", vecImage);
+    fake::Eeprom(g_ucBus, g_ucAddress)[7] ^= 0xFFU;
+}
+
 // The messages of lib_fru itself, without those of the decoder below it.
 inline std::vector<std::string> OwnMessages()
 {

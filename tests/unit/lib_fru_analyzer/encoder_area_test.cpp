@@ -176,4 +176,45 @@ TEST(ConvertToArray, AnAreaMayStartAtByte2040)
     EXPECT_EQ(fake::Messages(), LINES{});
 }
 
+TEST(ConvertToArray, MultiRecordsMayStartAtByte2040)
+{
+    fake::Reset();
+    RECORD record;
+    model::RECORD_S stModel;
+    Stretch(AreaCases()[0], stModel);
+    stModel.optChassis->vecCustom.back().resize(stModel.optChassis->vecCustom.back().size() - 8U);
+    stModel.vecMultiRecord = {{4U, 0x82U, {9U}}};
+    model::Fill(record.Get(), stModel);
+    const ENCODED_S stEncoded = Encode(record.Get(), 8192);
+    ASSERT_EQ(stEncoded.iRet, 2048);
+    EXPECT_EQ(stEncoded.vecImage[5], 255U);
+    EXPECT_EQ(stEncoded.vecImage[2040], 4U);
+    EXPECT_EQ(fake::Messages(), LINES{});
+}
+
+TEST(ConvertToArray, OnlyTheTopBitOfAMultiRecordsFormatEndsTheList)
+{
+    for (u32 uiFormat = 0; uiFormat < 0x80U; ++uiFormat) {
+        fake::Reset();
+        RECORD record;
+        model::RECORD_S stModel;
+        stModel.vecMultiRecord = {{3U, static_cast<u8>(uiFormat), {1U, 2U, 3U}},
+                                  {4U, static_cast<u8>(0x80U | uiFormat), {9U, 8U, 7U}}};
+        model::Fill(record.Get(), stModel);
+        EXPECT_EQ(Encode(record.Get(), 64).iRet, 8 + 16) << uiFormat;
+    }
+}
+
+TEST(ConvertToArray, TheHeadersChecksumHoldsWhateverTheBufferHeld)
+{
+    fake::Reset();
+    RECORD record;
+    for (u32 i = 0; i < 8U; ++i) {
+        BYTES vecBuf(8, 0U);
+        vecBuf[i] = 0x5AU;
+        EXPECT_EQ(FRU_ANALYZER_ConvertToArray(record.Get(), 8, vecBuf.data()), 8);
+        EXPECT_EQ(image::ZeroCheckSum(vecBuf), 0U) << i;
+    }
+}
+
 } // namespace

@@ -95,6 +95,15 @@ TEST(WriteFRUDataByType, RefusesATextThatTheLengthBitsCannotHold)
                      Line(2, "FRU data exceeds[0x80, 0x64]")}));
 }
 
+TEST(WriteFRUDataByType, RefusesItAlsoWhereItWouldJustFitTheRoom)
+{
+    fake::Reset();
+    BYTES vecBuf(65, g_ucGuard);
+    EXPECT_EQ(FRU_WriteFRUDataByType(std::string(64, 'x').c_str(), 65, vecBuf.data()), -1);
+    EXPECT_EQ(vecBuf, BYTES(65, g_ucGuard));
+    EXPECT_EQ(fake::Messages(), LINES{Line(2, "FRU data exceeds[0x41, 0x40]")});
+}
+
 #if SIZE_MAX > UINT32_MAX
 // 4 GiB and a few characters, of one small file mapped again and again.
 TEST(WriteFRUDataByType, ALengthIsNotCutTo32Bits)

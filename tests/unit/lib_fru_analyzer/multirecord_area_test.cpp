@@ -57,6 +57,18 @@ TEST(MultiRecordArea, RecordsAreReadUpToTheEndOfList)
     EXPECT_EQ(fake::Messages(), LINES{});
 }
 
+TEST(MultiRecordArea, OnlyTheTopBitOfTheFormatEndsTheList)
+{
+    for (u32 uiFormat = 0; uiFormat < 0x80U; ++uiFormat) {
+        fake::Reset();
+        RECORD record;
+        BYTES vecArea = Record(0x03U, {9U}, false, static_cast<u8>(uiFormat));
+        image::operator+=(vecArea, Record(0x04U, {8U}, true, static_cast<u8>(uiFormat)));
+        EXPECT_EQ(Decode(ImageOfRecords(vecArea), record.Get()), 0U);
+        EXPECT_EQ(BuffersHeld(record.Get()), 2U) << uiFormat;
+    }
+}
+
 TEST(MultiRecordArea, MayEndWithTheImage)
 {
     fake::Reset();

@@ -114,6 +114,19 @@ TEST(SafeFree, AnArrayWithACountOfZeroIsReleased)
     EXPECT_EQ(fake::LiveAllocations(), uiBefore);
 }
 
+TEST(SafeFree, AMultiRecordAloneIsReleasedWhereverItStands)
+{
+    for (u32 i = 0; i < FRU_MULTIRECORD_MAX; ++i) {
+        fake::Reset();
+        const u32 uiBefore = fake::LiveAllocations();
+        FRU_DATA_S stData{};
+        stData.astMultiRecord[i].pucRecordData = model::Heap("data");
+        FRU_ANALYZER_SafeFree(&stData);
+        EXPECT_TRUE(stData.astMultiRecord[i].pucRecordData == nullptr) << i;
+        EXPECT_EQ(fake::LiveAllocations(), uiBefore);
+    }
+}
+
 TEST(SafeFree, NullFieldsInAnArrayAreSkipped)
 {
     fake::Reset();

@@ -213,4 +213,17 @@ TEST(RoundTrip, ACustomFieldOfOneByteEndsTheList)
     EXPECT_EQ(stArea.vecCustom, LINES{"first"});
 }
 
+// What stands behind the header in the image belongs to another area.
+TEST(AbsentAreas, StayAsTheCallerLeftThem)
+{
+    fake::Reset();
+    RECORD record;
+    image::AREAS_S stAreas;
+    stAreas.vecBoard = image::BoardArea(25, {1, 2, 3}, image::Texts({"M", "N", "S", "P", "F"}));
+    EXPECT_EQ(Decode(image::Image(stAreas), record.Get()), 0U);
+    EXPECT_EQ(record->stInternalUseArea.ucFormatVersion, 0U);
+    EXPECT_EQ(record->stChassisInfo.ucFormatVersion, 0U);
+    EXPECT_EQ(record->stProductInfo.ucFormatVersion, 0U);
+}
+
 } // namespace

@@ -120,6 +120,15 @@ TEST(GetStringFromType, AShortLastSixBitGroupStillYieldsFourCharacters)
     EXPECT_EQ(DecodeField(Field(2U, {0x29U, 0xDCU, 0xA6U, 0xFFU})).ucSize, 9U);
 }
 
+TEST(GetStringFromType, TheBytesThatAShortSixBitGroupLacksCountAsZero)
+{
+    fake::Reset();
+    EXPECT_EQ(DecodeField(Field(2U, {0x00U})).strText, "    ");
+    EXPECT_EQ(DecodeField(Field(2U, {0x00U, 0x00U})).strText, "    ");
+    EXPECT_EQ(DecodeField(Field(2U, {0x28U})).strText, "H   ");
+    EXPECT_EQ(DecodeField(Field(2U, {0x28U, 0xDCU})).strText, "HP- ");
+}
+
 TEST(GetStringFromType, EveryTypeAndLengthHasItsBufferSize)
 {
     for (u32 uiCount = 1; uiCount < 64U; ++uiCount) {

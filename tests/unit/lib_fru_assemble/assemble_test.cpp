@@ -191,6 +191,17 @@ TEST_F(Assembly, EachProductTextAloneGivesAProductArea)
     }
 }
 
+TEST_F(Assembly, ATextOfOneCharacterIsEnoughForAnArea)
+{
+    for (const u32 uiSlot : {4U, 8U}) {
+        fake::Reset();
+        EXPECT_EQ(Assemble({{uiSlot, "x"}}), 0U);
+        const BYTES vecImage = fake::Db()[g_uiKey];
+        EXPECT_EQ(vecImage[3], uiSlot == 4U ? 1U : 0U);
+        EXPECT_EQ(vecImage[4], uiSlot == 8U ? 1U : 0U);
+    }
+}
+
 TEST_F(Assembly, AllTextsCanBeDecodedAgain)
 {
     EXPECT_EQ(Assemble(g_mapAll), 0U);

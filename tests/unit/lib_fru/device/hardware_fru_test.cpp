@@ -129,6 +129,16 @@ TEST_F(HardwareFru, NumbersBeyondAByteNameNoComponent)
     EXPECT_TRUE(IsFilled(m_stData, 0xA5));
 }
 
+TEST_F(HardwareFru, TheLargestByteNamesAComponentAndTheNextNumberNone)
+{
+    one_device::PutTable(g_ucID, 0xFF, 0xFF);
+    EXPECT_EQ(LIB_FRU_GetHWFRUData(0, 0xFF, 0xFF, &m_stData), FRU_OK);
+    EXPECT_TRUE(Holds(m_stData, Block()));
+    one_device::PutTable(g_ucID, 0, 0); // what 256 would be, cut to a byte
+    EXPECT_EQ(LIB_FRU_GetHWFRUData(0, 0x100, 0, &m_stData), LIB_FRU_ERR_NO_DEVICE_ID);
+    EXPECT_EQ(LIB_FRU_GetHWFRUData(0, 0, 0x100, &m_stData), LIB_FRU_ERR_NO_DEVICE_ID);
+}
+
 TEST_F(HardwareFru, ReadWithoutDeviceInformation)
 {
     fake::Db().erase(0x10810000U | g_ucID);

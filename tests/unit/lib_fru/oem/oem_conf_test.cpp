@@ -268,6 +268,17 @@ TEST(OemConf, FruWithoutAreasLeavesTheNamesEmpty)
     EXPECT_TRUE(Same(stConf, WithoutKeys()));
 }
 
+TEST(OemConf, ADamagedFruIsNotRecovered)
+{
+    fake::Reset();
+    Keys();
+    one_device::PutDamaged(0, 0, 0, image::FullImage());
+    FRU_OEM_CONF_S stConf = Filled();
+    FRU_GetOEMConf(&stConf);
+    EXPECT_TRUE(Same(stConf, WithoutKeys()));
+    EXPECT_TRUE(fake::Calls("EEPROM write").empty());
+}
+
 TEST(OemConf, SurvivesEveryFailure)
 {
     FRU_OEM_CONF_S stConf = {};

@@ -225,6 +225,8 @@ TEST(CharaIsLegal, EveryOtherByteIsIllegalAndTheTextUpperCasedAllTheSame)
         char acText[] = "ab?1z";
         acText[2] = static_cast<char>(uiByte);
         EXPECT_EQ(FRU_CheckCharaIsLegal(acText), bLegal ? FRU_OK : FRU_ERR_FAILED) << uiByte;
+        const bool bLower = uiByte >= 'a' && uiByte <= 'z';
+        EXPECT_EQ(static_cast<u8>(acText[2]), bLower ? uiByte - 'a' + 'A' : uiByte);
         EXPECT_EQ(std::string(acText, 2), "AB");
         EXPECT_STREQ(acText + 3, "1Z");
     }

@@ -202,6 +202,17 @@ TEST(SetOemConf, AFruThatDoesNotDecodeIsReleased)
     EXPECT_TRUE(fake::Calls("Ini").empty());
 }
 
+TEST(SetOemConf, ADamagedFruIsNotRecovered)
+{
+    fake::Reset();
+    one_device::PutDamaged(0, 0, 0, image::FullImage());
+    Keys() = OldKeys();
+    FRU_SetOEMConf();
+    EXPECT_EQ(fake::Messages().back(), "[23]0/2 lib_fru.c: Get fru info failed!");
+    EXPECT_TRUE(fake::Calls("EEPROM write").empty());
+    EXPECT_EQ(Keys(), OldKeys());
+}
+
 TEST(SetOemConf, WithoutAFile)
 {
     fake::Reset();
