@@ -73,13 +73,15 @@ int __wrap_clock_gettime(clockid_t iClock, struct timespec *pstTime)
     if (fake::State().optTime) {
         *pstTime = TimeOf(fake::State().optTime->first * g_iSecond + fake::State().optTime->second);
     }
-    g_iLastRead = Nanoseconds(*pstTime);
+    if (iClock == CLOCK_REALTIME) { // the one that sem_timedwait's deadlines count by
+        g_iLastRead = Nanoseconds(*pstTime);
+    }
     return iRet;
 }
 
 int __wrap_sem_init(sem_t *pstSem, int iShared, unsigned uiValue)
 {
-    if (fake::Fault(fake::KIND_E::SEMAPHORE)) {
+    if (fake::Fault(fake::KIND_E::SEMAPHORE) || iShared != 0) { // no other process has a part in any of them
         errno = ENOSYS;
         return -1;
     }

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "lib_fru_multirecord/store.h"
 #include "mr_test_helper.h"
 
 using namespace mr;
@@ -191,6 +192,46 @@ TEST_F(Store, TheLastUserOfADestroyedStoreTakesItsLockAway)
     EXPECT_EQ(fake::Messages(), LINES{Message("MultiRecords is not inited!")});
     FRU_quitInnerStore();
     EXPECT_TRUE(IsStoreZero());
+}
+
+// ---- records
+
+TEST_F(Store, ACopyOfAnEmptyStoreIsEmptyAndNoFailure)
+{
+    ASSERT_EQ(FRU_initMultiRecords(), 0U);
+    FRU_INNER_MR_COPY_S stCopy = {};
+    EXPECT_TRUE(FRU_copyInnerMultiRecords(&stCopy));
+    EXPECT_EQ(stCopy.uiCount, 0U);
+    EXPECT_TRUE(fake::Messages().empty());
+    EXPECT_EQ(fake::TakeStdout(), "");
+}
+
+TEST_F(Store, ARecordPutAfterADestroyStaysWhenItsUserLeaves)
+{
+    ASSERT_EQ(FRU_joinInnerStore(), 0U); // as a user that waits
+    FRU_destroyMultiRecords();
+    const BYTES vecRecord = Record(3, 2, DataOf(2, "nam"));
+    EXPECT_EQ(FRU_putInnerMultiRecord(reinterpret_cast<const FRU_INNER_MR_S *>(vecRecord.data())),
+              FRU_MR_PUT_QUEUED);
+    FRU_quitInnerStore();
+    EXPECT_EQ(g_stInnerMRStore.ucInited, 1U);
+    ASSERT_EQ(QueuedCount(), 1U);
+    EXPECT_EQ(Queued(0), vecRecord);
+}
+
+TEST_F(Store, ARecordQueuedAlreadyIsNoFailureAndAFullStoreIsOne)
+{
+    for (u32 i = 0; i < FRU_MULTIRECORD_MAX - 1U; ++i) {
+        PutQueued(Record(3, 2, {static_cast<u8>(0x80U + i), 'x'}));
+    }
+    const BYTES vecRecord = Record(3, 2, DataOf(2, "nam"));
+    const auto *pstRecord = reinterpret_cast<const FRU_INNER_MR_S *>(vecRecord.data());
+    EXPECT_EQ(FRU_queryAndUpdateInnerMultiRecord(
+                  reinterpret_cast<const FRU_INNER_MR_S *>(Record(3, 2, {0x80U, 'x'}).data())),
+              0U);
+    EXPECT_EQ(FRU_queryAndUpdateInnerMultiRecord(pstRecord), 0U);
+    EXPECT_EQ(FRU_queryAndUpdateInnerMultiRecord(pstRecord), g_uiFailed);
+    EXPECT_EQ(QueuedCount(), FRU_MULTIRECORD_MAX);
 }
 
 } // namespace

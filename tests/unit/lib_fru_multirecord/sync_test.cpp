@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "lib_fru_multirecord/store.h"
 #include "mr_test_helper.h"
 
 using namespace mr;
@@ -77,6 +78,40 @@ TEST_F(Sync, AFruThatCannotBeReadKeepsTheQueue)
     ASSERT_FALSE(vecMessages.empty());
     EXPECT_EQ(vecMessages.back(), Message("Failed to get fru data! Ret:0x29000001."));
     ExpectFailed({}, 1);
+}
+
+TEST_F(Sync, ADamagedFruIsNotRecovered)
+{
+    PutMainFru(Image({g_vecName}));
+    FRU_DEVICE_INFO_S stInfo = {};
+    (void)memcpy(&stInfo, fake::Db()[0x10810000].data(), sizeof(stInfo));
+    (void)std::strcpy(stInfo.acImageFilePath, "/opt/fru/bmc.bin");
+    (void)memcpy(fake::Db()[0x10810000].data(), &stInfo, sizeof(stInfo));
+    fake::WriteFile("/opt/fru/bmc.bin", Image({}));
+    fake::Eeprom(g_ucBus, g_ucAddress)[7] ^= 0xFFU;
+    PutQueued(g_vecUrl);
+    EXPECT_EQ(FRU_syncAllMultiRecords(), g_uiFailed);
+    EXPECT_EQ(fake::Calls("EEPROM write"), LINES{});
+    EXPECT_EQ(QueuedCount(), 1U);
+}
+
+// Another thread's destroy, say. The decoder's report of the board area is the moment.
+TEST_F(Sync, AQueueEmptiedWhileTheFruIsReadLeavesNothingToMerge)
+{
+    for (const bool bArea : {false, true}) {
+        image::AREAS_S stAreas;
+        stAreas.vecBoard = image::BoardArea(25, {1, 2, 3}, image::Texts({"M", "N", "S", "P", "F"}));
+        stAreas.vecMultiRecord = bArea ? List({g_vecUrl}) : BYTES{};
+        PutMainFru(image::Image(stAreas));
+        PutQueued(g_vecName);
+        (void)fake::TakeStdout();
+        fake::SetLogHook([](const std::string &) { FRU_emptyInnerStore(); });
+        EXPECT_EQ(FRU_syncAllMultiRecords(), 0U);
+        fake::SetLogHook({});
+        EXPECT_EQ(fake::Calls("EEPROM write"), LINES{});
+        EXPECT_EQ(fake::TakeStdout(), "");
+        EXPECT_EQ(fake::Messages().size(), bArea ? 2U : 1U); // the decoder's
+    }
 }
 
 TEST_F(Sync, ReadsTheMainFruFromTheDeviceAndWritesItOnce)
@@ -238,6 +273,12 @@ TEST_F(Sync, TheLastRecordReplacedGetsTheEndMarkBack)
     ExpectDone({g_vecUrl, vecNew});
 }
 
+TEST_F(Sync, TheOnlyRecordReplacedKeepsTheEndMark)
+{
+    EXPECT_EQ(Run({g_vecName}, {Record(3, 2, DataOf(2, "eman"))}), 0U);
+    ExpectDone({Record(3, 2, DataOf(2, "eman"))});
+}
+
 TEST_F(Sync, RecordsOfOtherTypesAreNeverTheSame)
 {
     EXPECT_EQ(Run({g_vecOther}, {g_vecName}), 0U); // both begin with the byte 2
@@ -392,22 +433,6 @@ TEST_F(Sync, A256ByteValueGetsIntoAnExistingAreaUnchecked)
     vecRecord[3] = 0xFD;
     EXPECT_EQ(Chip(), Image({g_vecUrl, WithEnd(vecRecord, false)}));
     EXPECT_EQ(fake::Messages(), LINES{});
-}
-
-// ---- search in the table
-
-TEST_F(Sync, AnEntryWithoutDataBytesHasNoSubType)
-{
-    FRU_MULTIRECORD_S astTable[FRU_MULTIRECORD_MAX] = {};
-    const std::unique_ptr<u8[]> upNone(new u8[0]);
-    astTable[0].ucRecordTypeID = 3;
-    astTable[0].pucRecordData = upNone.get();
-    PutQueued(g_vecName);
-    FRU_MR_PLACE_E ePlace = FRU_MR_PLACE_NONE;
-    u32 uiIndex = 99;
-    EXPECT_EQ(FRU_tellMultiRecordExistFlag(astTable, g_stInnerMRStore.apstRecords[0], &ePlace, &uiIndex), 0U);
-    EXPECT_EQ(ePlace, FRU_MR_PLACE_FREE);
-    EXPECT_EQ(uiIndex, 1U);
 }
 
 // ---- write

@@ -80,6 +80,8 @@ TEST(GetLabel, AMissingProductAreaIsMadeOfEmptyTexts)
     label::Provision(stDevice, label::Encode(WithoutProduct(), stDevice.usSize));
     const FRU_SET_PARA_S stBlock = Request(stDevice, "FRU File ID", "new");
     RECORD_S stRecord;
+    stRecord.stData.stProductInfo.ucAreaLength = 9U; // what the caller left there
+    stRecord.stData.stProductInfo.ucLanguage = 25U;
     EXPECT_EQ(FRU_GetElectronicLabel(&stBlock, &stRecord.stData), 0U);
     EXPECT_EQ(stRecord.stData.stCommonHeader.ucProductInfoAreaStartOffset, 1U);
     const FRU_PRODUCT_INFO_S &stProduct = stRecord.stData.stProductInfo;

@@ -260,6 +260,14 @@ TEST(LabelValue, AnEmptyValueIsAcceptedOnlyWhereBlanksAre)
     }
 }
 
+TEST(LabelValue, WhatLiesBehindTheEndOfAnEmptyValueDoesNotMatter)
+{
+    for (const char *pcName : {"Board Top Serial Number", "Product Node Type", "Product Node Power"}) {
+        EXPECT_EQ(CheckCounted(pcName, std::string(3U, '\0'), 0), Accepted("")) << pcName;
+        EXPECT_EQ(CheckCounted(pcName, std::string("\0xyz", 4U), 0), Accepted("")) << pcName;
+    }
+}
+
 TEST(LabelValue, OneCharacterIsForbiddenInCustomFields)
 {
     for (const char *pcName : {"Chassis Location Node ID", "Board Top Serial Number", "Product Node Type",

@@ -115,6 +115,7 @@ TEST(SerialNumberFile, AddsTheOthersReadBitAndNothingElse)
                                             {0600U, 0604U},
                                             {0644U, 0644U},
                                             {0606U, 0606U},
+                                            {0601U, 0605U},
                                             {0755U, 0755U}}) {
         fake::Reset();
         MakeDirectories();
@@ -304,6 +305,15 @@ TEST(SerialNumberFile, ReadsTheStoredBytesWithoutATerminator)
     EXPECT_TRUE(fake::Messages().empty());
     EXPECT_EQ(fake::Calls(), (LINES{std::string("access ") + g_acPrimary + " 0 -> 0",
                                     std::string("fopen ") + g_acPrimary + " r -> open"}));
+}
+
+TEST(SerialNumberFile, ReadsASerialNumberOfOneCharacter)
+{
+    fake::Reset();
+    fake::WriteFile(g_acPrimary, Bytes("7"));
+    char acText[4] = {'a', 'b', 'c', 'd'};
+    EXPECT_EQ(LIB_FRU_GetPSNFromFile(sizeof(acText), acText), 0U);
+    EXPECT_EQ(std::string(acText, sizeof(acText)), "7bcd");
 }
 
 TEST(SerialNumberFile, ReadsALongerFileOnlyAsFarAsTheBufferGoes)

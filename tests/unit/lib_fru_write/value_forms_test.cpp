@@ -133,6 +133,18 @@ std::string Damaged(Random &stRandom, std::string strText)
     return strText;
 }
 
+TEST(ValueForms, AYearIsFourDigits)
+{
+    Dates dates;
+    for (const char *pcYear :
+         {"", "x", "1x", "12x", "123x", "x123", "1x23", "12x4", "20 4", "-202", "/202", ":202"}) {
+        dates.Compare(pcYear);
+        dates.Compare(pcYear + std::string("-01-01"));
+        dates.Compare(pcYear + std::string("-1-1 1:1:1"));
+    }
+    EXPECT_EQ(dates.Matched(0) + dates.Matched(1) + dates.Matched(2) + dates.Matched(3), 0U);
+}
+
 TEST(ValueForms, EveryDayOfEveryMonthIsWhatItsExpressionSays)
 {
     Dates stDates;
