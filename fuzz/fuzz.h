@@ -92,13 +92,12 @@ inline std::unique_ptr<u8[]> Exact(const BYTES &vecBytes)
 }
 
 // The sums of the header and of what it points to, put right, so that a changed byte gets past them.
-inline void Seal(BYTES &vecImage)
+inline void SealSums(BYTES &vecImage)
 {
     const size_t uiSize = vecImage.size();
     if (uiSize < FRU_COMMON_HEADER_LEN) {
         return;
     }
-    vecImage[0] = 1U;
     vecImage[7] = BMC_CalcZeroCheckSum(vecImage.data(), FRU_COMMON_HEADER_LEN - 1U);
     for (size_t i = 2; i <= 4; i++) {
         const size_t uiStart = vecImage[i] * size_t{FRU_AREA_UNIT};
@@ -119,6 +118,15 @@ inline void Seal(BYTES &vecImage)
         pucRecord[4] = BMC_CalcZeroCheckSum(pucRecord, FRU_MULTIRECORD_HEADER_LEN - 1U);
         uiRecord = (pucRecord[1] & FRU_MULTIRECORD_END_OF_LIST) != 0U ? 0U : uiNext;
     }
+}
+
+// The header's version, too.
+inline void Seal(BYTES &vecImage)
+{
+    if (vecImage.size() >= FRU_COMMON_HEADER_LEN) {
+        vecImage[0] = 1U;
+    }
+    SealSums(vecImage);
 }
 
 // ---- one device, ID 0, of this component type; its EEPROM and its cached image hold the same ----
