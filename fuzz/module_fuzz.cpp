@@ -2,9 +2,9 @@
 // Fuzzes what the simulator's module puts in front of the handlers: requests of any length for any command, with any room
 // for the answer. No answer is longer than its room, and none is empty. Input: device size, then requests.
 #include <cstdio>
-#include <cstdlib>
 
 #include "bmcfru_host.h"
+#include "folder.h"
 #include "fru_requests.h"
 #include "fuzz.h"
 #include "ipmi_codes.h"
@@ -17,19 +17,12 @@ constexpr u8 COMMANDS[] = {IPMI_CMD_GET_FRU_AREA_INFO, IPMI_CMD_READ_FRU_DATA, I
 constexpr u8 FIRST_SDR_COMMAND = 0x20U;
 constexpr u8 SDR_COMMANDS = 9U;
 
-// The write lock is a file below a directory that ends with the process's.
-const char *LockRoot()
-{
-    static char acRoot[] = "/dev/shm/bmcfru_fuzz_XXXXXX";
-    static const char *const pcRoot = mkdtemp(acRoot);
-    return pcRoot;
-}
-
 } // namespace
 
 u32 BMCHOST_ResolvePath(const char *, size_t uiSize, char *pcResolved)
 {
-    return snprintf(pcResolved, uiSize, "%s", LockRoot()) > 0 ? 0U : 1U;
+    static const fuzz::Folder FOLDER; // of the write lock
+    return snprintf(pcResolved, uiSize, "%s", FOLDER.Path().c_str()) > 0 ? 0U : 1U;
 }
 
 int LLVMFuzzerTestOneInput(const u8 *pucData, size_t uiSize)

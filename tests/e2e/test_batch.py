@@ -167,6 +167,18 @@ class Results(BatchTest):
         shutil.rmtree(self.pathRoot)
         self.Provision()
 
+    def test_results_on_a_controller_of_any_name_are_known_again(self):
+        pathOther = self.pathTemp / "Prüffeld"
+        shutil.copytree(self.pathRoot, pathOther)
+        pathTable = self.Table(f"root,device,{SERIAL}\n{pathOther},psu1,N001A\n")
+        for strName in ("done.csv", "done.jsonl"):
+            with self.subTest(strName):
+                pathDone = self.pathTemp / strName
+                self.assertEqual(self.Batch(pathTable, "--results", pathDone).iCode, 0)
+                stAgain = self.Batch(pathTable, "--results", pathDone)
+                self.assertEqual((stAgain.iCode, self.Rows(stAgain)), (0, []), stAgain.strErr)
+                self.assertIn("1 done before", stAgain.strErr)
+
     def test_a_failure_stops_the_batch_or_not_as_asked_and_the_same_command_goes_on(self):
         pathTable = self.Table(f"device,{SERIAL}\npsu1,N001A\nnone,N002A\npsu2,N003A\n")
         for strName in ("done.csv", "done.jsonl"):

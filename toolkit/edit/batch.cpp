@@ -13,6 +13,7 @@ namespace {
 constexpr const char *RESULT_ROW = "row";
 constexpr const char *RESULT_STATE = "result";
 constexpr const char *RESULT_MESSAGE = "message";
+constexpr const char *NO_RESULTS = "no results of a batch; accepted: another --results FILE";
 constexpr const char *RESULT_LABELS = "labels"; // in JSON: the object of them
 
 const char *StateWord(BatchState enState)
@@ -143,6 +144,22 @@ const std::string *FindValue(const BATCH_ROW_S &stRow, const std::string &strLab
         }
     }
     return nullptr;
+}
+
+// As BatchJson() was given them: what is no Latin-1 there is nobody's result.
+void TakeBytes(ROW_FILE_S &stFile, const std::string &strName)
+{
+    for (ROW_S &stRow : stFile.vecRows) {
+        for (std::optional<std::string> &optCell : stRow.vecCells) {
+            if (!optCell.has_value()) {
+                continue;
+            }
+            optCell = Utf8ToLatin1(*optCell);
+            if (!optCell.has_value()) {
+                FailRefused(strName + Format(":%zu: ", stRow.uiLine) + NO_RESULTS);
+            }
+        }
+    }
 }
 
 } // namespace
@@ -278,7 +295,7 @@ ROW_FILE_S ParseResults(const std::string &strText, const std::string &strName)
         Json stLine = ParseJsonText<Json>(strText.substr(uiStart, uiEnd - uiStart));
         uiStart = uiEnd + 1U;
         if (!stLine.is_object() || !stLine.contains(RESULT_LABELS) || !stLine[RESULT_LABELS].is_object()) {
-            FailRefused(strName + ": no results of a batch; accepted: another --results FILE");
+            FailRefused(strName + ": " + NO_RESULTS);
         }
         const Json stLabels = stLine[RESULT_LABELS];
         stLine.erase(RESULT_LABELS);
@@ -287,5 +304,7 @@ ROW_FILE_S ParseResults(const std::string &strText, const std::string &strName)
         }
         strFlat += stLine.dump() + "\n";
     }
-    return ParseRows(strFlat, strName);
+    ROW_FILE_S stFile = ParseRows(strFlat, strName);
+    TakeBytes(stFile, strName);
+    return stFile;
 }
