@@ -24,3 +24,8 @@ if(BMCFRU_SANITIZE)
   add_compile_options(-fsanitize=${BMCFRU_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer -g1)
   add_link_options(-fsanitize=${BMCFRU_SANITIZE})
 endif()
+
+if(BMCFRU_COVERAGE)
+  add_compile_options(-fprofile-instr-generate -fcoverage-mapping)
+  add_link_options(-fprofile-instr-generate)
+endif()
