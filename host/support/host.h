@@ -69,7 +69,7 @@ constexpr unsigned g_uiLockPatienceMs = 5000;
 std::string NowText();
 // Appends one line to a journal below the root, whole or not at all, whatever other processes append; a
 // journal that has reached its limit first makes room for a new one.
-u32 AppendToJournal(const char *pcJournal, std::string strLine);
+u32 AppendToJournal(const char *pcJournal, const std::string &strLine);
 // The OEM flag, from the capability file.
 u32 OemFlag();
 // A capability: 0, or not 0 when there is none.

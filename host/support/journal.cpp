@@ -71,7 +71,7 @@ std::string NowText()
     return acText;
 }
 
-u32 AppendToJournal(const char *pcJournal, std::string strLine)
+u32 AppendToJournal(const char *pcJournal, const std::string &strLine)
 {
     const files::PLACE_S stPlace = WritePlaceOf(pcJournal);
     const std::string strLock = BMCHOST_LOCK_DIR "/" + NameOf(stPlace.strBelow) + ".lock";

@@ -28,6 +28,7 @@ class Cuts(CutTest):
             iNew += dictNow == dictNew
         self.assertGreaterEqual(iPoints, iAtLeast // STEP)
         self.assertTrue(0 < iNew < iPoints, f"{iNew} of {iPoints}")
+        print(f"{iPoints} kills: {iNew} times the new state")
         self.Reset(pathBase)
         shutil.rmtree(pathBase)
 
@@ -83,6 +84,7 @@ class Cuts(CutTest):
                 self.assertTrue(self.State() in (dictOld, dictNew), f"{iFirst}, then mending killed at {strPoint}")
                 iPoints += 1
         self.assertGreaterEqual(iPoints, 20 // STEP)
+        print(f"{iPoints} kills of the mending")
 
     def test_the_old_images_are_kept_and_come_back(self):
         dictFirst = self.State()

@@ -69,6 +69,7 @@ class Faults(CutTest):
                         iFailed += stDone.returncode != 0
         self.assertGreaterEqual(iTried, 12)
         self.assertGreaterEqual(iFailed, 6)
+        print(f"{iTried} faults: {iFailed} times the command failed")
 
     def test_labels(self):
         self.AssertWhole("label", "set", "baseboard", "Product Serial Number=LHFAULT001", "Board Serial Number=MBFAULT002")

@@ -55,6 +55,7 @@ class ProvisionCuts(Described, CutTest):
             iNew += dictNow == dictNew
         self.assertGreaterEqual(iPoints, iAtLeast // STEP)
         self.assertTrue(0 < iNew < iPoints, f"{iNew} of {iPoints}")
+        print(f"{iPoints} kills: {iNew} times the new controller")
         # Again while the next command finishes it, at two places.
         for pathHalf in listHalf[::-(-len(listHalf) // 2)]:
             for strPoint in self.Points(pathHalf, "list"):

@@ -44,6 +44,14 @@ class Setup(InstallTest):
             _, asLines = self.setup(strFor, "--dry-run")
             self.assertEqual("qemu-system-arm" in "\n".join(asLines).split(), bWanted, strFor)
 
+    def test_only_the_proofs_bring_what_measures_and_searches(self):
+        for strFor, bWanted in (("demo", False), ("test", False), ("target", False), ("prove", True)):
+            _, asLines = self.setup(strFor, "--dry-run")
+            setWords = set("\n".join(asLines).split())
+            for strPackage in ("llvm-14", "valgrind", "cppcheck"):
+                self.assertEqual(strPackage in setWords, bWanted, strFor)
+            self.assertEqual("libgtest-dev" in setWords, strFor != "demo")
+
     def test_what_is_done_is_told_before_it_is_done(self):
         iCode, asLines = self.setup("test")
         self.assertEqual(iCode, 0)
@@ -55,7 +63,7 @@ class Setup(InstallTest):
     def test_everything_else_is_refused_with_the_usage(self):
         done = subprocess.run([SOURCE / "scripts/setup", "everything"], capture_output=True, text=True)
         self.assertEqual(done.returncode, 2)
-        self.assertIn("usage: scripts/setup [demo|test|target] [--dry-run]", done.stderr)
+        self.assertIn("usage: scripts/setup [demo|test|target|prove] [--dry-run]", done.stderr)
 
 
 if __name__ == "__main__":

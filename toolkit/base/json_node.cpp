@@ -18,7 +18,7 @@ std::string Shown(const json &stValue)
 {
     std::string strText = EscapeText(stValue.dump(-1, ' ', true, json::error_handler_t::replace));
     if (strText.size() > 40U) {
-        strText = strText.substr(0, 37U) + "...";
+        strText.replace(37U, std::string::npos, "...");
     }
     return strText;
 }

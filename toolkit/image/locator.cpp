@@ -59,7 +59,7 @@ std::vector<u8> MakeLocator(u16 usRecordID, u8 ucDeviceID, const ENTITY_S &stEnt
         cLetter = cLetter >= ' ' && cLetter <= '~' ? cLetter : '?';
     }
     strName += strName.size() == 1U ? " " : "";
-    strName = strName.substr(0U, LOCATOR_NAME_MAX);
+    strName.resize(std::min<size_t>(strName.size(), LOCATOR_NAME_MAX));
     const std::array<u8, LOCATOR_FIXED_LEN> aucFixed = {
         static_cast<u8>(usRecordID & 0xFFU),
         static_cast<u8>(usRecordID >> 8U),

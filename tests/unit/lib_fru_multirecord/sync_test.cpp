@@ -482,6 +482,27 @@ TEST_F(Sync, AfterATimeOutItMergesAndPostsLikeAHolder)
     EXPECT_EQ(SemValue(), 2);
 }
 
+TEST_F(Sync, WhatOthersMergedWhileTheDeviceWasReadIsNotMergedAgain)
+{
+    // Its records lie behind its end, which the decoder tells; the hook is another thread's merge at that moment.
+    BYTES vecImage = {1, 0, 0, 0, 0, 0xF0, 0};
+    vecImage.push_back(ZeroCheckSum(vecImage));
+    vecImage.resize(g_uiFruSize);
+    PutMainFru(vecImage);
+    PutQueued(g_vecName);
+    fake::SetLogHook([](const std::string &strMessage) {
+        if (strMessage.find("Failed to get MultiRecordArea!") != std::string::npos) {
+            FRU_emptyInnerStore();
+        }
+    });
+    EXPECT_EQ(FRU_syncAllMultiRecords(), 0U);
+    fake::SetLogHook(nullptr);
+    EXPECT_EQ(QueuedCount(), 0U);
+    EXPECT_EQ(fake::Calls("EEPROM write"), LINES{});
+    EXPECT_EQ(Chip(), vecImage);
+    EXPECT_EQ(SemValue(), 1);
+}
+
 TEST_F(Sync, WithoutAClockItMergesAndPostsAsWell)
 {
     PutMainFru(Image({}));

@@ -1,0 +1,65 @@
+# SPDX-License-Identifier: Apache-2.0
+"""The programs of tests/prove under the address and undefined-behaviour sanitizers: every call with everything below it failing,
+and twenty images with every byte changed and every end missing."""
+import json
+import math
+
+from session import JOBS, OUT, Failed, Number
+
+CALIBRATION = 2001  # of so many variants one, to know what all take
+SHARE_PLANNED = 0.8
+
+
+def ReadLines(pathFile):
+    return [json.loads(strLine) for strLine in pathFile.read_text().splitlines()]
+
+
+def Injected(dictRow):
+    return sum(iCount for dictKinds in dictRow["injected"].values() for dictTimes in dictKinds.values() for iCount in dictTimes.values())
+
+
+def Matrix(stSession, stResult):
+    pathBuild = stSession.Build("asan", "prove_faults")
+    pathRows = OUT / "faults.json"
+    pathRows.unlink(missing_ok=True)
+    iCode, strOut = stSession.Run([pathBuild / "prove_faults", "--json", pathRows], pathCwd=pathBuild)
+    if iCode != 0:
+        stResult.Problem(f"prove_faults ends with exit code {iCode}: {strOut[-400:].strip()}")
+    if not pathRows.exists():
+        return
+    listRows = ReadLines(pathRows)
+    dictTotal = next(dictRow for dictRow in listRows if "total" in dictRow)
+    listRules = [dictRow for dictRow in listRows if "rule" in dictRow]
+    stResult.listFigures += [f"{sum('call' in dictRow for dictRow in listRows)} calls, {dictTotal['total']}, {Number(Injected(dictTotal))} faults injected, {dictTotal['leaks']} leaks",
+                             f"{Number(sum(dictRow['met'] for dictRow in listRules))} successes that are not whole, by {len(listRules)} rules"]
+    stResult.listRules = [{"rule": dictRow["rule"], "met": dictRow["met"], "reason": dictRow["reason"]} for dictRow in listRules]
+
+
+def Sweep(stSession, pathBuild, iStride):
+    """Exit code, what was printed and the total of each part, one a core."""
+    def One(iPart):
+        pathRows = OUT / f"images-{iPart}.json"
+        pathRows.unlink(missing_ok=True)
+        iCode, strOut = stSession.Run([pathBuild / "prove_images", "--stride", iStride, "--part", f"{iPart}/{JOBS}", "--json", pathRows], pathCwd=pathBuild)
+        return iCode, strOut, [dictRow for dictRow in ReadLines(pathRows) if "image" in dictRow] if pathRows.exists() else []
+
+    return stSession.Each(One, range(1, JOBS + 1))
+
+
+def Images(stSession, stResult):
+    pathBuild = stSession.Build("asan", "prove_images")
+    fBudget = stSession.Budget("images") * SHARE_PLANNED
+    fPartLongest = max(sum(dictRow["seconds"] for dictRow in listRows) for _, _, listRows in Sweep(stSession, pathBuild, CALIBRATION))
+    iStride = max(1, math.ceil(fPartLongest * CALIBRATION / fBudget))
+    iStride += iStride % 2 == 0  # every other variant has its checksums repaired
+    listRows = []
+    for iCode, strOut, listPart in Sweep(stSession, pathBuild, iStride):
+        listRows += listPart
+        if iCode != 0:
+            stResult.Problem(f"prove_images ends with exit code {iCode}: {strOut[-400:].strip()}")
+    if not listRows:
+        raise Failed("prove_images told nothing")
+    dictSums = {strKey: sum(dictRow[strKey] for dictRow in listRows) for strKey in ("variants", "accepted", "refused", "broken", "leaks")}
+    stResult.listFigures += [f"{len(listRows)} images, {Number(dictSums['variants'])} variants: {Number(dictSums['accepted'])} accepted, {Number(dictSums['refused'])} refused, "
+                             f"{dictSums['broken']} broken promises, {dictSums['leaks']} leaks",
+                             "every variant" if iStride == 1 else f"sampled, every {iStride}th variant"]
