@@ -62,4 +62,4 @@ def Images(stSession, stResult):
     dictSums = {strKey: sum(dictRow[strKey] for dictRow in listRows) for strKey in ("variants", "accepted", "refused", "broken", "leaks")}
     stResult.listFigures += [f"{len(listRows)} images, {Number(dictSums['variants'])} variants: {Number(dictSums['accepted'])} accepted, {Number(dictSums['refused'])} refused, "
                              f"{dictSums['broken']} broken promises, {dictSums['leaks']} leaks",
-                             "every variant" if iStride == 1 else f"sampled, every {iStride}th variant"]
+                             "every variant" if iStride == 1 else f"sampled, one variant in {iStride}"]
