@@ -91,6 +91,13 @@ class Label(ModuleTest):
         self.assertEqual([dictDevice["device"]["name"] for dictDevice in dictAnswer["devices"]], ["psu1"])
         self.assertEqual(self.Value("psu1", "Product Asset Tag"), "A1")
 
+    def test_what_was_written_counts_as_changed_though_something_beside_it_failed(self):
+        (self.pathRoot / "mnt/sdmmc0p4/board/ProductSerialNumber/x").mkdir(parents=True)
+        dictAnswer = self.Fails("fru_label", {"labels": {"baseboard": {"Product Serial Number": "LH22024170044"}}})
+        self.assertIn("the device holds the new 'Product Serial Number', but", dictAnswer["msg"])
+        self.assertTrue(dictAnswer["changed"])
+        self.assertEqual(Fields(dictAnswer), [("baseboard", "Product Serial Number", "LH22024170042", "LH22024170044")])
+
     def test_what_the_library_complains_of_is_there(self):
         (self.pathRoot / "eeprom/bus3-addr0xa2.fault").write_text("absent\n")
         dictError = self.Fails("fru_label", {"labels": {"riser": {"Board Part Number": "LHRS2-A3"}}})["error"]
@@ -231,7 +238,7 @@ class Info(ModuleTest):
     def test_a_damaged_image_is_told_and_no_failure(self):
         pathChip = self.pathRoot / "eeprom/bus1-addr0xa0.bin"
         pathChip.write_bytes(b"\x00" * 64 + pathChip.read_bytes()[64:])
-        dictAnswer = self.Does("fru_info", {"devices": ["baseboard", "8:0"]})
+        dictAnswer = self.Does("fru_info", {"devices": ["baseboard", "0x08:0"]})
         self.assertFalse(dictAnswer["healthy"])
         dictBaseboard, dictRiser = dictAnswer["controllers"][0]["devices"]
         self.assertFalse(dictBaseboard["health"][0]["sound"])

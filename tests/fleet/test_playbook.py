@@ -12,7 +12,7 @@ import unittest
 
 from fleet_support import EXAMPLES, FRUCTL, FleetTest
 
-FLEET = int(os.environ.get("BMCFRU_FLEET", "4"))
+FLEET = int(os.environ.get("BMCFRU_FLEET", "5"))
 MEASURED = "BMCFRU_FLEET" in os.environ
 STRACE = shutil.which("strace")
 MAY_TRACE = STRACE is not None and subprocess.run([STRACE, "-o", "/dev/null", "true"], capture_output=True, check=False).returncode == 0
@@ -99,15 +99,21 @@ class Fleet(FleetTest):
             fSeconds, fProcessor = tupleTimes
             print(f"{strWhat}: {fSeconds:.1f} s, {fProcessor:.1f} s of a processor, {1000 * fProcessor / iControllers:.0f} ms a controller", flush=True)
 
-    def Wrap(self, strHost, strScript, strFile, iWhen):
-        """Gives a host an interpreter that is killed."""
-        pathWrapper = self.pathTemp / f"python-{strHost}"
-        pathWrapper.write_text(strScript.format(strace=STRACE, file=self.Root(strHost) / strFile, when=iWhen,
-                                                log=self.pathTemp / f"trace-{strHost}"))
-        pathWrapper.chmod(0o755)
+    def Script(self, strName, strText):
+        pathScript = self.pathTemp / strName
+        pathScript.write_text(strText)
+        pathScript.chmod(0o755)
+        return pathScript
+
+    def HostVars(self, strHost, dictVars):
         pathVars = self.pathFleet / "host_vars"
         pathVars.mkdir(exist_ok=True)
-        (pathVars / f"{strHost}.yml").write_text(json.dumps({"ansible_python_interpreter": str(pathWrapper)}))
+        (pathVars / f"{strHost}.yml").write_text(json.dumps(dictVars))
+
+    def Wrap(self, strHost, strScript, strFile, iWhen):
+        """Gives a host an interpreter that is killed."""
+        strText = strScript.format(strace=STRACE, file=self.Root(strHost) / strFile, when=iWhen, log=self.pathTemp / f"trace-{strHost}")
+        self.HostVars(strHost, {"ansible_python_interpreter": str(self.Script(f"python-{strHost}", strText))})
 
     def test_a_fleet_is_shown_labelled_and_left_alone(self):
         dictTrees = {strHost: self.Tree(self.Root(strHost)) for strHost in self.asHosts}
@@ -120,24 +126,33 @@ class Fleet(FleetTest):
                         f"--- before: {self.Root(strHost)}: psu1"):
             self.assertIn(f"\n{strLine}\n", strOut)
 
-        # One has a value that is refused, one is not there: the others go on.
+        # One has a value that is refused, one has lost its controller, one cannot be reached, one has another damaged device: the others
+        # go on.
+        dictWhy = {"c002": "looks like a placeholder", "c003": "there is no controller in", "c004": "can be reached over ssh",
+                   "c005": "not every image is in order"}
         strTable = (self.pathFleet / "labels.csv").read_text()
         (self.pathFleet / "labels.csv").write_text(strTable.replace(self.New("c002")["baseboard"][0], "0000000000"))
         self.Root("c003").rename(self.pathTemp / "away")
+        self.HostVars("c004", {"ansible_connection": "ssh", "ansible_ssh_executable": str(self.Script("ssh", "#!/bin/sh\nexit 255\n"))})
+        pathRiser = self.Root("c005") / "eeprom/bus3-addr0xa2.bin"
+        abRiser = pathRiser.read_bytes()
+        pathRiser.write_bytes(b"\x00" * 64 + abRiser[64:])
         dictReport, strOut, tupleTimes = self.Play(bFails=True)
         self.Say("label and verify", tupleTimes)
         self.assertEqual({strHost: tupleResult[0] for strHost, tupleResult in dictReport.items()},
-                         {strHost: "failed" if strHost in ("c002", "c003") else "changed" for strHost in self.asHosts})
-        self.assertIn("looks like a placeholder", dictReport["c002"][1])
-        self.assertIn("there is no controller in", dictReport["c003"][1])
-        self.assertIn(f"{FLEET - 2} changed, 2 failed", strOut)
+                         {strHost: "failed" if strHost in dictWhy else "changed" for strHost in self.asHosts})
+        for strHost, strWhy in dictWhy.items():
+            self.assertIn(strWhy, dictReport[strHost][1])
+        self.assertIn(f"{FLEET - 4} changed, 4 failed", strOut)
         for strHost in self.asHosts:
-            if strHost not in ("c002", "c003"):
+            if strHost not in dictWhy:
                 self.assertEqual(self.Held(strHost), self.New(strHost))
 
         (self.pathTemp / "away").rename(self.Root("c003"))
         (self.pathFleet / "labels.csv").write_text(strTable)
-        self.assertEqual(self.Play("--limit", "c002,c003")[0], {"c002": ("changed", ""), "c003": ("changed", "")})
+        shutil.rmtree(self.pathFleet / "host_vars")
+        pathRiser.write_bytes(abRiser)
+        self.assertEqual(self.Play("--limit", ",".join(dictWhy))[0], {**dict.fromkeys(dictWhy, ("changed", "")), "c005": ("unchanged", "")})
         dictTrees = {strHost: self.Tree(self.Root(strHost)) for strHost in self.asHosts}
         dictReport, _, tupleTimes = self.Play()
         self.Say("label and verify where nothing is to be done", tupleTimes)

@@ -168,8 +168,11 @@ class LookupModule(LookupBase):
         strFile = self.find_file_in_search_path(dictVariables, "files", strTerm)
         if not strFile:
             raise AnsibleLookupError(f"there is no table '{strTerm}'")
-        with open(strFile, encoding="utf-8", errors="surrogateescape", newline="") as stFile:
-            return list(Rows(stFile.read(), os.path.basename(strFile)))
+        try:
+            with open(strFile, encoding="utf-8", newline="") as stFile:
+                return list(Rows(stFile.read(), os.path.basename(strFile)))
+        except (OSError, UnicodeDecodeError) as stError:
+            raise AnsibleLookupError(f"{strTerm}: {stError}; accepted: a table that can be read, in UTF-8") from stError
 
     def run(self, terms, variables=None, **kwargs):
         self.set_options(var_options=variables, direct=kwargs)

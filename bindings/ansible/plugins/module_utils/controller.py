@@ -59,6 +59,10 @@ class Controller:
     def Verify(self):
         return self.Call("verify").document["images"]
 
+    def Id(self, strDevice):
+        """The FRU device ID of a device, however it is named; whether its image can be decoded does not matter."""
+        return self.Call("history", device=strDevice).document["device"]["id"]
+
     def Show(self, strDevice):
         return self.Call("show", device=strDevice).document
 

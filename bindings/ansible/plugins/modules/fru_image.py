@@ -134,10 +134,7 @@ ARGUMENTS = {
     "wait": WAIT,
 }
 LINE_BYTES = 16
-
-
-class FileError(Exception):
-    """A file on the managed host that cannot be read or made."""
+FILE_ERRORS = {FileNotFoundError: ("not-found", 4), PermissionError: ("not-permitted", 8)}
 
 
 def Dump(abImage):
@@ -162,7 +159,7 @@ def Read(stModule, stController):
     strPath = stModule.params["path"]
     abImage = stController.Read(stModule.params["device"])
     if not os.path.isdir(os.path.dirname(os.path.abspath(strPath))):
-        raise FileError(f"there is no folder for {strPath}")
+        raise FileNotFoundError(f"there is no folder for {strPath}")
     abBefore = FileBytes(strPath) if os.path.exists(strPath) else None
     bChanged = abBefore != abImage
     if bChanged and not stModule.check_mode:
@@ -203,8 +200,9 @@ def main():
         dictAnswer = STATES[stModule.params["state"]](stModule, Controller(stModule, strRoot))
     except PackageError as stError:
         Fail(stModule, [ErrorOf(stModule, stError, strRoot, strDevice)], root=strRoot)
-    except (OSError, FileError) as stError:
-        dictError = {"root": strRoot, "device": strDevice, "code": "not-found", "exitCode": 4, "message": str(stError), "diagnostics": []}
+    except OSError as stError:
+        strCode, iExitCode = next((tupleCode for kind, tupleCode in FILE_ERRORS.items() if isinstance(stError, kind)), ("failed", 1))
+        dictError = {"root": strRoot, "device": strDevice, "code": strCode, "exitCode": iExitCode, "message": str(stError), "diagnostics": []}
         Fail(stModule, [dictError], root=strRoot)
     stModule.exit_json(root=strRoot, **dictAnswer)
 

@@ -19,7 +19,7 @@ options:
     elements: path
     aliases: [root]
   devices:
-    description: Names of the devices to look at; without it, all.
+    description: The devices to look at, by name or as C(TYPE:INSTANCE); without it, all.
     type: list
     elements: str
   records:
@@ -124,12 +124,8 @@ def Wanted(stController, listNames):
     listDevices = stController.Devices()
     if listNames is None:
         return listDevices
-    dictByName = {}
-    for dictDevice in listDevices:
-        dictByName[dictDevice["name"]] = dictDevice
-        dictByName[f"{dictDevice['componentType']}:{dictDevice['instance']}"] = dictDevice
-    # One that is not there fails with the names that are.
-    return [dictByName[strName] if strName in dictByName else stController.Show(strName)["device"] for strName in listNames]
+    dictById = {dictDevice["id"]: dictDevice for dictDevice in listDevices}
+    return [dictById[stController.Id(strName)] for strName in listNames]
 
 
 def Record(stController, dictDevice):

@@ -201,6 +201,8 @@ def EachDevice(stModule, dictRequests, dictControllers, bDryRun):
             dictSet = dictControllers[strRoot].SetLabels(strDevice, dictLabels, bDryRun, stModule.params["force"])
             dictResults[strRoot, strDevice] = Result(strRoot, dictSet)
         except PackageError as stError:
+            if "labels" in stError.document:  # the device holds them, and something beside it failed
+                dictResults[strRoot, strDevice] = Result(strRoot, stError.document)
             listErrors.append(ErrorOf(stModule, stError, strRoot, strDevice))
     return dictResults, listErrors
 
@@ -229,9 +231,8 @@ def main():
     if not stModule.check_mode:
         dictWanted = {tupleKey: dictRequests[tupleKey] for tupleKey, dictResult in dictResults.items() if dictResult["changed"]}
         dictWritten, listErrors = EachDevice(stModule, dictWanted, dictControllers, False)
-        dictResults.update(dictWritten)
-        for dictError in listErrors:
-            del dictResults[dictError["root"], dictError["device"]]
+        dictResults = {tupleKey: dictWritten.get(tupleKey, dictResult) for tupleKey, dictResult in dictResults.items()
+                       if tupleKey in dictWritten or tupleKey not in dictWanted}
     listResults = list(dictResults.values())
     dictAnswer = {"changed": any(dictResult["changed"] for dictResult in listResults), "devices": listResults,
                   "diff": [LabelDiff(dictResult) for dictResult in listResults if dictResult["changed"]]}
