@@ -108,7 +108,7 @@ def _Area(abHead, lstTexts):
     return bytes(abArea) + bytes([_Sum(abArea)])
 
 
-def _MultiRecords(lstRecords):
+def MultiRecords(lstRecords):
     abOut = b''
     for i, (iType, abData) in enumerate(lstRecords):
         abHead = bytes([iType, 0x02 | (0x80 if i + 1 == len(lstRecords) else 0), len(abData), _Sum(abData)])
@@ -123,7 +123,7 @@ def BuildImage(iSize, lstChassis=None, lstBoard=None, lstProduct=None, lstRecord
     lstAreas = [(2, lstChassis and _Area([1, 0, 23], lstChassis)),
                 (3, lstBoard and _Area(bytes([1, 0, 25]) + iMinutes.to_bytes(3, 'little'), lstBoard)),
                 (4, lstProduct and _Area([1, 0, 25], lstProduct)),
-                (5, lstRecords and _MultiRecords(lstRecords))]
+                (5, lstRecords and MultiRecords(lstRecords))]
     for iIndex, abArea in lstAreas:
         if abArea:
             abHeader[iIndex] = (8 + len(abBody)) // 8

@@ -121,6 +121,58 @@ class Endurance(unittest.TestCase):
         self.CheckDevices()
         print('  %d labels set, %d images written' % (iSet, len(lstWrites)))
 
+    def test_neither_of_two_writers_loses_what_he_was_told_is_done(self):
+        """A client writes a record, each time in one message; fructl sets a label of the same image. Both keep the image's length."""
+        stDevice = bench.DEVICE(0, 'board', 0, 0, bench.BuildImage(512, None, ['Maker', 'Board', 'SN-01', 'PN-01', ''],
+                                                                   ['Maker', 'Name', 'PN-01', 'V1', 'SN-01', 'TAG-0', ''], self.Record(0)))
+        stController = bench.CONTROLLER(self, [stDevice])
+        stService = bench.SERVICE(self, stController)
+        stController.Fructl('label', 'set', 'board', 'Product Asset Tag=TAG-1')  # from here on the image lies as the library lays it
+        strName, iStart, iEnd, _ = bench.Areas(stController.Chip(stDevice))[-1]
+        self.assertEqual((strName, iEnd - iStart), ('multiRecord', len(bench.MultiRecords(self.Record(0)))))
+        stEnd = threading.Event()
+        lstFaults = []
+        lstTags = []
+
+        def Label():
+            try:
+                while not stEnd.is_set():
+                    strTag = 'TAG-%d' % (len(lstTags) % 10)
+                    stController.Fructl('label', 'set', 'board', 'Product Asset Tag=' + strTag)
+                    strRead = stController.Json('show', 'board')['product']['assetTag']
+                    assert strRead == strTag, 'set %s, found %s' % (strTag, strRead)
+                    lstTags.append(strTag)
+            except Exception as stError:  # pylint: disable=broad-except
+                lstFaults.append(repr(stError))
+
+        stThread = threading.Thread(target=Label, daemon=True)
+        stThread.start()
+        lstWritten = [0, 0]  # done, told to come again
+        abThere = bench.MultiRecords(self.Record(0))
+        fUntil = time.monotonic() + SECONDS
+        with bench.PYIPMI(stService) as stClient:
+            while not lstFaults and (time.monotonic() < fUntil or len(lstTags) < 3 or lstWritten[0] < 3):
+                abRecord = bench.MultiRecords(self.Record(sum(lstWritten)))
+                iCode = stClient.Raw(STORAGE, 0x12, [0, *iStart.to_bytes(2, 'little'), *abRecord])[0]
+                self.assertIn(iCode, (0x00, 0xC0))
+                lstWritten[iCode != 0] += 1
+                abThere = abRecord if iCode == 0 else abThere
+                abRead = stClient.Raw(STORAGE, 0x11, [0, *iStart.to_bytes(2, 'little'), len(abThere)])
+                self.assertEqual(abRead, bytes([0, len(abThere)]) + abThere)
+                self.assertEqual(stController.Chip(stDevice)[iStart:iEnd], abThere)
+        stEnd.set()
+        stThread.join(bench.HANG_SECONDS)
+        self.assertEqual(lstFaults, [])
+        print('  %d labels set, %d records written, %d times busy' % (len(lstTags), *lstWritten))
+        abChip = stController.Chip(stDevice)
+        self.assertEqual(bench.BadAreas(abChip), [])
+        self.assertEqual(stService.ReadFru(0, os.path.join(stController.strBase, 'after.bin'))[:iEnd], abChip[:iEnd])
+        stController.Fructl('verify')
+
+    def Record(self, iWhich):
+        """Of one length, which one message of every transport carries."""
+        return [(0xC0, bytes([0x41 + iWhich % 26]) * 20)]
+
 
 if __name__ == '__main__':
     bench.Main()
