@@ -60,7 +60,7 @@ long CpuMicroseconds()
            stUsage.ru_stime.tv_usec;
 }
 
-// One line a test: name, microseconds, mutants.
+// One line a test: name, microseconds, file, mutants.
 class Mapper : public testing::EmptyTestEventListener
 {
   public:
@@ -79,7 +79,8 @@ class Mapper : public testing::EmptyTestEventListener
     }
     void OnTestEnd(const testing::TestInfo &stTest) override
     {
-        (void)fprintf(m_pfMap, "%s %ld", NameOf(stTest).c_str(), CpuMicroseconds() - m_lStart);
+        (void)fprintf(m_pfMap, "%s %ld %s", NameOf(stTest).c_str(), CpuMicroseconds() - m_lStart,
+                      stTest.file());
         for (unsigned i = 0; i < MUTANTS_MAX; i++) {
             if (g_aucReached[i] != 0U) {
                 (void)fprintf(m_pfMap, " %u", i);

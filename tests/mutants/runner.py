@@ -49,15 +49,21 @@ class Reach:
         self.dictReached = collections.defaultdict(list)  # mutant -> [(program, test)]
         self.dictCost = {}
         self.dictBreadth = {}
+        self.dictFile = {}
 
     def Read(self, strProgram, strMap):
         for strLine in pathlib.Path(strMap).read_text().splitlines():
-            strTest, strCost, *listNumbers = strLine.split()
+            strTest, strCost, strFile, *listNumbers = strLine.split()
             tTest = (strProgram, strTest)
+            self.dictFile[tTest] = "tests/" + strFile.partition("/tests/")[2]
             self.dictCost[tTest] = int(strCost)
             self.dictBreadth[tTest] = len(listNumbers)
             for strNumber in listNumbers:
                 self.dictReached[int(strNumber)].append(tTest)
+
+    def Files(self, iMutant):
+        """Where the tests are that reach it."""
+        return sorted({self.dictFile[tTest] for tTest in self.dictReached[iMutant]})
 
 
 class Runner:
@@ -85,9 +91,9 @@ class Runner:
         return sorted(self.stReach.dictReached[iMutant], key=lambda tTest: (
             -self.dictKills[strPlace, tTest], self.stReach.dictCost[tTest] // 20_000, self.stReach.dictBreadth[tTest]))
 
-    def Killer(self, iMutant, strPlace):
-        """The test that notices the mutant, as (program, test), or None."""
-        listTests = self.Order(iMutant, strPlace)
+    def Killer(self, iMutant, strPlace, setFiles=frozenset()):
+        """The test that notices the mutant, as (program, test), or None; those in setFiles are known not to."""
+        listTests = [tTest for tTest in self.Order(iMutant, strPlace) if self.stReach.dictFile[tTest] not in setFiles]
         iFirst = 0
         for iSize in (*GROUPS, len(listTests)):
             dictPrograms = collections.defaultdict(list)

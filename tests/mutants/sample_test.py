@@ -18,6 +18,7 @@ from rewriter import Rewriter  # noqa: E402
 from runner import ENVIRONMENT, Reach, Runner  # noqa: E402
 
 SAMPLE = HERE / "sample/sample.cpp"
+TESTS = "tests/mutants/sample/sample_test.cpp"
 FIRST = 101
 NICE = 0
 COMPILER, *OBJECTS = sys.argv[1:]
@@ -80,20 +81,22 @@ class Sample(unittest.TestCase):
         self.assertIsNone(stRunner.Killer(FIRST - 1, ""))
         stRunner.Close()
 
-    def test_AKillIsKeptWhileItsTestIsThereAndASurvivorWhileTheTestsAreTheSame(self):
+    def test_AKillIsKeptWhileItsTestIsThereAndASurvivorWhileItsTestsAreTheSame(self):
         stScript = LoadScript()
         stScript.OUT, stScript.RESULTS = self.pathFolder, self.pathFolder / "results.jsonl"
         stKilled, stSurvivor = self.stRewriter.listMutants[:2]
         stResults = stScript.Results(False)
-        stResults.Add(stKilled, "AtMostTen.CutsWhatIsLarger", "native")
-        stResults.Add(stSurvivor, None, "native")
+        stResults.Add(stKilled, self.stReach, "AtMostTen.CutsWhatIsLarger", "native")
+        stResults.Add(stSurvivor, self.stReach, None, "native")
         stResults = stScript.Results(False)
         self.assertEqual(stResults.Find(stKilled, self.stReach, "native")["by"], "AtMostTen.CutsWhatIsLarger")
         self.assertIsNone(stResults.Find(stSurvivor, self.stReach, "native")["by"])
+        self.assertEqual(stResults.SurvivedIn(stSurvivor, "native"), {TESTS})
         self.assertIsNone(stResults.Find(stSurvivor, self.stReach, "asan"))
         self.assertIsNone(stResults.Find(stKilled, Reach(), "native"))
-        stResults.strTests = "others"
+        stResults.dictFiles[TESTS] = "another"
         self.assertIsNone(stResults.Find(stSurvivor, self.stReach, "native"))
+        self.assertEqual(stResults.SurvivedIn(stSurvivor, "native"), set())
         stKilled.strDigest, strDigest = "another", stKilled.strDigest
         self.assertIsNone(stResults.Find(stKilled, self.stReach, "native"))
         stKilled.strDigest = strDigest

@@ -275,7 +275,9 @@ TEST_P(FixedSlots, MoreFieldsThanSlotsFailTheArea)
 {
     for (const u32 uiFields : {m_ucSlots + 1U, m_ucSlots + 2U, 30U}) {
         RECORD record;
+        const u32 uiBefore = fake::LiveAllocations();
         EXPECT_EQ(DecodeWith(uiFields, m_ucSlots, record.Get()), 0x29000001U);
+        EXPECT_EQ(fake::LiveAllocations(), uiBefore + FixedAllocations(m_stArea)); // the texts before them
         EXPECT_FALSE(HasArray(m_stArea, record.Get()));
         EXPECT_EQ(CustomCount(m_stArea, record.Get()), uiFields);
         const LINES vecMessages = fake::Messages();

@@ -124,12 +124,15 @@ TEST(WriteFRUDataByType, ALengthIsNotCutTo32Bits)
         ASSERT_NE(mmap(pcText + i * PIECE, PIECE, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_FIXED, iFile, 0),
                   MAP_FAILED);
     }
-    pcText[PIECES * PIECE + 10U] = '\0';
-    fake::Reset();
-    BYTES vecBuf(64, g_ucGuard);
-    EXPECT_EQ(FRU_WriteFRUDataByType(pcText, 64, vecBuf.data()), -1);
-    EXPECT_EQ(vecBuf, BYTES(64, g_ucGuard));
-    EXPECT_EQ(fake::Messages(), LINES{Line(2, "FRU data exceeds[0xffffffff, 0x40]")});
+    for (const size_t uiLength : {PIECES * PIECE - 1U, PIECES * PIECE + 10U}) {
+        pcText[uiLength] = '\0';
+        fake::Reset();
+        BYTES vecBuf(64, g_ucGuard);
+        EXPECT_EQ(FRU_WriteFRUDataByType(pcText, 64, vecBuf.data()), -1);
+        EXPECT_EQ(vecBuf, BYTES(64, g_ucGuard));
+        EXPECT_EQ(fake::Messages(), LINES{Line(2, "FRU data exceeds[0xffffffff, 0x40]")});
+        pcText[uiLength] = 'x';
+    }
     (void)munmap(pText, (PIECES + 1U) * PIECE);
     (void)munmap(pPiece, PIECE);
     (void)close(iFile);

@@ -238,6 +238,16 @@ TEST(OemConf, NamesOfTheFileStay)
     }
 }
 
+TEST(OemConf, ANameOfOneCharacterStays)
+{
+    fake::Reset();
+    one_device::Put(0, 0, 0, image::FullImage());
+    Keys()["productname"] = "X";
+    FRU_OEM_CONF_S stConf = {};
+    FRU_GetOEMConf(&stConf);
+    EXPECT_STREQ(stConf.acProductName, "X");
+}
+
 TEST(OemConf, WithoutAFileNamesAreNeverReplaced)
 {
     fake::Reset();

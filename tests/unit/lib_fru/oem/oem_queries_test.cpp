@@ -165,6 +165,16 @@ TEST(ProductManufacturer, EmptyTextIsNone)
     EXPECT_STREQ(acOut, "as it was");
 }
 
+TEST(ProductManufacturer, ATextOfOneCharacterIsOne)
+{
+    fake::Reset();
+    fake::SetHwOemFlag(3);
+    Keys()["productmanufacturer"] = "M";
+    char acOut[16] = {};
+    EXPECT_EQ(FRU_GetProductManufacturer(sizeof(acOut), acOut), FRU_OK);
+    EXPECT_STREQ(acOut, "M");
+}
+
 TEST(ProductManufacturer, OutputIsClearedAndFilled)
 {
     fake::Reset();

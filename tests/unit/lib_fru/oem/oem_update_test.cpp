@@ -127,6 +127,15 @@ TEST(SetOemConf, KeysThatAreEmptyInTheFileAreNeverCreated)
     EXPECT_EQ(Keys(), (std::map<std::string, std::string>{{"productversion", "P-VER"}, {"productname", ""}}));
 }
 
+TEST(SetOemConf, AKeyOfOneCharacterIsReplaced)
+{
+    fake::Reset();
+    one_device::Put(0, 0, 0, image::FullImage());
+    Keys() = {{"productversion", "1"}};
+    FRU_SetOEMConf();
+    EXPECT_EQ(Keys()["productversion"], "P-VER");
+}
+
 TEST(SetOemConf, EqualValuesAreNotSetButTheFileIsSaved)
 {
     fake::Reset();

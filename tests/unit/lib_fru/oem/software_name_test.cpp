@@ -73,6 +73,24 @@ TEST_F(SoftWareName, OemModeWithoutAFileIsBmcAndKept)
                                     std::string("0/4 lib_fru.c: Unable to get oem conf file : ") + g_pcPath});
 }
 
+TEST_F(SoftWareName, OfTwoThatComeAtOnceTheFirstIsKept)
+{
+    fake::SetHwOemFlag(3);
+    // Another thread, say, that has its name while this one still looks for the file.
+    bool bAsked = false;
+    fake::SetLogHook([&](const std::string &) {
+        if (!bAsked) {
+            bAsked = true;
+            fake::Ini()[g_pcPath]["oem_configure"]["qbx"] = "First";
+            EXPECT_STREQ(Ask(), "First");
+        }
+    });
+    EXPECT_STREQ(Ask(), "First");
+    fake::SetLogHook({});
+    EXPECT_TRUE(bAsked);
+    EXPECT_STREQ(Ask(), "First");
+}
+
 TEST_F(SoftWareName, AnEmptyNameIsKeptToo)
 {
     fake::SetHwOemFlag(3);

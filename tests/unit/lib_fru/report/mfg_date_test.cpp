@@ -251,6 +251,13 @@ TEST_F(MfgDate, ZoneWithDaylightSavingTakesEveryTimeAsSuch)
     }
 }
 
+// In none of the days that are looked at for daylight saving, but on the date's own.
+TEST_F(MfgDate, ZoneWithDaylightSavingOfAFewDaysTakesThemAsSuch)
+{
+    Zone("AAA0BBB,J100/0,J120/0");
+    EXPECT_EQ(StoredMinutes("2023-04-20 12:00:00"), MinutesTo(2023, 4, 20, 11));
+}
+
 TEST_F(MfgDate, ZoneThatGaveUpDaylightSavingLeavesItToTheCLibrary)
 {
     // Daylight saving from 1986 to 1991, none since: the flag's meaning is the C library's.
