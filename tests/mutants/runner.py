@@ -26,7 +26,8 @@ class Server:
                 resource.setrlimit(resource.RLIMIT_AS, (MEMORY, MEMORY))
             resource.setrlimit(resource.RLIMIT_CORE, (0, 0))
             resource.setrlimit(resource.RLIMIT_FSIZE, (FILE_SIZE, FILE_SIZE))
-        self.stProcess = subprocess.Popen([strProgram], env={**ENVIRONMENT, "MUTANT_SERVE": "1"}, stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True, preexec_fn=Limit)
+        self.stProcess = subprocess.Popen([strProgram], env={**ENVIRONMENT, "MUTANT_SERVE": "1"}, stdin=subprocess.PIPE, stdout=subprocess.PIPE,
+                                          text=True, preexec_fn=Limit)
 
     def Ask(self, iMutant, iMicroseconds, listGroups):
         """The test that failed, or None."""
