@@ -154,9 +154,10 @@ class Fleet(FleetTest):
         pathRiser.write_bytes(abRiser)
         self.assertEqual(self.Play("--limit", ",".join(dictWhy))[0], {**dict.fromkeys(dictWhy, ("changed", "")), "c005": ("unchanged", "")})
         dictTrees = {strHost: self.Tree(self.Root(strHost)) for strHost in self.asHosts}
+        (self.pathFleet / "labels.csv").write_text("".join(strLine for strLine in strTable.splitlines(True) if "/c001," not in strLine))
         dictReport, _, tupleTimes = self.Play()
         self.Say("label and verify where nothing is to be done", tupleTimes)
-        self.assertEqual(dictReport, {strHost: ("unchanged", "") for strHost in self.asHosts})
+        self.assertEqual(dictReport, {**dict.fromkeys(self.asHosts, ("unchanged", "")), "c001": ("no row", "")})
         self.assertEqual({strHost: self.Tree(self.Root(strHost)) for strHost in self.asHosts}, dictTrees)
 
     @unittest.skipUnless(MAY_TRACE, "there is no strace, or it may not trace")
