@@ -73,7 +73,7 @@ class Label(ModuleTest):
         self.assertEqual([(dictError["device"], dictError["code"], dictError["exitCode"]) for dictError in dictAnswer["errors"]],
                          [("psu2", "refused", 3), ("psu7", "not-found", 4)])
         self.assertEqual(dictAnswer["error"], dictAnswer["errors"][0])
-        self.assertIn("looks like a placeholder", dictAnswer["msg"])
+        self.assertTrue(dictAnswer["msg"].startswith("psu2: '0000000000' is refused for 'Product Serial Number': it looks like a placeholder"), dictAnswer["msg"])
         self.assertIn("(and 1 more)", dictAnswer["msg"])
         self.assertEqual(dictAnswer["errors"][1]["accepted"], ["baseboard", "psu1", "psu2", "riser", "bmc-card", "bmc-card-hw"])
         self.assertFalse(dictAnswer["changed"])

@@ -12,7 +12,7 @@ import unittest
 
 from fleet_support import EXAMPLES, FRUCTL, FleetTest
 
-FLEET = int(os.environ.get("BMCFRU_FLEET", "5"))
+FLEET = max(5, int(os.environ.get("BMCFRU_FLEET", "5")))
 MEASURED = "BMCFRU_FLEET" in os.environ
 STRACE = shutil.which("strace")
 MAY_TRACE = STRACE is not None and subprocess.run([STRACE, "-o", "/dev/null", "true"], capture_output=True, check=False).returncode == 0

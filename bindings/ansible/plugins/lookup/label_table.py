@@ -119,7 +119,7 @@ def Json(strText, strName):
     if strText.lstrip().startswith("["):
         listRows = list(enumerate(Load(strText, 1), 1))
     else:
-        listRows = [(iLine, Load(strLine, iLine)) for iLine, strLine in enumerate(strText.splitlines(), 1) if strLine.strip()]
+        listRows = [(iLine, Load(strLine, iLine)) for iLine, strLine in enumerate(strText.split("\n"), 1) if strLine.strip()]
     for iLine, dictRow in listRows:
         if not isinstance(dictRow, dict):
             raise AnsibleLookupError(f"{strName}:{iLine}: not an object; accepted: an object for each row, its members the row's cells")

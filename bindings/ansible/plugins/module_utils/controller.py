@@ -103,9 +103,10 @@ def Refusal(strRoot, strDevice, strMessage, listAccepted):
 
 def Fail(stModule, listErrors, **dictMore):
     """Ends the module: the first failure is the message, and all of them are there as data."""
+    strDevice = f"{listErrors[0]['device']}: " if "device" in listErrors[0] else ""
     strMore = f" (and {len(listErrors) - 1} more)" if len(listErrors) > 1 else ""
     dictMore.setdefault("changed", False)
-    stModule.fail_json(msg=listErrors[0]["message"] + strMore, error=listErrors[0], errors=listErrors, **dictMore)
+    stModule.fail_json(msg=strDevice + listErrors[0]["message"] + strMore, error=listErrors[0], errors=listErrors, **dictMore)
 
 
 def ByteLines(listBytes, strWhich):
