@@ -194,6 +194,32 @@ std::optional<std::string> RecordText(const FRU_DATA_S &stData, const FIELD_ID_S
     return pcText == nullptr ? std::nullopt : std::optional<std::string>(pcText);
 }
 
+void AppendTexts(const FRU_DATA_S &stData, const AREA_ROW_S &stArea, std::string &strOut)
+{
+    const auto fnAppend = [&strOut](const char *pcText) {
+        strOut.append(pcText == nullptr ? "" : pcText).push_back('\0');
+    };
+    for (const FIELD_ROW_S &stRow : stArea.vecFields) {
+        if (stRow.enKind != Kind::Language && stRow.enKind != Kind::MfgDate) {
+            fnAppend(TextAt(stData, stRow.uiOffset));
+            continue;
+        }
+        const FIELD_VIEW_S stView = ViewField(stData, stRow);
+        const bool bUnspecified = stRow.enKind == Kind::MfgDate && stView.optNumber == 0U;
+        fnAppend(bUnspecified ? "" : stView.strText.c_str());
+        fnAppend(std::to_string(stView.optNumber.value_or(0U)).c_str());
+    }
+    u32 uiCount = 0U;
+    const char *const *ppcFields = CustomFieldsOf(stData, stArea, uiCount);
+    if (stArea.HasCustomFields()) {
+        uiCount = ppcFields == nullptr ? 0U : uiCount;
+        fnAppend(std::to_string(uiCount).c_str());
+    }
+    for (u32 i = 0; i < uiCount; i++) {
+        fnAppend(ppcFields[i]);
+    }
+}
+
 RECORD_VIEW_S ViewRecord(const FRU_DATA_S &stData)
 {
     RECORD_VIEW_S stView = {{}, {}, HasArea(stData, Area::MultiRecord)};

@@ -97,6 +97,9 @@ void MarkArea(FRU_DATA_S &stData, Area enArea);
 std::optional<std::string> RecordText(const FRU_DATA_S &stData, const FIELD_ID_S &stField);
 
 RECORD_VIEW_S ViewRecord(const FRU_DATA_S &stData);
+// An area's texts one behind the other, a zero byte behind each; a number behind the text that stands for it, and the
+// number of custom fields in front of those. A date that is not specified is an empty text.
+void AppendTexts(const FRU_DATA_S &stData, const AREA_ROW_S &stArea, std::string &strOut);
 
 // Decodes an image's bytes, with the custom-field counts preset for a baseboard's. A status code
 // of the library.

@@ -3,10 +3,12 @@
 import json
 from typing import Any, Dict, Union
 
-from . import _library
-from ._data import (Check, Layout, LenientRecord, Record, makeCheck, makeLayout, makeLenientRecord, makeRecord,
-                    recordJson)
+from . import _data, _library
+from ._library import TEXTS_ROOM, decodeTexts, texts
+from ._data import (Check, Layout, LenientRecord, Record, makeCheck, makeLayout, makeLenientRecord,
+                    makeRecord, recordJson)
 
+_newRecord = object.__new__
 _Bytes = Union[bytes, bytearray, memoryview]
 
 
@@ -19,9 +21,29 @@ def decode(image: _Bytes) -> Record:
     >>> record.chassis is None
     True
     """
-    aucImage = bytes(image)
-    record: Record = makeRecord(_library.document(_library.Decode(aucImage, len(aucImage))))
+    aucImage = image if type(image) is bytes else bytes(image)
+    buffer, place = texts.place
+    iSize = decodeTexts(aucImage, len(aucImage), place, TEXTS_ROOM)
+    if 0 < iSize <= 65536:
+        record: Record = _newRecord(Record)
+        record._decoded = buffer[:iSize], aucImage  # type: ignore[attr-defined]
+        return record
+    record = makeRecord(_document(aucImage))  # which tells what is wrong
     return record
+
+
+def _document(aucImage: bytes) -> Dict[str, Any]:
+    dictDocument: Dict[str, Any] = _library.document(_library.Decode(aucImage, len(aucImage)))
+    return dictDocument
+
+
+def _multiRecords(aucImage: bytes) -> Dict[str, Any]:
+    dictDocument = _document(aucImage)
+    return {strName: dictDocument[strName] for strName in ("multiRecords", "multiRecordsDamaged")
+            if strName in dictDocument}
+
+
+_data.fnMultiRecords = _multiRecords
 
 
 def encode(record: Union[Record, Dict[str, Any]], size: int = 0, wrap: bool = False) -> bytes:

@@ -4,6 +4,7 @@ import ctypes
 import json
 import os
 import pathlib
+import threading
 from typing import Any, Dict, List, NamedTuple, Optional, Tuple
 
 from . import _data
@@ -52,6 +53,22 @@ for _strName, _result, _listArguments in (
 ):
     _call = getattr(_lib, "BMCFRU_TOOL_" + _strName)
     _call.restype, _call.argtypes = _result, _listArguments
+
+# Short and often: it keeps the interpreter's lock; its arguments are what C takes them for, so none needs converting.
+decodeTexts = ctypes.PyDLL(_lib._name).BMCFRU_TOOL_DecodeTexts
+
+
+class _Texts(threading.local):
+    """Where each thread has its answer put, and the same as arguments: the texts of the longest areas fit in."""
+
+    def __init__(self) -> None:
+        buffer = ctypes.create_string_buffer(1 << 16)
+        self.place = buffer, ctypes.c_void_p(ctypes.addressof(buffer))
+
+
+texts = _Texts()
+TEXTS_ROOM = ctypes.c_uint(1 << 16)
+
 
 Decode, Encode = _lib.BMCFRU_TOOL_Decode, _lib.BMCFRU_TOOL_Encode
 VerifyImage, DecodeLeniently, MapImage = _lib.BMCFRU_TOOL_VerifyImage, _lib.BMCFRU_TOOL_DecodeLeniently, _lib.BMCFRU_TOOL_MapImage
@@ -118,4 +135,4 @@ def Call(handle: int, strCall: str, dictArguments: Dict[str, Any], aucBytes: byt
 
 
 __all__: Tuple[str, ...] = ("Answer", "Call", "Close", "Decode", "DecodeLeniently", "Encode", "MapImage", "Open",
-                            "VerifyImage", "WorkerPid", "document", "take")
+                            "VerifyImage", "TEXTS_ROOM", "WorkerPid", "decodeTexts", "document", "take", "texts")

@@ -71,6 +71,16 @@ void BMCFRU_TOOL_FreeAnswer(BMCFRU_TOOL_ANSWER_S *pstAnswer);
 BMCFRU_TOOL_ANSWER_S *BMCFRU_TOOL_Decode(const void *pImage, size_t uiSize);
 
 /*
+ * The same in short, for who decodes many: the texts of the areas one behind the other in Latin-1, each with a zero
+ * byte behind it, into pcOut of uiRoom bytes. The first text is a letter for each area that there is: I (internal
+ * use), C (chassis), B (board), P (product), M (MultiRecords, of which nothing more is told). Then in that order the
+ * members of each area as Decode names them, the number of custom fields where such an area may have some, and those.
+ * A manufacturing date that is not specified is an empty text. How many bytes that is; 0: the image is not accepted,
+ * and Decode tells why; more than uiRoom: nothing was stored.
+ */
+unsigned BMCFRU_TOOL_DecodeTexts(const void *pImage, unsigned uiSize, char *pcOut, unsigned uiRoom);
+
+/*
  * The image of such a record, as bytes, filled up with 0xff to uiImageSize bytes where that is not 0; the document is
  * {"size"}. uiWrap not 0: manufacturing dates beyond the end of their count, too. REFUSED with the path of the member
  * that is not accepted, USAGE for a size that is none.
