@@ -15,7 +15,7 @@ import tempfile
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent.parent
 PACKAGES = ROOT / "build" / "package"
-NAMES = ["fructl", "libbmcfru-dev", "libbmcfru1", "libbmcfruhost1"]
+NAMES = ["fructl", "libbmcfru-dev", "libbmcfru1", "libbmcfruhost1", "libbmcfrutool1"]
 EXPOSURE_MAX = "20"  # of systemd's scale, in tenths: 2.0 is "OK", 10.0 is no protection at all
 # What package managers and caches keep for themselves, and where this test works.
 BOOKS = ("var/lib/dpkg/", "var/log/", "var/cache/", "etc/ld.so.cache", "tmp/", "etc/passwd-", "etc/group-", "etc/shadow-",
@@ -41,6 +41,15 @@ grep -q "$BMC_SAYS" bmc.log || { cat bmc.log; exit 1; }
 export PKG_CONFIG_LIBDIR=/usr/lib/$MULTIARCH/pkgconfig
 $CC -std=c99 -Werror -o consumer main.c $(pkg-config --cflags --libs bmcfru bmcfruhost)
 [ "$(run ./consumer $FRUCTL_ROOT)" = LH22024170042 ]
+# The worker alone is nobody's: it says so. From Python it works.
+run /usr/lib/$MULTIARCH/bmcfru/bmcfru-worker1 2>worker.log && exit 1
+grep -q libbmcfrutool worker.log
+! ldd /usr/lib/$MULTIARCH/libbmcfrutool.so.1 2>/dev/null | grep 'not found'
+if [ -z "$EMULATOR" ]; then
+  /usr/bin/python3 -c 'import bmcfru; print(bmcfru.Controller().device("baseboard").label("Product Serial Number").get())' \
+    >python.log
+  grep -qx LH22024170042 python.log
+fi
 for strFile in bash-completion/completions/fructl zsh/vendor-completions/_fructl fish/vendor_completions.d/fructl.fish; do
   [ -s /usr/share/$strFile ]
 done
@@ -87,7 +96,7 @@ def trial(strArch):
         done = subprocess.run(
             ["unshare", "-m", "sh", "-c", OUTSIDE, "outside", strLayer, pathPackages, ROOT / "tests/install/consumer/main.c",
              strArch, "" if bNative else "qemu-arm", "gcc" if bNative else f"{strMultiarch}-gcc", strMultiarch],
-            env={**os.environ, "INSIDE": INSIDE, "NAMES": " ".join(NAMES), "DOC": "bmcfru-doc libbmcfruhost-ipmi" if bNative else "",
+            env={**os.environ, "INSIDE": INSIDE, "NAMES": " ".join(NAMES), "DOC": "bmcfru-doc libbmcfruhost-ipmi python3-bmcfru" if bNative else "",
                  "EXPOSURE": EXPOSURE_MAX, "SOURCE_EXAMPLES": str(ROOT / "examples"),
                  "BMC_SAYS": "does not answer" if bNative else "cannot be loaded"},
             capture_output=True, text=True)

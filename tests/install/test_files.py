@@ -12,10 +12,11 @@ class Files(InstallTest):
         for strFile in ("LICENSE", "README.md", "CHANGELOG.md", "docs/architecture.md", "examples/controller.json",
                         "examples/port/CMakeLists.txt", "examples/port/contract/adapter.cpp"):
             self.assertIn(f"share/doc/bmcfru/{strFile}", asFiles)
-        for strFolder, strPlace in (("include", ""), ("platform", "platform/"), ("host/include", "")):
+        for strFolder, strPlace in (("include", ""), ("platform", "platform/"), ("host/include", ""), ("toolkit/capi/include", "")):
             for pathHeader in (SOURCE / strFolder).glob("*.h"):
                 self.assertIn(f"include/bmcfru/{strPlace}{pathHeader.name}", asFiles)
         self.assertIn("bin/fructl", asFiles)
+        self.assertTrue([s for s in asFiles if s.endswith("/bmcfru/bmcfru-worker1")])
         asStray = [s for s in asFiles if not s.startswith(("bin/", "include/bmcfru/", "lib/", "share/"))]
         self.assertEqual(asStray, [])
 

@@ -3,9 +3,12 @@
 #ifndef TOOLKIT_BASE_ERROR_H
 #define TOOLKIT_BASE_ERROR_H
 
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <vector>
+
+#include "lib_fru_types.h"
 
 enum class ErrorClass
 {
@@ -32,12 +35,22 @@ class Error : public std::runtime_error
     {
         return m_enClass;
     }
+    // The library's own status code, where it was a call of the library that failed.
+    const std::optional<u32> &Status() const
+    {
+        return m_optStatus;
+    }
+    void SetStatus(std::optional<u32> optStatus)
+    {
+        m_optStatus = optStatus;
+    }
     // What the line tells behind "accepted: ", one by one: the list that it was made from, else that clause.
     std::vector<std::string> Accepted() const;
 
   private:
     ErrorClass m_enClass;
     std::vector<std::string> m_vecAccepted;
+    std::optional<u32> m_optStatus;
 };
 
 [[noreturn]] inline void Fail(ErrorClass enClass, const std::string &strLine,

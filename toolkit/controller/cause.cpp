@@ -33,14 +33,15 @@ std::optional<ErrorClass> ClassOf(BMCHOST_DB_REASON_E enReason)
 
 } // namespace
 
-void FailLibrary(ErrorClass enElse, const std::string &strLine, const std::string &strHint)
+void FailLibrary(ErrorClass enElse, const std::string &strLine, const std::string &strHint,
+                 std::optional<u32> optStatus)
 {
     const char *pcText = "";
     const std::optional<ErrorClass> optClass = ClassOf(BMCHOST_LastDbError(&pcText));
-    if (optClass.has_value()) {
-        Fail(*optClass, strLine + strHint + "; " + EscapeText(pcText));
-    }
-    Fail(enElse, strLine + strHint);
+    Error stError = optClass.has_value() ? Error(*optClass, strLine + strHint + "; " + EscapeText(pcText))
+                                         : Error(enElse, strLine + strHint);
+    stError.SetStatus(optStatus);
+    throw stError;
 }
 
 ErrorClass WhyNoAnswer(const FRU_DEVICE_INFO_S &stInfo)

@@ -3,6 +3,7 @@
 #ifndef TOOLKIT_CONTROLLER_CAUSE_H
 #define TOOLKIT_CONTROLLER_CAUSE_H
 
+#include <optional>
 #include <string>
 
 #include "bmcfru_host.h"
@@ -11,7 +12,9 @@
 
 // Fails because a call of the library did. Where the database was the cause (locked, damaged, no rights,
 // full), that decides on the class and stands at the line's end, behind strHint, what the library itself says.
-[[noreturn]] void FailLibrary(ErrorClass enElse, const std::string &strLine, const std::string &strHint = "");
+// optStatus: the call's status code, for programs.
+[[noreturn]] void FailLibrary(ErrorClass enElse, const std::string &strLine, const std::string &strHint = "",
+                              std::optional<u32> optStatus = std::nullopt);
 
 // Why a chip did not answer: NotPermitted where the user may not read its file or device, else NoAnswer.
 ErrorClass WhyNoAnswer(const FRU_DEVICE_INFO_S &stInfo);

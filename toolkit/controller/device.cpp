@@ -52,7 +52,7 @@ std::vector<DEVICE_S> LoadDevices(const CONTROLLER_S &stController)
         FailLibrary(ErrorClass::NotFound,
                     "the controller in " + stController.strRoot +
                         " has no device table: " + StatusText(uiRet),
-                    "; 'fructl provision FILE' makes a controller with one");
+                    "; 'fructl provision FILE' makes a controller with one", uiRet);
     }
     std::vector<DEVICE_S> vecDevices;
     for (u32 i = 0; i < stTable.ucCount && i < FRU_DEVICE_TBL_MAX; i++) {

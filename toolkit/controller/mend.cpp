@@ -111,7 +111,7 @@ void PutCached(const DEVICE_CHANGE_S &stChange, const std::optional<Bytes> &optB
     if (uiRet != FRU_OK) {
         FailLibrary(ErrorClass::Failed,
                     "the cached image of " + stChange.strTitle + " cannot be written: " + StatusText(uiRet),
-                    DiagnosticHint());
+                    DiagnosticHint(), uiRet);
     }
 }
 

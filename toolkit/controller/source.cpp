@@ -75,17 +75,21 @@ std::string OtherSource(const TARGET_S &stTarget, Source enSource)
     if (stLayout.vecAreas == std::vector<Area>{Area::Hardware}) {
         FailRefused(stTarget.Title() + " holds no FRU image but a hardware block; 'fructl hw show' shows it");
     }
+    const auto fnFail = [uiRet](const std::string &strLine) {
+        Error stError(ErrorClass::Damaged, strLine);
+        stError.SetStatus(uiRet);
+        throw stError;
+    };
     if (stLayout.bErased) {
-        Fail(ErrorClass::Damaged, strStatus + "; every byte is 0xff, as of an erased chip" + strMore);
+        fnFail(strStatus + "; every byte is 0xff, as of an erased chip" + strMore);
     }
     for (const FINDING_S &stFinding : stLayout.vecFindings) {
         if (!stFinding.bWarning) {
-            Fail(ErrorClass::Damaged, strStatus + "; " + FindingText(stFinding) +
-                                          "; 'fructl verify' tells all, 'show --lenient' what is left" +
-                                          strMore);
+            fnFail(strStatus + "; " + FindingText(stFinding) +
+                   "; 'fructl verify' tells all, 'show --lenient' what is left" + strMore);
         }
     }
-    FailLibrary(ErrorClass::Damaged, strStatus, strHint + strMore);
+    FailLibrary(ErrorClass::Damaged, strStatus, strHint + strMore, uiRet);
 }
 
 } // namespace

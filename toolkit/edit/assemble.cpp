@@ -178,7 +178,7 @@ static void Build(const DEVICE_S &stDevice, const std::vector<NAME_VALUE_S> &vec
         FailLibrary(ErrorClass::Failed,
                     "no image for " + stDevice.Title() +
                         " could be assembled: " + StatusText(stOutcome.uiStatus),
-                    stOutcome.Hint() + "; the cache is as it was");
+                    stOutcome.Hint() + "; the cache is as it was", stOutcome.uiStatus);
     }
     if (!stOutcome.strHomeDiffers.empty()) {
         Fail("the library reports success, but " + stOutcome.strHomeDiffers + stOutcome.Hint());

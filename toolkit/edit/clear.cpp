@@ -30,7 +30,7 @@ std::string Erase(const DEVICE_S &stDevice, const CHANGE_S &stChange, ProgressVi
     if (stOutcome.uiStatus != FRU_OK) {
         FailLibrary(ErrorClass::NoAnswer,
                     stDevice.Title() + " could not be erased: " + StatusText(stOutcome.uiStatus),
-                    stOutcome.Hint());
+                    stOutcome.Hint(), stOutcome.uiStatus);
     }
     if (!stOutcome.strHomeDiffers.empty()) {
         Fail(ErrorClass::NoAnswer, "the library reports success, but " + stDevice.Title() +

@@ -269,7 +269,8 @@ WRITTEN_S WriteStep(const DEVICE_S &stDevice, const LABEL_STEP_S &stStep, Progre
         }
         FailLibrary(ErrorClass::NoAnswer,
                     "'" + strName + "' of " + stDevice.Title() + " could not be written: " + strFailure,
-                    strCause + strUnlogged);
+                    strCause + strUnlogged,
+                    stOutcome.uiStatus == FRU_OK ? std::nullopt : std::optional<u32>(stOutcome.uiStatus));
     }
     std::string strAftermath;
     try {

@@ -27,7 +27,8 @@ class CacheBypass
         if (m_bKnown && (m_ucStatus & FRU_CACHE_UNTRUSTED) == 0U) {
             const u32 uiRet = FRU_DB_PutFRUDataCacheStatus(ucDeviceID, m_ucStatus | FRU_CACHE_UNTRUSTED);
             if (uiRet != FRU_OK) {
-                FailLibrary(ErrorClass::Failed, "the cache status cannot be written: " + StatusText(uiRet));
+                FailLibrary(ErrorClass::Failed, "the cache status cannot be written: " + StatusText(uiRet),
+                            "", uiRet);
             }
         }
     }

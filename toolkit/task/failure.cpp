@@ -58,6 +58,9 @@ Json FailureJson(const CONTROLLER_S &stController, const Error &stError, ExitCod
     if (!vecNamed.empty() && DeviceJson(*vecNamed.front()) == DeviceJson(*vecNamed.back())) {
         stJson["device"] = DeviceJson(*vecNamed.front());
     }
+    if (stError.Status().has_value()) {
+        stJson["status"] = *stError.Status();
+    }
     for (const std::string &strAccepted : stError.Accepted()) {
         stJson["accepted"].push_back(strAccepted);
     }

@@ -33,7 +33,8 @@ ExitCode ExitCodeOf(ErrorClass enClass);
 // For the help: every code with its word, and what it means.
 std::vector<std::pair<std::string, std::string>> ExitCodeRows();
 
-// {"code", "exitCode", "message"}, with "device" where just one was named and "accepted" where that is known.
+// {"code", "exitCode", "message"}, with "device" where just one was named, "status" where a call of the library failed,
+// and "accepted" where that is known.
 Json FailureJson(const CONTROLLER_S &stController, const Error &stError, ExitCode enCode);
 
 #endif

@@ -42,9 +42,20 @@ class SameAsFructl(ControllerTest):
             with self.assertRaises(bmcfru.Error) as caught:
                 self.Open().call(strCall, **dictArguments)
             error = caught.exception
-            self.assertEqual((error.message, error.code, error.exitCode, error.accepted),
+            self.assertEqual((error.message, error.code, error.exitCode, error.accepted, error.status),
                              (dictPrinted["error"]["message"], dictPrinted["error"]["code"],
-                              dictPrinted["error"]["exitCode"], dictPrinted["error"].get("accepted", [])))
+                              dictPrinted["error"]["exitCode"], dictPrinted["error"].get("accepted", []),
+                              dictPrinted["error"].get("status")))
+
+    def test_the_library_s_status_and_messages_come_along(self):
+        self.Damage("psu1")
+        with self.assertRaises(bmcfru.DamagedError) as caught:
+            self.Open().device("psu1").show()
+        self.assertEqual(caught.exception.status, 0x29000002)
+        self.assertIn("Common header", caught.exception.diagnostics[0].text)
+        with self.assertRaises(bmcfru.DamagedError) as caught:
+            bmcfru.decode(bytes(64))
+        self.assertEqual(caught.exception.status, 0x29000002)
 
 
 class Labels(ControllerTest):
