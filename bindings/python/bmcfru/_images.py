@@ -3,10 +3,10 @@
 import json
 from typing import Any, Dict, Union
 
-from . import _data, _library
+from . import _library, _record
 from ._library import TEXTS_ROOM, decodeTexts, texts
-from ._data import (Check, Layout, LenientRecord, Record, makeCheck, makeLayout, makeLenientRecord,
-                    makeRecord, recordJson)
+from ._data import Check, Layout, LenientRecord, Record, makeCheck, makeLayout, makeLenientRecord, makeRecord
+from ._record import recordJson
 
 _newRecord = object.__new__
 _Bytes = Union[bytes, bytearray, memoryview]
@@ -43,7 +43,7 @@ def _multiRecords(aucImage: bytes) -> Dict[str, Any]:
             if strName in dictDocument}
 
 
-_data.fnMultiRecords = _multiRecords
+_record.fnMultiRecords = _multiRecords
 
 
 def encode(record: Union[Record, Dict[str, Any]], size: int = 0, wrap: bool = False) -> bytes:
