@@ -2,11 +2,12 @@
 """The unit tests with char signed and unsigned, and under valgrind."""
 import re
 
-from session import JOBS, Number, UnitTests
+from session import JOBS, ROOT, Number, UnitTests
 
 SHARDS = 3 * JOBS
 # What nothing points to any more is an error, as is every read past what a test gave.
-VALGRIND = ["valgrind", "-q", "--error-exitcode=99", "--leak-check=full", "--errors-for-leak-kinds=definite,indirect,possible", "--fair-sched=try"]
+VALGRIND = ["valgrind", "-q", "--error-exitcode=99", "--leak-check=full", "--errors-for-leak-kinds=definite,indirect,possible", "--fair-sched=try",
+            f"--suppressions={ROOT}/tests/proof/valgrind.supp"]
 RAN = re.compile(r"^\[==========\] (\d+) tests? from .* ran", re.MULTILINE)
 SKIPPED = re.compile(r"^\[  SKIPPED \] (\d+) tests?, listed", re.MULTILINE)
 
