@@ -89,6 +89,19 @@ class Docs(FleetTest):
         self.Good("bash", "-exo", "pipefail", "-c", strScript, FRUCTL=FRUCTL, ANSIBLE_PYTHON_INTERPRETER="/usr/bin/python3")
         self.assertEqual((self.pathTemp / "build/fleet/try/c001-psu1.bin").stat().st_size, 256)
 
+    def test_the_readmes_tasks_do_what_its_commands_do(self):
+        self.Provision()
+        dictTree = self.Tree(self.pathRoot)
+        (strTasks,) = Blocks(SOURCE / "README.md", "yaml")
+        listTasks = yaml.safe_load(strTasks)
+        (self.pathTemp / "play.yml").write_text(yaml.safe_dump([{"hosts": "localhost", "gather_facts": False, "tasks": listTasks}]))
+        strDone = self.Good("ansible-playbook", "-i", "localhost,", "-c", "local", "-e", "ansible_python_interpreter=/usr/bin/python3",
+                            "play.yml", FRUCTL_ROOT=str(self.pathRoot))
+        self.assertIn("ok=3    changed=2", strDone)
+        self.assertEqual(self.Tree(self.pathRoot), dictTree)
+        self.Good(FRUCTL, "--root", self.pathRoot, "read", "psu1", "-o", "same.bin")
+        self.assertEqual((self.pathTemp / "image.bin").read_bytes(), (self.pathTemp / "same.bin").read_bytes())
+
 
 if __name__ == "__main__":
     unittest.main()
