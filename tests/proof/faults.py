@@ -8,6 +8,7 @@ from session import JOBS, OUT, Failed, Number
 
 CALIBRATION = 2001  # of so many variants one, to know what all take
 SHARE_PLANNED = 0.8
+PARTS = 4 * JOBS  # large images and small ones: so that no core is without work for long
 
 
 def ReadLines(pathFile):
@@ -36,21 +37,21 @@ def Matrix(stSession, stResult):
 
 
 def Sweep(stSession, pathBuild, iStride):
-    """Exit code, what was printed and the total of each part, one a core."""
+    """Exit code, what was printed and the images of each part."""
     def One(iPart):
         pathRows = OUT / f"images-{iPart}.json"
         pathRows.unlink(missing_ok=True)
-        iCode, strOut = stSession.Run([pathBuild / "prove_images", "--stride", iStride, "--part", f"{iPart}/{JOBS}", "--json", pathRows], pathCwd=pathBuild)
+        iCode, strOut = stSession.Run([pathBuild / "prove_images", "--stride", iStride, "--part", f"{iPart}/{PARTS}", "--json", pathRows], pathCwd=pathBuild)
         return iCode, strOut, [dictRow for dictRow in ReadLines(pathRows) if "image" in dictRow] if pathRows.exists() else []
 
-    return stSession.Each(One, range(1, JOBS + 1))
+    return stSession.Each(One, range(1, PARTS + 1))
 
 
 def Images(stSession, stResult):
     pathBuild = stSession.Build("asan", "prove_images")
     fBudget = stSession.Budget("images") * SHARE_PLANNED
-    fPartLongest = max(sum(dictRow["seconds"] for dictRow in listRows) for _, _, listRows in Sweep(stSession, pathBuild, CALIBRATION))
-    iStride = max(1, math.ceil(fPartLongest * CALIBRATION / fBudget))
+    listParts = [sum(dictRow["seconds"] for dictRow in listRows) for _, _, listRows in Sweep(stSession, pathBuild, CALIBRATION)]
+    iStride = max(1, math.ceil(max(sum(listParts) / JOBS, *listParts) * CALIBRATION / fBudget))
     iStride += iStride % 2 == 0  # every other variant has its checksums repaired
     listRows = []
     for iCode, strOut, listPart in Sweep(stSession, pathBuild, iStride):
