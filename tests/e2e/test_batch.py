@@ -205,7 +205,10 @@ class Results(BatchTest):
         for strText, strWhy in (("", "has no rows"), (f"device,{SERIAL}\n", "has no rows"), (f"{SERIAL}\nA1\n", "names no device"),
                                 (f"device,{SERIAL}\npsu1\n", "gives no label a value"), (f"device,{SERIAL}\npsu1,A,B\n", ":2: 3 cells, but the first line names 2 columns"),
                                 ('device,"x\n', "a quote is not closed"), ("device,device\npsu1,psu2\n", "the column 'device' stands there twice"),
-                                ("device,Product Serial Numbr\npsu1,A1\n", "did you mean 'Product Serial Number'?"), ('[{"device": ["psu1"]}]', ": accepted: a text, a number or null"),
+                                ("device,Product Serial Numbr\npsu1,A1\n", "did you mean 'Product Serial Number'?"), ('[{"device": ["psu1"]}]', ": accepted: a text, a whole number or null"),
+                                ('{"device": "psu1", "Product Version": 2.10}', ":1: Product Version: accepted: a text, a whole number or null"),
+                                ('{"device": "psu1", "Product Version": 98765432109876543210}', "accepted: a text, a whole number or null"),
+                                ('{"device": "psu1", "Product Version": true}', "accepted: a text, a whole number or null"),
                                 ("[1]", ":1: not an object"), ('{"device": \n', ":1: not JSON")):
             with self.subTest(strText):
                 stResult = self.Batch(self.Table(strText))

@@ -20,7 +20,7 @@ TABLES = {
     "a separator in quotes first": '"Product Asset Tag",device\n"a;b",psu1\n',
     "short lines": 'device,Product Serial Number,Product Asset Tag\npsu1,PS80241009001\npsu2,,A2\n',
     "one column": 'device,Product Asset Tag\npsu1,A1\n',
-    "an array": '[{"device": "psu1", "Product Version": 2.5, "Product Asset Tag": null}, {"device": "psu2", "Product Version": "2.0"}]',
+    "an array": '[{"device": "psu1", "Product Version": 25, "Product Asset Tag": null}, {"device": "psu2", "Product Version": "2.0"}]',
     "lines of JSON": '{"device": "psu1", "Product Version": 77}\n\n{"device": "psu2", "Product Asset Tag": "x"}\n',
 }
 REFUSED = {
@@ -28,7 +28,10 @@ REFUSED = {
     'device,Product Asset Tag\npsu1,"A1"x\n': "goes on behind its closing quote",
     'device,Product Asset Tag\npsu1,A1,A2\n': "3 cells, but the first line names 2 columns",
     'device,device\npsu1,A1\n': "stands there twice",
-    '[{"device": "psu1", "Product Asset Tag": ["A1"]}]': "a text, a number or null",
+    '[{"device": "psu1", "Product Asset Tag": ["A1"]}]': "a text, a whole number or null",
+    '[{"device": "psu1", "Product Version": 2.10}]': "a text, a whole number or null",
+    '[{"device": "psu1", "Product Version": 98765432109876543210}]': "a text, a whole number or null",
+    '[{"device": "psu1", "Product Version": true}]': "a text, a whole number or null",
     '{"device": "psu1"\n': "not JSON",
     '["psu1"]': "not an object",
 }

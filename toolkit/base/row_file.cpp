@@ -154,8 +154,9 @@ void TakeObject(const Json &stObject, size_t uiLine, const std::string &strName,
     stRow.vecCells.resize(stFile.vecColumns.size());
     for (const auto &itMember : stObject.items()) {
         const Json &stValue = itMember.value();
-        if (stValue.is_structured()) {
-            FailRefused(strWhere + EscapeText(itMember.key()) + ": accepted: a text, a number or null");
+        // 2.10 would be read as 2.1, and what is meant by true is anybody's guess.
+        if (!stValue.is_null() && !stValue.is_string() && !stValue.is_number_integer()) {
+            FailRefused(strWhere + EscapeText(itMember.key()) + ": accepted: a text, a whole number or null");
         }
         const std::optional<size_t> optColumn = stFile.Column(itMember.key());
         if (!optColumn.has_value()) {

@@ -21,8 +21,8 @@ struct ROW_FILE_S
     std::optional<size_t> Column(const std::string &strName) const;
 };
 
-// What begins with '[' or '{' is JSON; its numbers are taken as they are written, null is not given. Anything
-// else is CSV: the first line names the columns, commas, semicolons or tabs part them (whichever comes first),
+// What begins with '[' or '{' is JSON; its whole numbers are taken as they are written, other numbers are refused
+// (2.10 is 2.1 there), null is not given. Anything else is CSV: the first line names the columns, commas, semicolons or tabs part them (whichever comes first),
 // texts may stand in double quotes. An empty cell is not given, and "" is an empty text. Fails with strName and
 // the line.
 ROW_FILE_S ParseRows(const std::string &strText, const std::string &strName);

@@ -109,11 +109,16 @@ def Csv(strText, strName):
             yield iLine, dict(zip(asColumns, listCells))
 
 
+def Whole(strNumber):
+    """A whole number as it is written; what needs more than 64 bits is none, as for the command line."""
+    return strNumber if -2**63 <= int(strNumber) < 2**64 else float(strNumber)
+
+
 def Json(strText, strName):
-    """The same of an array of objects, or of an object a line. Numbers are taken as they are written."""
+    """The same of an array of objects, or of an object a line. Whole numbers are taken as they are written."""
     def Load(strPart, iLine):
         try:
-            return json.loads(strPart, parse_int=str, parse_float=str)
+            return json.loads(strPart, parse_int=Whole)
         except ValueError as stError:
             raise AnsibleLookupError(f"{strName}:{iLine}: not JSON; accepted: an array of objects, or an object a line") from stError
     if strText.lstrip().startswith("["):
@@ -124,9 +129,9 @@ def Json(strText, strName):
         if not isinstance(dictRow, dict):
             raise AnsibleLookupError(f"{strName}:{iLine}: not an object; accepted: an object for each row, its members the row's cells")
         for strColumn, value in dictRow.items():
-            if isinstance(value, (dict, list)):
-                raise AnsibleLookupError(f"{strName}:{iLine}: {strColumn}: accepted: a text, a number or null")
-        yield iLine, {strColumn: str(value).lower() if isinstance(value, bool) else value for strColumn, value in dictRow.items()}
+            if not isinstance(value, (str, type(None))):
+                raise AnsibleLookupError(f"{strName}:{iLine}: {strColumn}: accepted: a text, a whole number or null")
+        yield iLine, dictRow
 
 
 def Rows(strText, strName):
