@@ -12,9 +12,14 @@ from ._controller import Controller, Device, Label
 from ._data import (Board, ByteChange, Chassis, Check, Device as DeviceNames, DeviceState, Diagnostic, FieldChange,
                     Finding, ImageChange, InternalUse, LabelChange, LabelStep, LabelValue, Layout, LenientArea,
                     LenientField, LenientRecord, Part, PastImage, Product, Record, Recovery, ShownRecord, Span, Undone)
+from ._errors import ERRORS as _ERRORS
 from ._errors import (BusyError, DamagedError, DiskFullError, Error, HalfWrittenError, NoAnswerError, NotFoundError,
                       NotPermittedError, RefusedError, UsageError)
 from ._images import decode, encode, layout, lenient, verify
+
+# Tracebacks name what users import.
+for _kind in _ERRORS.values():
+    _kind.__module__ = __name__
 
 __version__ = "1.0.0"
 __all__ = [
