@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // What the labels' catalogue drags in of a controller: a fuzzer of texts has none.
+#include <optional>
+
 #include "bmcfru_host.h"
 #include "toolkit/controller/cause.h"
 #include "toolkit/controller/controller.h"
@@ -11,7 +13,7 @@ void RequireController(const CONTROLLER_S &)
     Fail("there is no controller");
 }
 
-void FailLibrary(ErrorClass enElse, const std::string &strLine, const std::string &)
+void FailLibrary(ErrorClass enElse, const std::string &strLine, const std::string &, std::optional<u32>)
 {
     Fail(enElse, strLine);
 }
