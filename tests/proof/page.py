@@ -34,6 +34,12 @@ def NewRun(fMinutes):
             "seconds": 0.0, "steps": []}
 
 
+def Elsewhere(dictRun, dictStep):
+    """The commit of a step that ran on another one."""
+    strCommit = dictStep.get("commit", dictRun["commit"])
+    return "" if strCommit == dictRun["commit"] else f", on {strCommit}"
+
+
 def Table(dictRun, asAll):
     """Markdown, a row each step; those that did not run say so."""
     dictSteps = {dictStep["name"]: dictStep for dictStep in dictRun["steps"]}
@@ -44,7 +50,8 @@ def Table(dictRun, asAll):
             asRows.append(f"| {strName} | {strTitle} | | not run | |")
         else:
             strFigures = "<br>".join(dictStep["figures"])
-            asRows.append(f"| {strName} | {strTitle} | {strFigures} | {'passed' if dictStep['passed'] else '**failed**'} | {Duration(dictStep['seconds'])} |")
+            strResult = "passed" if dictStep["passed"] else "**failed**"
+            asRows.append(f"| {strName} | {strTitle} | {strFigures} | {strResult}{Elsewhere(dictRun, dictStep)} | {Duration(dictStep['seconds'])} |")
     return "\n".join(asRows)
 
 
@@ -64,7 +71,7 @@ def Text(dictRun, asAll):
     asLines = [Heading(dictRun), ""]
     for strName, _ in asAll:
         dictStep = dictSteps.get(strName)
-        strResult = "not run" if dictStep is None else "passed" if dictStep["passed"] else "FAILED"
+        strResult = "not run" if dictStep is None else ("passed" if dictStep["passed"] else "FAILED") + Elsewhere(dictRun, dictStep)
         asFigures = [] if dictStep is None else dictStep["figures"] or [""]
         strTime = "" if dictStep is None else Duration(dictStep["seconds"])
         asLines.append(f"{strName:10} {strResult:8} {strTime:>12}  {asFigures[0] if asFigures else ''}")

@@ -54,18 +54,20 @@ class Command(unittest.TestCase):
     @unittest.skipUnless(shutil.which("cppcheck"), "there is no cppcheck; scripts/setup prove installs it")
     def test_a_run_of_one_step_ends_with_the_table_and_keeps_it(self):
         with tempfile.TemporaryDirectory() as strOut:
+            pathlib.Path(strOut, "results.json").write_text(json.dumps({**RUN, "steps": [{**RUN["steps"][1], "name": "faults"}, {**RUN["steps"][0], "name": "cppcheck"}]}))
             stDone = Prove("--only", "cppcheck", "--minutes", "1", strOut=strOut)
             dictRun = json.loads(pathlib.Path(strOut, "results.json").read_text())
             strLog = pathlib.Path(strOut, "cppcheck.log").read_text()
-        dictStep = dictRun["steps"][0]
-        self.assertEqual([dictOne["name"] for dictOne in dictRun["steps"]], ["cppcheck"])
+        dictStep = dictRun["steps"][1]
+        self.assertEqual([dictOne["name"] for dictOne in dictRun["steps"]], ["faults", "cppcheck"])
+        self.assertRegex(stDone.stdout, r"(?m)^faults +FAILED, on 0123456789ab +2 min 0 s")
         # What it finds is the step's business, not this test's.
         self.assertEqual(stDone.returncode, 0 if dictStep["passed"] else 1, stDone.stderr)
         self.assertIn("$ cppcheck ", strLog)
         self.assertRegex(stDone.stdout, rf"cppcheck +{'passed' if dictStep['passed'] else 'FAILED'} ")
         self.assertIn(dictStep["figures"][0], stDone.stdout)
         for strStep in STEPS:
-            self.assertRegex(stDone.stdout, rf"(?m)^{strStep} +{'not run' if strStep != 'cppcheck' else ''}")
+            self.assertRegex(stDone.stdout, rf"(?m)^{strStep} +{'not run' if strStep not in ('cppcheck', 'faults') else ''}")
 
     def test_what_is_no_step_is_refused(self):
         self.assertEqual(Prove("--only", "everything").returncode, 2)
@@ -74,6 +76,8 @@ class Command(unittest.TestCase):
 
 class Page(unittest.TestCase):
     def test_the_table_stands_between_the_marks_and_nowhere_else(self):
+        dictOther = {**RUN["steps"][0], "name": "three", "title": "shows three", "commit": "ba9876543210"}
+        self.assertIn("| passed, on ba9876543210 | 61 s |", page.Table({**RUN, "steps": [dictOther]}, ALL))
         strPage = f"before\n{page.BEGIN}\nthe last run\n{page.END}\n\n## Mutants\n\nafter\n"
         strWritten = page.Written(strPage, RUN, ALL)
         self.assertTrue(strWritten.startswith(f"before\n{page.BEGIN}\nRun on 2026-11-22 06:00 UTC, commit 0123456789ab, 2 cores, asked for 30 minutes, took 30 min 1 s.\n"))
