@@ -11,9 +11,11 @@ REASONS = ROOT / "tests/proof/findings.txt"
 # GCC 12's analyzer knows C. Where nothing throws and no containers are, it makes sense of C++ too; of the rest of host/ it
 # says two hundred times that what a function returns was never written.
 ANALYZED = ("src/", "host/plain/")
+DEEPLY = ("toolkit/", "tools/")
 CHECKED = ("src", "host", "toolkit", "tools")
 INCLUDED = ("include", "platform", "src", "host", "host/include", ".")
 GCC_FOUND = re.compile(r"^(\S+?):(\d+):\d+: (?:warning|error): .*\[-W(analyzer-[\w-]+)\]$", re.MULTILINE)
+TIDY_FOUND = re.compile(r"^(\S+?):\d+:\d+: (?:warning|error): .*$", re.MULTILINE)
 CPPCHECK_FOUND = re.compile(r"^(\S+?)@(\d+)@([\w-]+)@(.*)$", re.MULTILINE)
 NO_FINDING = {"missingInclude", "missingIncludeSystem", "toomanyconfigs", "unmatchedSuppression", "checkersReport"}
 
@@ -66,6 +68,24 @@ def Analyzer(stSession, stResult):
     iNamed = Judge(stResult, "gcc", set().union(*listFound))
     stResult.listFigures.append(f"{len(listEntries)} files of {' and '.join(ANALYZED)}, {iNamed} findings named with the reason, no other" if stResult.bPassed
                                 else f"{len(listEntries)} files, {len(stResult.listProblems)} findings without a reason or the other way round")
+
+
+def Tidy(stSession, stResult):
+    """What scripts/test has no time for: there these files get the analyzer's shallow mode."""
+    pathBuild = stSession.Build("asan", "help")
+    listFiles = sorted({os.path.relpath(os.path.join(dictEntry["directory"], dictEntry["file"]), ROOT) for dictEntry in json.loads((pathBuild / "compile_commands.json").read_text())})
+    listFiles = [strFile for strFile in listFiles if strFile.startswith(DEEPLY)]
+
+    def One(strFile):
+        iCode, strOut = stSession.Run(["clang-tidy", "-p", pathBuild, "--quiet", strFile])
+        return [stMatch.group(0) for stMatch in TIDY_FOUND.finditer(strOut)] or ([f"{strFile}: clang-tidy ends with exit code {iCode}"] if iCode != 0 else [])
+
+    for listFound in stSession.Each(One, listFiles):
+        for strFound in listFound:
+            stResult.Problem(f"finds: {strFound}")
+    if not listFiles:
+        raise Failed("there is nothing to analyse")
+    stResult.listFigures.append(f"{len(listFiles)} files of {' and '.join(DEEPLY)}, {len(stResult.listProblems)} findings")
 
 
 def Cppcheck(stSession, stResult):

@@ -17,7 +17,7 @@ import kills  # noqa: E402
 import page  # noqa: E402
 from session import Failed, ReadReasons, Result, Session  # noqa: E402
 
-STEPS = ["chars", "cppcheck", "analyzer", "coverage", "valgrind", "faults", "images", "kills", "fuzz"]
+STEPS = ["chars", "cppcheck", "analyzer", "tidy", "coverage", "valgrind", "faults", "images", "kills", "fuzz"]
 RUN = {"when": "2026-11-22 06:00 UTC", "commit": "0123456789ab", "cores": 2, "minutes": 30, "seconds": 1801,
        "steps": [{"name": "one", "title": "shows one", "passed": True, "figures": ["1,000 tests", "none skipped"], "problems": [], "rules": [], "seconds": 61.2},
                  {"name": "two", "title": "shows two", "passed": False, "figures": [], "problems": ["it broke"], "seconds": 119.6,
