@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 // What Debian's libraries write into our memory without telling the memory sanitizer: the links of a map's or set's new
-// node, and what stat() fills in.
+// node, the text of an exception, and what stat() fills in.
 #include <set>
+#include <stdexcept>
 
 #include <sanitizer/msan_interface.h>
 #include <sys/stat.h>
@@ -18,6 +19,15 @@ void __wrap__ZSt29_Rb_tree_insert_and_rebalancebPSt18_Rb_tree_node_baseS0_RS_(
     __real__ZSt29_Rb_tree_insert_and_rebalancebPSt18_Rb_tree_node_baseS0_RS_(bLeft, pstNode, pstParent,
                                                                              stHeader);
     __msan_unpoison(pstNode, sizeof(*pstNode));
+}
+
+// std::runtime_error::what(): the text was copied when the exception was made.
+const char *__real__ZNKSt13runtime_error4whatEv(const std::runtime_error *pstError);
+const char *__wrap__ZNKSt13runtime_error4whatEv(const std::runtime_error *pstError)
+{
+    const char *pcText = __real__ZNKSt13runtime_error4whatEv(pstError);
+    __msan_unpoison_string(pcText);
+    return pcText;
 }
 
 int __real_stat64(const char *pcPath, struct stat64 *pstStat);
