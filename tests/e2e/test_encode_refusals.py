@@ -72,7 +72,7 @@ class Refusals(EncodeTest):
         self.assertEqual(os.listdir(self.pathTemp), ["record.json"])
 
     def test_what_is_no_document_is_refused(self):
-        for abText, strWhy in [(b"", "not JSON"), (b"{", "not JSON"), (b"{\"board\": {}, \"board\": {}}", "the member \"board\" stands twice"),
+        for abText, strWhy in [(b"", "not JSON"), (b"{", "not JSON"), (b"{\"board\": 2E9999}", "not JSON: number overflow"), (b"{\"board\": {}, \"board\": {}}", "the member \"board\" stands twice"),
                                (b"{\"board\": {\"manufacturer\": \"\xff\"}}", "not JSON")]:
             self.assertIn(strWhy, self.Bad(3, "encode", self.Write("bad.json", abText), "-o", self.pathTemp / "x.bin"))
         self.assertIn("No such file", self.Bad(4, "encode", self.pathTemp / "none.json", "-o", self.pathTemp / "x.bin"))

@@ -125,7 +125,7 @@ class Refusals(FructlTest):
         self.assertFalse(self.pathRoot.exists(), "something was written")
 
     def test_what_is_no_json_is_refused(self):
-        for strText, strWhy in [("", "not JSON: parse error at line 1, column 1"), ("{", "not JSON: parse error at line 1, column 2"),
+        for strText, strWhy in [("", "not JSON: parse error at line 1, column 1"), ("{", "not JSON: parse error at line 1, column 2"), ("[2E9999]", "not JSON: number overflow"),
                                 ("[]", "[] is not an object; accepted: devices, conf"),
                                 ('{"devices": [], "devices": []}', 'the member "devices" stands twice in one object; accepted: each member once')]:
             with self.subTest(strText):

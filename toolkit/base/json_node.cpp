@@ -54,7 +54,7 @@ json ParseJsonDocument(const std::string &strText, const std::string &strTitle)
     };
     try {
         return json::parse(strText, fnCheck);
-    } catch (const json::parse_error &stError) {
+    } catch (const json::exception &stError) { // a number may be too large for any, too
         std::string strWhat = stError.what();
         strWhat.erase(0, std::min(strWhat.size(), strWhat.find("] ") + 2U)); // the library's own numbering
         FailRefused(strTitle + ": not JSON: " + EscapeText(strWhat));
