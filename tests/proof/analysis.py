@@ -72,7 +72,7 @@ def Analyzer(stSession, stResult):
 
 def Tidy(stSession, stResult):
     """What scripts/test has no time for: there these files get the analyzer's shallow mode."""
-    pathBuild = stSession.Build("asan", "help")
+    pathBuild = stSession.Build("asan", "all")  # clang-tidy reads the precompiled headers
     listFiles = sorted({os.path.relpath(os.path.join(dictEntry["directory"], dictEntry["file"]), ROOT) for dictEntry in json.loads((pathBuild / "compile_commands.json").read_text())})
     listFiles = [strFile for strFile in listFiles if strFile.startswith(DEEPLY)]
 
