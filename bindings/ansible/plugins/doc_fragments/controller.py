@@ -18,3 +18,13 @@ notes:
 author:
   - libbmcfru developers (@bmcfru)
 """
+
+    # Of the modules that work on one controller.
+    ROOT = r"""
+options:
+  root:
+    description:
+      - The controller's directory on the managed host.
+      - Else the environment variable C(FRUCTL_ROOT) of the managed host, else C(~/.local/state/fructl).
+    type: path
+"""

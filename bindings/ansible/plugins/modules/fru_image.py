@@ -33,13 +33,9 @@ options:
     description: C(written) takes an image that is not in order.
     type: bool
     default: false
-  root:
-    description:
-      - The controller's directory on the managed host.
-      - Else the environment variable C(FRUCTL_ROOT) of the managed host, else C(~/.local/state/fructl).
-    type: path
 extends_documentation_fragment:
   - bmcfru.fru.controller
+  - bmcfru.fru.controller.root
 """
 
 EXAMPLES = r"""

@@ -39,17 +39,13 @@ options:
       where:
         description: Where the row is from (C(labels.csv:3)), for messages.
         type: str
-  root:
-    description:
-      - The controller's directory on the managed host.
-      - Else the environment variable C(FRUCTL_ROOT) of the managed host, else C(~/.local/state/fructl).
-    type: path
   force:
     description: Takes placeholders (C(0000000000)) too, and losses beside the label.
     type: bool
     default: false
 extends_documentation_fragment:
   - bmcfru.fru.controller
+  - bmcfru.fru.controller.root
 """
 
 EXAMPLES = r"""
